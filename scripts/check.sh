@@ -1,0 +1,97 @@
+#!/usr/bin/env bash
+# Rules of the house that no compiler checks: format, layering, sizes, banned calls, headers that stand alone.
+# A waiver stands on its line as "check: <rule> <reason>".
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+failures=0
+report() {  # RULE LINES: nothing to say without lines
+  [ -n "$2" ] || return 0
+  printf '%s\n' "$2" | sed "s/^/check: $1: /" >&2
+  failures=$((failures + 1))
+}
+sources() {
+  git ls-files --cached --others --exclude-standard -- "$@" | while read -r f; do [ ! -f "$f" ] || echo "$f"; done
+}
+grep_in() {  # FILES GREP-ARGUMENTS ...: no match is no failure
+  local files=$1
+  shift
+  printf '%s\n' "$files" | xargs grep -n "$@" /dev/null || true
+}
+
+rooms="app base cli mailtool netstat platform project run settings state ui web"
+all=$(sources '*.cpp' '*.h')
+product=$(printf '%s\n' "$all" | grep -E "^($(echo $rooms | tr ' ' '|'))/")
+portable=$(printf '%s\n' "$product" | grep -vE '^(platform/(posix|win32)|ui/win32)/')
+mains='/main[a-z0-9_]*\.cpp$'
+
+# 1. Format.
+report format "$(printf '%s\n' "$all" | xargs clang-format --dry-run -Werror 2>&1 | grep -E 'error:' | head -20 || true)"
+
+# 2. Operating-system headers and conditionals only where the operating system is known.
+os='windows|win[a-z0-9]*|shl[a-z]*|comm[a-z]*|sys/.*|unistd|fcntl|poll|netinet/.*|arpa/.*|net/.*|pthread|signal|dirent|curl/.*'
+report os-headers "$(grep_in "$portable" -E "^ *# *include <($os)\.h>")"
+report platform-conditionals "$(grep_in "$portable" -E '^ *# *(el)?if.*(_WIN32|WIN32|__linux__|__unix__|__MINGW)' |
+  grep -v 'check: platform-conditionals' || true)"
+
+# 3. Layering: a room includes only itself and what lies below it. The forms lie in several rooms; the control models
+# (ui/controls.h) are below them all, ui/win32 above.
+below() {
+  case "$1" in
+    base) echo ;;
+    platform | state) echo base ;;
+    web) echo base platform state ;;
+    run | project) echo base platform state web ;;
+    netstat) echo base platform ;;
+    settings | mailtool) echo base platform state web ui ;;
+    ui | app) echo base platform state web run project settings mailtool netstat app ui ;;
+    cli) echo base platform state web run project settings mailtool netstat app ;;
+  esac
+}
+for room in $rooms; do
+  allowed=$(echo "$room" $(below "$room") | tr ' ' '|')
+  files=$(printf '%s\n' "$portable" | grep "^$room/" | grep -vE "$mains" || true)
+  [ -n "$files" ] || continue
+  report layering "$(grep_in "$files" -E '^#include "' | grep -vE "#include \"($allowed)/" || true)"
+  report layering "$(grep_in "$files" -E '^#include "(platform/(posix|win32)|ui/win32)/')"
+done
+
+# 4. Sizes: files of 800 lines at most, functions of 80 (a function begins and ends at the left margin).
+report file-length "$(printf '%s\n' "$product" | xargs wc -l | awk '$2 != "total" && $1 > 800 { print $2 ": " $1 " lines" }')"
+report function-length "$(printf '%s\n' "$product" | grep '\.cpp$' | xargs awk '
+  FNR == 1 { open = 0 }
+  /^[A-Za-z_~:<].*\{$/ && !/^(namespace|class|struct|enum|union|extern|constexpr [^(]*=|const [^(]*=)/ { open = FNR }
+  /^\}/ { if (open && FNR - open > 80) print FILENAME ":" open ": " FNR - open " lines"; open = 0 }')"
+
+# 5. Banned calls.
+ban() {  # RULE PATTERN FILES
+  report "$1" "$(grep_in "$3" -E "$2" | grep -vE '^[^:]*:[0-9]*: *(//|\*)' | grep -v "check: $1" || true)"
+}
+ban std-regex 'std::w?regex|#include <regex>' "$product"
+ban raw-new '(^|[^a-zA-Z_])new [A-Za-z_:]+[({;]' "$portable"
+ban unbounded-copy '(^|[^a-zA-Z_:])(strcpy|strcat|sprintf|vsprintf|gets)\(' "$product"
+ban printing '(^|[^a-zA-Z_])(std::cout|std::cerr|printf\(|puts\()' "$(printf '%s\n' "$portable" | grep -v '^cli/')"
+ban sleeping 'sleep_for|sleep_until|[^a-zA-Z_]usleep\(|[^a-zA-Z_]Sleep\(' "$product"
+
+# 6. Headers stand alone: a source includes its own header first; a header without a source is compiled by itself.
+for source in $(printf '%s\n' "$portable" | grep '\.cpp$'); do
+  header=${source%.cpp}.h
+  if [ -f "$header" ] && [ "$(grep -m1 '^#include' "$source")" != "#include \"$header\"" ]; then
+    report own-header-first "$source"
+  fi
+done
+for header in $(printf '%s\n' "$portable" | grep '\.h$'); do
+  [ -f "${header%.h}.cpp" ] || g++ -std=c++20 -fsyntax-only -I. -x c++ - <<<"#include \"$header\"" ||
+    report header-alone "$header"
+done
+
+# 7. Every header opens with its purpose, and nothing unfinished is left.
+for file in $(printf '%s\n' "$product" | grep '\.h$'); do
+  case "$(head -1 "$file")" in //* | "/*"*) ;; *) report purpose "$file" ;; esac
+done
+report unfinished "$(grep_in "$all" -E 'TODO|FIXME|(^|[^X])XXX([^X]|$)|HACK|GTEST_SKIP|DISABLED_' | grep -v 'check: unfinished' || true)"
+
+if [ "$failures" -gt 0 ]; then
+  echo "check: rules are broken" >&2
+  exit 1
+fi
+echo "check: all rules hold"
