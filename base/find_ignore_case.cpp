@@ -1,0 +1,60 @@
+// FindIgnoreCase: looks for the first and the last byte of the needle in sixteen places at once.
+#include <bit>
+
+#include "base/ascii.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+bool HasAt(std::string_view text, std::size_t at, std::string_view lower_needle) {
+  for (std::size_t k = 0; k < lower_needle.size(); ++k) {
+    if (ToLower(text[at + k]) != lower_needle[k]) return false;
+  }
+  return true;
+}
+
+#if defined(__SSE2__)
+
+// Sixteen times one wanted byte; a letter is met in either case.
+struct Wanted {
+  explicit Wanted(char lower) : byte(_mm_set1_epi8(lower)), fold(_mm_set1_epi8(IsLetter(lower) ? 0x20 : 0)) {}
+  [[nodiscard]] __m128i In(const char* data) const {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
+    return _mm_cmpeq_epi8(_mm_or_si128(bytes, fold), byte);
+  }
+  __m128i byte, fold;
+};
+
+#endif
+
+}  // namespace
+
+std::size_t FindIgnoreCase(std::string_view text, std::string_view lower_needle, std::size_t from) {
+  if (lower_needle.size() > text.size()) return kNone;
+  if (lower_needle.empty()) return from <= text.size() ? from : kNone;
+  const std::size_t places = text.size() - lower_needle.size() + 1;  // where the needle can begin
+  std::size_t at = from;
+#if defined(__SSE2__)
+  const Wanted first(lower_needle.front()), last(lower_needle.back());
+  const std::size_t to_last = lower_needle.size() - 1;
+  for (; at < places && places - at >= 16; at += 16) {
+    const __m128i both = _mm_and_si128(first.In(text.data() + at), last.In(text.data() + at + to_last));
+    for (auto hits = static_cast<unsigned>(_mm_movemask_epi8(both)); hits != 0; hits &= hits - 1) {
+      const std::size_t place = at + static_cast<std::size_t>(std::countr_zero(hits));
+      if (HasAt(text, place, lower_needle)) return place;
+    }
+  }
+#endif
+  for (; at < places; ++at) {
+    if (HasAt(text, at, lower_needle)) return at;
+  }
+  return kNone;
+}
+
+}  // namespace quenlar

@@ -1,0 +1,68 @@
+// The result of an operation that can fail: a kind that callers tell apart and a message for the user.
+#pragma once
+
+#include <cassert>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace quenlar {
+
+enum class StatusKind {
+  kOk,
+  kNotFound,  // the file, folder, key or value does not exist
+  kDenied,    // no permission, or the medium is read-only
+  kFull,      // no space is left on the medium
+  kLimit,     // a documented limit was reached (16-bit writer counts, page size, ...)
+  kFormat,    // the bytes are not in the expected format
+  kBusy,      // somebody else holds the resource
+  kFailed,    // anything else that the system refused
+};
+
+// Success, or a kind and a message in plain words. The message names the object (a path, an address) and
+// the cause, carries no trailing " !", and is UTF-8.
+class [[nodiscard]] Status {
+ public:
+  Status() = default;
+  Status(StatusKind kind, std::string message) : kind_(kind), message_(std::move(message)) {}
+
+  static Status Ok() { return {}; }
+
+  [[nodiscard]] bool ok() const { return kind_ == StatusKind::kOk; }
+  [[nodiscard]] StatusKind kind() const { return kind_; }
+  [[nodiscard]] const std::string& message() const { return message_; }
+
+  // The same failure with "what: " in front of its message; a success stays a success.
+  [[nodiscard]] Status WithContext(const std::string& what) const {
+    return ok() ? Status() : Status(kind_, what + ": " + message_);
+  }
+
+  // Says on purpose that nobody needs this result; `reason` is for the reader of the code.
+  void Ignore([[maybe_unused]] const char* reason) const {}
+
+ private:
+  StatusKind kind_ = StatusKind::kOk;
+  std::string message_;
+};
+
+// A value, or the status that says why there is none.
+template <typename T>
+class [[nodiscard]] Result {
+ public:
+  Result(T value) : state_(std::move(value)) {}                                    // NOLINT: conversion is meant
+  Result(Status failure) : state_(std::move(failure)) { assert(!status().ok()); }  // NOLINT: conversion is meant
+
+  [[nodiscard]] bool ok() const { return std::holds_alternative<T>(state_); }
+  [[nodiscard]] Status status() const { return ok() ? Status() : std::get<Status>(state_); }
+
+  // Only where ok().
+  [[nodiscard]] T& value() { return std::get<T>(state_); }
+  [[nodiscard]] const T& value() const { return std::get<T>(state_); }
+  [[nodiscard]] T&& take() { return std::move(std::get<T>(state_)); }
+
+ private:
+  std::variant<T, Status> state_;
+};
+
+}  // namespace quenlar

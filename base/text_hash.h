@@ -1,0 +1,82 @@
+// Hash values of texts, seeded, so that nobody who writes a page can aim at one slot of a table.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <string_view>
+
+#include "base/ascii.h"
+
+namespace quenlar {
+
+class TextHash {
+ public:
+  // One seed for all tables of a program: drawing one costs more than a small table.
+  TextHash() {
+    static const std::uint64_t seed = std::random_device{}();
+    *this = TextHash(seed);
+  }
+  explicit TextHash(std::uint64_t seed) : seed_(Mix(seed ^ kFirst, 0xD6E8FEB86659FD93u)) {}
+
+  // Equal for equal texts.
+  [[nodiscard]] std::uint32_t Exact(std::string_view text) const {
+    return Run(text, [](std::uint64_t word) { return word; });
+  }
+  // Equal for texts that differ in ASCII letter case only.
+  [[nodiscard]] std::uint32_t IgnoringCase(std::string_view text) const {
+    return Run(text, [](std::uint64_t word) { return LowerEight(word); });
+  }
+
+ private:
+  static std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
+    __extension__ using Wide = unsigned __int128;
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+  }
+
+  // A factor an eight-byte lane; none of them means anything but that its bits are well mixed.
+  static constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u;
+  static constexpr std::uint64_t kSecond = 0xA0761D6478BD642Fu;
+  static constexpr std::uint64_t kLast = 0xE7037ED1A0B428DBu;
+
+  template <typename Word>
+  static std::uint64_t Load(const char* from) {
+    Word word = 0;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+  }
+  // Fewer than eight bytes as one word.
+  static std::uint64_t LoadShort(const char* from, std::size_t size) {
+    if (size >= 4) return Load<std::uint32_t>(from) | Load<std::uint32_t>(from + size - 4) << 32;
+    if (size == 0) return 0;
+    return Load<std::uint8_t>(from) | Load<std::uint8_t>(from + size / 2) << 8 |
+           Load<std::uint8_t>(from + size - 1) << 16;
+  }
+
+  // Two lanes side by side; the last eight bytes overlap those before them, so that no rest is left over.
+  template <typename Fold>
+  std::uint32_t Run(std::string_view text, Fold fold) const {
+    const char* at = text.data();
+    std::size_t left = text.size();
+    std::uint64_t first = seed_ ^ left;
+    if (left < 8) {
+      first = Mix(first ^ fold(LoadShort(at, left)), kFirst);
+    } else {
+      std::uint64_t second = seed_;
+      for (; left > 16; at += 16, left -= 16) {
+        first = Mix(first ^ fold(Load<std::uint64_t>(at)), kFirst);
+        second = Mix(second ^ fold(Load<std::uint64_t>(at + 8)), kSecond);
+      }
+      if (left > 8) first = Mix(first ^ fold(Load<std::uint64_t>(at)), kFirst);
+      second = Mix(second ^ fold(Load<std::uint64_t>(at + left - 8)), kSecond);
+      first ^= second;
+    }
+    first = Mix(first ^ seed_, kLast);
+    return static_cast<std::uint32_t>(first ^ (first >> 32));
+  }
+
+  std::uint64_t seed_ = 0;
+};
+
+}  // namespace quenlar
