@@ -1,0 +1,40 @@
+// Page downloads over libcurl.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/page_fetcher.h"
+#include "platform/posix/posix_event_loop.h"
+
+namespace quenlar {
+
+class CurlPageFetcher : public PageFetcher {
+ public:
+  enum class ProxySource {
+    kEnvironment,  // http_proxy, https_proxy, all_proxy and no_proxy
+    kNone,
+    kGiven,
+  };
+  struct Options {
+    ProxySource proxy_source = ProxySource::kEnvironment;
+    std::string proxy;        // kGiven: "http://host:port"; every download goes through it, and fails where it fails
+    std::string authorities;  // a file of certificates (PEM) to trust; empty: the system's
+  };
+
+  // The loop must outlive the fetcher.
+  CurlPageFetcher(PosixEventLoop& loop, Options options);
+  CurlPageFetcher(const CurlPageFetcher&) = delete;
+  CurlPageFetcher& operator=(const CurlPageFetcher&) = delete;
+  ~CurlPageFetcher() override;
+
+  void SetListener(FetchListener* listener) override;
+  void Start(const std::string& address, const std::string& key) override;
+  void Cancel(const std::string& key) override;
+
+ private:
+  class Engine;
+  std::unique_ptr<Engine> engine_;
+};
+
+}  // namespace quenlar

@@ -1,0 +1,81 @@
+#include "platform/posix/curl_transfer.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kMaxRedirectBody = 64 * 1024;  // beyond it the connection is given up rather than read empty
+constexpr long kReceiveBytes = 16 * 1024;
+constexpr long kIdleSeconds = 60;  // connections that were idle for longer are not used again
+
+}  // namespace
+
+CurlTransfer::CurlTransfer(const CurlPageFetcher::Options& options, curl_slist* headers,
+                           std::vector<std::uint64_t>& arrivals)
+    : handle_(curl_easy_init()), arrivals_(arrivals) {
+  if (handle_ == nullptr) return;
+  curl_easy_setopt(handle_, CURLOPT_PRIVATE, this);
+  curl_easy_setopt(handle_, CURLOPT_HEADERFUNCTION, &OnHeader);
+  curl_easy_setopt(handle_, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(handle_, CURLOPT_WRITEFUNCTION, &OnBody);
+  curl_easy_setopt(handle_, CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, headers);
+  curl_easy_setopt(handle_, CURLOPT_USERAGENT, "Mozilla/5.0 (compatible; Quenlar/3.0)");
+  curl_easy_setopt(handle_, CURLOPT_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(handle_, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+  curl_easy_setopt(handle_, CURLOPT_HTTP09_ALLOWED, 0L);
+  curl_easy_setopt(handle_, CURLOPT_FOLLOWLOCATION, 0L);
+  curl_easy_setopt(handle_, CURLOPT_PATH_AS_IS, 1L);
+  curl_easy_setopt(handle_, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+  curl_easy_setopt(handle_, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(handle_, CURLOPT_QUICK_EXIT, 1L);  // a resolver that hangs does not hold up a cancel
+  curl_easy_setopt(handle_, CURLOPT_BUFFERSIZE, kReceiveBytes);
+  curl_easy_setopt(handle_, CURLOPT_MAXAGE_CONN, kIdleSeconds);
+  curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYPEER, 1L);
+  curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYHOST, 2L);
+  if (!options.authorities.empty()) curl_easy_setopt(handle_, CURLOPT_CAINFO, options.authorities.c_str());
+  if (options.proxy_source != CurlPageFetcher::ProxySource::kEnvironment) {
+    const bool given = options.proxy_source == CurlPageFetcher::ProxySource::kGiven;
+    curl_easy_setopt(handle_, CURLOPT_PROXY, given ? options.proxy.c_str() : "");
+    curl_easy_setopt(handle_, CURLOPT_NOPROXY, given ? "" : "*");
+  }
+}
+
+CurlTransfer::~CurlTransfer() { curl_easy_cleanup(handle_); }
+
+bool CurlTransfer::Prepare(const WireAddress& address, std::uint64_t download) {
+  head_ = AnswerHead();
+  decoder_.reset();
+  body_.clear();
+  redirect_bytes_ = 0;
+  malformed_ = false;
+  download_ = download;
+  return handle_ != nullptr && curl_easy_setopt(handle_, CURLOPT_URL, address.Url().c_str()) == CURLE_OK;
+}
+
+CurlTransfer::Outcome CurlTransfer::Finish(CURLcode result) const {
+  if (malformed_ || !head_.complete()) return Outcome::kFailed;
+  if (!head_.location().empty()) return Outcome::kRedirected;  // its own body is of no interest, whole or not
+  return result == CURLE_OK && (!decoder_ || decoder_->AtEnd()) ? Outcome::kPage : Outcome::kFailed;
+}
+
+std::size_t CurlTransfer::OnHeader(char* bytes, std::size_t size, std::size_t count, void* self) {
+  auto& transfer = *static_cast<CurlTransfer*>(self);
+  transfer.malformed_ = transfer.malformed_ || !transfer.head_.AddLine(std::string_view(bytes, size * count));
+  return transfer.malformed_ ? 0 : size * count;
+}
+
+std::size_t CurlTransfer::OnBody(char* bytes, std::size_t size, std::size_t count, void* self) {
+  return static_cast<CurlTransfer*>(self)->AddBody(std::string_view(bytes, size * count)) ? size * count : 0;
+}
+
+bool CurlTransfer::AddBody(std::string_view bytes) {
+  if (!head_.location().empty()) return (redirect_bytes_ += bytes.size()) <= kMaxRedirectBody;
+  if (!decoder_) {
+    decoder_.emplace(head_.coding(), kMaxBodyBytes);
+    arrivals_.push_back(download_);
+  }
+  malformed_ = !decoder_->Add(bytes, body_);
+  return !malformed_;
+}
+
+}  // namespace quenlar

@@ -1,0 +1,100 @@
+#include "platform/posix/posix_files.h"
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/posix/descriptor.h"
+#include "platform/posix/errors.h"
+#include "platform/posix/posix_replacement.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kBlockBytes = 64 * 1024;
+
+// The system takes a path up to its first NUL, which would name another file.
+Status CheckPath(const std::string& path) {
+  if (!path.empty() && path.find('\0') == std::string::npos) return Status::Ok();
+  return {StatusKind::kFailed, path + ": not a path"};
+}
+
+class DescriptorLock : public FolderLock {
+ public:
+  explicit DescriptorLock(Descriptor file) : file_(std::move(file)) {}
+
+ private:
+  Descriptor file_;
+};
+
+}  // namespace
+
+bool PosixFiles::FileExists(const std::string& path) const {
+  struct stat about {};
+  return CheckPath(path).ok() && stat(path.c_str(), &about) == 0 && S_ISREG(about.st_mode);
+}
+
+bool PosixFiles::FolderExists(const std::string& path) const {
+  struct stat about {};
+  return CheckPath(path).ok() && stat(path.c_str(), &about) == 0 && S_ISDIR(about.st_mode);
+}
+
+Status PosixFiles::MakeFolder(const std::string& path) {
+  if (const Status checked = CheckPath(path); !checked.ok()) return checked;
+  if (mkdir(path.c_str(), 0777) == 0) return Status::Ok();
+  const int error = errno;
+  return FolderExists(path) ? Status::Ok() : StatusOfErrno(error, path);
+}
+
+Status PosixFiles::Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const {
+  if (const Status checked = CheckPath(path); !checked.ok()) return checked;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+  if (!file.valid()) return StatusOfErrno(errno, path);
+  posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+  const auto buffer = std::make_unique<std::array<char, kBlockBytes>>();
+  while (true) {
+    const ssize_t size = read(file.get(), buffer->data(), buffer->size());
+    if (size < 0 && errno == EINTR) continue;
+    if (size < 0) return StatusOfErrno(errno, path);
+    if (size == 0 || !block(std::string_view(buffer->data(), static_cast<std::size_t>(size)))) return Status::Ok();
+  }
+}
+
+Result<std::unique_ptr<FileReplacement>> PosixFiles::Replace(const std::string& path) {
+  if (const Status checked = CheckPath(path); !checked.ok()) return checked;
+  auto target = ResolveLinks(path);
+  if (!target.ok()) return target.status();
+  if (swept_.insert(target.value()).second) RemoveLeftovers(target.value());
+  auto replacement = PosixReplacement::Begin(target.take());
+  if (!replacement.ok()) return replacement.status();
+  return std::unique_ptr<FileReplacement>(replacement.take());
+}
+
+Status PosixFiles::Delete(const std::string& path) {
+  if (const Status checked = CheckPath(path); !checked.ok()) return checked;
+  if (FolderExists(path)) return StatusOfErrno(EISDIR, path);
+  return unlink(path.c_str()) == 0 ? Status::Ok() : StatusOfErrno(errno, path);
+}
+
+Status PosixFiles::Rename(const std::string& from, const std::string& to) {
+  for (const std::string* path : {&from, &to}) {
+    if (const Status checked = CheckPath(*path); !checked.ok()) return checked;
+  }
+  return rename(from.c_str(), to.c_str()) == 0 ? Status::Ok() : StatusOfErrno(errno, from);
+}
+
+Result<std::unique_ptr<FolderLock>> PosixFiles::Lock(const std::string& folder, const std::string& lock_name) {
+  const std::string path = folder + "/" + lock_name;
+  if (const Status checked = CheckPath(path); !checked.ok()) return checked;
+  Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY, 0666));
+  if (!file.valid()) return StatusOfErrno(errno, path);
+  if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) return StatusOfErrno(errno, folder);
+  return std::unique_ptr<FolderLock>(std::make_unique<DescriptorLock>(std::move(file)));
+}
+
+}  // namespace quenlar

@@ -1,0 +1,32 @@
+// Files and folders over POSIX.
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+
+#include "platform/files.h"
+
+namespace quenlar {
+
+// A replaced file keeps its permissions; where the path is a symbolic link, what it points to is replaced. Temporary
+// files are called ".<name>.<process>-<random>.partial" and lie beside their target; those that a dead process has
+// left behind are removed when their target is replaced for the first time.
+class PosixFiles : public Files {
+ public:
+  [[nodiscard]] bool FileExists(const std::string& path) const override;
+  [[nodiscard]] bool FolderExists(const std::string& path) const override;
+  Status MakeFolder(const std::string& path) override;
+  Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
+  [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
+  Status Delete(const std::string& path) override;
+  Status Rename(const std::string& from, const std::string& to) override;
+  // A lock of the open file: it ends with the process, however that ends.
+  [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder,
+                                                         const std::string& lock_name) override;
+
+ private:
+  std::set<std::string> swept_;  // targets whose folder has been searched for leftovers
+};
+
+}  // namespace quenlar

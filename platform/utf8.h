@@ -1,0 +1,17 @@
+// UTF-8, character by character.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace quenlar {
+
+struct Utf8Character {
+  char32_t code = 0;
+  std::size_t bytes = 0;  // 0: the bytes at this place are no character
+};
+
+// The character at the beginning of `text`; overlong forms, surrogates and codes above U+10FFFF are none.
+[[nodiscard]] Utf8Character DecodeUtf8(std::string_view text);
+
+}  // namespace quenlar

@@ -1,0 +1,27 @@
+// The standard streams of a Windows console program.
+#pragma once
+
+#include "platform/console.h"
+
+namespace quenlar {
+
+// Files and pipes get the bytes as they are; a console gets the characters that they spell.
+class Win32Console final : public Console {
+ public:
+  Win32Console();
+
+  [[nodiscard]] bool Write(std::string_view bytes) override;
+  void WriteError(std::string_view bytes) override;
+  [[nodiscard]] std::size_t Read(char* buffer, std::size_t size) override;
+
+  [[nodiscard]] bool OutputIsTerminal() const override;
+  // A console that does not understand escape sequences counts as none.
+  [[nodiscard]] bool ErrorIsTerminal() const override { return error_understands_escapes_; }
+  [[nodiscard]] int ErrorColumns() const override;
+
+ private:
+  bool gone_ = false;  // a write to standard output has failed
+  bool error_understands_escapes_ = false;
+};
+
+}  // namespace quenlar

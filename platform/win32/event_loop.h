@@ -1,0 +1,72 @@
+// The event loop of a thread with windows: its message queue.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "platform/event_loop.h"
+
+struct HWND__;  // behind the system's window handle
+
+namespace quenlar {
+
+// Posted tasks and timers are messages to a hidden window, so that the system's own message loops (menus, message
+// boxes, file dialogs, a window being dragged) deliver them too. Timers are not finer than the system's (10 to 16 ms).
+// All members but Post belong to the thread that made the loop.
+class Win32EventLoop final : public EventLoop {
+ public:
+  Win32EventLoop();
+  ~Win32EventLoop() override;
+  Win32EventLoop(const Win32EventLoop&) = delete;
+  Win32EventLoop& operator=(const Win32EventLoop&) = delete;
+
+  void Yield() override;
+  void Wait(std::chrono::milliseconds limit) override;
+  void Post(std::function<void()> task) override;
+  [[nodiscard]] std::unique_ptr<LoopTimer> MakeTimer(std::chrono::milliseconds interval,
+                                                     std::function<void()> tick) override;
+
+  // Sees every message that Yield and Wait take from the queue before it is dispatched, in the order of the
+  // registrations; true says that the message is done with. The argument is an MSG*. Registered for good.
+  void AddMessageFilter(std::function<bool(void* message)> filter);
+
+  // The system has asked the thread to end (WM_QUIT); it stays so.
+  [[nodiscard]] bool quit_requested() const { return quit_; }
+
+ private:
+  friend class Win32Timer;
+  struct TimerState {
+    std::function<void()> tick;
+    unsigned interval = 0;       // milliseconds
+    std::uintptr_t running = 0;  // the system timer's number, 0 while disabled
+    bool ticking = false;
+  };
+
+  struct WindowProcedure;  // of the hidden window
+  void Pump();
+  // Runs what was posted before `end`; a task may pump.
+  void RunTasks(std::uint64_t end);
+  [[nodiscard]] std::uint64_t NextTask();
+  void Wake();
+  void Dispatch(const void* message);
+  void Tick(std::uintptr_t timer);
+  void Enable(const std::shared_ptr<TimerState>& state);
+  void Disable(TimerState& state);
+
+  ::HWND__* window_ = nullptr;
+  std::vector<std::function<bool(void*)>> filters_;
+  std::map<std::uintptr_t, std::shared_ptr<TimerState>> timers_;  // the enabled ones
+  std::uintptr_t last_timer_ = 0;
+  bool quit_ = false;
+
+  std::mutex mutex_;  // guards what follows
+  std::deque<std::function<void()>> tasks_;
+  std::uint64_t next_task_ = 0;  // the number of the next task to be posted; the front of tasks_ is the oldest
+  bool wake_posted_ = false;
+};
+
+}  // namespace quenlar

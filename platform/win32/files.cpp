@@ -1,0 +1,187 @@
+#include "platform/win32/files.h"
+
+#include <algorithm>
+#include <atomic>
+#include <optional>
+#include <utility>
+
+#include "platform/win32/handle.h"
+#include "platform/win32/system_error.h"
+#include "platform/win32/wide.h"
+#include "platform/win32/windows_api.h"
+
+namespace quenlar {
+namespace {
+
+using win32::Handle;
+using win32::NativePath;
+using win32::SystemError;
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr std::size_t kBlock = 64 * 1024;
+
+Status LastError(const std::string& path) { return SystemError(path, GetLastError()); }
+
+// The attributes of what the path names, behind links; empty where there is nothing, or no file or folder.
+std::optional<DWORD> Attributes(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return attributes;
+  const Handle target(
+      CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  BY_HANDLE_FILE_INFORMATION information;
+  if (!target.valid() || !GetFileInformationByHandle(target.get(), &information)) return std::nullopt;
+  return information.dwFileAttributes;
+}
+
+bool IsFolder(const std::wstring& path) {
+  const auto attributes = Attributes(path);
+  return attributes && (*attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+Status FolderInTheWay(const std::string& path) { return {StatusKind::kFailed, path + ": It is a folder"}; }
+
+class Replacement final : public FileReplacement {
+ public:
+  Replacement(std::string path, std::wstring target, std::wstring temporary, Handle file)
+      : path_(std::move(path)), target_(std::move(target)), temporary_(std::move(temporary)), file_(std::move(file)) {
+    buffer_.reserve(kBlock);
+  }
+  ~Replacement() override {
+    file_.Close();
+    if (!committed_) DeleteFileW(temporary_.c_str());
+  }
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+
+  Status Write(std::string_view bytes) override {
+    while (status_.ok() && !bytes.empty()) {
+      const std::size_t piece = std::min(bytes.size(), kBlock - buffer_.size());
+      buffer_.append(bytes.substr(0, piece));
+      bytes.remove_prefix(piece);
+      if (buffer_.size() == kBlock) Flush();
+    }
+    return status_;
+  }
+
+  Status Commit() override {
+    Flush();
+    if (status_.ok() && (!FlushFileBuffers(file_.get()) || !file_.Close())) status_ = LastError(path_);
+    if (!status_.ok() || committed_) return status_;
+    committed_ =
+        MoveFileExW(temporary_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    if (!committed_) status_ = LastError(path_);
+    return status_;
+  }
+
+ private:
+  void Flush() {
+    std::size_t done = 0;
+    while (status_.ok() && done < buffer_.size()) {
+      DWORD written = 0;
+      if (!WriteFile(file_.get(), buffer_.data() + done, static_cast<DWORD>(buffer_.size() - done), &written,
+                     nullptr)) {
+        status_ = LastError(path_);
+      } else if (written == 0) {
+        status_ = SystemError(path_, ERROR_DISK_FULL);
+      }
+      done += written;
+    }
+    buffer_.clear();
+  }
+
+  const std::string path_;
+  const std::wstring target_, temporary_;
+  Handle file_;
+  std::string buffer_;
+  Status status_;
+  bool committed_ = false;
+};
+
+class HeldLock final : public FolderLock {
+ public:
+  explicit HeldLock(Handle file) : file_(std::move(file)) {}
+
+ private:
+  Handle file_;
+};
+
+// A name beside the target that nothing else has, not even after another run of this program was cut off.
+std::wstring TemporaryName(const std::wstring& target, unsigned number) {
+  const std::size_t separator = target.find_last_of(L"\\:");
+  const std::wstring folder = separator == std::wstring::npos ? L"" : target.substr(0, separator + 1);
+  return folder + L"~quenlar-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(number) + L".tmp";
+}
+
+}  // namespace
+
+bool Win32Files::FileExists(const std::string& path) const {
+  const auto attributes = Attributes(NativePath(path));
+  return attributes && (*attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
+}
+
+bool Win32Files::FolderExists(const std::string& path) const { return IsFolder(NativePath(path)); }
+
+Status Win32Files::MakeFolder(const std::string& path) {
+  const std::wstring native = NativePath(path);
+  if (CreateDirectoryW(native.c_str(), nullptr)) return {};
+  const DWORD error = GetLastError();
+  // Not only "exists already": a drive's root, for one, is refused as denied.
+  return IsFolder(native) ? Status() : SystemError(path, error);
+}
+
+Status Win32Files::Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const {
+  const std::wstring native = NativePath(path);
+  const Handle file(
+      CreateFileW(native.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+  if (!file.valid()) {
+    const DWORD error = GetLastError();
+    return IsFolder(native) ? FolderInTheWay(path) : SystemError(path, error);
+  }
+  if (GetFileType(file.get()) != FILE_TYPE_DISK) return {StatusKind::kFailed, path + ": It is no plain file"};
+  const auto buffer = std::make_unique<char[]>(kBlock);
+  for (;;) {
+    DWORD bytes = 0;
+    if (!ReadFile(file.get(), buffer.get(), kBlock, &bytes, nullptr)) return LastError(path);
+    if (bytes == 0 || !block(std::string_view(buffer.get(), bytes))) return {};
+  }
+}
+
+Result<std::unique_ptr<FileReplacement>> Win32Files::Replace(const std::string& path) {
+  static std::atomic<unsigned> next_number = 0;  // of the process, as its id is
+  const std::wstring target = NativePath(path);
+  if (IsFolder(target)) return FolderInTheWay(path);
+  for (;;) {
+    const std::wstring temporary = TemporaryName(target, next_number++);
+    Handle file(CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (file.valid()) {
+      return std::unique_ptr<FileReplacement>(std::make_unique<Replacement>(path, target, temporary, std::move(file)));
+    }
+    if (GetLastError() != ERROR_FILE_EXISTS) return LastError(path);
+  }
+}
+
+Status Win32Files::Delete(const std::string& path) {
+  const std::wstring native = NativePath(path);
+  if (DeleteFileW(native.c_str())) return {};
+  const DWORD error = GetLastError();
+  return IsFolder(native) ? FolderInTheWay(path) : SystemError(path, error);
+}
+
+Status Win32Files::Rename(const std::string& from, const std::string& to) {
+  if (MoveFileExW(NativePath(from).c_str(), NativePath(to).c_str(),
+                  MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+    return {};
+  }
+  return LastError(from);
+}
+
+Result<std::unique_ptr<FolderLock>> Win32Files::Lock(const std::string& folder, const std::string& lock_name) {
+  const std::string path = folder + "\\" + lock_name;
+  Handle file(CreateFileW(NativePath(path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+                          FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+  if (!file.valid()) return LastError(path);
+  return std::unique_ptr<FolderLock>(std::make_unique<HeldLock>(std::move(file)));
+}
+
+}  // namespace quenlar

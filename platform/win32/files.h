@@ -1,0 +1,22 @@
+// Files and folders of Windows.
+#pragma once
+
+#include "platform/files.h"
+
+namespace quenlar {
+
+// Wide paths throughout, of any length. A replacement is written through to the medium before it takes the name.
+class Win32Files final : public Files {
+ public:
+  [[nodiscard]] bool FileExists(const std::string& path) const override;
+  [[nodiscard]] bool FolderExists(const std::string& path) const override;
+  Status MakeFolder(const std::string& path) override;
+  Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
+  [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
+  Status Delete(const std::string& path) override;
+  Status Rename(const std::string& from, const std::string& to) override;
+  [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder,
+                                                         const std::string& lock_name) override;
+};
+
+}  // namespace quenlar

@@ -1,0 +1,87 @@
+#include "platform/win32/tray_icon.h"
+
+#include <utility>
+
+#include "platform/win32/tray_record.h"
+
+namespace quenlar {
+namespace win32 {
+
+static_assert(sizeof(void*) != 4 || NOTIFYICONDATAA_V1_SIZE == 88);
+static_assert(sizeof(void*) != 8 || NOTIFYICONDATAA_V1_SIZE == 104);
+
+NOTIFYICONDATAA TrayRecord(HWND window, HICON icon) {
+  NOTIFYICONDATAA record{};
+  record.cbSize = NOTIFYICONDATAA_V1_SIZE;
+  record.hWnd = window;
+  record.uID = static_cast<UINT>(reinterpret_cast<UINT_PTR>(icon) & 0xFFFFFFFFu);
+  record.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
+  record.uCallbackMessage = kTrayCallbackMessage;
+  record.hIcon = icon;
+  return record;
+}
+
+}  // namespace win32
+
+struct Win32TrayIcon::Implementation {
+  NOTIFYICONDATAA record;
+  HWND window = nullptr;
+  UINT taskbar_created = 0;
+  bool added = false;
+  std::function<void(int message)> callback;
+
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
+    auto* self = reinterpret_cast<Implementation*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (!self) return DefWindowProcW(window, message, w, l);
+    if (message == win32::kTrayCallbackMessage) {  // of the only icon that reports to this window
+      const auto callback = self->callback;        // it may put another one in its place
+      if (callback) callback(static_cast<int>(l));
+      return 0;
+    }
+    if (message == self->taskbar_created && self->added) Shell_NotifyIconA(NIM_ADD, &self->record);
+    return DefWindowProcW(window, message, w, l);
+  }
+};
+
+Win32TrayIcon::Win32TrayIcon(void* icon) : implementation_(std::make_unique<Implementation>()) {
+  constexpr wchar_t kClass[] = L"QuenlarTray";
+  WNDCLASSW kind{};
+  kind.lpfnWndProc = Implementation::Procedure;
+  kind.hInstance = GetModuleHandleW(nullptr);
+  kind.lpszClassName = kClass;
+  RegisterClassW(&kind);  // fails where it has been done before
+  auto& self = *implementation_;
+  // A top-level window, since only those hear of a new task bar and can come to the foreground for the menu.
+  self.window =
+      CreateWindowExW(WS_EX_TOOLWINDOW, kClass, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, kind.hInstance, nullptr);
+  self.taskbar_created = RegisterWindowMessageW(L"TaskbarCreated");
+  SetWindowLongPtrW(self.window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&self));
+  // The task bar runs with fewer rights than a program started as administrator.
+  ChangeWindowMessageFilterEx(self.window, self.taskbar_created, MSGFLT_ALLOW, nullptr);
+  self.record = win32::TrayRecord(self.window, icon ? static_cast<HICON>(icon) : LoadIconW(nullptr, IDI_APPLICATION));
+}
+
+Win32TrayIcon::~Win32TrayIcon() {
+  RemoveTrayIcon();
+  SetWindowLongPtrW(implementation_->window, GWLP_USERDATA, 0);
+  DestroyWindow(implementation_->window);
+}
+
+// Without a task bar this fails, and "TaskbarCreated" makes up for it.
+void Win32TrayIcon::AddTrayIcon() {
+  implementation_->added = true;
+  Shell_NotifyIconA(NIM_ADD, &implementation_->record);
+}
+
+void Win32TrayIcon::RemoveTrayIcon() {
+  if (!std::exchange(implementation_->added, false)) return;
+  Shell_NotifyIconA(NIM_DELETE, &implementation_->record);
+}
+
+void Win32TrayIcon::OnMessage(std::function<void(int message)> callback) {
+  implementation_->callback = std::move(callback);
+}
+
+void* Win32TrayIcon::window() const { return implementation_->window; }
+
+}  // namespace quenlar

@@ -1,0 +1,112 @@
+// The fakes of tests/support, put under the same contract as the system's own implementations.
+#include <optional>
+#include <utility>
+
+#include "platform_under_test.h"
+#include "support/fake_platform.h"
+
+namespace quenlar {
+namespace {
+
+// A second door to somebody else's object.
+class FilesReference : public Files {
+ public:
+  explicit FilesReference(Files& files) : files_(files) {}
+  [[nodiscard]] bool FileExists(const std::string& path) const override { return files_.FileExists(path); }
+  [[nodiscard]] bool FolderExists(const std::string& path) const override { return files_.FolderExists(path); }
+  Status MakeFolder(const std::string& path) override { return files_.MakeFolder(path); }
+  Status Read(const std::string& path, const std::function<bool(std::string_view)>& block) const override {
+    return files_.Read(path, block);
+  }
+  [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override {
+    return files_.Replace(path);
+  }
+  Status Delete(const std::string& path) override { return files_.Delete(path); }
+  Status Rename(const std::string& from, const std::string& to) override { return files_.Rename(from, to); }
+  [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder, const std::string& name) override {
+    return files_.Lock(folder, name);
+  }
+
+ private:
+  Files& files_;
+};
+
+class RegistryReference : public Registry {
+ public:
+  explicit RegistryReference(Registry& registry) : registry_(registry) {}
+  void SaveRegValue(const std::string& key, const std::string& name, const std::string& text) override {
+    registry_.SaveRegValue(key, name, text);
+  }
+  [[nodiscard]] std::string GetRegValue(const std::string& key, const std::string& name) const override {
+    return registry_.GetRegValue(key, name);
+  }
+  void DeleteRegKey(const std::string& key) override { registry_.DeleteRegKey(key); }
+  [[nodiscard]] bool KeyExists(const std::string& key) const override { return registry_.KeyExists(key); }
+  [[nodiscard]] bool ValueExists(const std::string& key, const std::string& name) const override {
+    return registry_.ValueExists(key, name);
+  }
+
+ private:
+  Registry& registry_;
+};
+
+class FakeTestPlatform : public TestPlatform {
+ public:
+  FakeTestPlatform() {
+    fakes_.files.AddFolder("/folder");
+    fakes_.interfaces.rows.resize(1);
+    fakes_.interfaces.rows[0].name = "lo";
+    fakes_.interfaces.rows[0].index = 1;
+  }
+  [[nodiscard]] EventLoop& loop() override { return fakes_.loop; }
+  [[nodiscard]] bool LoopSleeps() const override { return false; }
+  [[nodiscard]] Files& files() override { return fakes_.files; }
+  [[nodiscard]] std::unique_ptr<Files> OtherFiles() override { return std::make_unique<FilesReference>(fakes_.files); }
+  [[nodiscard]] std::string Folder() override { return "/folder"; }
+  [[nodiscard]] std::vector<std::string> Names(const std::string& folder) override {
+    std::vector<std::string> names;
+    for (const std::string& path : fakes_.files.AllFiles()) {
+      if (path.starts_with(folder + "/")) names.push_back(path.substr(folder.size() + 1));
+    }
+    return names;
+  }
+  [[nodiscard]] Registry& registry() override { return fakes_.registry; }
+  [[nodiscard]] std::unique_ptr<Registry> ReopenRegistry() override {
+    return std::make_unique<RegistryReference>(fakes_.registry);
+  }
+  [[nodiscard]] std::unique_ptr<PageFetcher> MakeFetcher(const std::string&, const std::string&) override {
+    auto fetcher = std::make_unique<ScriptedFetcher>(fakes_.loop);
+    fetcher->ServeOthers([this](const std::string& address) { return Answer(address); });
+    return fetcher;
+  }
+  void Serve(ServeHandler handler) override { handler_ = std::move(handler); }
+  [[nodiscard]] std::string ServerAddress() override { return "http://127.0.0.1:80"; }
+  [[nodiscard]] const CodePage& code_page() override { return fakes_.code_page; }
+  [[nodiscard]] const Clock& clock() override { return fakes_.clock; }
+  [[nodiscard]] InterfaceTable& interfaces() override { return fakes_.interfaces; }
+
+ private:
+  std::optional<ScriptedAnswer> Answer(const std::string& address) {
+    std::string path = address;
+    if (!path.starts_with(ServerAddress()) || !handler_) return Failure();
+    path.erase(0, ServerAddress().size());
+    ScriptedAnswer answer;
+    for (ServedAnswer served = handler_({path});; served = handler_({path})) {
+      if (served.location.empty()) {
+        answer.body = served.body;
+        return answer;
+      }
+      path = served.location;
+      answer.redirects.push_back(ServerAddress() + path);
+    }
+  }
+
+  FakePlatform fakes_;
+  ServeHandler handler_;
+};
+
+}  // namespace
+
+std::unique_ptr<TestPlatform> MakeFakeTestPlatform() { return std::make_unique<FakeTestPlatform>(); }
+
+}  // namespace quenlar

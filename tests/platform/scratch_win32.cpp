@@ -1,0 +1,78 @@
+#include "scratch_win32.h"
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+
+#include "platform/win32/files.h"
+#include "platform/win32/wide.h"
+
+namespace quenlar {
+namespace {
+
+std::wstring UniqueName() {
+  static std::atomic<int> number = 0;
+  return L"QuenlarTest-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number);
+}
+
+}  // namespace
+
+std::vector<std::string> NamesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(win32::ToWide(folder))) {
+    names.push_back(win32::FromWide(entry.path().filename().wstring()));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+ScratchFolder::ScratchFolder() {
+  const auto folder = std::filesystem::temp_directory_path() / UniqueName();
+  std::filesystem::remove_all(folder);  // of a process with the same number that was cut off
+  std::filesystem::create_directory(folder);
+  path_ = win32::FromWide(folder.generic_wstring());
+}
+
+ScratchFolder::~ScratchFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(win32::NativePath(path_), ignored);
+}
+
+ScratchRegistry::ScratchRegistry() : name_(L"Software\\" + UniqueName()) {
+  for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+    const std::wstring path = name_ + (root == HKEY_LOCAL_MACHINE ? L"\\Machine" : L"\\User");
+    HKEY key = nullptr;
+    RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    RegOverridePredefKey(root, key);
+    RegCloseKey(key);
+  }
+}
+
+ScratchRegistry::~ScratchRegistry() {
+  RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+  RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+  RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
+}
+
+TrustedAuthority::TrustedAuthority(const std::string& pem_path) {
+  const auto pem = ReadWhole(Win32Files(), pem_path);
+  const HCERTSTORE store = CertOpenSystemStoreW(0, L"ROOT");
+  constexpr std::string_view kBegin = "-----BEGIN CERTIFICATE-----";
+  for (std::size_t at = pem.value().find(kBegin); at != std::string::npos; at = pem.value().find(kBegin, at + 1)) {
+    DWORD size = 0;
+    CryptStringToBinaryA(pem.value().c_str() + at, 0, CRYPT_STRING_BASE64HEADER, nullptr, &size, nullptr, nullptr);
+    std::vector<BYTE> bytes(size);
+    CryptStringToBinaryA(pem.value().c_str() + at, 0, CRYPT_STRING_BASE64HEADER, bytes.data(), &size, nullptr, nullptr);
+    PCCERT_CONTEXT added = nullptr;
+    CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, bytes.data(), size, CERT_STORE_ADD_REPLACE_EXISTING,
+                                     &added);
+    if (added) certificates_.push_back(added);
+  }
+  CertCloseStore(store, 0);
+}
+
+TrustedAuthority::~TrustedAuthority() {
+  for (const PCCERT_CONTEXT certificate : certificates_) CertDeleteCertificateFromStore(certificate);
+}
+
+}  // namespace quenlar

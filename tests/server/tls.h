@@ -1,0 +1,18 @@
+// HTTPS with certificates that are right, expired, or for somebody else.
+#pragma once
+
+#include <string>
+
+namespace quenlar::hostile {
+
+// Serves on ports of its own, from now to the end of the process.
+struct TlsPorts {
+  int right = 0;          // for 127.0.0.1 and localhost
+  int expired = 0;        // a right one, until yesterday
+  int wrong_name = 0;     // for other.example
+  int downgrade = 0;      // right, and each answer is a redirect to plain http
+  std::string authority;  // the certificate of the authority that has signed them all (PEM)
+};
+TlsPorts ServeTls(int plain_port);
+
+}  // namespace quenlar::hostile

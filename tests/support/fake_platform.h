@@ -1,0 +1,31 @@
+// One whole platform made of the fakes, for tests of anything that takes a Platform.
+#pragma once
+
+#include "platform/platform.h"
+#include "support/fake_event_loop.h"
+#include "support/fake_registry.h"
+#include "support/fake_system.h"
+#include "support/in_memory_files.h"
+#include "support/recorders.h"
+#include "support/scripted_fetcher.h"
+
+namespace quenlar {
+
+struct FakePlatform {
+  FakeEventLoop loop;
+  ScriptedFetcher fetcher{loop};
+  FakeRegistry registry;
+  FakeInterfaceTable interfaces;
+  InMemoryFiles files;
+  FakeCodePage code_page;
+  FakeClock clock;
+  RecordingShell shell;
+  RecordingBoxes boxes;
+  RecordingFileDialogs dialogs;
+  RecordingTray tray;
+
+  Platform platform{loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes};
+  DesktopPlatform desktop{dialogs, tray};
+};
+
+}  // namespace quenlar

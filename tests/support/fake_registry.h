@@ -1,0 +1,38 @@
+// A settings registry in memory.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "platform/registry.h"
+
+namespace quenlar {
+
+// Key paths and value names ignore the case of letters, as the system's registry does. Can be made read-only.
+class FakeRegistry : public Registry {
+ public:
+  FakeRegistry() = default;
+  FakeRegistry(const FakeRegistry&) = delete;
+  FakeRegistry& operator=(const FakeRegistry&) = delete;
+
+  void SaveRegValue(const std::string& key, const std::string& name, const std::string& text) override;
+  [[nodiscard]] std::string GetRegValue(const std::string& key, const std::string& name) const override;
+  void DeleteRegKey(const std::string& key) override;
+  [[nodiscard]] bool KeyExists(const std::string& key) const override;
+  [[nodiscard]] bool ValueExists(const std::string& key, const std::string& name) const override;
+
+  // From now on every write and delete is silently without effect.
+  void SetReadOnly(bool read_only) { read_only_ = read_only; }
+  // The whole stored text, not cut to 254 characters.
+  [[nodiscard]] std::optional<std::string> Stored(const std::string& key, const std::string& name) const;
+  // Writes and deletes so far, those without effect included.
+  [[nodiscard]] int changes() const { return changes_; }
+
+ private:
+  std::map<std::string, std::map<std::string, std::string>> keys_;  // all in lower case
+  bool read_only_ = false;
+  int changes_ = 0;
+};
+
+}  // namespace quenlar
