@@ -1,0 +1,45 @@
+// What the parts of a run share: flags, counters and the project at hand. Plain values with one owner.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "state/found_addresses.h"
+#include "state/link_queue.h"
+
+namespace quenlar {
+
+struct RunState {
+  bool running = false;
+  bool stop_requested = false;
+  bool off_line = false;
+
+  // Downloads started and not yet completed, by level. Level 0 also counts search pages, and the upgrade check once
+  // (nothing but the start of a keyword run takes that one off).
+  std::array<std::int16_t, kLevels> pending{};
+  std::int16_t upgrade_share = 0;  // the part of pending[0] that the upgrade check added
+  [[nodiscard]] bool LevelZeroPending() const { return pending[0] > upgrade_share; }
+
+  std::int32_t scan_count = 0;  // pages analysed in the run
+  std::int32_t baseline = 0;    // the address count when the run started
+  std::int16_t link_depth = 1;  // the link number below which an expansion page's links are followed
+};
+
+// The project named by the text of the input box.
+struct Project {
+  bool is_keyword = false;  // IsKeywordProject
+  std::string keyword;      // blanks replaced by "+"
+  std::string start_url;    // StartURL
+  std::string data_file;    // full path
+  std::string report_file;  // full path
+  std::string language;     // ProjectLanguage
+  bool loaded = false;      // ProjectLoaded
+  std::int16_t result_offset = 0;
+
+  LinkQueues queues;
+  FoundAddresses found;
+  std::string search_page;  // the search-page list: at most one entry
+};
+
+}  // namespace quenlar

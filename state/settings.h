@@ -1,0 +1,47 @@
+// The settings that the program reads while it works, and what is fixed when it is built or started.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quenlar {
+
+struct Settings {
+  std::int16_t SearchLanguage = 0;    // 0 en, 1 fr, 2 de, 3 it, 4 es, 5 ja
+  std::int16_t SaveInterval = 0;      // 0, 1, 2: save every 30, 50, 100 new addresses
+  std::int16_t CorrelationMode = 1;   // 1: a URL project follows links to other sites too
+  std::int32_t StopNumber = 99999;    // end of a run after so many new addresses
+  std::int16_t ExportMode = 0;        // 0: addresses alone; otherwise all information
+  std::int16_t RemoveFilterOn = 0;    // exactly 1 is on
+  std::int16_t ExtractFilterOn = 0;   // exactly 1 is on
+  std::int16_t NeverUpgradeFlag = 0;  // nonzero: no upgrade check
+
+  // Meaningful values for what a registry may hold: StopNumber below 1 counts as 99999, SaveInterval outside 0 to 2 as
+  // 0.
+  [[nodiscard]] std::int32_t EffectiveStopNumber() const { return StopNumber < 1 ? 99999 : StopNumber; }
+  [[nodiscard]] int SaveEvery() const { return SaveInterval == 1 ? 50 : SaveInterval == 2 ? 100 : 30; }
+};
+
+// The two-letter code of a language index, or "" for an unknown index.
+[[nodiscard]] constexpr const char* LanguageCode(int index) {
+  constexpr const char* kCodes[] = {"en", "fr", "de", "it", "es", "ja"};
+  return index >= 0 && index < 6 ? kCodes[index] : "";
+}
+
+// The registry key that holds the stored settings and the project list.
+inline constexpr const char* kProjectKey = "Software\\Quenlar\\Project";
+
+// Fixed or configured by a builder; not stored.
+struct Site {
+  std::string search_engine = "http://www.google.com";  // scheme, host and port of the search engine
+  std::string program_folder;                           // no trailing separator; `data` and `report` lie below it
+  char separator = '/';                                 // between folders in paths: "\\" on Windows
+};
+
+inline constexpr const char* kSearchEngineDomain = "google.";        // results on it are not crawled
+inline constexpr const char* kEncyclopediaDomain = "wikipedia.org";  // links to it are not followed
+inline constexpr const char* kHomePage = "http://www.quenlar.example";
+inline constexpr const char* kUpgradePage = "http://www.quenlar.example/upgrade.txt";
+inline constexpr const char* kInstallerPage = "http://www.quenlar.example/QuenlarSetup.exe";
+
+}  // namespace quenlar
