@@ -1,0 +1,106 @@
+#include "web/address_scan.h"
+
+#include <array>
+#include <cstdint>
+
+#include "base/ascii.h"
+#include "base/byte_search.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::uint8_t kLocal = 1, kDomain = 2, kLetter = 4, kWord = 8;
+
+constexpr std::array<std::uint8_t, 256> MakeKinds() {
+  std::array<std::uint8_t, 256> kinds{};
+  for (int i = 0; i < 128; ++i) {
+    const char c = static_cast<char>(i);
+    const bool alphanumeric = IsLetter(c) || IsDigit(c);
+    auto& kind = kinds[static_cast<std::size_t>(i)];
+    if (alphanumeric || c == '.' || c == '_' || c == '%' || c == '+' || c == '-') kind |= kLocal;
+    if (alphanumeric || c == '.' || c == '-') kind |= kDomain;
+    if (IsLetter(c)) kind |= kLetter;
+    if (IsWord(c)) kind |= kWord;
+  }
+  return kinds;
+}
+
+constexpr std::array<std::uint8_t, 256> kKinds = MakeKinds();
+
+inline bool Is(char c, std::uint8_t kind) { return (kKinds[static_cast<unsigned char>(c)] & kind) != 0; }
+
+// Where the local part that ends before `sign` begins: the first word boundary in the run of local characters, which
+// reaches back to `from` at most; `sign` itself when there is none.
+std::size_t LocalStart(std::string_view text, std::size_t from, std::size_t sign) {
+  std::size_t start = sign;
+  while (start > from && Is(text[start - 1], kLocal)) --start;
+  bool word_before = start > 0 && Is(text[start - 1], kWord);
+  for (; start < sign; ++start) {
+    const bool word = Is(text[start], kWord);
+    if (word != word_before) return start;
+  }
+  return sign;
+}
+
+// The end of the top-level name behind the dot: two to four letters, then no word character; 0 when there is none.
+std::size_t TopLevelEnd(std::string_view text, std::size_t dot) {
+  std::size_t end = dot + 1;
+  while (end < text.size() && end < dot + 6 && Is(text[end], kLetter)) ++end;
+  const std::size_t letters = end - dot - 1;
+  if (letters < 2 || letters > 4) return 0;
+  return end < text.size() && Is(text[end], kWord) ? 0 : end;
+}
+
+// The end of the domain that begins at `begin`: the last dot that is followed by a top-level name wins; 0 without one.
+std::size_t DomainEnd(std::string_view text, std::size_t begin) {
+  std::size_t end = begin;
+  while (end < text.size() && Is(text[end], kDomain)) ++end;
+  for (std::size_t dot = end; dot-- > begin + 1;) {
+    if (text[dot] != '.') continue;
+    if (const std::size_t found = TopLevelEnd(text, dot)) return found;
+  }
+  return 0;
+}
+
+// Whether a dot with two letters behind it stands in the domain that begins at `begin`, but not first.
+bool HasLooseDomain(std::string_view text, std::size_t begin) {
+  for (std::size_t at = begin; at < text.size() && Is(text[at], kDomain); ++at) {
+    if (text[at] == '.' && at > begin && at + 2 < text.size() && Is(text[at + 1], kLetter) &&
+        Is(text[at + 2], kLetter)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::string_view AddressAround(std::string_view text, std::size_t from, std::size_t sign, std::size_t end) {
+  const std::size_t start = LocalStart(text, from, sign);
+  return start < sign ? text.substr(start, end - start) : std::string_view();
+}
+
+}  // namespace
+
+std::string_view NextAddress(std::string_view text, std::size_t from) {
+  std::size_t floor = from;
+  for (std::size_t sign = FindByte(text, '@', from); sign < text.size(); sign = FindByte(text, '@', floor)) {
+    if (sign > floor && Is(text[sign - 1], kLocal)) {
+      if (const std::size_t end = DomainEnd(text, sign + 1)) {
+        const std::string_view address = AddressAround(text, floor, sign, end);
+        if (!address.empty()) return address;
+      }
+    }
+    floor = sign + 1;
+  }
+  return {};
+}
+
+AddressSign FindAddressSign(std::string_view text, std::size_t from) {
+  for (std::size_t sign = FindByte(text, '@', from); sign < text.size(); sign = FindByte(text, '@', sign + 1)) {
+    if (sign == 0 || !Is(text[sign - 1], kLocal)) continue;
+    if (const std::size_t end = DomainEnd(text, sign + 1)) return {sign, AddressAround(text, 0, sign, end)};
+    if (HasLooseDomain(text, sign + 1)) return {sign, {}};
+  }
+  return {};
+}
+
+}  // namespace quenlar

@@ -1,0 +1,109 @@
+#include "web/harvest.h"
+
+#include <string>
+#include <vector>
+
+#include "base/ascii.h"
+#include "web/page_addresses.h"
+#include "web/page_matches.h"
+#include "web/tag_text.h"
+
+namespace quenlar {
+namespace {
+
+// Whether the match is an anchor with a mail target. Its only "<" is its first character.
+bool IsMailLink(std::string_view match) { return ToLower(match[1]) == 'a' && ContainsIgnoreCase(match, "mailto:"); }
+
+PageAddresses::Place PlaceOf(const PageMatch& match) {
+  if (match.place == PageMatch::Place::kBetweenTags) return PageAddresses::Place::kBetweenTags;
+  return IsMailLink(match.text) ? PageAddresses::Place::kMailLink : PageAddresses::Place::kTag;
+}
+
+// Pumps at every match.
+void Collect(AnalysisContext& context, std::string_view page, PageAddresses& addresses) {
+  PageMatches matches(page);
+  for (PageMatch match; matches.Next(match);) {
+    context.pump();
+    if (match.address.empty()) continue;
+    addresses.Add(PlaceOf(match), match.address,
+                  [&](std::string_view address) { return context.filter.Keeps(address); });
+  }
+}
+
+// Puts addresses into the found-address table.
+class Inserter {
+ public:
+  Inserter(const Inserter&) = delete;
+  Inserter& operator=(const Inserter&) = delete;
+  Inserter(AnalysisContext& context, std::string_view page_address, std::string title)
+      : context_(context), title_(std::move(title)), page_{page_address, title_} {}
+
+  // Pumps before every address. Returns how many addresses were dealt with: all of them, or those up to the one that
+  // reached the stop number.
+  std::size_t Insert(const std::vector<PageAddresses::Address>& addresses, bool tag_only) {
+    for (std::size_t i = 0; i < addresses.size(); ++i) {
+      LookAhead(addresses, i);
+      context_.pump();
+      // Tested only now: a harvest inside the pump may have added it.
+      if (!Add(addresses[i], tag_only)) continue;
+      if (InRun() >= context_.settings.EffectiveStopNumber()) {
+        context_.run.stop_requested = true;
+        stopped_ = true;
+        return i + 1;
+      }
+    }
+    return addresses.size();
+  }
+
+  [[nodiscard]] bool stopped() const { return stopped_; }
+
+ private:
+  void LookAhead(const std::vector<PageAddresses::Address>& addresses, std::size_t i) const {
+    constexpr std::size_t kStep = 4;
+    const FoundAddresses& found = context_.project.found;
+    const std::size_t left = addresses.size() - i;
+    if (left > 3 * kStep) found.PrefetchSlot(addresses[i + 3 * kStep].hash);
+    if (left > 2 * kStep) found.PrefetchRecord(addresses[i + 2 * kStep].hash);
+    if (left > kStep) found.PrefetchText(addresses[i + kStep].hash);
+  }
+
+  // Addresses of this run, without those that the project brought along.
+  [[nodiscard]] std::int64_t InRun() const {
+    return static_cast<std::int64_t>(context_.project.found.Count()) - context_.run.baseline;
+  }
+
+  // Pumps where a save is due. False when the table has the address.
+  bool Add(const PageAddresses::Address& address, bool tag_only) {
+    FoundAddresses& found = context_.project.found;
+    if (!found.AddIfNew(page_, address.text, address.hash, tag_only)) return false;
+    context_.view.AddRow(found.Count() - 1, tag_only);
+    if (InRun() % context_.settings.SaveEvery() == 0) {
+      context_.saver.SaveProjectData();
+      context_.saver.SaveProjectReport();
+    }
+    context_.view.ShowAddressCount(found.Count());
+    return true;
+  }
+
+  AnalysisContext& context_;
+  std::string title_;
+  FoundAddresses::PageTexts page_;
+  bool stopped_ = false;
+};
+
+}  // namespace
+
+HarvestEnd ExtractAddresses(AnalysisContext& context, std::string_view page, std::string_view page_address) {
+  context.pump();
+  Inserter inserter(context, page_address, GetPageTitle(page));
+  PageAddresses addresses(context.project.found.hash());
+  Collect(context, page, addresses);
+  context.pump();
+  const auto text = addresses.TextList(), tag = addresses.TagList();
+  std::size_t left = text.size() + tag.size();
+  left -= inserter.Insert(text, false);
+  if (!inserter.stopped()) left -= inserter.Insert(tag, tag.size() == 1);
+  return left == 0 ? HarvestEnd::kWholePage : HarvestEnd::kStopNumberReached;
+}
+
+}  // namespace quenlar

@@ -1,0 +1,166 @@
+#include "web/ocx_parse_web.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "web/links.h"
+#include "web/search_results.h"
+
+namespace quenlar {
+namespace {
+
+constexpr char kSearchPage = 'G', kUpgradeCheck = 'U';
+
+char LetterOf(const std::string& request_name) { return request_name.empty() ? '\0' : request_name.front(); }
+
+// The level whose event belongs to a request letter, or -1. Search pages count as level 0.
+int EventLevel(char letter) { return letter == kSearchPage ? 0 : LevelOfLetter(letter); }
+
+}  // namespace
+
+std::string DownloadEventName(int level) {
+  return level == 0 ? "DownloadTovasperComplete" : "DownloadTovasperExpand" + std::to_string(level) + "Complete";
+}
+
+ocxParseWeb::ocxParseWeb(PageFetcher& fetcher, const CodePage& code_page, AnalysisContext context)
+    : fetcher_(fetcher), code_page_(code_page), context_(context) {
+  fetcher_.SetListener(this);
+}
+
+ocxParseWeb::~ocxParseWeb() {
+  if (!pending_.empty()) CancelAllDownload();
+  fetcher_.SetListener(nullptr);
+}
+
+void ocxParseWeb::BeginDownload(const std::string& address, const std::string& request_name) {
+  fetcher_.Start(address, request_name);
+  pending_.push_back(request_name);
+  context_.view.ShowStage("Connecting: " + address);
+}
+
+void ocxParseWeb::ParseUpgradeHtml(const std::string& page) {
+  if (upgrade_.parse_upgrade) upgrade_.parse_upgrade(page);
+}
+
+bool ocxParseWeb::ParseGoogleHtml(std::string_view page) {
+  CollectResultLinks(page);
+  return true;
+}
+
+void ocxParseWeb::CollectResultLinks(std::string_view page) {
+  quenlar::CollectResultLinks(page, context_.project.queues[0]);
+}
+
+void ocxParseWeb::CancelAllDownload() {
+  context_.view.ShowStage("Canceling ...");
+  for (const std::string& name : std::exchange(pending_, {})) fetcher_.Cancel(name);
+}
+
+void ocxParseWeb::MakeLink(std::string& address, std::string_view page, std::string_view level_digit) {
+  quenlar::MakeLink(context_.project, context_.settings, address, page, level_digit);
+  if (const auto followed = FollowedAddress(0, address)) address.resize(followed->size());
+}
+
+void ocxParseWeb::MakeExpandLink(int level, std::string& address, std::string_view page, std::int16_t number) {
+  quenlar::MakeExpandLink(context_.project, context_.settings, level, address, page, number);
+  if (const auto followed = FollowedAddress(level, address)) address.resize(followed->size());
+}
+
+ocxParseWeb::Outcome ocxParseWeb::Complete(std::string request_name, std::string body) {
+  std::string text;
+  try {
+    text = code_page_.ToUtf8(std::move(body));
+  } catch (const std::exception&) {
+    text.clear();  // the page is handled as an empty one, so that its event is raised
+  }
+  return CompleteText(std::move(request_name), text);
+}
+
+ocxParseWeb::Outcome ocxParseWeb::CompleteText(std::string request_name, const std::string& text) {
+  RemovePending(request_name);
+  context_.view.ShowStage("Download complete ...");
+  Outcome outcome;
+  outcome.level = EventLevel(LetterOf(request_name));
+  bool whole = true;
+  // The one place where a fault inside a parser (no memory for what a page holds) ends: the host must hear of every
+  // finished page, or a run would wait for ever.
+  try {
+    const Parsed parsed = Parse(request_name, text);
+    outcome.parsed = outcome.level >= 0 || LetterOf(request_name) == kUpgradeCheck;
+    outcome.result = parsed.result;
+    whole = parsed.whole;
+  } catch (const std::exception&) {
+    outcome.parsed = false;
+  }
+  return Finish(request_name, outcome, whole);
+}
+
+void ocxParseWeb::Redirect(const std::string& request_name, std::string new_address) {
+  if (context_.run.stop_requested) return;
+  const int level = LevelOfLetter(LetterOf(request_name));
+  if (level >= 0 && request_name.size() > 1) {
+    const std::string_view digit = std::string_view(request_name).substr(1, 1);
+    const std::string_view page = std::string_view(request_name).substr(2);
+    if (level == 0) {
+      MakeLink(new_address, page, digit);
+    } else {
+      const char c = digit.front();
+      MakeExpandLink(level, new_address, page, static_cast<std::int16_t>(c >= '0' && c <= '9' ? c - '0' : 0));
+    }
+  }
+  context_.view.ShowStage("Redirecting ...");
+}
+
+ocxParseWeb::Outcome ocxParseWeb::Fail(std::string request_name) {
+  if (!context_.run.stop_requested) context_.view.ShowStage("Some errors occured ...");
+  RemovePending(request_name);
+  if (LetterOf(request_name) == kUpgradeCheck && upgrade_.upgrade_failed) upgrade_.upgrade_failed();
+  Outcome outcome;
+  outcome.level = EventLevel(LetterOf(request_name));
+  return Finish(request_name, outcome, true);
+}
+
+ocxParseWeb::Parsed ocxParseWeb::Parse(const std::string& request_name, const std::string& text) {
+  switch (LetterOf(request_name)) {
+    case kUpgradeCheck:
+      ParseUpgradeHtml(text);
+      return {true, true};
+    case kSearchPage:
+      return {ParseGoogleHtml(text), true};
+    default:
+      const PageOutcome outcome = ParsePage(context_, text, request_name);
+      return {outcome.result, !outcome.cut_short};
+  }
+}
+
+// Raises the event of a request that has ended, in whatever way.
+ocxParseWeb::Outcome ocxParseWeb::Finish(const std::string& request_name, Outcome outcome, bool whole) {
+  if (outcome.level >= 0 && events_ != nullptr) events_->DownloadComplete(outcome.level, request_name, whole);
+  if (reset_stall_counter_) reset_stall_counter_();
+  return outcome;
+}
+
+// Only the first entry of that name.
+void ocxParseWeb::RemovePending(const std::string& request_name) {
+  const auto found = std::find(pending_.begin(), pending_.end(), request_name);
+  if (found != pending_.end()) pending_.erase(found);
+}
+
+void ocxParseWeb::OnFetchProgress(const std::string& key, FetchCode code, const std::string& text) {
+  switch (code) {
+    case FetchCode::kError:
+      Fail(key);
+      break;
+    case FetchCode::kRedirecting:
+      Redirect(key, text);
+      break;
+    case FetchCode::kDataAvailable:
+      if (!context_.run.stop_requested) context_.view.ShowStage("Receiving data ...");
+      break;
+  }
+}
+
+void ocxParseWeb::OnFetchComplete(const std::string& key, std::string body) { Complete(key, std::move(body)); }
+
+}  // namespace quenlar

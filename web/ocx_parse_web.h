@@ -1,0 +1,119 @@
+// The web control: downloads pages by request name, hands each to its parser, tells the host.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/code_page.h"
+#include "platform/page_fetcher.h"
+#include "web/page_analysis.h"
+
+namespace quenlar {
+
+// Who hears of finished downloads. Called inside a pump, after the page has been analysed.
+class WebEvents {
+ public:
+  virtual ~WebEvents() = default;
+  // The event of a level: 0 is DownloadTovasperComplete, 1 to 10 are DownloadTovasperExpand1Complete to
+  // DownloadTovasperExpand10Complete. `request_name` is the request that ended; `whole` is false when a stop dropped
+  // a part of its page.
+  virtual void DownloadComplete(int level, const std::string& request_name, bool whole) = 0;
+};
+
+// "DownloadTovasperComplete" for level 0, "DownloadTovasperExpand<level>Complete" for the others.
+[[nodiscard]] std::string DownloadEventName(int level);
+
+class ocxParseWeb final : private FetchListener {
+ public:
+  // What the upgrade check does with its page. `parse_upgrade` receives the upgrade page's text, `upgrade_failed` the
+  // news that it could not be had.
+  struct UpgradeHandler {
+    std::function<void(const std::string& page)> parse_upgrade;
+    std::function<void()> upgrade_failed;
+  };
+
+  ocxParseWeb(PageFetcher& fetcher, const CodePage& code_page, AnalysisContext context);
+  ~ocxParseWeb() override;
+  ocxParseWeb(const ocxParseWeb&) = delete;
+  ocxParseWeb& operator=(const ocxParseWeb&) = delete;
+
+  void SetEvents(WebEvents* events) { events_ = events; }
+  // Called at the end of the handling of every finished or failed download.
+  void SetResetStallCounter(std::function<void()> reset) { reset_stall_counter_ = std::move(reset); }
+  void SetUpgradeHandler(UpgradeHandler handler) { upgrade_ = std::move(handler); }
+
+  // Starts one asynchronous download; returns at once, nothing limits how many run together.
+  void BeginDownload(const std::string& address, const std::string& request_name);
+
+  void ParseUpgradeHtml(const std::string& page);
+
+  // Plain stored values that nothing reads.
+  bool SaveFile = false;
+  std::int32_t AsyncReadOptions = 0;
+  std::string Pattern;
+  std::string Channel;
+  std::int16_t LinkDepth = 1;
+
+  bool ParseGoogleHtml(std::string_view page);
+  void CollectResultLinks(std::string_view page);
+
+  // Cancels everything that is pending; raises no event.
+  void CancelAllDownload();
+
+  // Link builders, see web/links.h. They cut a trailing "/" off the address where they do not drop it.
+  void MakeLink(std::string& address, std::string_view page, std::string_view level_digit);
+  void MakeExpandLink(int level, std::string& address, std::string_view page, std::int16_t number);
+  // clang-format off
+  void MakeExpand1Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(1, address, page, number); }
+  void MakeExpand2Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(2, address, page, number); }
+  void MakeExpand3Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(3, address, page, number); }
+  void MakeExpand4Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(4, address, page, number); }
+  void MakeExpand5Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(5, address, page, number); }
+  void MakeExpand6Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(6, address, page, number); }
+  void MakeExpand7Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(7, address, page, number); }
+  void MakeExpand8Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(8, address, page, number); }
+  void MakeExpand9Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(9, address, page, number); }
+  void MakeExpand10Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(10, address, page, number); }
+  // clang-format on
+
+  // Request names started and not yet completed, in the order in which they were started.
+  [[nodiscard]] const std::vector<std::string>& pending() const { return pending_; }
+
+  // What a finished download did, for front ends that answer page by page.
+  struct Outcome {
+    int level = -1;       // the event raised, or -1
+    bool parsed = false;  // a parser ran to its return
+    bool result = false;  // its result
+  };
+  // The completion, redirect and failure of a request as the transport reports them. Pump (Redirect does not). A
+  // completion that comes as text has already been converted from the code page.
+  Outcome Complete(std::string request_name, std::string body);
+  Outcome CompleteText(std::string request_name, const std::string& text);
+  void Redirect(const std::string& request_name, std::string new_address);
+  Outcome Fail(std::string request_name);
+
+ private:
+  struct Parsed {
+    bool result;
+    bool whole;
+  };
+  Parsed Parse(const std::string& request_name, const std::string& text);
+  Outcome Finish(const std::string& request_name, Outcome outcome, bool whole);
+  void RemovePending(const std::string& request_name);
+  void OnFetchProgress(const std::string& key, FetchCode code, const std::string& text) override;
+  void OnFetchComplete(const std::string& key, std::string body) override;
+
+  PageFetcher& fetcher_;
+  const CodePage& code_page_;
+  AnalysisContext context_;
+  WebEvents* events_ = nullptr;
+  std::function<void()> reset_stall_counter_;
+  UpgradeHandler upgrade_;
+  std::vector<std::string> pending_;
+};
+
+}  // namespace quenlar

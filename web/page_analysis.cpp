@@ -1,0 +1,166 @@
+#include "web/page_analysis.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "base/ascii.h"
+#include "state/link_queue.h"
+#include "web/links.h"
+#include "web/tag_scanner.h"
+#include "web/tag_text.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+// What stands between "Parsing" or "Completed" and the rest of the stage text. Levels 7 to 10 show the texts of level
+// 5: meant.
+constexpr std::array<const char*, kLevels> kStageWords = {
+    "",
+    " Channel One",
+    " Channel Two",
+    " Channel Three",
+    " Channel Four",
+    " Channel Five",
+    " Channel Six",
+    " Channel Five",
+    " Channel Five",
+    " Channel Five",
+    " Channel Five",
+};
+
+constexpr std::uint32_t Four(std::string_view text) {
+  std::uint32_t value = 0;
+  for (const char c : text) value = value << 8 | static_cast<unsigned char>(ToLower(c));
+  return value;
+}
+
+// Targets that end so name files in which no addresses are looked for.
+constexpr std::array<std::uint32_t, 20> kUnwantedEndings = {
+    Four(".gif"), Four(".jpg"), Four("jpeg"), Four(".bmp"), Four(".png"), Four(".pcx"), Four(".tif"),
+    Four("tiff"), Four(".wmf"), Four(".exe"), Four(".zip"), Four(".pdf"), Four(".doc"), Four(".avi"),
+    Four(".mpg"), Four("mpeg"), Four(".wmv"), Four("rmvb"), Four(".mp3"), Four(".wav")};
+
+bool IsUnwantedFile(std::string_view target) {
+  if (target.size() < 4) return false;
+  const std::uint32_t ending = Four(target.substr(target.size() - 4));
+  return std::find(kUnwantedEndings.begin(), kUnwantedEndings.end(), ending) != kUnwantedEndings.end();
+}
+
+// Whether the tag's name is `name` (in lower case) exactly: it ends at a blank, which may be written as an entity, or
+// with the tag. Any other character, a line break too, makes it another tag: meant.
+bool IsNamed(std::string_view tag, std::string_view name) {
+  if (!StartsWithIgnoreCase(tag, name)) return false;
+  tag.remove_prefix(name.size());
+  return tag.empty() || tag.front() == ' ' || StartsWithIgnoreCase(tag, "&nbsp;");
+}
+
+// Whether a tag whose text begins with this character can be an anchor or a frame.
+constexpr bool MayBeWanted(char c) {
+  const char lower = ToLower(c);
+  return lower == 'a' || lower == 'f' || c == ' ';
+}
+
+// Who found the links, and where they go.
+struct PageKind {
+  int level;
+  std::string_view address;
+  std::string_view digit;  // of a level-0 page
+  std::int16_t number;     // of an expansion page
+};
+
+// Goes through the tags of a page and queues the targets of its anchors and frames.
+class TagWalk {
+ public:
+  TagWalk(AnalysisContext& context, std::string_view page, const PageKind& kind)
+      : context_(context), page_(page), kind_(kind), resolver_(kind.address) {}
+  TagWalk(const TagWalk&) = delete;
+  TagWalk& operator=(const TagWalk&) = delete;
+
+  // Pumps at every tag. False when a stop request cut the walk short.
+  bool Run() {
+    TagScanner tags(page_);
+    for (TagScanner::Tag tag{}; tags.Next(tag);) {
+      context_.pump.Light();
+      if (context_.run.stop_requested) return false;
+      if (MayBeWanted(page_[tag.open + 1]) && !Look(tag)) return true;
+    }
+    return true;
+  }
+
+ private:
+  // False when the walk is over.
+  bool Look(TagScanner::Tag tag) {
+    const std::string_view text = TrimBlanks(page_.substr(tag.open + 1, tag.close - tag.open - 1));
+    if (IsNamed(text, "a")) return Anchor(text, tag.close);
+    if (IsNamed(text, "frame")) {
+      context_.pump();
+      Queue(AttributeView(text, "src=", buffer_));
+    }
+    return true;
+  }
+
+  // An anchor without a closing tag anywhere behind it ends the walk: meant.
+  bool Anchor(std::string_view text, std::size_t close) {
+    context_.pump();
+    if (closing_ < close) closing_ = FindIgnoreCase(page_, "</a", close);
+    if (closing_ == kNone) return false;
+    const std::string_view target = AttributeView(text, "href=", buffer_);
+    if (!IsUnwantedFile(target)) Queue(target);
+    return true;
+  }
+
+  void Queue(std::string_view target) {
+    const std::string_view address = resolver_.Resolve(target);
+    if (address.empty()) return;
+    if (kind_.level == 0) {
+      MakeLink(context_.project, context_.settings, address, kind_.address, kind_.digit);
+    } else {
+      MakeExpandLink(context_.project, context_.settings, kind_.level, address, kind_.address, kind_.number);
+    }
+  }
+
+  AnalysisContext& context_;
+  std::string_view page_;
+  const PageKind& kind_;
+  LinkResolver resolver_;
+  std::string buffer_;
+  std::size_t closing_ = 0;  // the first "</a" behind the last anchor that had to look for it
+};
+
+PageKind KindOf(std::string_view request_name) {
+  PageKind kind{LevelOfLetter(request_name.empty() ? '\0' : request_name.front()), {}, {}, 0};
+  if (request_name.size() > 1) kind.digit = request_name.substr(1, 1);
+  if (request_name.size() > 2) kind.address = request_name.substr(2);
+  if (!kind.digit.empty() && IsDigit(kind.digit[0])) kind.number = static_cast<std::int16_t>(kind.digit[0] - '0');
+  return kind;
+}
+
+}  // namespace
+
+int LevelOfLetter(char letter) {
+  for (int level = 0; level < kLevels; ++level) {
+    if (RequestLetter(level) == letter) return level;
+  }
+  return -1;
+}
+
+PageOutcome ParsePage(AnalysisContext& context, std::string_view page, std::string_view request_name) {
+  const PageKind kind = KindOf(request_name);
+  if (kind.level < 0) return {};
+  ++context.run.scan_count;
+  context.view.ShowScanCount(context.run.scan_count);
+  PageOutcome outcome{true, ExtractAddresses(context, page, kind.address) == HarvestEnd::kStopNumberReached};
+  if (kind.level > 0 && kind.number >= context.run.link_depth) return outcome;
+
+  const std::string words = kStageWords[static_cast<std::size_t>(kind.level)];
+  context.view.ShowStage("Parsing" + words + " data ...");
+  if (!TagWalk(context, page, kind).Run()) return {false, true};
+  context.view.ShowStage("Completed" + words + " analysis ...");
+  return outcome;
+}
+
+}  // namespace quenlar

@@ -1,0 +1,49 @@
+#include "web/search_results.h"
+
+#include "base/ascii.h"
+#include "base/byte_search.h"
+#include "state/settings.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::string_view kHeading = "<h3 class=", kTarget = "href=\"";
+
+// The first match at or after `from`, or empty. Every gap of the pattern takes as little as it can and anything may
+// stand in it, so each piece is found at its first place behind the piece before it; and where one piece is missing,
+// no later heading has it either.
+std::string_view NextResult(std::string_view page, std::size_t from) {
+  const std::size_t start = FindIgnoreCase(page, kHeading, from);
+  if (start == kNone) return {};
+  std::size_t at = start + kHeading.size();
+  for (const std::string_view piece : {std::string_view("r"), std::string_view(">"), kTarget, std::string_view("\"")}) {
+    at = FindIgnoreCase(page, piece, at);
+    if (at == kNone) return {};
+    at += piece.size();
+  }
+  return page.substr(start, at - start);
+}
+
+void QueueResult(std::string_view match, LinkQueue& level_zero) {
+  // The first "href=" of the match, which may stand before the one that the pattern needed: meant.
+  std::string_view target = match.substr(FindIgnoreCase(match, kTarget) + kTarget.size());
+  target.remove_suffix(1);
+  if (target.find(kSearchEngineDomain) != kNone) return;
+  if (target.ends_with('/')) target.remove_suffix(1);
+  level_zero.AddIfNewHost(target, 1);
+}
+
+}  // namespace
+
+void CollectResultLinks(std::string_view page, LinkQueue& level_zero) {
+  std::size_t from = 0;
+  for (;;) {
+    const std::string_view match = NextResult(page, from);
+    if (match.empty()) return;
+    QueueResult(match, level_zero);
+    from = static_cast<std::size_t>(match.data() - page.data()) + match.size();
+  }
+}
+
+}  // namespace quenlar
