@@ -1,0 +1,11 @@
+// Why a run has ended, in the words that the user reads.
+#pragma once
+
+namespace quenlar {
+
+inline constexpr const char* kEndOffLine = "You are not on the internet !";
+inline constexpr const char* kEndStopButton = "You press the stop button !";
+inline constexpr const char* kEndStopNumber = "You have extracted emails as your desire !";
+inline constexpr const char* kEndAllParsed = "All links have been parsed !";
+
+}  // namespace quenlar

@@ -1,0 +1,292 @@
+#include "run/run_driver.h"
+
+#include <algorithm>
+#include <cassert>
+#include <chrono>
+#include <utility>
+
+namespace quenlar {
+namespace {
+
+constexpr int kMaxPerLevel = 2;     // downloads of one expansion level at a time
+constexpr int kSearchAttempts = 4;  // for a first result page without results
+constexpr int kResultsPerPage = 100;
+constexpr int kLastResultOffset = 32700;  // the last one that a 16-bit number holds
+
+// How long a wait sleeps when nothing arrives. Everything that a wait is for arrives through the event loop, so this
+// is no poll interval; it only bounds the harm of an event that got lost.
+constexpr std::chrono::milliseconds kWaitLimit{500};
+
+}  // namespace
+
+RunDriver::RunDriver(EventLoop& loop, RunState& run, Project& project, SearchAddressAt search_address, ocxParseWeb& web,
+                     Files& files, PeriodicSaver& saver, RunHost& host)
+    : loop_(loop),
+      run_(run),
+      project_(project),
+      search_address_(std::move(search_address)),
+      web_(web),
+      files_(files),
+      saver_(saver),
+      host_(host) {}
+
+void RunDriver::Run() {
+  if (project_.is_keyword) {
+    KeywordRun();
+  } else {
+    LinkRun();
+  }
+}
+
+void RunDriver::KeywordRun() {
+  Begin();
+  run_.pending[0] = 0;
+  run_.upgrade_share = 0;
+  LinkQueue& sites = project_.queues[0];
+  // A data file of another kind left the project new, with its search page still to be fetched.
+  if (!files_.FileExists(project_.data_file) || OnlySearchPageQueued()) {
+    if (const char* reason = Search()) {
+      End(reason, Phase::kSearch);
+      return;
+    }
+    sites.Reverse();
+  }
+  if (sites.Next() < sites.Count()) saver_.SaveProjectData();
+  Crawl();
+}
+
+void RunDriver::LinkRun() {
+  Begin();
+  Crawl();
+}
+
+// The flags are cleared here and not again at the start of the links of a keyword run: a stop that comes while the
+// queues are saved in between holds. So does one from the moment between the button and its timer's tick, which the
+// button tells.
+void RunDriver::Begin() {
+  assert(!run_.running);
+  run_.running = true;
+  run_.stop_requested = !host_.StopButtonShown();
+  run_.off_line = false;
+  run_.scan_count = 0;
+  requests_.clear();
+  for (LinkQueue& queue : project_.queues) queue.RestartInFlight();
+}
+
+// --- Search phase ---
+
+// Opening a new keyword project leaves the search page in the level-0 queue, as its only record.
+bool RunDriver::OnlySearchPageQueued() const {
+  const LinkQueue& sites = project_.queues[0];
+  return sites.Count() == 1 && sites.Next() == 0 && !project_.search_page.empty() &&
+         sites.At(0).URL == project_.search_page;
+}
+
+// Null when the links are to be visited, else why the run ends here.
+const char* RunDriver::Search() {
+  LinkQueue& sites = project_.queues[0];
+  if (OnlySearchPageQueued()) sites.Clear();  // it is no site
+  std::uint32_t seen = sites.Count();
+  for (int attempts = 0; attempts < kSearchAttempts;) {
+    const std::string name = "G" + project_.start_url;
+    requests_.push_back({0, std::nullopt, name});
+    ++run_.pending[0];
+    web_.BeginDownload(project_.start_url, name);
+    if (!WaitForSearchPage()) {
+      CancelAll();
+      return StopReason();
+    }
+    if (sites.Count() == 0) {
+      ++attempts;
+      continue;
+    }
+    if (sites.Count() <= seen || !GoToNextResultPage()) return nullptr;
+    seen = sites.Count();
+  }
+  return kEndAllParsed;
+}
+
+// False when a stop was requested meanwhile.
+bool RunDriver::WaitForSearchPage() {
+  do {
+    if (run_.stop_requested) {
+      loop_.Yield();
+    } else {
+      loop_.Wait(kWaitLimit);
+    }
+    if (run_.stop_requested) return false;
+  } while (run_.LevelZeroPending());
+  return true;
+}
+
+bool RunDriver::GoToNextResultPage() {
+  if (project_.result_offset >= kLastResultOffset) return false;
+  project_.result_offset = static_cast<std::int16_t>(project_.result_offset + kResultsPerPage);
+  const std::string address = search_address_(project_.result_offset);
+  if (!address.empty()) project_.start_url = address;
+  return true;
+}
+
+// --- Links ---
+
+// Passes over the queues: a pass that may start a level-0 page does nothing else. A pass ends with a pump, which
+// sleeps when no pass could do anything before something arrives; so the order of events is that of a busy loop.
+void RunDriver::Crawl() {
+  SeedAddressProject();
+  run_.baseline = static_cast<std::int32_t>(project_.found.Count());
+  may_start_site_ = true;
+  while (true) {
+    if (may_start_site_) {
+      may_start_site_ = StartSite();
+    } else {
+      for (int level = 1; level < kLevels; ++level) FillLevel(level);
+    }
+    if (run_.stop_requested || AllVisited() || SomethingToDo()) {
+      loop_.Yield();
+    } else {
+      loop_.Wait(kWaitLimit);
+    }
+    if (run_.stop_requested) break;
+    if (AllVisited()) break;
+  }
+  CancelAll();
+  End(run_.stop_requested ? StopReason() : kEndAllParsed, Phase::kLinks);
+}
+
+// An address project without a link left to visit begins anew at its start address.
+void RunDriver::SeedAddressProject() {
+  if (project_.is_keyword || project_.start_url.empty()) return;
+  for (const LinkQueue& queue : project_.queues) {
+    if (queue.HasUnvisited()) return;
+  }
+  for (LinkQueue& queue : project_.queues) queue.Clear();
+  project_.queues[0].AddIfNew(project_.start_url);
+}
+
+// Pumps. Whether another level-0 page may be started in the next pass.
+bool RunDriver::StartSite() {
+  const LinkQueue& sites = project_.queues[0];
+  if (sites.Next() >= sites.Count() || run_.LevelZeroPending()) return false;
+  loop_.Yield();
+  const std::optional<char> digit = FirstEmptyLevel();
+  if (!digit) return false;
+  Start(0, {RequestLetter(0), *digit});
+  return true;
+}
+
+// Pumps.
+void RunDriver::FillLevel(int level) {
+  LinkQueue& queue = project_.queues[level];
+  while (run_.pending[level] < kMaxPerLevel) {
+    if (queue.Next() >= queue.Count()) {
+      // After a stop nothing is emptied any more: a page that the stop cut short is still to be visited.
+      if (run_.pending[level] != 0 || run_.stop_requested) return;
+      if (queue.Count() != 0) queue.Clear();
+      may_start_site_ = true;
+      return;
+    }
+    loop_.Yield();
+    Start(level, RequestLetter(level) + std::to_string(queue.At(queue.Next()).number));
+  }
+}
+
+void RunDriver::Start(int level, const std::string& tag) {
+  LinkQueue& queue = project_.queues[level];
+  const std::uint32_t index = queue.StartNext();
+  const std::string address(queue.At(index).URL);
+  requests_.push_back({level, index, tag + address});
+  ++run_.pending[level];
+  web_.BeginDownload(address, tag + address);
+}
+
+// The digit of the first expansion level that holds no links ('0' is level 10): the links of the level-0 page that is
+// started now will go there.
+std::optional<char> RunDriver::FirstEmptyLevel() const {
+  for (int level = 1; level < kLevels; ++level) {
+    if (project_.queues[level].Count() == 0) return static_cast<char>('0' + level % 10);
+  }
+  return std::nullopt;
+}
+
+bool RunDriver::AllVisited() const {
+  if (run_.LevelZeroPending()) return false;
+  for (int level = 0; level < kLevels; ++level) {
+    if (project_.queues[level].Next() < project_.queues[level].Count()) return false;
+    if (level != 0 && run_.pending[level] != 0) return false;
+  }
+  return true;
+}
+
+// Whether one of the next passes, with nothing arriving before it, starts a page or empties a level. (A level without
+// links allows a level-0 start in every pass, so it does not matter whether one is allowed now.)
+bool RunDriver::SomethingToDo() const {
+  const LinkQueue& sites = project_.queues[0];
+  if (sites.Next() < sites.Count() && !run_.LevelZeroPending() && FirstEmptyLevel()) return true;
+  for (int level = 1; level < kLevels; ++level) {
+    const LinkQueue& queue = project_.queues[level];
+    if (queue.Count() == 0) continue;
+    if (run_.pending[level] < (queue.Next() < queue.Count() ? kMaxPerLevel : 1)) return true;
+  }
+  return false;
+}
+
+// --- What arrives ---
+
+void RunDriver::DownloadComplete(int level, const std::string& request_name, bool whole) {
+  // The share of the upgrade check, which raises no event, stays.
+  if (run_.pending[level] > (level == 0 ? run_.upgrade_share : 0)) --run_.pending[level];
+  const auto request = std::find_if(requests_.begin(), requests_.end(),
+                                    [&](const Request& r) { return r.level == level && r.name == request_name; });
+  if (request == requests_.end()) return;
+  // The record of a page that a stop cut short stays in flight: a later run visits it again.
+  if (whole && request->index) project_.queues[level].Finish(*request->index);
+  requests_.erase(request);
+}
+
+void RunDriver::CancelStalled() {
+  std::vector<std::string> abandoned = web_.pending();
+  web_.CancelAllDownload();
+  std::erase_if(requests_, [&](const Request& request) {
+    const auto name = std::find(abandoned.begin(), abandoned.end(), request.name);
+    if (name == abandoned.end()) return false;  // arrived, and being analysed: its event is still to come
+    abandoned.erase(name);
+    if (request.index) project_.queues[request.level].Finish(*request.index);
+    return true;
+  });
+  CountRequests();
+}
+
+// No event comes for what is cancelled. The records stay in flight in their queues: a later run visits them again.
+void RunDriver::CancelAll() {
+  web_.CancelAllDownload();
+  requests_.clear();
+  CountRequests();
+}
+
+void RunDriver::CountRequests() {
+  run_.pending.fill(0);
+  run_.pending[0] = run_.upgrade_share;
+  for (const Request& request : requests_) ++run_.pending[request.level];
+}
+
+// --- The end ---
+
+const char* RunDriver::StopReason() const {
+  if (run_.off_line) return kEndOffLine;
+  return host_.StopButtonShown() ? kEndStopNumber : kEndStopButton;
+}
+
+void RunDriver::End(const char* reason, Phase phase) {
+  host_.ShowEnd(reason);
+  if (phase == Phase::kLinks) {
+    const auto unvisited = [](const LinkQueue& queue) { return queue.HasUnvisited(); };
+    if (std::any_of(project_.queues.begin(), project_.queues.end(), unvisited)) host_.SaveDataAtEnd();
+    if (project_.found.Count() >= 1) host_.SaveReportAtEnd();
+  }
+  host_.RestoreIdle(phase == Phase::kLinks);  // a run that ends in its search phase leaves export disabled: meant
+  host_.ShowEndTime();
+  run_.running = false;
+  host_.EnableExit();
+}
+
+}  // namespace quenlar
