@@ -1,0 +1,273 @@
+#include "project/project_store.h"
+
+#include <new>
+#include <utility>
+
+#include "platform/code_page.h"
+#include "platform/files.h"
+#include "platform/message_boxes.h"
+#include "project/data_file.h"
+#include "project/project_name.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::uint64_t kMaxReportBytes = 2u << 30;
+constexpr const char* kUnknownSuffixText =
+    "We will delete any lettes behind \"_\", except \"_en\",\"_fr\",\"_de\",\"_it\",\"_es\",\"_ja\"";
+
+// "<path> cannot be saved: <reason> !"
+Status Sentence(const Status& status, const std::string& path, const char* what) {
+  if (status.ok() || status.kind() == StatusKind::kLimit) return status;
+  std::string reason = status.message();
+  if (reason.starts_with(path + ": ")) reason.erase(0, path.size() + 2);
+  return {status.kind(), path + " cannot be " + what + ": " + reason + " !"};
+}
+
+// Gives what lies at `path` a name under which nothing lies: ".bak", or ".bak2" and so on. The new name, or "" when
+// there was nothing.
+Result<std::string> KeepAside(Files& files, const std::string& path) {
+  std::string aside = path + ".bak";
+  for (int n = 2; files.FileExists(aside) || files.FolderExists(aside); ++n) aside = path + ".bak" + std::to_string(n);
+  const Status renamed = files.Rename(path, aside);
+  if (renamed.kind() == StatusKind::kNotFound) return std::string();
+  if (!renamed.ok()) return renamed;
+  return aside;
+}
+
+// The report's text in UTF-8. A report that memory does not hold is an unreadable one.
+Result<std::string> ReadReportText(const Platform& platform, const std::string& path) {
+  try {
+    auto bytes = ReadWhole(platform.files, path, kMaxReportBytes);
+    if (!bytes.ok()) return bytes;
+    return platform.code_page.ToUtf8(bytes.take());
+  } catch (const std::bad_alloc&) {
+    return Status(StatusKind::kLimit, path + ": not enough memory");
+  }
+}
+
+}  // namespace
+
+ProjectStore::ProjectStore(const Platform& platform, Project& project, const Settings& settings, const Site& site,
+                           RunView& view, ProjectView& project_view, Pump::Pace pace)
+    : platform_(platform),
+      project_(project),
+      settings_(settings),
+      site_(site),
+      view_(view),
+      project_view_(project_view),
+      pump_(platform.loop, pace) {}
+
+// ---- opening ----
+
+void ProjectStore::OpenProject(std::string_view text) {
+  const std::string typed(text);
+  const std::uint64_t opening = ++openings_;
+  project_view_.EnableDelete(false);
+  project_.loaded = false;
+  FinishSave(data_);
+  FinishSave(report_);
+  if (NameProject(project_, typed, settings_, site_) == NamingOutcome::kUnknownSuffix) {
+    platform_.boxes.Show(kUnknownSuffixText, kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
+    if (opening == openings_) project_view_.SetInputText(typed.substr(0, typed.find('_')));
+    return;
+  }
+  Clear();
+  if (!LoadLinks(opening) || !LoadReport(opening)) return;
+  project_view_.EnableDelete(platform_.files.FileExists(project_.data_file));
+  view_.ShowStage("Load data finished ");
+  view_.ShowAddressCount(project_.found.Count());
+  view_.ShowScanCount(0);
+  project_.loaded = true;
+  if (!project_view_.Ready()) return;
+  project_view_.EnableExtract();
+  view_.ShowStage("Ready now !");
+}
+
+void ProjectStore::Clear() {
+  view_.ClearRows();
+  project_.found.Clear();
+  project_.search_page.clear();
+  project_.result_offset = 0;
+  reported_ = 0;
+  for (LinkQueue& queue : project_.queues) queue.Clear();
+  reader_ = nullptr;
+}
+
+// False when another opening has taken over.
+bool ProjectStore::LoadLinks(std::uint64_t opening) {
+  const DataFileContents contents =
+      ReadDataFile(platform_.files, platform_.code_page, project_.data_file, project_.queues, [&] {
+        ProgressTick();
+        return opening == openings_;
+      });
+  if (opening != openings_) return false;
+  data_.keep_old = contents == DataFileContents::kOtherHeader || contents == DataFileContents::kCutShort ||
+                   platform_.files.FolderExists(project_.data_file);
+  const bool is_new = contents == DataFileContents::kOtherHeader || contents == DataFileContents::kMissing;
+  if (is_new && project_.is_keyword) {
+    project_.search_page = project_.start_url;
+    project_.queues[0].AddIfNew(project_.start_url);
+  }
+  return true;
+}
+
+bool ProjectStore::LoadReport(std::uint64_t opening) {
+  report_.keep_old = false;
+  if (!platform_.files.FileExists(project_.report_file)) {
+    project_view_.EnableExport(false);
+    project_view_.EnableDelete(false);
+    return true;
+  }
+  auto read = ReadReportText(platform_, project_.report_file);
+  report_.keep_old = !read.ok();
+  const std::string text = read.ok() ? read.take() : std::string();
+  ReportReader reader(text);
+  std::uint32_t taken = 0;
+  reader_ = &reader;
+  while (reader.Advance()) {
+    pump_();
+    if (opening != openings_) return false;
+    reader.Take(project_.found);
+    ++taken;
+  }
+  reader_ = nullptr;
+  reported_ = taken;
+  // A run that began in one of the pumps has added rows of its own: then the list starts anew.
+  if (taken != project_.found.Count()) view_.ClearRows();
+  for (std::uint32_t i = 0; i < project_.found.Count(); ++i) view_.AddRow(i, false);
+  project_view_.EnableExport(true);
+  project_view_.EnableDelete(true);
+  return true;
+}
+
+void ProjectStore::FinishLoading() {
+  if (reader_ != nullptr) reader_->FinishNow(project_.found);
+}
+
+void ProjectStore::ProgressTick() {
+  if (progress_ == 20) view_.ShowStage("Load data ..");
+  if (progress_ == 40) view_.ShowStage("Load data ....");
+  if (progress_ == 60) view_.ShowStage("Load data ......");
+  if (++progress_ > 60) progress_ = 0;
+}
+
+// ---- saving ----
+
+// The report first: a data file drops the links of pages whose addresses must be on the disk by then, so that a program
+// that dies between the two visits a page again instead of losing what it found there.
+Status ProjectStore::WriteData() {
+  if (ReportIsBehind()) WriteReport().Ignore("the report's own save follows, and tells it");
+  return Write(data_);
+}
+
+Status ProjectStore::WriteReport() { return Write(report_); }
+
+bool ProjectStore::ReportIsBehind() const {
+  const std::uint32_t count = project_.found.Count();
+  return count != 0 && (count != reported_ || !platform_.files.FileExists(project_.report_file));
+}
+
+void ProjectStore::SaveProjectData() { Show(WriteData()); }
+void ProjectStore::SaveProjectReport() {
+  if (ReportIsBehind()) Show(WriteReport());
+}
+
+void ProjectStore::Show(const Status& failure) {
+  if (failure.ok()) return;
+  view_.ShowStage(failure.message());
+  if (on_save_failure_) on_save_failure_(failure);
+}
+
+const std::string& ProjectStore::PathOf(const Save& save) const {
+  return save.file == File::kData ? project_.data_file : project_.report_file;
+}
+
+Status ProjectStore::Write(Save& save) {
+  if (PathOf(save).empty()) return Status::Ok();
+  if (save.under_way != nullptr) {
+    save.again = true;
+    return Status::Ok();
+  }
+  FinishLoading();
+  Status status;
+  do {
+    save.again = false;
+    status = WriteOnce(save);
+  } while (save.again && save.under_way == nullptr);
+  return status;
+}
+
+Status ProjectStore::WriteOnce(Save& save) {
+  const std::string path = PathOf(save);
+  const std::uint32_t count = project_.found.Count();
+  auto started = Start(save);
+  if (!started.ok()) return Sentence(started.status(), path, "saved");
+  RecordWriter& writer = *started.value();
+  save.under_way = &writer;
+  while (writer.Advance()) {
+    pump_();
+    writer.Write();
+  }
+  if (save.under_way == &writer) save.under_way = nullptr;
+  const Status committed = Commit(save, writer, path);
+  if (committed.ok() && save.file == File::kReport) reported_ = count;
+  return committed;
+}
+
+Result<std::unique_ptr<RecordWriter>> ProjectStore::Start(Save& save) {
+  const std::string& path = PathOf(save);
+  if (save.keep_old && platform_.files.FolderExists(path)) {
+    auto kept = KeepAside(platform_.files, path);
+    if (!kept.ok()) return kept.status();
+  }
+  if (save.file == File::kData) return StartDataFile(platform_.files, platform_.code_page, path, project_.queues);
+  return StartReport(platform_.files, platform_.code_page, path, project_.found, settings_.ExportMode != 0);
+}
+
+Status ProjectStore::Commit(Save& save, RecordWriter& writer, const std::string& path) {
+  if (writer.done() || !save.keep_old) return Sentence(writer.Commit(), path, "saved");
+  auto kept = KeepAside(platform_.files, path);
+  if (!kept.ok()) {
+    writer.Discard();
+    return Sentence(kept.status(), path, "saved");
+  }
+  const Status status = writer.Commit();
+  if (status.ok()) {
+    save.keep_old = false;
+  } else if (!kept.value().empty()) {
+    platform_.files.Rename(kept.value(), path).Ignore("the file is whole under its other name");
+  }
+  return Sentence(status, path, "saved");
+}
+
+// Brings the save that is under way to its end, and the one that was asked for meanwhile, without pumping.
+void ProjectStore::FinishSave(Save& save) {
+  if (save.under_way == nullptr) return;
+  RecordWriter& writer = *std::exchange(save.under_way, nullptr);
+  writer.FinishNow();
+  Show(Commit(save, writer, PathOf(save)));
+  if (!std::exchange(save.again, false)) return;
+  auto started = Start(save);
+  if (started.ok()) {
+    started.value()->FinishNow();
+    Show(Commit(save, *started.value(), PathOf(save)));
+  } else {
+    Show(Sentence(started.status(), PathOf(save), "saved"));
+  }
+}
+
+Status ProjectStore::DeleteFiles() {
+  Status first;
+  for (Save* save : {&data_, &report_}) {
+    if (save->under_way != nullptr) std::exchange(save->under_way, nullptr)->Discard();
+    save->again = false;
+    const std::string& path = PathOf(*save);
+    if (!platform_.files.FileExists(path)) continue;
+    const Status deleted = Sentence(platform_.files.Delete(path), path, "deleted");
+    if (first.ok()) first = deleted;
+  }
+  return first;
+}
+
+}  // namespace quenlar

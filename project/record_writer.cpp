@@ -1,0 +1,72 @@
+#include "project/record_writer.h"
+
+#include "base/ascii.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kFlushBytes = 64u << 10;
+
+bool HasLineEnd(std::string_view text) {
+  return text.find('\n') != std::string_view::npos || text.find('\r') != std::string_view::npos;
+}
+
+std::string_view WithoutLineEnds(std::string_view text, std::string& storage, const char* cr, const char* lf) {
+  if (!HasLineEnd(text)) return text;
+  storage = ReplaceAll(ReplaceAll(text, "\r", cr), "\n", lf);
+  return storage;
+}
+
+}  // namespace
+
+bool RecordWriter::Advance() {
+  found_ = !done() && status_.ok() && Find();
+  return found_;
+}
+
+void RecordWriter::Write() {
+  if (found_ && !done()) Print();
+  found_ = false;
+}
+
+void RecordWriter::FinishNow() {
+  Write();
+  while (Advance()) Write();
+}
+
+Status RecordWriter::Commit() {
+  if (done()) return status_;
+  Flush();
+  if (status_.ok()) status_ = file_->Commit();
+  file_.reset();
+  return status_;
+}
+
+void RecordWriter::Discard() {
+  file_.reset();
+  buffer_.clear();
+  status_ = Status::Ok();
+}
+
+void RecordWriter::EndLine() {
+  buffer_.append("\r\n");
+  if (buffer_.size() >= kFlushBytes) Flush();
+}
+
+// The buffer goes through the conversion and comes back, so that ASCII text is neither copied nor allocated again.
+void RecordWriter::Flush() {
+  std::string bytes = code_page_.FromUtf8(std::move(buffer_));
+  if (status_.ok()) status_ = file_->Write(bytes);
+  buffer_ = std::move(bytes);
+  buffer_.clear();
+}
+
+std::string_view AddressInLine(std::string_view address, std::string& storage) {
+  return WithoutLineEnds(address, storage, "%0D", "%0A");
+}
+
+std::string_view TitleInLine(std::string_view title, std::string& storage) {
+  return WithoutLineEnds(title, storage, " ", " ");
+}
+
+}  // namespace quenlar
