@@ -1,0 +1,64 @@
+// The mailing list tool: opens address books, merges their addresses, saves the result.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "mailtool/email_book_merge.h"
+#include "platform/file_dialogs.h"
+#include "platform/message_boxes.h"
+#include "state/settings.h"
+#include "ui/controls.h"
+
+namespace quenlar {
+
+class frmEmailMergeTool final : public ui::Form {
+ public:
+  // What the window works on; all of it must outlive the window. The books and addresses outlive its closing.
+  struct Context {
+    eMailBookMerge& books;
+    Files& files;
+    const CodePage& code_page;
+    EventLoop& loop;
+    MessageBoxes& boxes;
+    FileDialogs& dialogs;
+    const Site& site;
+  };
+
+  explicit frmEmailMergeTool(Context context);
+
+  ui::ListBox lstBook{"lstBook"};
+  ui::Button cmdOpen{"cmdOpen", "&Open ..."};
+  ui::Button cmdDelete{"cmdDelete", "&Delete"};
+  ui::Button cmdDeleteAll{"cmdDeleteAll", "Delete &All"};
+  ui::ListBox lstAddress{"lstAddress"};
+  ui::Button cmdExtract{"cmdExtract", "&Extract"};
+  ui::Button cmdClear{"cmdClear", "&Clear"};
+  ui::Button cmdSave{"cmdSave", "&Save ..."};
+  ui::Button cmdOK{"cmdOK", "OK"};
+
+  [[nodiscard]] std::vector<ui::Control*> Controls() override;
+  void Load() override;
+
+ private:
+  void lstBook_Click();
+  void cmdOpen_Click();
+  void cmdDelete_Click();
+  void cmdDeleteAll_Click();
+  void cmdExtract_Click();
+  void cmdClear_Click();
+  void cmdSave_Click();
+
+  void OnCommand(ui::Button& button, void (frmEmailMergeTool::*command)());
+  void AddBooks(const FileDialogs::Choice& choice);
+  void FillBooks();
+  [[nodiscard]] std::string ReportFolder() const;
+  // Empty when the user gave up.
+  [[nodiscard]] std::string ChooseTarget();
+  BoxAnswer Tell(const std::string& text, BoxIcon icon, BoxButtons buttons = BoxButtons::kOk);
+
+  Context context_;
+  bool busy_ = false;  // a command is under way, and pumps
+};
+
+}  // namespace quenlar
