@@ -1,0 +1,26 @@
+// The icon in the notification area.
+#pragma once
+
+#include <functional>
+
+#include "platform/tray_icon.h"
+
+namespace quenlar {
+
+// Knows whether the icon is there, so that it is added once and removed once.
+class eTray {
+ public:
+  explicit eTray(TrayIcon& icon) : icon_(icon) {}
+
+  void AddTrayIcon();
+  void RemoveTrayIcon();
+
+  // The right mouse button went down on the icon; every other message of it is passed over. Called inside a pump.
+  void OnRightButtonDown(std::function<void()> handler);
+
+ private:
+  TrayIcon& icon_;
+  bool added_ = false;
+};
+
+}  // namespace quenlar

@@ -1,0 +1,27 @@
+#include "app/frm_about.h"
+
+#include <string>
+
+#include "app/link_label.h"
+#include "platform/message_boxes.h"
+#include "settings/open_web_page.h"
+#include "state/settings.h"
+
+namespace quenlar {
+
+frmAbout::frmAbout(Shell& shell) : Form("frmAbout") {
+  MakeLink(lblWebPage, [&shell] { OpenWebPage(shell, kHomePage); });
+  cmdOK.Click = [this] { Close(); };
+}
+
+std::vector<ui::Control*> frmAbout::Controls() {
+  return {&picMark, &lblSoftwareVersion, &Line1, &lblNote, &lblWebPage, &Line2, &cmdOK};
+}
+
+void frmAbout::Load() {
+  SetCaption(std::string("About ") + kProductCaption);
+  lblSoftwareVersion.SetText(kProductCaption);
+  lblWebPage.SetText(kHomePage);
+}
+
+}  // namespace quenlar

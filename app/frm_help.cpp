@@ -1,0 +1,18 @@
+#include "app/frm_help.h"
+
+#include "app/link_label.h"
+#include "settings/open_web_page.h"
+#include "state/settings.h"
+
+namespace quenlar {
+
+frmHelp::frmHelp(Shell& shell) : Form("frmHelp", "Brenvy Quenlar Pro Online Help") {
+  MakeLink(lblHelp, [this, &shell] {
+    OpenWebPage(shell, kHomePage);
+    Close();
+  });
+}
+
+std::vector<ui::Control*> frmHelp::Controls() { return {&picMark, &Label1, &Label2, &lblHelp}; }
+
+}  // namespace quenlar

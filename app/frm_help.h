@@ -1,0 +1,24 @@
+// The online help box.
+#pragma once
+
+#include <vector>
+
+#include "platform/shell.h"
+#include "ui/controls.h"
+
+namespace quenlar {
+
+// The window keeps all of its contents in the middle of its width. It closes when its link is followed.
+class frmHelp final : public ui::Form {
+ public:
+  explicit frmHelp(Shell& shell);
+
+  ui::Panel picMark{"picMark"};
+  ui::Label Label1{"Label1", "Brenvy Quenlar Pro Help"};
+  ui::Label Label2{"Label2", "Connect to the Internet to view the online help files"};
+  ui::Label lblHelp{"lblHelp", "Open Online Help"};
+
+  [[nodiscard]] std::vector<ui::Control*> Controls() override;
+};
+
+}  // namespace quenlar

@@ -1,0 +1,331 @@
+#include "ui/main/frm_extract.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/interface_table.h"
+#include "platform/message_boxes.h"
+#include "platform/shell.h"
+#include "run/end_reasons.h"
+#include "settings/open_web_page.h"
+#include "ui/main/address_rows.h"
+
+namespace quenlar {
+namespace {
+
+constexpr const char* kExtractCaption = "&Extract";
+constexpr const char* kStopCaption = "&Stop";
+constexpr const char* kInputHint = "Enter URL as \"http://www.example.com\" or Keyword as \"picture search\"";
+
+}  // namespace
+
+frmExtract::frmExtract(Context context) : Form("frmExtract", kProductCaption), context_(context) {
+  txtSearch.SetVisible(false);
+  cmdExport.SetEnabled(false);
+  stsExtract.SetPanel(2, "Email 0 ");
+  stsExtract.SetPanel(3, "Scan 0");
+  stsExtract.SetPanel(4, "0 Kbps");
+  cmbURL.hint = "Keyword or web address";
+  cmbURL.Change = [this] { cmbURL_Change(); };
+  cmbURL.Click = [this] { PickProject(); };
+  cmbURL.GotFocus = [this] { ShowStage(kInputHint); };
+  cmdExtract.Click = [this] { cmdExtract_Click(); };
+  cmdExport.Click = [this] { ExportReport(); };
+  cmdDelete.Click = [this] { DeleteProject(); };
+  cmdOption.Click = [this] { ShowModalFrom(cmdOption, context_.option); };
+  cmdTool.Click = [this] { ShowModalFrom(cmdTool, context_.tool); };
+  cmdHide.Click = [this] { cmdHide_Click(); };
+  tmrText.Tick = [this] { tmrText_Tick(); };
+  SetUpList();
+}
+
+std::vector<ui::Control*> frmExtract::Controls() {
+  return {&cmbURL,  &cmdExtract, &lstMail,   &cmdExport,  &cmdDelete, &cmdOption,
+          &cmdTool, &cmdHide,    &txtSearch, &stsExtract, &tmrText};
+}
+
+void frmExtract::SetUpList() {
+  lstMail.columns = AddressColumns();
+  lstMail.CellText = [this](std::uint32_t row, int column) {
+    return AddressCell(context_.engine.project.found, row, column);
+  };
+  lstMail.CellColor = [this](std::uint32_t row, int column) {
+    return AddressCellColor(context_.engine.project.found, row, column);
+  };
+  lstMail.DblClick = [this] {
+    if (lstMail.selected()) OpenPage(*lstMail.selected());
+  };
+  lstMail.Miss = [this] { lstMail.ClearSelection(); };
+  const auto copy = [this](const std::string& text) { context_.engine.platform.shell.CopyToClipboard(text); };
+  lstMail.commands = {
+      {"Copy &address\tCtrl+C", 'C',
+       [this, copy](const auto& rows) { copy(CopyOfAddresses(context_.engine.project.found, rows)); }},
+      {"Copy &row", 0, [this, copy](const auto& rows) { copy(CopyOfRows(context_.engine.project.found, rows)); }},
+      {"&Open page", 0, [this](const auto& rows) { OpenPage(rows.front()); }},
+  };
+}
+
+// The models outlive the window, so a window that is opened again during a run shows the run as it stands.
+void frmExtract::Load() {
+  const Engine& engine = context_.engine;
+  if (!RunGoesOn()) {
+    cmdExtract.SetText(kExtractCaption);
+  } else if (cmdExtract.enabled()) {  // not while a stop is under way
+    cmdExtract.SetText(kStopCaption);
+  }
+  if (engine.project_list.entries().empty()) {
+    cmdDelete.SetEnabled(false);
+  } else if (RunGoesOn() || !cmbURL.text().empty()) {
+    cmbURL.SetItems(engine.project_list.entries());
+  } else {
+    FillProjectCombo();
+  }
+  txtSearch.SetText(LanguageCode(engine.settings.SearchLanguage));
+  ShowStage("Waiting ...");
+  ShowAddressCount(engine.project.found.Count());
+  std::int64_t started = 0;
+  constexpr std::size_t kScannedLevels = 6;  // levels 6 to 10 are left out: meant
+  for (std::size_t level = 0; level < kScannedLevels; ++level) started += engine.project.queues[level].Next();
+  ShowScanCount(started);
+  ready_ = true;
+}
+
+// The program goes on behind its notification icon, whose menu brings the window back.
+void frmExtract::Unload() {
+  ready_ = false;
+  context_.mnuExtractor.SetEnabled(true);
+}
+
+// --- The run's beginning and its stop ---
+
+bool frmExtract::RunGoesOn() const { return context_.engine.run.running || context_.tmrExtract.enabled(); }
+
+void frmExtract::cmdExtract_Click() {
+  if (cmdExtract.text() == kStopCaption) {
+    StopRun();
+  } else if (cmdExtract.enabled() && !RunGoesOn() && !std::exchange(starting_, true)) {
+    StartRun();
+    starting_ = false;
+  }
+}
+
+// The timer begins the run outside of this handler.
+void frmExtract::StartRun() {
+  if (!context_.engine.platform.interfaces.IsNetworkAlive()) {
+    Warn(kEndOffLine);
+    return;
+  }
+  if (cmbURL.text().empty()) {
+    Warn("Please enter keyword or URL !");
+    return;
+  }
+  if (!CanWriteProject()) return;
+  cmbURL.SetEnabled(false);  // what is opened now is what the run works on
+  AddCurrentProject();
+  cmdExtract.SetText(kStopCaption);
+  for (ui::Control* control : Inputs()) control->SetEnabled(false);
+  cmdExport.SetEnabled(false);
+  cmdDelete.SetEnabled(false);
+  ShowStage("Started to extract email address process at " + context_.engine.platform.clock.TimeText());
+  context_.tmrExtract.SetEnabled(true);
+  context_.mnuExit.SetEnabled(false);
+}
+
+void frmExtract::StopRun() {
+  cmdExtract.SetText(kExtractCaption);
+  cmdExtract.SetEnabled(false);
+  context_.engine.run.stop_requested = true;
+}
+
+// A run whose links could not be saved would be lost, so it does not begin.
+bool frmExtract::CanWriteProject() {
+  const std::string path = context_.engine.project.data_file;
+  if (path.empty()) {  // a keyword without a language
+    Warn("Please choose a search language in the options !");
+    return false;
+  }
+  const auto replacement = context_.engine.platform.files.Replace(path);
+  if (replacement.ok()) return true;  // nothing has been written
+  WarnOnFailure(replacement.status());
+  return false;
+}
+
+// --- Projects ---
+
+void frmExtract::cmbURL_Change() {
+  if (RunGoesOn()) return;
+  ++opening_;
+  cmdExtract.SetEnabled(false);
+  context_.engine.projects.OpenProject(cmbURL.text());
+  if (--opening_ == 0) cmdExtract.SetEnabled(true);
+}
+
+void frmExtract::AddCurrentProject() {
+  const Engine& engine = context_.engine;
+  if (context_.engine.project_list.Add(cmbURL.text(), engine.project.is_keyword)) FillProjectCombo();
+}
+
+void frmExtract::FillProjectCombo() {
+  const std::vector<std::string> entries = context_.engine.project_list.entries();
+  cmbURL.SetItems(entries);
+  if (!entries.empty()) cmbURL.SetText(entries.front());
+}
+
+void frmExtract::PickProject() {
+  context_.engine.project_list.Pick(cmbURL.text());
+  cmbURL.SetItems(context_.engine.project_list.entries());
+  tmrText.SetEnabled(true);
+}
+
+void frmExtract::tmrText_Tick() {
+  tmrText.SetEnabled(false);
+  const std::vector<std::string> entries = context_.engine.project_list.entries();
+  if (!entries.empty() && !starting_ && !RunGoesOn()) OpenText(entries.front());
+}
+
+// Opens the project also when the box shows this text already, as it does after a pick.
+void frmExtract::OpenText(const std::string& text) {
+  if (cmbURL.text() == text) {
+    cmbURL_Change();
+  } else {
+    cmbURL.SetText(text);
+  }
+}
+
+void frmExtract::DeleteProject() {
+  Engine& engine = context_.engine;
+  const BoxAnswer answer = engine.platform.boxes.Show("Are you sure to delete it ?", kProductCaption,
+                                                      BoxIcon::kExclamation, BoxButtons::kYesNo);
+  if (answer != BoxAnswer::kYes || RunGoesOn() || starting_) return;
+  const Status deleted = engine.projects.DeleteFiles();
+  engine.project_list.Remove(cmbURL.text());
+  const std::vector<std::string> entries = engine.project_list.entries();
+  cmbURL.SetItems(entries);
+  OpenText(entries.empty() ? "" : entries.front());
+  engine.project_list.WriteProjectKey(false);
+  if (engine.project_list.entries().empty()) {
+    cmdDelete.SetEnabled(false);
+    ClearRows();
+  }
+  WarnOnFailure(deleted);
+}
+
+void frmExtract::ExportReport() {
+  if (std::exchange(exporting_, true)) return;
+  // A button that is disabled for a moment gives the focus away.
+  const bool enabled = cmdExport.enabled();
+  cmdExport.SetEnabled(!enabled);
+  cmdExport.SetEnabled(enabled);
+  OpenReportInEditor();
+  exporting_ = false;
+}
+
+// The command line is the editor and the path with no quotes around it: meant.
+void frmExtract::OpenReportInEditor() {
+  Engine& engine = context_.engine;
+  if (engine.project.found.Count() < 1) {
+    Warn("No eMail address found");
+    return;
+  }
+  const std::string report = engine.project.report_file;
+  const Status saved = engine.projects.WriteReport();
+  WarnOnFailure(saved);
+  if (!saved.ok()) return;
+  const Shell& shell = engine.platform.shell;
+  WarnOnFailure(engine.platform.shell.Start(shell.SystemDirectory() + "\\notepad.exe " + report,
+                                            Shell::WindowMode::kNormalWithoutFocus));
+}
+
+// A row that was read from a report of addresses alone has no page.
+void frmExtract::OpenPage(std::uint32_t row) {
+  const FoundAddresses& found = context_.engine.project.found;
+  if (row < found.Count() && !found.At(row).URL.empty()) {
+    OpenWebPage(context_.engine.platform.shell, found.At(row).URL);
+  }
+}
+
+// --- Other windows ---
+
+void frmExtract::ShowModalFrom(ui::Button& button, ui::Form& form) {
+  button.SetEnabled(false);
+  form.ShowModal();
+  button.SetEnabled(!RunGoesOn());
+}
+
+void frmExtract::cmdHide_Click() {
+  cmdHide.SetEnabled(false);
+  context_.mnuExtractor.SetEnabled(true);
+  Hide();
+  cmdHide.SetEnabled(true);
+}
+
+// --- RunView ---
+
+void frmExtract::ShowStage(const std::string& text) { stsExtract.SetPanel(1, text); }
+
+void frmExtract::ShowAddressCount(std::uint32_t count) { stsExtract.SetPanel(2, std::to_string(count) + " Address"); }
+
+void frmExtract::ShowScanCount(std::int64_t count) { stsExtract.SetPanel(3, "Scan " + std::to_string(count)); }
+
+void frmExtract::AddRow(std::uint32_t index, bool) { lstMail.SetRows(index + 1); }
+
+void frmExtract::ClearRows() { lstMail.SetRows(0); }
+
+// --- RunHost ---
+
+bool frmExtract::StopButtonShown() const { return cmdExtract.text() == kStopCaption; }
+
+void frmExtract::ShowEnd(const std::string& reason) {
+  Warn(reason);
+  for (const std::string& message : std::exchange(after_run_, {})) Warn(message);
+}
+
+void frmExtract::SaveDataAtEnd() { WarnOnFailure(context_.engine.projects.WriteData()); }
+
+void frmExtract::SaveReportAtEnd() { WarnOnFailure(context_.engine.projects.WriteReport()); }
+
+void frmExtract::RestoreIdle(bool enable_export) {
+  cmdExtract.SetText(kExtractCaption);
+  cmdExtract.SetEnabled(true);
+  for (ui::Control* control : Inputs()) control->SetEnabled(true);
+  cmdDelete.SetEnabled(!context_.engine.project_list.entries().empty());
+  if (enable_export) cmdExport.SetEnabled(true);
+}
+
+void frmExtract::ShowEndTime() { ShowStage("Extract process ended at " + context_.engine.platform.clock.TimeText()); }
+
+void frmExtract::EnableExit() { context_.mnuExit.SetEnabled(true); }
+
+void frmExtract::TellAfterRun(const std::string& message) {
+  if (RunGoesOn()) {
+    if (std::find(after_run_.begin(), after_run_.end(), message) == after_run_.end()) after_run_.push_back(message);
+  } else {
+    Warn(message);
+  }
+}
+
+// --- ProjectView ---
+
+void frmExtract::EnableDelete(bool enabled) { cmdDelete.SetEnabled(enabled); }
+
+void frmExtract::EnableExport(bool enabled) { cmdExport.SetEnabled(enabled); }
+
+void frmExtract::EnableExtract() {
+  if (!starting_) cmdExtract.SetEnabled(true);
+}
+
+void frmExtract::SetInputText(const std::string& text) { cmbURL.SetText(text); }
+
+std::vector<ui::Control*> frmExtract::Inputs() { return {&cmbURL, &cmdOption, &cmdTool}; }
+
+void frmExtract::Warn(const std::string& text) {
+  context_.engine.platform.boxes.Show(text, kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
+}
+
+void frmExtract::WarnOnFailure(const Status& status) {
+  if (!status.ok()) Warn(SentenceOf(status));
+}
+
+}  // namespace quenlar

@@ -1,0 +1,25 @@
+// Ties a timer model to the event loop.
+#pragma once
+
+#include <memory>
+
+#include "platform/event_loop.h"
+#include "ui/controls.h"
+
+namespace quenlar::ui {
+
+// The timer ticks for as long as the binding lives and the model is enabled. Enabling it starts its interval anew.
+// Both references must outlive the binding.
+class TimerBinding {
+ public:
+  TimerBinding(Timer& timer, EventLoop& loop);
+  ~TimerBinding();
+  TimerBinding(const TimerBinding&) = delete;
+  TimerBinding& operator=(const TimerBinding&) = delete;
+
+ private:
+  Timer& timer_;
+  std::unique_ptr<LoopTimer> loop_timer_;
+};
+
+}  // namespace quenlar::ui
