@@ -1,0 +1,152 @@
+// The list of addresses: what a user does with it, at any length; and the layout of the main window.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "project/data_file.h"
+#include "ui/win32/resource.h"
+#include "window/program.h"
+#include "window/remote_memory.h"
+
+namespace quenlar::window_test {
+namespace {
+
+using testing::ElementsAre;
+
+struct ListTest : testing::Test {
+  Program program;
+  Window list;
+
+  // A report of all information with one row for each address.
+  void OpenWith(const std::vector<std::string>& addresses) {
+    std::string report = HeaderLine() + "\r\n\r\n";
+    int number = 0;
+    for (const std::string& address : addresses) {
+      ++number;
+      report += std::to_string(number) + "     " + address + "     http://www.cars.example/" + std::to_string(number) +
+                "     Page " + std::to_string(number) + "\r\n";
+    }
+    program.WriteFile("report/cars_example.rpt", report);
+    program.Start();
+    program.Main().Control(IDC_CMBURL).Type("www.cars.example");
+    list = program.Main().Control(IDC_LSTMAIL);
+    ASSERT_TRUE(WaitUntil([&] { return list.Rows() == static_cast<int>(addresses.size()); })) << list.Rows();
+  }
+  void ClickColumn(int column) const {
+    const Window header(reinterpret_cast<HWND>(list.Send(LVM_GETHEADER)));
+    int left = 0;
+    for (int i = 0; i < column; ++i) left += list.ColumnWidth(i);
+    header.MouseClick({left + 20, 8});
+  }
+};
+
+TEST_F(ListTest, ColumnsAreTheFourOfATable) {
+  OpenWith({"b@x.example", "a@x.example"});
+  EXPECT_EQ(list.Cell(0, 0), "1");
+  EXPECT_EQ(list.Cell(0, 1), "b@x.example");
+  EXPECT_EQ(list.Cell(0, 2), "http://www.cars.example/1");
+  EXPECT_THAT(list.Cell(0, 3), testing::HasSubstr("Page 1"));
+}
+
+TEST_F(ListTest, AClickOnAHeadingSortsAndASecondOneTurnsAround) {
+  OpenWith({"b@x.example", "C@x.example", "a@x.example"});
+  ClickColumn(1);
+  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "a@x.example"; }));
+  EXPECT_THAT(list.Column(1), ElementsAre("a@x.example", "b@x.example", "C@x.example"));
+  EXPECT_THAT(list.Column(0), ElementsAre("3", "1", "2"));
+  ClickColumn(1);
+  EXPECT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "C@x.example"; }));
+}
+
+TEST_F(ListTest, CtrlCCopiesTheMarkedAddressesAsTheyAreShown) {
+  OpenWith({"b@x.example", "c@x.example", "a@x.example"});
+  ClickColumn(1);
+  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "a@x.example"; }));
+  list.MarkRow(0);
+  list.MarkRow(2);
+  ASSERT_THAT(list.MarkedRows(), ElementsAre(0, 2));
+  // The context menu's first entry does what Ctrl+C does; another process cannot hold Ctrl down.
+  list.MouseRightClick(list.RowPlace(0));
+  const auto menu = [] {
+    const HWND found = FindWindowW(L"#32768", nullptr);
+    return found && IsWindowVisible(found);
+  };
+  ASSERT_TRUE(WaitUntil(menu));
+  program.Main().PressLetter('a');
+  ASSERT_TRUE(WaitUntil([&] { return !menu(); }));
+  std::string copied;
+  EXPECT_TRUE(WaitUntil([&] {
+    if (!OpenClipboard(nullptr)) return false;
+    if (const HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
+      copied = Utf8(static_cast<const wchar_t*>(GlobalLock(data)));
+      GlobalUnlock(data);
+    }
+    CloseClipboard();
+    return copied.starts_with("a@x.example");
+  })) << copied;
+}
+
+TEST_F(ListTest, AClickOnEmptySpaceClearsTheSelection) {
+  OpenWith({"b@x.example"});
+  list.MarkRow(0);
+  list.MouseClick({60, 200});
+  EXPECT_TRUE(WaitUntil([&] { return list.MarkedRows().empty(); }));
+}
+
+TEST_F(ListTest, ThirtyThousandRowsAreShownAndSortedWithoutAFreeze) {
+  std::vector<std::string> addresses;
+  for (int i = 0; i < 30000; ++i) addresses.push_back("user" + std::to_string(i * 7919 % 30011) + "@x.example");
+  OpenWith(addresses);
+  EXPECT_EQ(list.Cell(29999, 1), addresses.back());
+  const ULONGLONG begun = GetTickCount64();
+  ClickColumn(1);
+  EXPECT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "user0@x.example"; }));
+  EXPECT_LT(GetTickCount64() - begun, 10000u);
+  program.Main().Send(WM_NULL);
+  EXPECT_EQ(list.Rows(), 30000);
+}
+
+TEST_F(ListTest, TheWindowKeepsItsSmallestSizeAndThePlacesFollow) {
+  OpenWith({"b@x.example"});
+  const Window main = program.Main();
+  const int dpi = static_cast<int>(GetDpiForWindow(main.handle()));
+  const auto scaled = [dpi](int pixels) { return MulDiv(pixels, dpi, 96); };
+  const auto size = [](const Window& window) {
+    const RECT place = window.Place();
+    return SIZE{place.right - place.left, place.bottom - place.top};
+  };
+  const auto resize = [&](int width, int height) {
+    SetWindowPos(main.handle(), nullptr, 0, 0, scaled(width), scaled(height),
+                 SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
+  };
+  resize(200, 100);
+  EXPECT_TRUE(WaitUntil([&] { return size(main).cx == scaled(602) && size(main).cy == scaled(402); }));
+  for (const int width : {602, 900}) {
+    resize(width, 500);
+    ASSERT_TRUE(WaitUntil([&] { return size(main).cx == scaled(width); }));
+    EXPECT_TRUE(WaitUntil([&] { return size(main.Control(IDC_CMBURL)).cx == scaled(width) - scaled(161); }));
+    EXPECT_EQ(size(list).cx, scaled(width) - scaled(113));
+    EXPECT_EQ(size(list).cy, scaled(500) - scaled(97));
+    EXPECT_LE(main.Control(IDC_CMDHIDE).Place().right, main.Place().right);
+  }
+}
+
+TEST_F(ListTest, AnotherResolutionScalesTheWindowAndItsPlaces) {
+  OpenWith({"b@x.example"});
+  const Window main = program.Main();
+  const auto width = [](const Window& window) { return window.Place().right - window.Place().left; };
+  ASSERT_EQ(GetDpiForWindow(main.handle()), 96u);
+  // What the system does when the window comes to a screen of 144 dots per inch.
+  const RECT suggested{10, 10, 10 + 1050, 10 + 750};
+  const RemoteMemory memory(main.handle(), sizeof suggested);
+  memory.Write(&suggested, sizeof suggested);
+  main.Send(WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(memory.place()));
+  EXPECT_EQ(width(main), 1050);
+  EXPECT_EQ(width(list), 1050 - 113 * 3 / 2);
+  EXPECT_EQ(width(main.Control(IDC_CMDHIDE)), MulDiv(79, 144, 96));
+  // Nothing is made smaller than the smallest size, which is larger here too.
+  SetWindowPos(main.handle(), nullptr, 0, 0, 602, 402, SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
+  EXPECT_TRUE(WaitUntil([&] { return width(main) == 602 * 3 / 2; })) << width(main);
+}
+
+}  // namespace
+}  // namespace quenlar::window_test

@@ -1,0 +1,183 @@
+// The options dialog: every control and the registry value or file that it stands for.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "project/data_file.h"
+#include "ui/win32/resource.h"
+#include "window/program.h"
+
+namespace quenlar::window_test {
+namespace {
+
+using testing::ElementsAre;
+
+struct OptionTest : testing::Test {
+  Program program;
+  Window option;
+
+  void Open() {
+    if (!program.Running()) program.Start();
+    program.Main().Control(IDC_CMDOPTION).Click();
+    option = program.WaitForWindow("Option");
+    ASSERT_TRUE(option);
+  }
+  void Ok() {
+    option.Control(IDOK).Click();
+    ASSERT_TRUE(WaitUntil([&] { return !option; }));
+  }
+  [[nodiscard]] static bool Stored(const std::string& name, const std::string& text) {
+    return WaitUntil([&] { return StoredSettings()[name] == text; });
+  }
+};
+
+TEST_F(OptionTest, ShowsWhatIsStoredAndIsModal) {
+  StoreSetting("ProjectNum", "0");
+  StoreSetting("Search", "3");
+  StoreSetting("Save", "1");
+  StoreSetting("Correlation", "0");
+  StoreSetting("StopNumber", "250");
+  StoreSetting("Export", "1");
+  StoreSetting("RemoveFilter", "1");
+  program.WriteFile("data/ExtractFilter.dat", "banner\r\n\r\n<r>cat</r>\r\n<r>dog</r>\r\n<e>cow</e>\r\n");
+  Open();
+  EXPECT_EQ(option.Control(IDC_CMBSEARCH).Text(), "Italian");
+  EXPECT_EQ(option.Control(IDC_CMBSAVE).Text(), "50");
+  EXPECT_TRUE(option.Control(IDC_CHKCORRELATION).Checked());
+  EXPECT_EQ(option.Control(IDC_TXTSTOPNUMBER).Text(), "250");
+  EXPECT_FALSE(option.Control(IDC_OPTEMAILADDRESS).Checked());
+  EXPECT_TRUE(option.Control(IDC_OPTALLINFO).Checked());
+  EXPECT_TRUE(option.Control(IDC_CHKREMOVEFILTER).Checked());
+  EXPECT_FALSE(option.Control(IDC_CHKEXTRACTFILTER).Checked());
+  EXPECT_EQ(option.Control(IDC_TXTREMOVEFILTER).Text(), "cat\r\ndog");
+  EXPECT_EQ(option.Control(IDC_TXTEXTRACTFILTER).Text(), "cow");
+  EXPECT_FALSE(program.Main().Enabled());
+  Ok();
+  EXPECT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
+  EXPECT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_CMDOPTION).Enabled(); }));
+}
+
+TEST_F(OptionTest, OnePageIsSeenAtATime) {
+  Open();
+  const Window tabs = option.Control(IDC_TABOPTION);
+  const auto seen = [&] {
+    return std::string(option.Control(IDC_CMBSEARCH).Visible() ? "S" : "") +
+           (option.Control(IDC_OPTALLINFO).Visible() ? "E" : "") +
+           (option.Control(IDC_TXTREMOVEFILTER).Visible() ? "F" : "");
+  };
+  EXPECT_TRUE(WaitUntil([&] { return seen() == "S"; })) << seen();
+  tabs.Send(TCM_SETCURFOCUS, 1);
+  EXPECT_TRUE(WaitUntil([&] { return seen() == "E"; })) << seen();
+  tabs.Send(TCM_SETCURFOCUS, 2);
+  EXPECT_TRUE(WaitUntil([&] { return seen() == "F"; })) << seen();
+}
+
+TEST_F(OptionTest, TheLanguageIsStoredAndMentioned) {
+  Open();
+  EXPECT_THAT(option.Control(IDC_CMBSEARCH).Items(),
+              ElementsAre("English", "French", "German", "Italian", "Spanish", "Japanese"));
+  option.Control(IDC_CMBSEARCH).Pick(5);
+  EXPECT_TRUE(program.Answer("Please use Japanese to search !"));
+  EXPECT_TRUE(Stored("Search", "5"));
+  EXPECT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_TXTSEARCH).Text() == "ja"; }));
+}
+
+TEST_F(OptionTest, TheSaveIntervalIsStored) {
+  Open();
+  EXPECT_THAT(option.Control(IDC_CMBSAVE).Items(), ElementsAre("30", "50", "100"));
+  option.Control(IDC_CMBSAVE).Pick(2);
+  EXPECT_TRUE(Stored("Save", "2"));
+}
+
+TEST_F(OptionTest, TheCorrelationIsStoredTheOtherWayRound) {
+  Open();
+  option.Control(IDC_CHKCORRELATION).Click();
+  EXPECT_TRUE(Stored("Correlation", "0"));
+  option.Control(IDC_CHKCORRELATION).Click();
+  EXPECT_TRUE(Stored("Correlation", "1"));
+}
+
+TEST_F(OptionTest, TheStopNumberIsStoredAsItIsTyped) {
+  Open();
+  const Window box = option.Control(IDC_TXTSTOPNUMBER);
+  EXPECT_EQ(box.Send(EM_GETLIMITTEXT), 5);
+  box.Type("250");
+  EXPECT_TRUE(Stored("StopNumber", "250"));
+}
+
+TEST_F(OptionTest, AStopNumberThatIsNoneIsAnsweredAndSetBack) {
+  Open();
+  const Window box = option.Control(IDC_TXTSTOPNUMBER);
+  box.Type("250");
+  ASSERT_TRUE(Stored("StopNumber", "250"));
+  // Typing waits until the message is answered, so it is done letter by letter through the queue.
+  box.Send(EM_SETSEL, 0, -1);
+  box.PressLetter('x');
+  ASSERT_TRUE(program.Answer("Enter numbers only !"));
+  EXPECT_TRUE(WaitUntil([&] { return box.Text() == "99999"; }));
+  EXPECT_TRUE(Stored("StopNumber", "99999"));
+  box.Send(EM_SETSEL, 0, -1);
+  box.PressLetter('0');
+  ASSERT_TRUE(program.Answer("Please enter number between 1 and 99999 !"));
+  EXPECT_TRUE(WaitUntil([&] { return box.Text() == "99999"; }));
+}
+
+TEST_F(OptionTest, TheExportModeIsStored) {
+  Open();
+  option.Control(IDC_OPTALLINFO).Click();
+  EXPECT_TRUE(Stored("Export", "1"));
+  option.Control(IDC_OPTEMAILADDRESS).Click();
+  EXPECT_TRUE(Stored("Export", "0"));
+  EXPECT_FALSE(option.Control(IDC_OPTALLINFO).Checked());
+}
+
+TEST_F(OptionTest, TheFilterSwitchesAreStoredAfterAWarning) {
+  const char* kWarning =
+      "Be careful, improper filter word may sharply decrease\r\nthe number of Email addresses you can get !";
+  Open();
+  option.Control(IDC_CHKREMOVEFILTER).Click();
+  ASSERT_TRUE(program.Answer(kWarning));
+  EXPECT_TRUE(Stored("RemoveFilter", "1"));
+  option.Control(IDC_CHKEXTRACTFILTER).Click();
+  ASSERT_TRUE(program.Answer(kWarning));
+  EXPECT_TRUE(Stored("ExtractFilter", "1"));
+  option.Control(IDC_CHKREMOVEFILTER).Click();
+  EXPECT_TRUE(Stored("RemoveFilter", "0"));
+}
+
+TEST_F(OptionTest, OkWritesTheFilterFileByteForByte) {
+  Open();
+  option.Control(IDC_TXTREMOVEFILTER).Type("cat\r\ndog\r\ncat\r\n\r\ndog");
+  option.Control(IDC_TXTEXTRACTFILTER).Type(" example ");
+  Ok();
+  EXPECT_EQ(program.ReadFile("data/ExtractFilter.dat"),
+            HeaderLine() + "\r\n\r\n<r>cat</r>\r\n<r>dog</r>\r\n<e>example</e>\r\n");
+  Open();
+  EXPECT_EQ(option.Control(IDC_TXTREMOVEFILTER).Text(), "cat\r\ndog");
+}
+
+TEST_F(OptionTest, ClosingKeepsTheSettingsButNotTheWords) {
+  Open();
+  option.Control(IDC_CMBSAVE).Pick(1);
+  ASSERT_TRUE(Stored("Save", "1"));
+  option.Control(IDC_TXTREMOVEFILTER).Type("cat");
+  option.Close();
+  ASSERT_TRUE(WaitUntil([&] { return !option; }));
+  EXPECT_FALSE(program.HasFile("data/ExtractFilter.dat"));
+  EXPECT_EQ(StoredSettings()["Save"], "1");
+  EXPECT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
+}
+
+TEST_F(OptionTest, EscClosesTheDialogAndEnterInAListOfWordsDoesNot) {
+  Open();
+  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
+  const Window words = option.Control(IDC_TXTREMOVEFILTER);
+  ASSERT_TRUE(WaitUntil([&] { return words.Visible(); }));
+  words.PressLetter('a');
+  words.Press(VK_RETURN);
+  ASSERT_TRUE(WaitUntil([&] { return words.Text() == "a\r\n"; })) << words.Text();
+  words.Press(VK_ESCAPE);
+  EXPECT_TRUE(WaitUntil([&] { return !option; }));
+}
+
+}  // namespace
+}  // namespace quenlar::window_test

@@ -1,0 +1,207 @@
+// Runs, started and watched in the real window.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "project/data_file.h"
+#include "run/end_reasons.h"
+#include "state/settings.h"
+#include "ui/win32/resource.h"
+#include "window/program.h"
+
+namespace quenlar::window_test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* kSite = "http://www.cars.example";
+constexpr const char* kResults = "http://www.google.com/search?hl=en&q=cars&btnG=Google+Search&num=100&start=";
+
+constexpr const char* kStartPage = "<title>Cars</title> Write to first@cars.example <a href=\"/two.html\">more</a>";
+
+// A program whose downloads all come from the test's own site.
+struct RunTest : testing::Test {
+  Site site;
+  Program program;
+
+  RunTest() {
+    program.SetProxy(site);
+    for (const char* root : {"", "/"}) site.SetPage(std::string(kSite) + root, kStartPage);
+    site.SetPage(std::string(kSite) + "/two.html",
+                 "<title>Two</title><a href=\"mailto:second@cars.example\">mail</a> third@cars.example");
+  }
+  void Begin(const std::string& text) const {
+    const Window main = program.Main();
+    main.Control(IDC_CMBURL).Type(text);
+    ASSERT_TRUE(WaitUntil([&] { return main.Control(IDC_CMBURL).Text() == text; }));
+    main.Control(IDC_CMDEXTRACT).Click();
+  }
+  [[nodiscard]] Window Control(int id) const { return program.Main().Control(id); }
+};
+
+TEST_F(RunTest, ARunByAddressFillsTheListAndTheFiles) {
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  const Window list = Control(IDC_LSTMAIL);
+  ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 3; })) << list.Rows();
+  EXPECT_THAT(list.Column(0), ElementsAre("1", "2", "3"));
+  EXPECT_THAT(list.Column(1),
+              testing::UnorderedElementsAre("first@cars.example", "second@cars.example", "third@cars.example"));
+  EXPECT_THAT(list.Cell(0, 2), HasSubstr(kSite));
+  EXPECT_EQ(list.Cell(0, 3), "Cars");
+  const Window bar = Control(IDC_STSEXTRACT);
+  EXPECT_TRUE(WaitUntil([&] { return bar.Panel(1).starts_with("Extract process ended at "); })) << bar.Panel(1);
+  EXPECT_EQ(bar.Panel(2), "3 Address");
+  EXPECT_EQ(bar.Panel(3), "Scan 2");
+
+  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Extract");
+  for (const int id : {IDC_CMDEXTRACT, IDC_CMDEXPORT, IDC_CMDDELETE, IDC_CMBURL, IDC_CMDOPTION, IDC_CMDTOOL}) {
+    EXPECT_TRUE(Control(id).Enabled()) << id;
+  }
+  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.example\r\n"));
+  EXPECT_THAT(StoredSettings(), testing::Contains(testing::Pair("Project1", "www.cars.example")));
+}
+
+TEST_F(RunTest, ARunByKeywordStartsAtTheSearchEngine) {
+  site.SetPage(std::string(kResults) + "0", "<h3 class=\"r\"><a href=\"http://www.cars.example/two.html\">x</a></h3>");
+  site.SetPage(std::string(kResults) + "100", "nothing more");
+  program.Start();
+  Begin("cars");
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTMAIL).Rows() == 2; }));
+  EXPECT_TRUE(site.WasAskedFor(std::string(kResults) + "100"));
+  EXPECT_FALSE(site.WasAskedFor(std::string(kResults) + "200"));
+  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_CMBURL).Text() == "cars_en"; })) << Control(IDC_CMBURL).Text();
+}
+
+TEST_F(RunTest, WhileARunGoesOnOnlyStopAndHideCanBeUsed) {
+  site.SetSilent(kSite);
+  site.SetSilent(std::string(kSite) + "/");
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Text() == "&Stop"; }));
+  ASSERT_TRUE(WaitUntil([&] { return !Control(IDC_CMBURL).Enabled(); }));
+  for (const int id : {IDC_CMDEXPORT, IDC_CMDDELETE, IDC_CMBURL, IDC_CMDOPTION, IDC_CMDTOOL}) {
+    EXPECT_FALSE(Control(id).Enabled()) << id;
+  }
+  EXPECT_TRUE(Control(IDC_CMDHIDE).Enabled());
+  EXPECT_THAT(Control(IDC_STSEXTRACT).Panel(1), testing::Not("Waiting ..."));
+
+  Control(IDC_CMDEXTRACT).Click();
+  ASSERT_TRUE(program.Answer(kEndStopButton));
+  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Enabled(); }));
+  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Extract");
+  EXPECT_THAT(program.ReadFile("data/cars_example.dat"), HasSubstr("[M]\r\nhttp://www.cars.example\r\n[F]\r\n"));
+}
+
+TEST_F(RunTest, TheWindowThatIsReopenedDuringARunReadsStopAndExitIsNotOffered) {
+  site.SetSilent(kSite);
+  site.SetSilent(std::string(kSite) + "/");
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return !site.Requests().empty(); }));
+  const Window before = program.Main();
+  before.Close();
+  ASSERT_TRUE(WaitUntil([&] { return !before; }));
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kExit));
+  EXPECT_TRUE(program.Running());
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kWindow));
+  ASSERT_TRUE(WaitUntil([&] { return program.Main() && program.Main().Visible(); }));
+  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Stop");
+  EXPECT_FALSE(Control(IDC_CMBURL).Enabled());
+  Control(IDC_CMDEXTRACT).Click();
+  EXPECT_TRUE(program.Answer(kEndStopButton));
+}
+
+TEST_F(RunTest, LoggingOffDuringARunSavesIt) {
+  for (const char* root : {"", "/"}) site.SetPage(std::string(kSite) + root, kStartPage);
+  site.SetSilent(std::string(kSite) + "/two.html");
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return site.WasAskedFor(std::string(kSite) + "/two.html"); }));
+  EXPECT_FALSE(program.HasFile("report/cars_example.rpt"));
+  Window hidden;
+  ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(hidden = program.FindByClass("QuenlarSessionEnd")); }));
+  EXPECT_EQ(hidden.Send(WM_QUERYENDSESSION), 1);
+  hidden.Send(WM_ENDSESSION, TRUE);
+  EXPECT_THAT(program.ReadFile("data/cars_example.dat"), HasSubstr("\r\nhttp://www.cars.example/two.html\r\n"));
+  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.example\r\n"));
+}
+
+TEST_F(RunTest, TheStopNumberEndsTheRun) {
+  StoreSetting("ProjectNum", "0");
+  StoreSetting("StopNumber", "1");
+  StoreSetting("Correlation", "1");
+  program.Start();
+  Begin("www.cars.example");
+  EXPECT_TRUE(program.Answer(kEndStopNumber));
+}
+
+TEST_F(RunTest, AStoppedProjectIsContinuedByTheNextProgram) {
+  program.WriteFile("data/cars_example.dat",
+                    HeaderLine() +
+                        "\r\n[A]\r\n[B]\r\n[C]\r\n[D]\r\n[E]\r\n[M]\r\nhttp://www.cars.example/two.html\r\n"
+                        "[F]\r\n[G]\r\n[H]\r\n[I]\r\n[J]\r\n");
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  EXPECT_THAT(site.Requests(), testing::Contains(std::string(kSite) + "/two.html"));
+  EXPECT_FALSE(site.WasAskedFor(kSite));
+  EXPECT_FALSE(site.WasAskedFor(std::string(kSite) + "/"));
+}
+
+TEST_F(RunTest, ExtractWithNothingTypedSaysSo) {
+  program.Start();
+  Control(IDC_CMDEXTRACT).Click();
+  EXPECT_TRUE(program.Answer("Please enter keyword or URL !"));
+  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Extract");
+}
+
+TEST_F(RunTest, DeletingAProjectAsksAndThenTakesItsFilesAndItsEntry) {
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDDELETE).Enabled(); }));
+  Control(IDC_CMDDELETE).Click();
+  ASSERT_TRUE(program.Answer("Are you sure to delete it ?", IDNO));
+  EXPECT_TRUE(program.HasFile("report/cars_example.rpt"));
+  Control(IDC_CMDDELETE).Click();
+  ASSERT_TRUE(program.Answer("Are you sure to delete it ?", IDYES));
+  EXPECT_TRUE(WaitUntil([&] { return !program.HasFile("report/cars_example.rpt"); }));
+  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_CMBURL).Items().empty(); }));
+  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_LSTMAIL).Rows() == 0; }));
+  EXPECT_FALSE(Control(IDC_CMDDELETE).Enabled());
+  EXPECT_THAT(StoredSettings(), testing::Contains(testing::Pair("ProjectNum", "0")));
+}
+
+TEST_F(RunTest, PickingAProjectFromTheListOpensIt) {
+  StoreSetting("ProjectNum", "2");
+  StoreSetting("Project1", "www.other.example");
+  StoreSetting("Project2", "www.cars.example");
+  program.WriteFile("report/cars_example.rpt", HeaderLine() + "\r\n\r\nkept@cars.example\r\n");
+  program.Start();
+  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMBURL).Items().size() == 2; }));
+  Control(IDC_CMBURL).Pick(1);
+  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTMAIL).Rows() == 1; }));
+  EXPECT_EQ(Control(IDC_LSTMAIL).Cell(0, 1), "kept@cars.example");
+  EXPECT_EQ(Control(IDC_CMBURL).Text(), "www.cars.example");
+  EXPECT_THAT(Control(IDC_CMBURL).Items(), ElementsAre("www.cars.example", "www.other.example"));
+}
+
+TEST_F(RunTest, ReportOpensTheEditorOnTheReport) {
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXPORT).Enabled(); }));
+  Control(IDC_CMDEXPORT).Click();
+  HWND editor = nullptr;
+  ASSERT_TRUE(WaitUntil([&] { return (editor = FindWindowW(L"Notepad", nullptr)) != nullptr; }));
+  EXPECT_TRUE(WaitUntil([&] { return Window(editor).Text().starts_with("cars_example.rpt"); }))
+      << Window(editor).Text();
+  Window(editor).Close();
+  EXPECT_TRUE(WaitUntil([&] { return !IsWindow(editor); }));
+}
+
+}  // namespace
+}  // namespace quenlar::window_test

@@ -1,0 +1,157 @@
+// Start-up, the notification area, and the end of the program.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "ui/win32/resource.h"
+#include "window/program.h"
+
+namespace quenlar::window_test {
+namespace {
+
+using testing::ElementsAre;
+using testing::Pair;
+
+TEST(WindowStart, FirstStartWritesTheDefaultsToTheRegistry) {
+  Program program;
+  program.Start();
+  EXPECT_THAT(StoredSettings(), testing::UnorderedElementsAre(
+                                    Pair("ProjectNum", "0"), Pair("NeverUpgrade", "0"), Pair("Search", "0"),
+                                    Pair("Save", "0"), Pair("Correlation", "1"), Pair("StopNumber", "99999"),
+                                    Pair("Export", "0"), Pair("RemoveFilter", "0"), Pair("ExtractFilter", "0")));
+  EXPECT_TRUE(std::filesystem::is_directory(program.folder() / "data"));
+  EXPECT_TRUE(std::filesystem::is_directory(program.folder() / "report"));
+}
+
+TEST(WindowStart, TheWindowOpensIdle) {
+  Program program;
+  program.Start();
+  const Window main = program.Main();
+  const Window bar = main.Control(IDC_STSEXTRACT);
+  EXPECT_TRUE(WaitUntil([&] { return bar.Panel(2) == "0 Address"; })) << bar.Panel(2);
+  EXPECT_EQ(bar.Panel(1), "Waiting ...");
+  EXPECT_EQ(bar.Panel(3), "Scan 0");
+  EXPECT_THAT(bar.Panel(4), testing::EndsWith(" Kbps"));
+  EXPECT_EQ(main.Control(IDC_CMDEXTRACT).Text(), "&Extract");
+  EXPECT_EQ(main.Control(IDC_CMDEXPORT).Text(), "&Report");
+  EXPECT_EQ(main.Control(IDC_CMDDELETE).Text(), "&Delete");
+  EXPECT_EQ(main.Control(IDC_CMDOPTION).Text(), "&Option");
+  EXPECT_EQ(main.Control(IDC_CMDTOOL).Text(), "&Tool");
+  EXPECT_EQ(main.Control(IDC_CMDHIDE).Text(), "&Hide");
+  EXPECT_TRUE(main.Control(IDC_CMDEXTRACT).Enabled());
+  EXPECT_FALSE(main.Control(IDC_CMDDELETE).Enabled());
+  EXPECT_FALSE(main.Control(IDC_TXTSEARCH).Visible());
+  EXPECT_EQ(main.Control(IDC_TXTSEARCH).Text(), "en");
+  EXPECT_EQ(main.Control(IDC_LSTMAIL).Rows(), 0);
+}
+
+TEST(WindowStart, SavedProjectsStandInTheListAndTheFirstIsOpened) {
+  Program program;
+  StoreSetting("ProjectNum", "2");
+  StoreSetting("Project1", "www.first.example");
+  StoreSetting("Project2", "second_fr");
+  StoreSetting("Search", "2");
+  program.Start();
+  const Window main = program.Main();
+  EXPECT_THAT(main.Control(IDC_CMBURL).Items(), ElementsAre("www.first.example", "second_fr"));
+  EXPECT_EQ(main.Control(IDC_TXTSEARCH).Text(), "de");
+}
+
+TEST(WindowStart, ASecondStartEndsAndLeavesTheFirstAlone) {
+  Program program;
+  program.Start();
+  EXPECT_EQ(program.StartSecond(), 0);
+  EXPECT_TRUE(program.Running());
+  EXPECT_TRUE(program.Main().Visible());
+}
+
+TEST(WindowStart, ARightClickOnTheIconOpensTheMenuAndExitEndsTheProgram) {
+  Program program;
+  program.Start();
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kExit));
+  EXPECT_TRUE(program.WaitForEnd());
+  DWORD status = 1;
+  GetExitCodeProcess(program.process(), &status);
+  EXPECT_EQ(status, 0u);
+}
+
+TEST(WindowStart, ALeftOrDoubleClickOnTheIconDoesNothing) {
+  Program program;
+  program.Start();
+  for (const LPARAM message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK}) program.TellTray(message);
+  program.TrayWindow().Send(WM_NULL);  // behind those, so they have been dealt with
+  EXPECT_FALSE(FindWindowW(L"#32768", nullptr));
+}
+
+TEST(WindowStart, TheHiddenWindowComesBackByTheMenuAsItWas) {
+  Program program;
+  program.Start();
+  const Window main = program.Main();
+  main.Control(IDC_CMBURL).Type("cars");
+  main.Control(IDC_CMDHIDE).Click();
+  ASSERT_TRUE(WaitUntil([&] { return !main.Visible(); }));
+  ASSERT_TRUE(main);
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kWindow));
+  EXPECT_TRUE(WaitUntil([&] { return main.Visible(); }));
+  EXPECT_EQ(main.Control(IDC_CMBURL).Text(), "cars");
+  EXPECT_TRUE(main.Control(IDC_CMDHIDE).Enabled());
+}
+
+TEST(WindowStart, TheClosedWindowComesBackByTheMenu) {
+  Program program;
+  program.Start();
+  const Window before = program.Main();
+  before.Close();
+  ASSERT_TRUE(WaitUntil([&] { return !before; }));
+  EXPECT_TRUE(program.Running());
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kWindow));
+  EXPECT_TRUE(WaitUntil([&] { return program.Main() && program.Main().Visible(); }));
+}
+
+TEST(WindowStart, TheMenuCannotShowTheWindowThatIsShown) {
+  Program program;
+  program.Start();
+  const Window main = program.Main();
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kWindow));
+  EXPECT_EQ(program.Main(), main);
+  EXPECT_TRUE(main.Visible());
+}
+
+TEST(WindowStart, AboutAndHelpOpenFromTheMenu) {
+  Program program;
+  program.Start();
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kAbout));
+  const Window about = program.WaitForWindow("About Brenvy Quenlar Pro 3.0");
+  ASSERT_TRUE(about);
+  EXPECT_EQ(about.Control(IDC_LBLSOFTWAREVERSION).Text(), "Brenvy Quenlar Pro 3.0");
+  EXPECT_EQ(about.Control(IDC_LBLNOTE).Text(), "You can visit web page : ");
+  about.Control(IDOK).Click();
+  EXPECT_TRUE(WaitUntil([&] { return !about; }));
+
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kHelp));
+  const Window help = program.WaitForWindow("Brenvy Quenlar Pro Online Help");
+  ASSERT_TRUE(help);
+  EXPECT_EQ(help.Control(IDC_LABEL1).Text(), "Brenvy Quenlar Pro Help");
+  EXPECT_EQ(help.Control(IDC_LBLHELP).Text(), "Open Online Help");
+}
+
+TEST(WindowStart, AnIdleProgramTakesHardlyAnyProcessorTime) {
+  Program program;
+  program.Start();
+  const auto used = [&] {
+    FILETIME created, ended, kernel, user;
+    GetProcessTimes(program.process(), &created, &ended, &kernel, &user);
+    const auto ticks = [](FILETIME time) {
+      return (static_cast<ULONGLONG>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+    };
+    return ticks(kernel) + ticks(user);
+  };
+  // Two seconds of the alarm clock, whatever the machine is doing meanwhile.
+  const ULONGLONG before = used(), begun = GetTickCount64();
+  ASSERT_TRUE(WaitUntil([&] { return GetTickCount64() - begun >= 2000; }));
+  const double share = static_cast<double>(used() - before) / 1e4 / static_cast<double>(GetTickCount64() - begun);
+  RecordProperty("idle_share", std::to_string(share));
+  EXPECT_LT(share, 0.5) << "of one processor";
+}
+
+}  // namespace
+}  // namespace quenlar::window_test

@@ -1,0 +1,149 @@
+// Opens every window of the program, one after the other, for pictures of them: prints the file name of a picture, a
+// tab and the window's caption, and goes on at the next line of input. usage: window_tour.exe [main]
+#include <cstring>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+#include "run/end_reasons.h"
+#include "state/settings.h"
+#include "ui/win32/resource.h"
+#include "window/program.h"
+
+namespace quenlar::window_test {
+namespace {
+
+constexpr int kPages = 40;
+constexpr int kPeopleOnAPage = 3;
+
+void Expect(bool holds, const char* what) {
+  if (!holds) throw std::runtime_error(what);
+}
+
+void Picture(const std::string& name, const std::string& caption) {
+  std::cout << name << '\t' << caption << std::endl;
+  std::string line;
+  std::getline(std::cin, line);
+}
+
+// A club's web site with invented people.
+void FillSite(Site& site) {
+  const char* kNames[] = {"anna", "bruno", "clara", "daniel", "elena", "felix", "greta", "hugo", "irene", "jonas"};
+  for (int page = 0; page < kPages; ++page) {
+    const std::string number = std::to_string(page + 1);
+    std::string body = "<title>Chess club, section " + number + "</title>";
+    for (int i = 0; i < kPeopleOnAPage; ++i) {
+      body += "Ask " + std::string(kNames[(page * kPeopleOnAPage + i) % 10]) + number + "@chess.example for a game. ";
+    }
+    body += "<a href=\"/section" + std::to_string(page + 2) + ".html\">next</a>";
+    site.SetPage("http://www.chess.example/section" + number + ".html", body);
+    if (page == 0) site.SetPage("http://www.chess.example", body);
+    if (page == 0) site.SetPage("http://www.chess.example/", body);
+  }
+  site.SetSilent("http://www.chess.example/section" + std::to_string(kPages + 1) + ".html");
+  site.SetPage(kUpgradePage, "3.1\r\n");
+}
+
+void ShowRun(const Program& program) {
+  const Window main = program.Main();
+  main.Control(IDC_CMBURL).Type("www.chess.example");
+  main.Control(IDC_CMDEXTRACT).Click();
+  Expect(WaitUntil([&] { return main.Control(IDC_LSTMAIL).Rows() == kPages * kPeopleOnAPage; }), "no rows");
+  Picture("main-running", kCaption);
+  main.Control(IDC_CMDEXTRACT).Click();
+  Expect(WaitUntil([&] { return program.HasBox(kEndStopButton); }), "no end");
+  Picture("message", kCaption);
+  Expect(program.Answer(kEndStopButton), "no answer");
+  Expect(WaitUntil([&] { return main.Control(IDC_CMDEXTRACT).Enabled(); }), "not idle");
+  main.Control(IDC_LSTMAIL).MarkRow(2);
+  Picture("main", kCaption);
+}
+
+void ShowSmallest(const Program& program) {
+  const Window main = program.Main();
+  const RECT before = main.Place();
+  SetWindowPos(main.handle(), nullptr, 0, 0, 1, 1, SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
+  Picture("main-smallest", kCaption);
+  SetWindowPos(main.handle(), nullptr, before.left, before.top, before.right - before.left, before.bottom - before.top,
+               SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void ShowOption(const Program& program) {
+  program.Main().Control(IDC_CMDOPTION).Click();
+  const Window option = program.WaitForWindow("Option");
+  Expect(static_cast<bool>(option), "no options");
+  Picture("option-search", "Option");
+  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 1);
+  Picture("option-export", "Option");
+  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
+  Picture("option-filter", "Option");
+  option.Close();
+  Expect(WaitUntil([&] { return !option && program.Main().Enabled(); }), "options stay");
+}
+
+void ShowTool(const Program& program) {
+  const char* kTool = "Mailing List Management Tool";
+  program.WriteFile("report/friends.txt", "anna1@chess.example\r\nZoe@garden.example\r\nyves@garden.example\r\n");
+  program.Main().Control(IDC_CMDTOOL).Click();
+  const Window tool = program.WaitForWindow(kTool);
+  Expect(static_cast<bool>(tool), "no tool");
+  const auto open = [&](const char* names) {
+    tool.Control(IDC_CMDOPEN).Click();
+    Expect(program.AnswerFileDialog("Open", names), "no file dialog");
+  };
+  open("\"friends.txt\" \"chess_example.rpt\"");
+  Expect(WaitUntil([&] { return tool.Control(IDC_CMDEXTRACT).Enabled(); }), "no books");
+  tool.Control(IDC_CMDEXTRACT).Click();
+  Expect(WaitUntil([&] { return tool.Control(IDC_CMDSAVE).Enabled(); }), "no addresses");
+  open("friends.txt");
+  Expect(WaitUntil([&] { return tool.Control(IDC_CMDEXTRACT).Enabled(); }), "no books");
+  Picture("tool", kTool);
+  tool.Close();
+  Expect(WaitUntil([&] { return !tool && program.Main().Enabled(); }), "the tool stays");
+}
+
+void ShowBoxes(const Program& program) {
+  const char* kAbout = "About Brenvy Quenlar Pro 3.0";
+  const char* kHelp = "Brenvy Quenlar Pro Online Help";
+  Expect(program.ChooseInTrayMenu(TrayItem::kAbout), "no menu");
+  Expect(static_cast<bool>(program.WaitForWindow(kAbout)), "no about box");
+  Picture("about", kAbout);
+  program.Find(kAbout).Close();
+  Expect(program.ChooseInTrayMenu(TrayItem::kHelp), "no menu");
+  Expect(static_cast<bool>(program.WaitForWindow(kHelp)), "no help box");
+  Picture("help", kHelp);
+  program.Find(kHelp).Close();
+}
+
+void Tour(bool only_main) {
+  const char* kUpgrade = "Brenvy Quenlar Pro 3.0 Upgrade";
+  Site site;
+  FillSite(site);
+  Program program;
+  program.SetProxy(site);
+  program.WriteFile("data/ExtractFilter.dat", "\r\n<r>noreply</r>\r\n<r>*test*</r>\r\n<e>chess</e>\r\n");
+  program.Start();
+  Expect(static_cast<bool>(program.WaitForWindow(kUpgrade)), "no upgrade dialog");
+  if (!only_main) Picture("upgrade", kUpgrade);
+  program.Find(kUpgrade).Close();
+  Expect(WaitUntil([&] { return !program.Find(kUpgrade); }), "the upgrade dialog stays");
+  ShowRun(program);
+  if (only_main) return;
+  ShowSmallest(program);
+  ShowOption(program);
+  ShowTool(program);
+  ShowBoxes(program);
+}
+
+}  // namespace
+}  // namespace quenlar::window_test
+
+int main(int count, char** arguments) {
+  try {
+    quenlar::window_test::Tour(count > 1 && std::strcmp(arguments[1], "main") == 0);
+    return 0;
+  } catch (const std::exception& error) {
+    std::cerr << "window_tour: " << error.what() << '\n';
+    return 1;
+  }
+}

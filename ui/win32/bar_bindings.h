@@ -1,0 +1,44 @@
+// Bindings of the status bar and the tab strip.
+#pragma once
+
+#include "ui/win32/control_binding.h"
+
+namespace quenlar::ui {
+
+// Texts that follow each other quickly are shown together.
+class StatusBarBinding final : public ControlBinding {
+ public:
+  StatusBarBinding(StatusBar& bar, HWND window, BindingHost& host) : ControlBinding(bar, window, host), bar_(bar) {}
+  void Start() override;
+  void OnPlaced(int grown) override;
+  void Flush() override;
+
+ protected:
+  void Apply(Aspect aspect) override;
+
+ private:
+  StatusBar& bar_;
+  std::vector<std::string> shown_;
+};
+
+class TabStripBinding final : public ControlBinding {
+ public:
+  TabStripBinding(TabStrip& tabs, HWND window, BindingHost& host) : ControlBinding(tabs, window, host), tabs_(tabs) {}
+  void Start() override;
+  LRESULT OnNotify(const NMHDR& header) override;
+
+  // Chooses the tab with this access key. False when there is none.
+  bool ChooseByKey(wchar_t key);
+  // Chooses the next tab, or the one before, round and round.
+  void Step(int direction);
+  // The room for the pages, in the coordinates of the window around the strip.
+  [[nodiscard]] RECT PageRoom() const;
+
+ protected:
+  void Apply(Aspect aspect) override;
+
+ private:
+  TabStrip& tabs_;
+};
+
+}  // namespace quenlar::ui

@@ -1,0 +1,45 @@
+// Ties forms to windows: a bound form has a window from its Load to its Unload.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "platform/event_loop.h"
+#include "ui/controls.h"
+#include "ui/win32/windows_api.h"
+
+namespace quenlar::ui {
+
+class FormWindow;
+
+class Binder {
+ public:
+  Binder(HINSTANCE program, EventLoop& loop) : program_(program), loop_(loop) {}
+  ~Binder();
+  Binder(const Binder&) = delete;
+  Binder& operator=(const Binder&) = delete;
+
+  // The form must have a dialog in the resources and outlive the binder.
+  void Bind(Form& form);
+
+  // For every message of the message loop, before it is dispatched: the keyboard handling of dialogs. True when the
+  // message is done with.
+  bool FilterMessage(MSG& message);
+
+ private:
+  void Create(Form& form);
+  void RunModal(Form& form);
+  void Destroy(Form& form);
+  void EnableOwner(Form& form);
+  void CloseOwned(HWND owner);
+  [[nodiscard]] FormWindow* WindowOf(Form& form) const;
+  [[nodiscard]] HWND ActiveFormWindow() const;
+
+  HINSTANCE program_;
+  EventLoop& loop_;
+  std::map<Form*, std::shared_ptr<FormWindow>> windows_;  // null while the form is not loaded
+  std::map<Form*, HWND> disabled_owners_;                 // of modal forms
+};
+
+}  // namespace quenlar::ui

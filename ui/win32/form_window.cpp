@@ -1,0 +1,283 @@
+#include "ui/win32/form_window.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+#include "platform/win32/wide.h"
+#include "ui/win32/bar_bindings.h"
+#include "ui/win32/resource.h"
+
+namespace quenlar::ui {
+namespace {
+
+constexpr UINT_PTR kFlushTimer = 1;
+constexpr UINT kFlushDelayMs = 60;  // changes within this time are shown together
+constexpr UINT kRunPosted = WM_APP + 1;
+
+// The system would scale a dialog by its template, which holds no dialog units. Systems without this call do not.
+void TurnOffSystemScaling(HWND window) {
+  using SetBehaviour = BOOL(WINAPI*)(HWND, int, int);
+  const auto set = reinterpret_cast<SetBehaviour>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetDialogDpiChangeBehavior")));
+  constexpr int kDisableAll = 1;
+  if (set) set(window, kDisableAll, kDisableAll);
+}
+
+std::wstring ClassName(HWND window) {
+  wchar_t name[64];
+  return std::wstring(name, static_cast<std::size_t>(GetClassNameW(window, name, std::size(name))));
+}
+
+}  // namespace
+
+FormWindow::FormWindow(Form& form, const Dialog& dialog, HINSTANCE program)
+    : form_(form), dialog_(dialog), program_(program), layout_(ReadDialogTemplate(program, dialog.dialog)) {}
+
+FormWindow::~FormWindow() {
+  assert(!window_);
+  DeleteObject(font_);
+  DeleteObject(underlined_font_);
+}
+
+std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog, HINSTANCE program, HWND owner) {
+  const std::shared_ptr<FormWindow> made(new FormWindow(form, dialog, program));
+  CreateDialogParamW(program, MAKEINTRESOURCEW(dialog.dialog), owner, Procedure, reinterpret_cast<LPARAM>(made.get()));
+  if (!made->window_) return nullptr;
+  TurnOffSystemScaling(made->window_);
+  made->dpi_ = static_cast<int>(GetDpiForWindow(made->window_));
+  for (const auto& [size, wparam] : {std::pair(SM_CXICON, ICON_BIG), std::pair(SM_CXSMICON, ICON_SMALL)}) {
+    const int pixels = GetSystemMetricsForDpi(size, static_cast<UINT>(made->dpi_));
+    const HANDLE icon = LoadImageW(program, MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON, pixels, pixels, LR_SHARED);
+    SendMessageW(made->window_, WM_SETICON, static_cast<WPARAM>(wparam), reinterpret_cast<LPARAM>(icon));
+  }
+  made->ShowCaption();
+  made->CreatePages();
+  made->MakeFonts();
+  made->BindControls();
+  made->PlaceFirst(owner);
+  return made;
+}
+
+void FormWindow::CreatePages() {
+  for (const Page& page : dialog_.pages) {
+    const HWND window =
+        CreateDialogParamW(program_, MAKEINTRESOURCEW(page.dialog), window_, Procedure, reinterpret_cast<LPARAM>(this));
+    assert(window);
+    TurnOffSystemScaling(window);
+    EnableThemeDialogTexture(window, ETDT_ENABLETAB);
+    // In front of the tab strip, or the strip would paint over it; so the page comes first in the tab order.
+    SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    pages_.push_back({window, ReadDialogTemplate(program_, page.dialog)});
+  }
+}
+
+void FormWindow::BindControls() {
+  for (Control* control : form_.Controls()) {
+    HWND native = nullptr;
+    for (std::size_t i = 0; i < pages_.size(); ++i) {
+      if (control->name() == dialog_.pages[i].panel) native = pages_[i].window;
+    }
+    if (const auto id = ControlId(control->name())) {
+      native = GetDlgItem(window_, *id);
+      for (const PageWindow& page : pages_) {
+        if (!native) native = GetDlgItem(page.window, *id);
+      }
+    }
+    if (!native) continue;  // a timer, a menu item, a file dialog
+    bindings_.push_back(MakeBinding(*control, native, *this));
+    by_window_[native] = bindings_.back().get();
+    if (auto* tabs = dynamic_cast<TabStripBinding*>(bindings_.back().get())) tabs_ = tabs;
+  }
+  for (const auto& binding : bindings_) binding->Start();
+}
+
+void FormWindow::MakeFonts() {
+  NONCLIENTMETRICSW metrics{};
+  metrics.cbSize = sizeof metrics;
+  SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, static_cast<UINT>(dpi_));
+  const HFONT old_font = std::exchange(font_, CreateFontIndirectW(&metrics.lfMessageFont));
+  metrics.lfMessageFont.lfUnderline = TRUE;
+  const HFONT old_underlined = std::exchange(underlined_font_, CreateFontIndirectW(&metrics.lfMessageFont));
+  const auto give = [](HWND child, LPARAM font) -> BOOL {
+    SendMessageW(child, WM_SETFONT, static_cast<WPARAM>(font), TRUE);
+    return TRUE;
+  };
+  EnumChildWindows(window_, give, reinterpret_cast<LPARAM>(font_));
+  DeleteObject(old_font);
+  DeleteObject(old_underlined);
+}
+
+void FormWindow::Show() {
+  if (IsIconic(window_)) {
+    ShowWindow(window_, SW_RESTORE);
+  } else {
+    ShowWindow(window_, SW_SHOW);
+  }
+  SetForegroundWindow(window_);
+}
+
+void FormWindow::Hide() { ShowWindow(window_, SW_HIDE); }
+
+void FormWindow::ShowCaption() { SetWindowTextW(window_, win32::ToWide(form_.caption()).c_str()); }
+
+void FormWindow::Destroy() {
+  const auto self = shared_from_this();
+  bindings_.clear();
+  by_window_.clear();
+  tabs_ = nullptr;
+  posted_.clear();
+  const HWND owner = GetWindow(window_, GW_OWNER);
+  const bool active = GetActiveWindow() == window_;
+  DestroyWindow(std::exchange(window_, nullptr));
+  if (owner && active) SetActiveWindow(owner);
+}
+
+void FormWindow::RequestFlush() {
+  if (std::exchange(flush_requested_, true)) return;
+  SetTimer(window_, kFlushTimer, kFlushDelayMs, nullptr);
+}
+
+void FormWindow::FlushAll() {
+  KillTimer(window_, kFlushTimer);
+  flush_requested_ = false;
+  for (const auto& binding : bindings_) binding->Flush();
+}
+
+void FormWindow::Post(std::function<void()> task) {
+  posted_.push_back(std::move(task));
+  PostMessageW(window_, kRunPosted, 0, 0);
+}
+
+void FormWindow::RunPosted() {
+  if (posted_.empty()) return;
+  const auto task = std::move(posted_.front());
+  posted_.pop_front();
+  task();
+}
+
+void FormWindow::FocusOn(HWND control) {
+  SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+}
+
+void FormWindow::FocusNext() { SendMessageW(window_, WM_NEXTDLGCTL, 0, FALSE); }
+
+ControlBinding* FormWindow::BindingOf(HWND control) const {
+  const auto found = by_window_.find(control);
+  return found == by_window_.end() ? nullptr : found->second;
+}
+
+bool FormWindow::FilterKey(const MSG& message) {
+  if (message.message == WM_SYSCHAR && tabs_) return tabs_->ChooseByKey(static_cast<wchar_t>(message.wParam));
+  if (message.message != WM_KEYDOWN) return false;
+  const bool control = GetKeyState(VK_CONTROL) < 0;
+  if (tabs_ && control && (message.wParam == VK_TAB || message.wParam == VK_NEXT || message.wParam == VK_PRIOR)) {
+    const bool back = message.wParam == VK_PRIOR || (message.wParam == VK_TAB && GetKeyState(VK_SHIFT) < 0);
+    tabs_->Step(back ? -1 : 1);
+    return true;
+  }
+  // Enter in a list is for the row, not for the default button.
+  if (message.wParam == VK_RETURN && ClassName(message.hwnd) == WC_LISTVIEWW) {
+    DispatchMessageW(&message);
+    return true;
+  }
+  return false;
+}
+
+// Not while a modal window or a message box stands in front.
+void FormWindow::Close() {
+  if (IsWindowEnabled(window_)) form_.Close();
+}
+
+INT_PTR CALLBACK FormWindow::Procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
+  if (message == WM_INITDIALOG) {
+    SetWindowLongPtrW(window, DWLP_USER, l);
+    auto* created = reinterpret_cast<FormWindow*>(l);
+    if (!created->window_) created->window_ = window;
+    return FALSE;  // the form decides about the focus
+  }
+  auto* form = reinterpret_cast<FormWindow*>(GetWindowLongPtrW(window, DWLP_USER));
+  if (!form || !form->window_) return FALSE;
+  const auto alive = form->shared_from_this();  // a handler may close the window
+  return alive->OnMessage(window, message, w, l);
+}
+
+INT_PTR FormWindow::OnMessage(HWND window, UINT message, WPARAM w, LPARAM l) {
+  if (window == window_) {
+    if (const INT_PTR done = OnWindowMessage(message, w, l)) return done;
+  }
+  return OnControlMessage(window, message, w, l);
+}
+
+INT_PTR FormWindow::OnWindowMessage(UINT message, WPARAM w, LPARAM l) {
+  switch (message) {
+    case WM_CLOSE:
+      Close();
+      return TRUE;
+    case WM_TIMER:
+      if (w == kFlushTimer) FlushAll();
+      return TRUE;
+    case kRunPosted:
+      RunPosted();
+      return TRUE;
+    case WM_SIZE:
+      if (w != SIZE_MINIMIZED) OnSize();
+      return TRUE;
+    case WM_ACTIVATE:
+    case WM_SETFOCUS:
+      // The system's own handling gives the focus back; it asks here again, for a change of it.
+      if (std::exchange(restoring_focus_, true)) return FALSE;
+      DefDlgProcW(window_, message, w, l);
+      restoring_focus_ = false;
+      return TRUE;
+    case WM_GETMINMAXINFO: {
+      const SIZE minimum = MinimumSize();
+      reinterpret_cast<MINMAXINFO*>(l)->ptMinTrackSize = {minimum.cx, minimum.cy};
+      return TRUE;
+    }
+    case WM_DPICHANGED:
+      OnDpiChanged(HIWORD(w), *reinterpret_cast<const RECT*>(l));
+      return TRUE;
+    case WM_SETTINGCHANGE:
+    case WM_THEMECHANGED:
+      MakeFonts();
+      LayOut();
+      return FALSE;
+    default:
+      return FALSE;
+  }
+}
+
+INT_PTR FormWindow::OnControlMessage(HWND window, UINT message, WPARAM w, LPARAM l) {
+  switch (message) {
+    case WM_COMMAND:
+      if (ControlBinding* binding = BindingOf(reinterpret_cast<HWND>(l))) {
+        binding->OnCommand(HIWORD(w));
+      } else if (LOWORD(w) == IDCANCEL && !(GetWindowLongPtrW(window_, GWL_STYLE) & WS_MINIMIZEBOX)) {
+        Close();  // Esc closes a dialog; the main window stays
+      }
+      return TRUE;
+    case WM_NOTIFY: {
+      const auto& header = *reinterpret_cast<const NMHDR*>(l);
+      ControlBinding* binding = BindingOf(header.hwndFrom);
+      if (!binding) return FALSE;
+      const LRESULT result = binding->OnNotify(header);
+      SetWindowLongPtrW(window, DWLP_MSGRESULT, result);
+      return TRUE;
+    }
+    case WM_CTLCOLORSTATIC: {
+      ControlBinding* binding = BindingOf(reinterpret_cast<HWND>(l));
+      return binding ? reinterpret_cast<INT_PTR>(binding->OnColor(reinterpret_cast<HDC>(w))) : FALSE;
+    }
+    case WM_CONTEXTMENU: {
+      ControlBinding* binding = BindingOf(reinterpret_cast<HWND>(w));
+      if (!binding) return FALSE;
+      binding->OnContextMenu({GET_X_LPARAM(l), GET_Y_LPARAM(l)});
+      return TRUE;
+    }
+    default:
+      return FALSE;
+  }
+}
+
+}  // namespace quenlar::ui

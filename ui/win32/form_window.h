@@ -1,0 +1,92 @@
+// The native window of a form: a dialog of the resources with its controls bound to the form's models.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "ui/controls.h"
+#include "ui/win32/control_binding.h"
+#include "ui/win32/dialog_template.h"
+#include "ui/win32/dialogs.h"
+#include "ui/win32/windows_api.h"
+
+namespace quenlar::ui {
+
+class TabStripBinding;
+
+class FormWindow final : public BindingHost, public std::enable_shared_from_this<FormWindow> {
+ public:
+  // Creates the window, hidden, with the models' state in its controls. Null when the system refuses. `owner` may be
+  // null; an owned window stays in front of its owner.
+  [[nodiscard]] static std::shared_ptr<FormWindow> Create(Form& form, const Dialog& dialog, HINSTANCE program,
+                                                          HWND owner);
+  ~FormWindow() override;
+
+  [[nodiscard]] HWND window() const { return window_; }
+  void Show();
+  void Hide();
+  void ShowCaption();
+  void Destroy();
+
+  // Keys that the system's dialog keyboard handling does not know or that it would take away. True when done.
+  bool FilterKey(const MSG& message);
+
+  // BindingHost
+  [[nodiscard]] int dpi() const override { return dpi_; }
+  [[nodiscard]] HFONT font() const override { return font_; }
+  [[nodiscard]] HFONT underlined_font() const override { return underlined_font_; }
+  void RequestFlush() override;
+  void Post(std::function<void()> task) override;
+  void FocusOn(HWND control) override;
+  void FocusNext() override;
+  [[nodiscard]] bool restoring_focus() const override { return restoring_focus_; }
+
+ private:
+  struct PageWindow {
+    HWND window;
+    DialogTemplate layout;
+  };
+
+  FormWindow(Form& form, const Dialog& dialog, HINSTANCE program);
+  static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l);
+  INT_PTR OnMessage(HWND window, UINT message, WPARAM w, LPARAM l);
+  INT_PTR OnWindowMessage(UINT message, WPARAM w, LPARAM l);
+  INT_PTR OnControlMessage(HWND window, UINT message, WPARAM w, LPARAM l);
+
+  void CreatePages();
+  void BindControls();
+  void MakeFonts();
+  void PlaceFirst(HWND owner);
+  [[nodiscard]] SIZE OuterSize(SIZE size) const;
+  [[nodiscard]] SIZE MinimumSize() const;
+  void OnSize();
+  void OnDpiChanged(int dpi, const RECT& suggested);
+  void LayOut();
+  void LayOutPages();
+  void PlaceItems(HWND parent, const DialogTemplate& layout, SIZE grown);
+  void FlushAll();
+  void RunPosted();
+  void Close();
+  [[nodiscard]] int Scaled(int pixels) const { return MulDiv(pixels, dpi_, 96); }
+  [[nodiscard]] ControlBinding* BindingOf(HWND control) const;
+
+  Form& form_;
+  const Dialog& dialog_;
+  HINSTANCE program_;
+  HWND window_ = nullptr;
+  int dpi_ = 96;
+  HFONT font_ = nullptr;
+  HFONT underlined_font_ = nullptr;
+  DialogTemplate layout_;
+  std::vector<PageWindow> pages_;
+  std::vector<std::unique_ptr<ControlBinding>> bindings_;
+  std::unordered_map<HWND, ControlBinding*> by_window_;
+  TabStripBinding* tabs_ = nullptr;
+  std::deque<std::function<void()>> posted_;
+  bool flush_requested_ = false;
+  bool restoring_focus_ = false;
+};
+
+}  // namespace quenlar::ui

@@ -1,0 +1,86 @@
+#include "ui/win32/list_bindings.h"
+
+#include <algorithm>
+
+#include "platform/win32/wide.h"
+
+namespace quenlar::ui {
+
+void ListBoxBinding::Start() {
+  ControlBinding::Start();
+  FillItems();
+}
+
+void ListBoxBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kItems) FillItems();
+}
+
+void ListBoxBinding::FillItems() {
+  Send(WM_SETREDRAW, FALSE);
+  Send(LB_RESETCONTENT);
+  Send(LB_INITSTORAGE, list_.items().size(), static_cast<LPARAM>(list_.items().size() * 64));
+  for (const std::string& item : list_.items()) Send(LB_ADDSTRING, 0, win32::ToWide(item).c_str());
+  for (std::size_t i = 0; list_.multi_select && i < list_.items().size(); ++i) {
+    if (list_.selected(i)) Send(LB_SETSEL, TRUE, static_cast<LPARAM>(i));
+  }
+  Send(WM_SETREDRAW, TRUE);
+  RedrawWindow(window(), nullptr, nullptr, RDW_ERASE | RDW_FRAME | RDW_INVALIDATE);
+}
+
+void ListBoxBinding::OnCommand(UINT code) {
+  if (code != LBN_SELCHANGE) return;
+  std::vector<bool> selected(list_.items().size());
+  for (std::size_t i = 0; i < selected.size(); ++i) selected[i] = Send(LB_GETSEL, i) > 0;
+  list_.UserSelect(std::move(selected));
+}
+
+void ComboBoxBinding::Start() {
+  ControlBinding::Start();
+  FillItems();
+  if (!combo_.hint.empty()) Send(CB_SETCUEBANNER, 0, win32::ToWide(combo_.hint).c_str());
+}
+
+void ComboBoxBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kItems) FillItems();
+  if (aspect == Aspect::kText) ShowText();
+}
+
+// Emptying a combo box empties its text as well, which is not meant: the text is the model's.
+void ComboBoxBinding::FillItems() {
+  Send(CB_RESETCONTENT);
+  for (const std::string& item : combo_.items()) Send(CB_ADDSTRING, 0, win32::ToWide(item).c_str());
+  ShowText();
+}
+
+void ComboBoxBinding::ShowText() {
+  if (combo_.editable) {
+    SetNativeText(combo_.text());
+    return;
+  }
+  const auto& items = combo_.items();
+  const auto found = std::find(items.begin(), items.end(), combo_.text());
+  Send(CB_SETCURSEL, found == items.end() ? static_cast<WPARAM>(-1) : static_cast<WPARAM>(found - items.begin()));
+}
+
+// An entry counts as picked when the user has decided: by a click, by Enter, or by an arrow key while the list is
+// closed. Walking through the open list decides nothing yet. The model may fill the list anew when it hears of the
+// choice, so it hears of it after the control has done with the message.
+void ComboBoxBinding::OnCommand(UINT code) {
+  const bool walked = code == CBN_SELCHANGE && !Send(CB_GETDROPPEDSTATE);
+  if ((code == CBN_SELENDOK || walked) && !pick_posted_) {
+    pick_posted_ = true;
+    host().Post([this] { Picked(); });
+  }
+  if (code == CBN_EDITCHANGE) combo_.UserText(NativeText());
+  if (code == CBN_SETFOCUS && combo_.GotFocus && !host().restoring_focus()) combo_.GotFocus();
+}
+
+void ComboBoxBinding::Picked() {
+  pick_posted_ = false;
+  const LRESULT index = Send(CB_GETCURSEL);
+  if (index != CB_ERR) combo_.UserPick(static_cast<std::size_t>(index));
+}
+
+}  // namespace quenlar::ui

@@ -1,0 +1,248 @@
+#include "ui/win32/list_view_binding.h"
+
+#include <algorithm>
+
+#include "base/ascii.h"
+#include "platform/win32/wide.h"
+#include "ui/win32/high_contrast.h"
+
+namespace quenlar::ui {
+namespace {
+
+// The native list shows no more of a cell than this.
+constexpr std::size_t kShownUnits = 259;
+
+}  // namespace
+
+ListViewBinding::ListViewBinding(ListView& list, HWND window, BindingHost& host)
+    : ControlBinding(list, window, host), list_(list), order_([&list](std::uint32_t row, int column) {
+        return list.CellText ? list.CellText(row, column) : std::string();
+      }) {}
+
+void ListViewBinding::Start() {
+  ControlBinding::Start();
+  SetWindowTheme(window(), L"Explorer", nullptr);
+  Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
+  AddColumns();
+  Flush();
+}
+
+void ListViewBinding::AddColumns() {
+  for (std::size_t i = 0; i < list_.columns.size(); ++i) {
+    std::wstring caption = win32::ToWide(list_.columns[i].caption);
+    LVCOLUMNW column{};
+    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+    column.pszText = caption.data();
+    column.cx = Scaled(list_.columns[i].width);
+    column.iSubItem = static_cast<int>(i);
+    Send(LVM_INSERTCOLUMNW, i, &column);
+  }
+}
+
+// What the window is wider than at its smallest goes to all columns but the first, in equal shares; what the user has
+// made of the widths by hand stays.
+void ListViewBinding::OnPlaced(int grown) {
+  const int columns = static_cast<int>(list_.columns.size());
+  for (int i = 1; i < columns; ++i) {
+    const auto share = [&](int pixels) { return pixels * i / (columns - 1) - pixels * (i - 1) / (columns - 1); };
+    const int now = static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
+    const int before = grown_ < 0 ? 0 : share(grown_);
+    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(i), std::max(now - before + share(grown), 0));
+  }
+  grown_ = grown;
+}
+
+// Rows that are added can wait to be shown together with others; another table cannot, since the order of the rows
+// belongs to the table.
+void ListViewBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kItems) {
+    if (list_.rows() < order_.rows()) {
+      Flush();
+    } else {
+      host().RequestFlush();
+    }
+  }
+  if (aspect == Aspect::kSelection && !list_.selected()) ListView_SetItemState(window(), -1, 0, LVIS_SELECTED);
+}
+
+void ListViewBinding::Flush() {
+  const std::uint32_t before = order_.rows();
+  if (list_.rows() == before) return;
+  order_.SetRows(list_.rows());
+  const bool grew_at_end = list_.rows() > before && !order_.key();
+  if (!grew_at_end) ListView_SetItemState(window(), -1, 0, LVIS_SELECTED);
+  Send(LVM_SETITEMCOUNT, list_.rows(),
+       static_cast<LPARAM>(grew_at_end ? LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL : LVSICF_NOSCROLL));
+}
+
+LRESULT ListViewBinding::OnNotify(const NMHDR& header) {
+  auto* given = const_cast<NMHDR*>(&header);
+  switch (header.code) {
+    case static_cast<UINT>(LVN_GETDISPINFOW):
+      FillCell(*reinterpret_cast<NMLVDISPINFOW*>(given));
+      return 0;
+    case static_cast<UINT>(NM_CUSTOMDRAW):
+      return Draw(*reinterpret_cast<NMLVCUSTOMDRAW*>(given));
+    case static_cast<UINT>(LVN_ODFINDITEMW):
+      return FindText(*reinterpret_cast<NMLVFINDITEMW*>(given));
+    case static_cast<UINT>(LVN_COLUMNCLICK):
+      SortBy(reinterpret_cast<NMLISTVIEW*>(given)->iSubItem);
+      return 0;
+    case static_cast<UINT>(LVN_ITEMCHANGED):
+    case static_cast<UINT>(LVN_ODSTATECHANGED):
+      TellSelection();
+      return 0;
+    case static_cast<UINT>(NM_CLICK):
+    case static_cast<UINT>(NM_RCLICK):
+      OnMouseButton(*reinterpret_cast<NMITEMACTIVATE*>(given));
+      return 0;
+    case static_cast<UINT>(NM_DBLCLK):
+      if (list_.DblClick) list_.DblClick();
+      return 0;
+    case static_cast<UINT>(LVN_KEYDOWN):
+      OnKey(reinterpret_cast<NMLVKEYDOWN*>(given)->wVKey);
+      return 0;
+    default:
+      return 0;
+  }
+}
+
+void ListViewBinding::FillCell(NMLVDISPINFOW& wanted) const {
+  const auto position = static_cast<std::uint32_t>(wanted.item.iItem);
+  if (!(wanted.item.mask & LVIF_TEXT) || !list_.CellText || position >= order_.rows()) return;
+  const std::wstring text = win32::ToWide(list_.CellText(order_.RowAt(position), wanted.item.iSubItem));
+  const std::size_t room = std::min(static_cast<std::size_t>(wanted.item.cchTextMax) - 1, kShownUnits);
+  const std::size_t length = std::min(text.size(), room);
+  std::copy_n(text.begin(), length, wanted.item.pszText);
+  wanted.item.pszText[length] = L'\0';
+}
+
+LRESULT ListViewBinding::Draw(NMLVCUSTOMDRAW& draw) const {
+  switch (draw.nmcd.dwDrawStage) {
+    case CDDS_PREPAINT:
+      return list_.CellColor && !IsHighContrast() ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
+    case CDDS_ITEMPREPAINT:
+      return CDRF_NOTIFYSUBITEMDRAW;
+    case CDDS_ITEMPREPAINT | CDDS_SUBITEM: {
+      const auto position = static_cast<std::uint32_t>(draw.nmcd.dwItemSpec);
+      if (position >= order_.rows()) return CDRF_DODEFAULT;
+      const auto color = list_.CellColor(order_.RowAt(position), draw.iSubItem);
+      draw.clrText = color ? static_cast<COLORREF>(*color) : GetSysColor(COLOR_WINDOWTEXT);
+      return CDRF_NEWFONT;
+    }
+    default:
+      return CDRF_DODEFAULT;
+  }
+}
+
+// Typing goes to the next row whose sorted column (the first, while unsorted) begins with what was typed.
+int ListViewBinding::FindText(const NMLVFINDITEMW& wanted) const {
+  if (!(wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !list_.CellText || order_.rows() == 0) return -1;
+  const std::string prefix = Lower(win32::FromWide(wanted.lvfi.psz));
+  const int column = order_.key() ? order_.key()->column : 0;
+  for (std::uint32_t step = 0; step < order_.rows(); ++step) {
+    const std::uint32_t position = (static_cast<std::uint32_t>(std::max(wanted.iStart, 0)) + step) % order_.rows();
+    if (StartsWithIgnoreCase(list_.CellText(order_.RowAt(position), column), prefix)) return static_cast<int>(position);
+  }
+  return -1;
+}
+
+void ListViewBinding::SortBy(int column) {
+  Flush();
+  const std::vector<std::uint32_t> marked = MarkedRows();
+  order_.SortBy(column);
+  ShowSortArrow();
+  ListView_SetItemState(window(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+  // A few marked rows stay marked at their new places; following very many would take long and show little.
+  constexpr std::size_t kFollowed = 32;
+  if (marked.size() <= kFollowed) {
+    for (const std::uint32_t row : marked) {
+      const int position = static_cast<int>(order_.PositionOf(row));
+      ListView_SetItemState(window(), position, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    }
+    if (!marked.empty()) {
+      Send(LVM_ENSUREVISIBLE, order_.PositionOf(marked.front()), FALSE);
+    }
+  }
+  InvalidateRect(window(), nullptr, TRUE);
+}
+
+void ListViewBinding::ShowSortArrow() {
+  const HWND header = ListView_GetHeader(window());
+  for (int i = 0; i < static_cast<int>(list_.columns.size()); ++i) {
+    HDITEMW item{};
+    item.mask = HDI_FORMAT;
+    SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+    item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+    if (order_.key() && order_.key()->column == i) {
+      item.fmt |= order_.key()->direction == RowOrder::Direction::kUp ? HDF_SORTUP : HDF_SORTDOWN;
+    }
+    SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+  }
+}
+
+void ListViewBinding::OnMouseButton(const NMITEMACTIVATE& click) {
+  if (click.iItem < 0 && list_.Miss) list_.Miss();
+}
+
+void ListViewBinding::OnKey(WORD key) {
+  if (GetKeyState(VK_CONTROL) >= 0) return;
+  if (key == 'A') {
+    SelectAll();
+    return;
+  }
+  for (const ListView::Command& command : list_.commands) {
+    if (command.control_key != 0 && key == static_cast<WORD>(command.control_key)) Run(command);
+  }
+}
+
+void ListViewBinding::SelectAll() { ListView_SetItemState(window(), -1, LVIS_SELECTED, LVIS_SELECTED); }
+
+// The model knows one row: the one with the focus mark, as long as it is marked, else the first that is.
+void ListViewBinding::TellSelection() {
+  int position = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED | LVNI_FOCUSED));
+  if (position < 0) position = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+  if (position < 0 || static_cast<std::uint32_t>(position) >= order_.rows()) {
+    list_.UserSelect(std::nullopt);
+  } else {
+    list_.UserSelect(order_.RowAt(static_cast<std::uint32_t>(position)));
+  }
+}
+
+std::vector<std::uint32_t> ListViewBinding::MarkedRows() const {
+  std::vector<std::uint32_t> rows;
+  LRESULT position = -1;
+  while ((position = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(position), LVNI_SELECTED)) >= 0) {
+    if (static_cast<std::uint32_t>(position) < order_.rows())
+      rows.push_back(order_.RowAt(static_cast<std::uint32_t>(position)));
+  }
+  return rows;
+}
+
+void ListViewBinding::Run(const ListView::Command& command) {
+  const std::vector<std::uint32_t> rows = MarkedRows();
+  if (!rows.empty() && command.run) command.run(rows);
+}
+
+// Without marked rows there is nothing to do and no menu. From the keyboard the menu opens at the focused row.
+void ListViewBinding::OnContextMenu(POINT place) {
+  if (list_.commands.empty() || Send(LVM_GETSELECTEDCOUNT) == 0) return;
+  if (place.x == -1 && place.y == -1) {
+    RECT row{};
+    const auto focused = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+    ListView_GetItemRect(window(), focused, &row, LVIR_LABEL);
+    place = {row.left, row.bottom};
+    ClientToScreen(window(), &place);
+  }
+  const HMENU menu = CreatePopupMenu();
+  for (std::size_t i = 0; i < list_.commands.size(); ++i) {
+    AppendMenuW(menu, MF_STRING, i + 1, win32::ToWide(list_.commands[i].caption).c_str());
+  }
+  const int chosen =
+      TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, GetParent(window()), nullptr);
+  DestroyMenu(menu);
+  if (chosen > 0) Run(list_.commands[static_cast<std::size_t>(chosen) - 1]);
+}
+
+}  // namespace quenlar::ui

@@ -1,0 +1,40 @@
+// Binding of a virtual report list: it keeps no cell, it asks the model for those that are seen.
+#pragma once
+
+#include "ui/row_order.h"
+#include "ui/win32/control_binding.h"
+
+namespace quenlar::ui {
+
+class ListViewBinding final : public ControlBinding {
+ public:
+  ListViewBinding(ListView& list, HWND window, BindingHost& host);
+  void Start() override;
+  LRESULT OnNotify(const NMHDR& header) override;
+  void OnContextMenu(POINT place) override;
+  void OnPlaced(int grown) override;
+  void Flush() override;
+
+ protected:
+  void Apply(Aspect aspect) override;
+
+ private:
+  void AddColumns();
+  void ShowSortArrow();
+  void SortBy(int column);
+  void FillCell(NMLVDISPINFOW& wanted) const;
+  LRESULT Draw(NMLVCUSTOMDRAW& draw) const;
+  int FindText(const NMLVFINDITEMW& wanted) const;
+  void OnKey(WORD key);
+  void OnMouseButton(const NMITEMACTIVATE& click);
+  void TellSelection();
+  void SelectAll();
+  [[nodiscard]] std::vector<std::uint32_t> MarkedRows() const;
+  void Run(const ListView::Command& command);
+
+  ListView& list_;
+  RowOrder order_;
+  int grown_ = -1;
+};
+
+}  // namespace quenlar::ui

@@ -1,0 +1,173 @@
+#include "ui/win32/simple_bindings.h"
+
+#include "platform/win32/wide.h"
+#include "ui/win32/high_contrast.h"
+#include "ui/win32/resource.h"
+
+namespace quenlar::ui {
+
+void ButtonBinding::Start() {
+  ControlBinding::Start();
+  Apply(Aspect::kText);
+}
+
+void ButtonBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kText) SetNativeText(button_.text());
+}
+
+void ButtonBinding::OnCommand(UINT code) {
+  if (code == BN_CLICKED && button_.enabled() && button_.Click) button_.Click();
+}
+
+LabelBinding::LabelBinding(Label& label, HWND window, BindingHost& host)
+    : ControlBinding(label, window, host), label_(label) {
+  if (is_link()) SetWindowSubclass(window, LinkProcedure, 0, reinterpret_cast<DWORD_PTR>(this));
+}
+
+LabelBinding::~LabelBinding() { RemoveWindowSubclass(window(), LinkProcedure, 0); }
+
+void LabelBinding::Start() {
+  ControlBinding::Start();
+  Apply(Aspect::kText);
+  Apply(Aspect::kColor);
+}
+
+void LabelBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kText) SetNativeText(label_.text());
+  if (aspect == Aspect::kColor) {
+    Send(WM_SETFONT, reinterpret_cast<WPARAM>(label_.underlined() ? host().underlined_font() : host().font()), TRUE);
+    InvalidateRect(window(), nullptr, TRUE);
+  }
+}
+
+HBRUSH LabelBinding::OnColor(HDC context) {
+  if (!label_.color() && !is_link()) return nullptr;
+  const bool system_color = !label_.color() || IsHighContrast();
+  SetTextColor(context, system_color ? GetSysColor(COLOR_HOTLIGHT) : static_cast<COLORREF>(*label_.color()));
+  SetBkColor(context, GetSysColor(COLOR_BTNFACE));
+  return GetSysColorBrush(COLOR_BTNFACE);
+}
+
+void LabelBinding::OnPlaced(int) {
+  if (!is_link()) return;
+  const HDC context = GetDC(window());
+  const HGDIOBJ before = SelectObject(context, host().font());
+  const std::wstring text = win32::ToWide(label_.text());
+  SIZE needed{};
+  GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &needed);
+  SelectObject(context, before);
+  ReleaseDC(window(), context);
+
+  RECT place;
+  GetWindowRect(window(), &place);
+  MapWindowPoints(HWND_DESKTOP, GetParent(window()), reinterpret_cast<POINT*>(&place), 2);
+  const int width = needed.cx + Scaled(4);
+  SetWindowPos(window(), nullptr, (place.left + place.right - width) / 2, place.top, width, place.bottom - place.top,
+               SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+LRESULT CALLBACK LabelBinding::LinkProcedure(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR self) {
+  auto& binding = *reinterpret_cast<LabelBinding*>(self);
+  switch (message) {
+    case WM_MOUSEMOVE:
+      if (!binding.pointer_inside_) {
+        binding.pointer_inside_ = true;
+        TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, window, 0};
+        TrackMouseEvent(&track);
+        if (binding.label_.MouseMove) binding.label_.MouseMove();
+      }
+      break;
+    case WM_MOUSELEAVE:
+      binding.pointer_inside_ = binding.pressed_ = false;
+      if (binding.label_.MouseLeave) binding.label_.MouseLeave();
+      break;
+    case WM_SETCURSOR:
+      SetCursor(LoadCursorW(nullptr, IDC_HAND));
+      return TRUE;
+    case WM_LBUTTONDOWN:
+      binding.pressed_ = true;
+      break;
+    case WM_LBUTTONUP:
+      // The click may close the window, so it happens after this message.
+      if (binding.pressed_) binding.host().Post([&binding] { binding.label_.Click(); });
+      binding.pressed_ = false;
+      break;
+    default:
+      break;
+  }
+  return DefSubclassProc(window, message, w, l);
+}
+
+PanelBinding::~PanelBinding() {
+  if (picture_) DestroyIcon(picture_);
+}
+
+void PanelBinding::OnPlaced(int) {
+  constexpr LONG_PTR kKindOfStatic = 0x1F;
+  if ((GetWindowLongPtrW(window(), GWL_STYLE) & kKindOfStatic) != SS_ICON) return;
+  RECT place;
+  GetClientRect(window(), &place);
+  const HICON before = picture_;
+  picture_ = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON,
+                                           place.right, place.bottom, LR_DEFAULTCOLOR));
+  Send(STM_SETICON, reinterpret_cast<WPARAM>(picture_));
+  if (before) DestroyIcon(before);
+}
+
+void TextBoxBinding::Start() {
+  ControlBinding::Start();
+  Send(EM_SETLIMITTEXT, box_.max_length > 0 ? box_.max_length : 0x7FFFFFFE);
+  Apply(Aspect::kText);
+}
+
+void TextBoxBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kText) {
+    applying_ = true;
+    SetNativeText(box_.text());
+    applying_ = false;
+  }
+  if (aspect == Aspect::kCaret) {
+    const int end = GetWindowTextLengthW(window());
+    Send(EM_SETSEL, static_cast<WPARAM>(end), end);
+    Send(EM_SCROLLCARET);
+  }
+}
+
+void TextBoxBinding::OnCommand(UINT code) {
+  if (code == EN_CHANGE && !applying_) box_.UserText(NativeText());
+}
+
+void CheckBoxBinding::Start() {
+  ControlBinding::Start();
+  SetNativeText(box_.text());
+  Apply(Aspect::kChecked);
+}
+
+void CheckBoxBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kChecked) Send(BM_SETCHECK, box_.checked() ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void CheckBoxBinding::OnCommand(UINT code) {
+  if (code == BN_CLICKED) box_.UserClick();
+}
+
+void OptionButtonBinding::Start() {
+  ControlBinding::Start();
+  SetNativeText(option_.text());
+  Apply(Aspect::kChecked);
+}
+
+void OptionButtonBinding::Apply(Aspect aspect) {
+  ControlBinding::Apply(aspect);
+  if (aspect == Aspect::kChecked) Send(BM_SETCHECK, option_.selected() ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void OptionButtonBinding::OnCommand(UINT code) {
+  if (code == BN_CLICKED) option_.Select();
+}
+
+}  // namespace quenlar::ui
