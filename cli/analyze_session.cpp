@@ -1,0 +1,311 @@
+#include "cli/analyze_session.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "app/home.h"
+#include "base/ascii.h"
+#include "base/windows1252.h"
+#include "platform/code_page.h"
+#include "platform/event_loop.h"
+#include "platform/files.h"
+#include "platform/message_boxes.h"
+#include "platform/page_fetcher.h"
+#include "project/project_store.h"
+#include "settings/filter_words.h"
+#include "state/get_host.h"
+#include "web/links.h"
+#include "web/ocx_parse_web.h"
+
+namespace quenlar {
+namespace {
+
+// Nothing ever arrives: every page is handed over by a request.
+class IdleLoop final : public EventLoop {
+ public:
+  void Yield() override {}
+  void Wait(std::chrono::milliseconds) override {}
+  void Post(std::function<void()>) override {}
+  std::unique_ptr<LoopTimer> MakeTimer(std::chrono::milliseconds, std::function<void()>) override {
+    return std::make_unique<StoppedTimer>();
+  }
+
+ private:
+  class StoppedTimer final : public LoopTimer {
+   public:
+    void SetEnabled(bool) override {}
+    bool enabled() const override { return false; }
+  };
+};
+
+class IdleFetcher final : public PageFetcher {
+ public:
+  void SetListener(FetchListener*) override {}
+  void Start(const std::string&, const std::string&) override {}
+  void Cancel(const std::string&) override {}
+};
+
+class FixedCodePage final : public CodePage {
+ public:
+  std::string ToUtf8(std::string bytes) const override { return Windows1252ToUtf8(std::move(bytes)); }
+  std::string FromUtf8(std::string text) const override { return Utf8ToWindows1252(std::move(text)); }
+};
+
+class KeptMessages final : public MessageBoxes {
+ public:
+  BoxAnswer Show(const std::string& text, const std::string&, BoxIcon, BoxButtons buttons) override {
+    texts.push_back(text);
+    return buttons == BoxButtons::kOk ? BoxAnswer::kOk : BoxAnswer::kNo;
+  }
+  std::vector<std::string> texts;
+};
+
+// What the status bar would show.
+class KeptPanels final : public RunView {
+ public:
+  void ShowStage(const std::string& text) override { panel1.push_back(text); }
+  void ShowAddressCount(std::uint32_t count) override { panel2 = fmt::format("{} Address", count); }
+  void ShowScanCount(std::int64_t count) override { panel3 = fmt::format("Scan {}", count); }
+  void AddRow(std::uint32_t, bool) override {}
+  void ClearRows() override {}
+
+  std::vector<std::string> panel1;  // every text since the request came
+  std::string panel2 = "0 Address";
+  std::string panel3 = "Scan 0";
+};
+
+Platform WithoutTheComputer(const Platform& lent, IdleLoop& loop, IdleFetcher& fetcher, FixedCodePage& code_page,
+                            KeptMessages& boxes) {
+  return {loop, fetcher, lent.registry, lent.interfaces, lent.files, code_page, lent.clock, lent.shell, boxes};
+}
+
+constexpr std::array<int, kLevels> kAllLevels = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+
+}  // namespace
+
+struct AnalyzeSession::State final : ProjectView, PeriodicSaver {
+  State(const Platform& lent, Site given_site)
+      : platform(WithoutTheComputer(lent, loop, fetcher, code_page, boxes)),
+        site(std::move(given_site)),
+        filter(settings),
+        store(platform, project, settings, site, panels, *this),
+        pump(loop),
+        web(fetcher, code_page, AnalysisContext{run, project, settings, filter, *this, panels, pump}) {}
+
+  // ProjectView. Nobody has asked for buttons.
+  void EnableDelete(bool) override {}
+  void EnableExport(bool) override {}
+  void EnableExtract() override {}
+  bool Ready() const override { return true; }
+  void SetInputText(const std::string& text) override { store.OpenProject(text); }
+
+  // PeriodicSaver. Without a project there is nothing to save, and no file to save it in.
+  void SaveProjectData() override {
+    if (opened()) store.SaveProjectData();
+  }
+  void SaveProjectReport() override {
+    if (opened()) store.SaveProjectReport();
+  }
+
+  [[nodiscard]] bool opened() const { return lock != nullptr; }
+
+  // Whatever the requests before this one have shown is told already.
+  void BeginRequest() {
+    panels.panel1.clear();
+    boxes.texts.clear();
+  }
+
+  [[nodiscard]] Json Addresses(std::uint32_t from) const {
+    Json records = Json::array();
+    for (std::uint32_t i = from; i < project.found.Count(); ++i) {
+      records.push_back(FoundAddressJson(project.found.At(i)));
+    }
+    return records;
+  }
+
+  [[nodiscard]] std::string BelowHome(const std::string& path) const {
+    std::string below = path.substr(std::min(path.size(), site.program_folder.size() + 1));
+    std::replace(below.begin(), below.end(), site.separator, '/');
+    return below;
+  }
+
+  IdleLoop loop;
+  IdleFetcher fetcher;
+  FixedCodePage code_page;
+  KeptMessages boxes;
+  KeptPanels panels;
+  Platform platform;
+  Site site;
+  std::unique_ptr<FolderLock> lock;  // held from the first opened project on
+  RunState run;
+  Project project;
+  Settings settings;
+  FilterWords filter;
+  ProjectStore store;
+  Pump pump;
+  ocxParseWeb web;
+};
+
+namespace {
+
+// What a page adds is what stands behind these counts afterwards.
+struct Mark {
+  std::uint32_t addresses;
+  std::array<std::uint32_t, kLevels> links;
+};
+
+Mark MarkOf(const Project& project) {
+  Mark mark{project.found.Count(), {}};
+  for (const int level : kAllLevels) mark.links[level] = project.queues[level].Count();
+  return mark;
+}
+
+Json LinksSince(const Mark& mark, const Project& project) {
+  Json links = Json::array();
+  for (const int level : kAllLevels) {
+    const LinkQueue& queue = project.queues[level];
+    for (std::uint32_t i = mark.links[level]; i < queue.Count(); ++i) {
+      const LinkRecord record = queue.At(i);
+      links.push_back(
+          {{"queue", std::string(1, SectionLetter(level))}, {"URL", record.URL}, {"number", record.number}});
+    }
+  }
+  return links;
+}
+
+Json Unvisited(const LinkQueue& queue) {
+  Json addresses = Json::array();
+  for (const std::uint32_t index : queue.InFlight()) addresses.push_back(queue.At(index).URL);
+  for (std::uint32_t i = queue.Next(); i < queue.Count(); ++i) addresses.push_back(queue.At(i).URL);
+  return addresses;
+}
+
+}  // namespace
+
+AnalyzeSession::AnalyzeSession(const Platform& platform, Site site)
+    : lent_(platform), site_(std::move(site)), state_(std::make_unique<State>(lent_, site_)) {}
+
+AnalyzeSession::~AnalyzeSession() = default;
+
+Json AnalyzeError(const std::string& message) { return {{"error", message}}; }
+
+Json AnalyzeSession::Answer(AnalyzeRequest request) {
+  state_->BeginRequest();
+  return std::visit([this](auto& one) { return On(std::move(one)); }, request);
+}
+
+Json AnalyzeSession::On(SettingsRequest request) {
+  State& s = *state_;
+  for (const auto& [variable, number] : request.numbers) s.settings.*variable = number;
+  if (request.stop_number) s.settings.StopNumber = *request.stop_number;
+  if (request.remove_words) s.filter.RemoveFilterWords = std::move(*request.remove_words);
+  if (request.extract_words) s.filter.ExtractFilterWords = std::move(*request.extract_words);
+  // A word that is no valid expression matches nothing; the patterns in the answer show what was made of it.
+  (void)s.filter.BuildFilterPatterns();
+  return {{"ok", true},
+          {"RemoveFilterPattern", s.filter.RemoveFilterPattern},
+          {"ExtractFilterPattern", s.filter.ExtractFilterPattern}};
+}
+
+Json AnalyzeSession::On(OpenRequest request) {
+  State& s = *state_;
+  if (!s.opened()) {
+    if (Status made = MakeFolders(lent_.files, site_.program_folder, site_.separator); !made.ok()) {
+      return AnalyzeError(made.message());
+    }
+    auto lock = LockHome(lent_.files, site_);
+    if (!lock.ok()) return AnalyzeError(lock.status().message());
+    for (const char* below : {"data", "report"}) {
+      const Status made = lent_.files.MakeFolder(site_.program_folder + site_.separator + below);
+      if (!made.ok()) return AnalyzeError(made.message());
+    }
+    s.lock = lock.take();
+  }
+  s.store.OpenProject(request.text);
+  // What a run does when it starts: it counts its own pages, and the stop number counts its own addresses.
+  s.run.stop_requested = false;
+  s.run.scan_count = 0;
+  s.run.baseline = static_cast<std::int32_t>(s.project.found.Count());
+
+  Json queues = Json::object();
+  for (const int level : kAllLevels) {
+    queues[std::string(1, SectionLetter(level))] = Unvisited(s.project.queues[level]);
+  }
+  return {{"IsKeywordProject", s.project.is_keyword},
+          {"Keyword", s.project.keyword},
+          {"StartURL", s.project.start_url},
+          {"DataFile", s.BelowHome(s.project.data_file)},
+          {"ReportFile", s.BelowHome(s.project.report_file)},
+          {"ProjectLanguage", s.project.language},
+          {"messages", s.boxes.texts},
+          {"queues", std::move(queues)},
+          {"addresses", s.Addresses(0)}};
+}
+
+namespace {
+
+template <typename State>
+Json PageAnswer(const State& s, const Mark& before, const ocxParseWeb::Outcome& outcome) {
+  return {{"result", outcome.parsed ? Json(outcome.result) : Json(nullptr)},
+          {"event", outcome.level >= 0 ? Json(DownloadEventName(outcome.level)) : Json(nullptr)},
+          {"panel1", s.panels.panel1},
+          {"panel2", s.panels.panel2},
+          {"panel3", s.panels.panel3},
+          {"addresses", s.Addresses(before.addresses)},
+          {"links", LinksSince(before, s.project)}};
+}
+
+}  // namespace
+
+Json AnalyzeSession::On(PageRequest request) {
+  const Mark before = MarkOf(state_->project);
+  const auto outcome = request.is_body ? state_->web.Complete(request.name, std::move(request.contents))
+                                       : state_->web.CompleteText(request.name, request.contents);
+  return PageAnswer(*state_, before, outcome);
+}
+
+Json AnalyzeSession::On(RedirectRequest request) {
+  const Mark before = MarkOf(state_->project);
+  state_->web.Redirect(request.name, request.address);
+  return PageAnswer(*state_, before, {});
+}
+
+Json AnalyzeSession::On(FailRequest request) {
+  const Mark before = MarkOf(state_->project);
+  const auto outcome = state_->web.Fail(request.name);
+  return PageAnswer(*state_, before, outcome);
+}
+
+Json AnalyzeSession::On(ResolveRequest request) { return {{"address", ResolveLink(request.target, request.page)}}; }
+
+Json AnalyzeSession::On(HostRequest request) { return {{"host", GetHost(request.address)}}; }
+
+Json AnalyzeSession::On(SaveRequest) {
+  if (!state_->opened()) return AnalyzeError("no project is open");
+  const Status data = state_->store.WriteData();
+  const Status report = state_->store.WriteReport();
+  for (const Status& status : {data, report}) {
+    if (!status.ok()) return AnalyzeError(status.message());
+  }
+  return {{"ok", true}};
+}
+
+Json AnalyzeSession::On(ResetRequest) {
+  state_ = nullptr;  // first, so that the program folder is free again
+  state_ = std::make_unique<State>(lent_, site_);
+  return {{"ok", true}};
+}
+
+Json AnswerAnalyzeLine(AnalyzeSession& session, std::string_view line) {
+  ParsedLine parsed = ParseAnalyzeLine(line);
+  Json answer =
+      parsed.request.ok() ? session.Answer(parsed.request.take()) : AnalyzeError(parsed.request.status().message());
+  if (parsed.id) answer["id"] = std::move(*parsed.id);
+  return answer;
+}
+
+}  // namespace quenlar

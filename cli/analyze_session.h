@@ -1,0 +1,52 @@
+// The session behind `quenlar analyze`: the web control, the project files and the filters without a transport. Each
+// request is answered by what the same event would have done in a run.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "cli/analyze_request.h"
+#include "platform/platform.h"
+#include "state/settings.h"
+
+namespace quenlar {
+
+class AnalyzeSession {
+ public:
+  // The platform lends its files, and nothing else: an answer depends on no clock, locale or setting of the computer.
+  // The code page is Windows-1252 everywhere. `site` names the program folder, whose folders are made and which is
+  // locked when the first project is opened, and not before.
+  AnalyzeSession(const Platform& platform, Site site);
+  ~AnalyzeSession();
+  AnalyzeSession(const AnalyzeSession&) = delete;
+  AnalyzeSession& operator=(const AnalyzeSession&) = delete;
+
+  // The answer to one line, without its `id`. A line that fails changes nothing.
+  [[nodiscard]] Json Answer(AnalyzeRequest request);
+
+ private:
+  struct State;
+
+  Json On(SettingsRequest request);
+  Json On(OpenRequest request);
+  Json On(PageRequest request);
+  Json On(RedirectRequest request);
+  Json On(FailRequest request);
+  Json On(ResolveRequest request);
+  Json On(HostRequest request);
+  Json On(SaveRequest);
+  Json On(ResetRequest);
+
+  Platform lent_;
+  Site site_;
+  std::unique_ptr<State> state_;
+};
+
+// The answer to one line: to a request, or {"error": ...} to what is none; `id` comes back in both.
+[[nodiscard]] Json AnswerAnalyzeLine(AnalyzeSession& session, std::string_view line);
+
+// {"error": message}
+[[nodiscard]] Json AnalyzeError(const std::string& message);
+
+}  // namespace quenlar

@@ -1,0 +1,102 @@
+#include "cli/command_line.h"
+
+#include <algorithm>
+#include <exception>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/exit_status.h"
+#include "cli/paths.h"
+#include "cli/terminal_text.h"
+
+namespace quenlar {
+namespace {
+
+constexpr const char* kHomeVariable = "QUENLAR_HOME";
+
+// Help, version and mistakes; `error` is CLI11's way to tell them apart.
+int TellParseOutcome(Console& console, const CLI::App& root, const CLI::ParseError& error) {
+  const CLI::App* app = &root;
+  while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
+  if (error.get_name() == "CallForHelp") return console.Write(root.help()) ? kExitDone : kExitFailed;
+  if (error.get_name() == "CallForVersion") {
+    return console.Write(std::string(kVersionText) + "\n") ? kExitDone : kExitFailed;
+  }
+  const std::string command = app == &root ? "quenlar" : "quenlar " + app->get_name();
+  Invocation::SayOn(console, std::string("quenlar: ") + error.what());
+  Invocation::SayOn(console, "Try: " + command + " --help");
+  return kExitUsage;
+}
+
+// The program folder by --home, QUENLAR_HOME, or the system's habit.
+PlatformChoice ChooseHome(const System& system, const std::string& home) {
+  PlatformChoice choice;
+  const std::string from_environment = home.empty() ? system.Environment(kHomeVariable).value_or("") : "";
+  choice.home_given = !home.empty() || !from_environment.empty();
+  choice.home = !home.empty()       ? AbsolutePath(home)
+                : choice.home_given ? AbsolutePath(from_environment)
+                                    : system.DefaultHome();
+  return choice;
+}
+
+int RunChosen(System& system, const CommandLine& line) {
+  Invocation invocation(system, ChooseHome(system, line.home));
+  if (invocation.choice().home.empty()) {
+    invocation.Say("There is no program folder; name one by --home !");
+    return kExitFailed;
+  }
+  return line.chosen(invocation);
+}
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : root(std::make_unique<CLI::App>("Quenlar collects e-mail addresses from the web.", "quenlar")) {
+  root->allow_windows_style_options(false);
+  root->require_subcommand(1);
+  root->fallthrough();
+  root->add_option("--home", home, "The program folder: data and report lie below it, settings in it")
+      ->type_name("DIR");
+  for (const auto declare : {DeclareExtract, DeclareAnalyze, DeclareProjects, DeclareDelete, DeclareReport,
+                             DeclareMerge, DeclareOptions, DeclareFilter, DeclareNet, DeclareDemo, DeclareDescribe}) {
+    declare(*root, chosen);
+  }
+  root->set_version_flag("--version", kVersionText, "Print the version and exit");
+  for (CLI::App* verb : root->get_subcommands([](CLI::App*) { return true; })) {
+    verb->set_version_flag("--version", kVersionText, "Print the version and exit");
+  }
+  root->footer(
+      "Without --home and QUENLAR_HOME the program folder is the program's own on Windows, and\n"
+      "$XDG_DATA_HOME/quenlar (~/.local/share/quenlar) elsewhere. Results go to standard output, messages and\n"
+      "progress to standard error. `quenlar COMMAND --help` tells more about a command.\n\n"
+      "Examples:\n"
+      "  quenlar demo\n"
+      "  quenlar extract \"picture search\"\n"
+      "  quenlar --home ~/addresses extract www.example.org");
+}
+
+CommandLine::~CommandLine() = default;
+
+int RunCommandLine(System& system, std::vector<std::string> arguments) {
+  Console& console = system.console();
+  if (!std::all_of(arguments.begin(), arguments.end(), IsUtf8)) {
+    Invocation::SayOn(console, "quenlar: the arguments must be UTF-8 text");
+    return kExitUsage;
+  }
+  CommandLine line;
+  try {
+    std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the back
+    line.root->parse(arguments);
+  } catch (const CLI::ParseError& error) {
+    return TellParseOutcome(console, *line.root, error);
+  }
+  try {
+    return RunChosen(system, line);
+  } catch (const std::exception& error) {
+    // Memory that cannot be had, before all. Files are replaced in one step, so each is whole.
+    Invocation::SayOn(console, std::string("quenlar: ") + error.what());
+    return kExitFailed;
+  }
+}
+
+}  // namespace quenlar

@@ -1,0 +1,78 @@
+// quenlar demo: a small web site on loopback and complete runs over it, through the real transport.
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "cli/demo_site.h"
+#include "cli/exit_status.h"
+#include "cli/extract_run.h"
+#include "cli/paths.h"
+#include "cli/verbs.h"
+
+namespace quenlar {
+namespace {
+
+// The run at hand, for a stop that comes between two runs as well as inside one.
+struct StopRelay {
+  std::function<void()> stop_run;
+  bool stopped = false;
+};
+
+int RunProjects(Invocation& invocation, Workplace& place) {
+  const auto relay = std::make_shared<StopRelay>();
+  invocation.system().OnStop([relay] {
+    relay->stopped = true;
+    if (relay->stop_run) relay->stop_run();
+  });
+  std::string reports;
+  for (const char* text : {kDemoKeyword, kDemoAddress}) {
+    if (relay->stopped) break;
+    invocation.Print(fmt::format("== quenlar extract \"{}\"", text));
+    ExtractOptions options;
+    options.text = text;
+    options.assume_online = true;  // the site is on this computer
+    options.export_mode = std::int16_t{1};
+    const ExtractResult result = RunExtract(invocation.console(), place, options,
+                                            [&](std::function<void()> stop) { relay->stop_run = std::move(stop); });
+    if (result.status != kExitDone) return result.status;
+    reports += fmt::format("{} addresses on {} pages: {}\n", result.addresses, result.scanned, result.report_file);
+  }
+  if (relay->stopped) return kExitStopped;
+  invocation.Print("== The reports");
+  return invocation.console().Write(reports) ? kExitDone : kExitFailed;
+}
+
+int Demo(Invocation& invocation) {
+  const auto fail = [&](const Status& why) {
+    invocation.Say(why.message() + " !");
+    return kExitFailed;
+  };
+  const auto server = invocation.system().Serve([](const ServedRequest& request) { return DemoAnswer(request.url); });
+  if (!server.ok()) return fail(server.status());
+  PlatformChoice& choice = invocation.choice();
+  choice.proxy = fmt::format("http://127.0.0.1:{}", server.value()->port());
+  if (!choice.home_given) {
+    choice.home = FreeTemporaryPath("quenlar-demo");
+    choice.home_given = true;
+  }
+  Result<Workplace> place = TakeWorkplace(invocation);
+  if (!place.ok()) return fail(place.status());
+  place.value().site.search_engine = kDemoSearchEngine;
+  return RunProjects(invocation, place.value());
+}
+
+}  // namespace
+
+void DeclareDemo(CLI::App& root, Command& chosen) {
+  CLI::App* verb = root.add_subcommand("demo", "Run over a small web site on this computer");
+  verb->footer(
+      "Serves a search engine and a few invented sites on a loopback port, runs a keyword and an address over them,\n"
+      "prints the addresses and says where the reports lie. Without --home it works in a new folder below the "
+      "system's\n"
+      "folder for temporary files.\n\n"
+      "Examples:\n"
+      "  quenlar demo\n"
+      "  quenlar --home demo-folder demo");
+  verb->callback([&chosen] { chosen = Demo; });
+}
+
+}  // namespace quenlar

@@ -1,0 +1,12 @@
+// Exit statuses of the program, for scripts.
+#pragma once
+
+namespace quenlar {
+
+inline constexpr int kExitDone = 0;       // what was asked for has been done
+inline constexpr int kExitFailed = 1;     // it could not be done; a message says why
+inline constexpr int kExitUsage = 2;      // the command line is wrong
+inline constexpr int kExitOffLine = 3;    // the computer is off line
+inline constexpr int kExitStopped = 130;  // stopped by the user, in order
+
+}  // namespace quenlar

@@ -1,0 +1,44 @@
+// One run of a project from the command line, from its start to its end.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/address_format.h"
+#include "cli/workplace.h"
+
+namespace quenlar {
+
+// Overrides hold for the run alone; what is not given is as stored.
+struct ExtractOptions {
+  std::string text;  // a keyword or an address
+  AddressFormat format = AddressFormat::kLines;
+  std::optional<std::int16_t> language, save_interval, other_sites, export_mode;
+  std::optional<std::int32_t> stop_number;
+  std::vector<std::string> remove_words, extract_words;
+  bool assume_online = false;
+};
+
+struct ExtractResult {
+  int status = 0;      // exit status
+  std::string reason;  // the message of the end of the run, or why there was none
+  std::uint32_t addresses = 0, found_in_run = 0;
+  std::int64_t scanned = 0;
+  std::string data_file, report_file;
+  double seconds = 0;
+};
+
+// Hands over a way to stop the run in order; it may be called inside any pump, and after the run has ended.
+using StopWatcher = std::function<void(std::function<void()> stop)>;
+
+// Prints the addresses as they are found, progress and messages on standard error. Pumps until the run has ended.
+[[nodiscard]] ExtractResult RunExtract(Console& console, Workplace& place, const ExtractOptions& options,
+                                       const StopWatcher& watch_stop);
+
+// {"reason", "addresses", "new", "scanned", "DataFile", "ReportFile", "seconds"}, one line.
+[[nodiscard]] std::string SummaryText(const ExtractResult& result);
+
+}  // namespace quenlar

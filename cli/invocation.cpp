@@ -1,0 +1,20 @@
+#include "cli/invocation.h"
+
+#include "cli/terminal_text.h"
+
+namespace quenlar {
+
+Site Invocation::site() const {
+  Site site;
+  site.program_folder = choice_.home;
+  site.separator = system_.separator();
+  return site;
+}
+
+void Invocation::SayOn(Console& console, std::string_view message) { console.WriteError(ForTerminal(message) + "\n"); }
+
+bool Invocation::Print(std::string_view text) {
+  return console().Write((console().OutputIsTerminal() ? ForTerminal(text) : std::string(text)) + "\n");
+}
+
+}  // namespace quenlar

@@ -1,0 +1,69 @@
+// quenlar net: the network interfaces, their totals and the rate of the traffic.
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "cli/exit_status.h"
+#include "cli/verbs.h"
+#include "netstat/interfaces.h"
+#include "platform/event_loop.h"
+#include "platform/message_boxes.h"
+
+namespace quenlar {
+namespace {
+
+int ShowTable(Invocation& invocation, CIpHelper& helper, bool on_line) {
+  const CInterfaces& interfaces = helper.Interfaces();
+  std::string table = fmt::format("{:<6}{:>12}{:>12}{:>12}  {:<24}{}\n", "Index", "Received", "Sent", "Speed",
+                                  "Address", "Description");
+  for (std::size_t i = 1; i <= interfaces.Count(); ++i) {
+    const CInterface& row = *interfaces.Item(i);
+    table += fmt::format("{:<6}{:>12}{:>12}{:>12}  {:<24}{}\n", row.InterfaceIndex, row.OctetsReceived, row.OctetsSent,
+                         row.Speed, row.AdapterAddress, row.InterfaceDescription);
+  }
+  table += fmt::format("{:<6}{:>12}{:>12}  {}", "Total", helper.BytesReceived(), helper.BytesSent(),
+                       on_line ? "on line" : "off line");
+  invocation.Print(table);
+  return kExitDone;
+}
+
+// Until it is stopped, or nobody reads.
+int Watch(Invocation& invocation, const Platform& platform, CIpHelper& helper) {
+  TrafficMeter meter;
+  bool stopped = false, read = true;
+  invocation.system().OnStop([&stopped] { stopped = true; });
+  const auto timer = platform.loop.MakeTimer(std::chrono::milliseconds(500), [&] {
+    helper.Interfaces();
+    read = invocation.Print(fmt::format("{} Kbps", meter.Tick(helper.BytesReceived())));
+  });
+  timer->SetEnabled(true);
+  while (!stopped && read) platform.loop.Wait(std::chrono::seconds(1));
+  return stopped ? kExitStopped : kExitDone;
+}
+
+int Net(Invocation& invocation, bool watch) {
+  const Result<Platform> platform = invocation.system().Open(invocation.choice());
+  if (!platform.ok()) {
+    invocation.Say(platform.status().message() + " !");
+    return kExitFailed;
+  }
+  const Platform& p = platform.value();
+  CIpHelper helper(p.interfaces, p.boxes);
+  return watch ? Watch(invocation, p, helper) : ShowTable(invocation, helper, p.interfaces.IsNetworkAlive());
+}
+
+}  // namespace
+
+void DeclareNet(CLI::App& root, Command& chosen) {
+  const auto watch = std::make_shared<bool>(false);
+  CLI::App* verb = root.add_subcommand("net", "Show the network interfaces and the traffic");
+  verb->add_flag("-w,--watch", *watch, "The rate instead of the table, a line every 500 ms, until Ctrl-C");
+  verb->footer(
+      "Received and Sent are the octets that each interface has counted; the rate is in kilobytes received per half\n"
+      "second, all interfaces together, and is called Kbps as in the window.\n\n"
+      "Examples:\n"
+      "  quenlar net\n"
+      "  quenlar net --watch");
+  verb->callback([&chosen, watch] { chosen = [watch](Invocation& invocation) { return Net(invocation, *watch); }; });
+}
+
+}  // namespace quenlar

@@ -1,0 +1,82 @@
+#include "cli/option_checks.h"
+
+#include <string_view>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "base/ascii.h"
+#include "base/number.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::string_view kHttp = "http://", kHttps = "https://";
+
+bool IsPort(std::string_view text) {
+  if (text.empty() || text.size() > 5) return false;
+  for (const char c : text) {
+    if (!IsDigit(c)) return false;
+  }
+  const double port = LeadingNumber(text);
+  return port >= 1 && port <= 65535;
+}
+
+// "host" or "host:port", the host being a name, an IPv4 address or an IPv6 address in brackets.
+bool IsHostAndPort(std::string_view text) {
+  std::string_view host = text, port;
+  const std::size_t bracket = text.rfind(']');
+  const std::size_t colon = text.find(':', bracket == std::string_view::npos ? 0 : bracket);
+  if (colon != std::string_view::npos) {
+    host = text.substr(0, colon);
+    port = text.substr(colon + 1);
+    if (!IsPort(port)) return false;
+  }
+  if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
+    return host.find_first_not_of("0123456789abcdefABCDEF:.", 1) == host.size() - 1;
+  }
+  for (const char c : host) {
+    if (!IsLetter(c) && !IsDigit(c) && c != '-' && c != '.' && c != '_') return false;
+  }
+  return !host.empty();
+}
+
+}  // namespace
+
+void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value,
+                   std::initializer_list<const char*> words, const std::string& help) {
+  const std::vector<std::string> known(words.begin(), words.end());
+  std::string type;
+  for (const std::string& word : known) type += (type.empty() ? "" : "|") + word;
+  verb.add_option(name, value, help)->type_name(type)->check([known, type](const std::string& given) {
+    for (const std::string& word : known) {
+      if (given == word) return std::string();
+    }
+    return "must be one of " + type;
+  });
+}
+
+std::string WithoutTrailingSlash(const std::string& value) {
+  return value.ends_with('/') ? value.substr(0, value.size() - 1) : value;
+}
+
+std::string CheckHostUrl(const std::string& value) {
+  std::string_view rest = value;
+  if (StartsWithIgnoreCase(rest, kHttp)) {
+    rest.remove_prefix(kHttp.size());
+  } else if (StartsWithIgnoreCase(rest, kHttps)) {
+    rest.remove_prefix(kHttps.size());
+  } else {
+    rest = "";
+  }
+  if (rest.ends_with('/')) rest.remove_suffix(1);
+  return IsHostAndPort(rest) ? "" : "must be a scheme and a host, such as http://search.example:8080";
+}
+
+std::string CheckProxyUrl(const std::string& value) {
+  const std::string wrong = CheckHostUrl(value);
+  const bool is_http = StartsWithIgnoreCase(value, kHttp);
+  return wrong.empty() && is_http ? "" : "must be an HTTP proxy, such as http://127.0.0.1:8080";
+}
+
+}  // namespace quenlar

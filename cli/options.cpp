@@ -1,0 +1,109 @@
+// quenlar options: lists, shows and sets the stored settings.
+#include <charconv>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "base/ascii.h"
+#include "cli/exit_status.h"
+#include "cli/verbs.h"
+#include "cli/workplace.h"
+#include "platform/registry.h"
+
+namespace quenlar {
+namespace {
+
+struct Arguments {
+  std::optional<std::string> name, value;
+};
+
+const SettingRow* FindSetting(const std::string& name) {
+  for (const SettingRow& row : SettingsTable()) {
+    if (EqualsIgnoreCase(name, row.value_name)) return &row;
+  }
+  return nullptr;
+}
+
+std::string AllNames() {
+  std::string names;
+  for (const SettingRow& row : SettingsTable()) names += (names.empty() ? "" : ", ") + std::string(row.value_name);
+  return names;
+}
+
+void Set(Settings& settings, const SettingRow& row, std::int32_t value) {
+  if (const auto narrow = std::get_if<std::int16_t Settings::*>(&row.variable)) {
+    settings.** narrow = static_cast<std::int16_t>(value);
+  } else {
+    settings.*std::get<std::int32_t Settings::*>(row.variable) = value;
+  }
+}
+
+int SetOption(Invocation& invocation, const SettingRow& row, const std::string& text) {
+  std::int32_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || value < row.lowest || value > row.highest) {
+    invocation.Say(fmt::format("{} takes a number from {} to {} !", row.value_name, row.lowest, row.highest));
+    return kExitUsage;
+  }
+  const Result<Workplace> place = TakeWorkplace(invocation);
+  if (!place.ok()) {
+    invocation.Say(place.status().message() + " !");
+    return kExitFailed;
+  }
+  Registry& registry = place.value().platform.registry;
+  Settings settings;
+  SettingsStore store(registry, settings);
+  (void)store.LoadOrInit();  // the project names are of no interest here
+  Set(settings, row, value);
+  store.Save(row.value_name);
+  if (registry.GetRegValue(kProjectKey, row.value_name) == SettingText(settings, row)) return kExitDone;
+  invocation.Say(fmt::format("{} could not be stored !", row.value_name));
+  return kExitFailed;
+}
+
+int Options(Invocation& invocation, const Arguments& arguments) {
+  const SettingRow* const named = arguments.name ? FindSetting(*arguments.name) : nullptr;
+  if (arguments.name && named == nullptr) {
+    invocation.Say(fmt::format("There is no setting {}; there are {} !", *arguments.name, AllNames()));
+    return kExitUsage;
+  }
+  if (arguments.value) return SetOption(invocation, *named, *arguments.value);
+
+  const Result<Platform> platform = invocation.system().Open(invocation.choice());
+  if (!platform.ok()) {
+    invocation.Say(platform.status().message() + " !");
+    return kExitFailed;
+  }
+  Settings settings;
+  LoadStored(platform.value().registry, settings);
+  if (named != nullptr) {
+    invocation.Print(SettingText(settings, *named));
+    return kExitDone;
+  }
+  for (const SettingRow& row : SettingsTable()) {
+    const std::string line = fmt::format("{:<14}{:<7}{}", row.value_name, SettingText(settings, row), row.meaning);
+    if (!invocation.Print(line)) break;
+  }
+  return kExitDone;
+}
+
+}  // namespace
+
+void DeclareOptions(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App* verb = root.add_subcommand("options", "List, show or set the stored settings");
+  verb->add_option("NAME", arguments->name, "A setting, by its registry value name; without it all are listed")
+      ->type_name("");
+  verb->add_option("VALUE", arguments->value, "Its new value, a number")->type_name("");
+  verb->footer(
+      "A list has the name, the value and the meaning of each setting; one setting is shown by its value alone.\n\n"
+      "Examples:\n"
+      "  quenlar options\n"
+      "  quenlar options StopNumber\n"
+      "  quenlar options Search 2");
+  verb->callback([&chosen, arguments] {
+    chosen = [arguments](Invocation& invocation) { return Options(invocation, *arguments); };
+  });
+}
+
+}  // namespace quenlar

@@ -1,0 +1,43 @@
+#include "cli/paths.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace quenlar {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path FromUtf8(const std::string& text) { return {std::u8string(text.begin(), text.end())}; }
+
+std::string ToUtf8(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+std::string AbsolutePath(const std::string& path) {
+  std::error_code error;
+  fs::path absolute = fs::absolute(FromUtf8(path), error);
+  if (error) return "";
+  // ".." stays: behind a link it does not mean the folder named before it.
+  const bool has_parent = std::find(absolute.begin(), absolute.end(), fs::path("..")) != absolute.end();
+  if (!has_parent) absolute = absolute.lexically_normal();
+  absolute.make_preferred();
+  if (!absolute.has_filename() && absolute.has_relative_path()) absolute = absolute.parent_path();
+  return ToUtf8(absolute);
+}
+
+std::string FreeTemporaryPath(const std::string& name) {
+  std::error_code error;
+  const fs::path folder = fs::temp_directory_path(error);
+  if (error) return "";
+  for (int number = 1;; ++number) {
+    const fs::path path = folder / (name + "-" + std::to_string(number));
+    if (!fs::exists(fs::symlink_status(path, error))) return ToUtf8(path);
+  }
+}
+
+}  // namespace quenlar

@@ -1,0 +1,246 @@
+#!/usr/bin/env bash
+# The real program from outside: results, exit statuses, signals, pipes that close, a second program on one folder.
+# usage: program_test.sh WORD ...        the program and what launches it
+#   FARM_SERVER=PROGRAM                  the generated web; without it only what needs no network is tested
+set -uo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+program=("$@")
+work=$(mktemp -d)
+farm_pids=()
+cleanup() {
+  [ ${#farm_pids[@]} -eq 0 ] || kill "${farm_pids[@]}" 2>/dev/null
+  rm -rf "$work"
+}
+trap cleanup EXIT
+unset QUENLAR_HOME http_proxy https_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY NO_PROXY
+export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data
+windows=
+case "${program[*]}" in *.exe) windows=yes ;; esac
+
+failures=0 title=
+begin() { title=$*; }
+fail() {
+  echo "[  FAILED  ] $title: $*"
+  failures=$((failures + 1))
+}
+expect() { # WHAT WANTED FOUND
+  [ "$2" = "$3" ] || fail "$1: expected '$2', got '$3'"
+}
+expect_in() { # WHAT PART WHOLE
+  case "$3" in *"$2"*) ;; *) fail "$1: '$2' is not in '$3'" ;; esac
+}
+folder() { # a path as the program takes it
+  if [ -n "$windows" ]; then echo "Z:$1" | tr / '\\'; else echo "$1"; fi
+}
+quenlar() { "${program[@]}" "$@"; }
+at() { # HOME ARGUMENTS ...
+  local home
+  home=$(folder "$1")
+  shift
+  "${program[@]}" --home "$home" "$@"
+}
+plain() { tr -d '\r' <"$1"; }
+# In the background, so that its process is the program itself; $! is where a signal goes.
+at_in_background() { exec "${program[@]}" --home "$@"; }
+addresses_of() { # REPORT: the address list at its top
+  tail -n +3 "$1" | tr -d '\r ' | LC_ALL=C sort
+}
+
+begin "the demonstration finds what its site holds"
+at "$work/demo" demo >"$work/out" 2>"$work/err"
+expect "exit status" 0 $?
+expect "addresses" 16 "$(plain "$work/out" | grep -c '@')"
+expect "messages" 2 "$(plain "$work/err" | grep -c '^All links have been parsed !$')"
+for report in garden_tools_en museum_example; do
+  [ -s "$work/demo/report/$report.rpt" ] || fail "there is no report $report"
+done
+
+begin "requests of analyze are answered as the files say, whatever the environment"
+for requests in "$here"/analyze/*.requests.jsonl; do
+  name=$(basename "$requests" .requests.jsonl)
+  at "$work/analyze-$name" analyze --jsonl <"$requests" >"$work/out" 2>"$work/err"
+  expect "exit status of $name" 0 $?
+  cmp -s "$work/out" "$here/analyze/$name.replies.jsonl" || fail "$name is answered otherwise"
+  expect "messages of $name" "" "$(cat "$work/err")"
+done
+if [ -z "$windows" ]; then
+  for requests in "$here"/analyze/*.requests.jsonl; do
+    name=$(basename "$requests" .requests.jsonl)
+    env -i LC_ALL=tr_TR.UTF-8 TZ=Asia/Tokyo "${program[@]}" --home "$work/other-$name" analyze --jsonl <"$requests" |
+      cmp -s - "$here/analyze/$name.replies.jsonl" || fail "$name depends on the environment"
+  done
+fi
+
+begin "wrong usage is answered with status 2"
+quenlar >"$work/out" 2>"$work/err"
+expect "status without a command" 2 $?
+quenlar extract >"$work/out" 2>"$work/err"
+expect "status without a text" 2 $?
+expect_in "hint" "quenlar extract --help" "$(cat "$work/err")"
+quenlar extract a --format xml >"$work/out" 2>"$work/err"
+expect "status of a wrong format" 2 $?
+expect "results" "" "$(cat "$work/out")"
+expect "version" "quenlar 3.0" "$(quenlar --version | tr -d '\r')"
+expect_in "help" "Examples:" "$(quenlar merge --help)"
+
+begin "a merged list is written once"
+mkdir -p "$work/merge"
+printf 'a@x.test, b@x.test\r\nA@X.test\r\n' >"$work/merge/one.txt"
+printf 'c@x.test' >"$work/merge/two.txt"
+quenlar merge "$(folder "$work/merge/one.txt")" "$(folder "$work/merge/two.txt")" \
+  --output "$(folder "$work/merge/all.txt")" 2>"$work/err"
+expect "exit status" 0 $?
+expect "addresses" "a@x.test b@x.test c@x.test" "$(tr -d '\r' <"$work/merge/all.txt" | tr -d '\n' | sed 's/ $//')"
+quenlar merge "$(folder "$work/merge/one.txt")" --output "$(folder "$work/merge/all.txt")" 2>"$work/err"
+expect "exit status of the second" 1 $?
+
+if [ -z "${FARM_SERVER:-}" ]; then
+  [ "$failures" -eq 0 ] || exit 1
+  echo "[  PASSED  ] the program from outside, without a network"
+  exit 0
+fi
+
+mkfifo "$work/keep" "$work/port" "$work/lines"
+exec 9<>"$work/keep"
+start_farm() { # ADDRESSES-PER-PAGE; sets proxy
+  local port
+  "$FARM_SERVER" 4 6 "$1" 2 <"$work/keep" >"$work/port" &
+  farm_pids+=($!)
+  read -r port <"$work/port"
+  proxy=http://127.0.0.1:$port
+}
+# The lines of a whole run over the rich web are more than a pipe holds: while nobody reads them, no run comes to its end.
+start_farm 400
+rich_run=(extract www.h0.example --proxy "$proxy" --assume-online)
+start_farm 3
+run=(extract www.h0.example --proxy "$proxy" --assume-online)
+
+begin "a run through a proxy comes to its end"
+at "$work/calm" "${run[@]}" --summary "$work/summary" >"$work/out" 2>"$work/err"
+expect "exit status" 0 $?
+expect "messages" "All links have been parsed !" "$(cat "$work/err")"
+LC_ALL=C sort "$work/out" >"$work/expected"
+expect "addresses" 84 "$(sort -u "$work/out" | wc -l)"
+expect_in "summary" '"reason":"All links have been parsed !","addresses":84,"new":84,"scanned":28,' "$(cat "$work/summary")"
+expect_in "summary" "\"DataFile\":\"$work/calm/data/h0_example.dat\"" "$(cat "$work/summary")"
+addresses_of "$work/calm/report/h0_example.rpt" | cmp -s - "$work/expected" || fail "the report has other addresses"
+at "$work/rich" "${rich_run[@]}" 2>/dev/null | LC_ALL=C sort >"$work/expected_rich"
+expect "addresses of the rich web" 11200 "$(sort -u "$work/expected_rich" | wc -l)"
+
+begin "the settings and the list lie in the folder that is given, else in the user's own"
+expect "list" "www.h0.example" "$(at "$work/calm" projects)"
+expect "list of the user" "" "$(quenlar projects)"
+QUENLAR_HOME=$work/calm quenlar options Search 3
+expect "setting" 3 "$(at "$work/calm" options Search)"
+quenlar options Search 4
+[ -s "$work/config/quenlar/quenlar.conf" ] || fail "the user has no settings file"
+expect "setting of the other folder" 3 "$(at "$work/calm" options Search)"
+
+begin "the other formats hold the same addresses"
+at "$work/csv" "${run[@]}" --format csv 2>/dev/null | sed 's/^"\([^"]*\)".*/\1/' | LC_ALL=C sort |
+  cmp -s - "$work/expected" || fail "csv differs"
+at "$work/jsonl" "${run[@]}" --format jsonl 2>/dev/null | sed 's/.*"Address":"\([^"]*\)".*/\1/' | LC_ALL=C sort |
+  cmp -s - "$work/expected" || fail "jsonl differs"
+
+begin "without --proxy the environment names the proxy"
+http_proxy=$proxy at "$work/env" extract www.h0.example --assume-online 2>/dev/null | LC_ALL=C sort |
+  cmp -s - "$work/expected" || fail "http_proxy is not used"
+
+begin "a dead proxy is no way round it"
+at "$work/dead" extract www.h0.example --assume-online --proxy http://127.0.0.1:1 >"$work/out" 2>"$work/err"
+expect "exit status" 0 $?
+expect "addresses" "" "$(cat "$work/out")"
+
+# Starts a run, reads some of its lines, sends the signals, reads the rest.
+stopped_run() { # LINES SIGNALS RUN ...
+  local lines=$1 signals=$2 pid signal line count=0
+  shift 2
+  at_in_background "$work/stop" "$@" >"$work/lines" 2>"$work/err" &
+  pid=$!
+  exec 8<"$work/lines"
+  while [ "$count" -lt "$lines" ] && read -r line <&8; do count=$((count + 1)); done
+  for signal in $signals; do kill "-$signal" "$pid" 2>/dev/null; done
+  cat <&8 >/dev/null
+  exec 8<&-
+  wait "$pid"
+}
+
+begin "a stopped run is continued without loss"
+for lines in 0 1 2 3 5 8 13 21 34 55 70 80 83; do
+  signal=$([ $((lines % 2)) -eq 0 ] && echo INT || echo TERM)
+  rm -rf "$work/stop"
+  mkdir -p "$work/stop"
+  stopped_run "$lines" "$signal" "${run[@]}"
+  status=$?
+  case $status in
+    # A signal may come before the program has begun, or when all is done.
+    130) [ "$lines" -eq 0 ] || expect "message after $lines" "You press the stop button !" "$(cat "$work/err")" ;;
+    0) ;;
+    *) fail "exit status $status after $lines lines" ;;
+  esac
+  at "$work/stop" "${run[@]}" >/dev/null 2>"$work/err"
+  expect "exit status of the second run" 0 $?
+  addresses_of "$work/stop/report/h0_example.rpt" | cmp -s - "$work/expected" ||
+    fail "$signal after $lines lines: $(addresses_of "$work/stop/report/h0_example.rpt" | wc -l) addresses"
+done
+
+expect_nothing_lost_of_the_rich_web() {
+  at "$work/stop" "${rich_run[@]}" >/dev/null 2>&1
+  expect "exit status of the last run" 0 $?
+  addresses_of "$work/stop/report/h0_example.rpt" | cmp -s - "$work/expected_rich" || fail "addresses are lost"
+}
+
+begin "a hang-up and two signals in a row end in order too"
+for signals in HUP "INT INT"; do
+  rm -rf "$work/stop"
+  stopped_run 4 "$signals" "${rich_run[@]}"
+  expect "exit status of $signals" 130 $?
+  expect_nothing_lost_of_the_rich_web
+done
+
+begin "a reader that goes away ends the run quietly, with everything saved"
+rm -rf "$work/stop"
+at "$work/stop" "${rich_run[@]}" 2>"$work/err" | head -2 >/dev/null
+expect "exit status" 130 "${PIPESTATUS[0]}"
+expect "messages" "" "$(cat "$work/err")"
+expect_nothing_lost_of_the_rich_web
+yes '{"host":"a"}' | at "$work/analyze" analyze --jsonl 2>"$work/err" | head -1 >/dev/null
+expect "exit status of analyze" 0 "${PIPESTATUS[1]}"
+expect "messages of analyze" "" "$(cat "$work/err")"
+at "$work/analyze" analyze --jsonl <&- >"$work/out" 2>"$work/err"
+expect "exit status without an input" 0 $?
+rm -rf "$work/stop"
+at "$work/stop" "${rich_run[@]}" >&- 2>"$work/err"
+expect "exit status without an output" 130 $?
+expect_nothing_lost_of_the_rich_web
+
+begin "a second program on the same folder is refused"
+# A session of analyze holds its folder from the first project it opened until its input ends.
+mkdir -p "$work/held"
+mkfifo "$work/requests" "$work/replies"
+at "$work/held" analyze --jsonl <"$work/requests" >"$work/replies" 2>/dev/null &
+pid=$!
+exec 7>"$work/requests" 8<"$work/replies"
+echo '{"open": "red roses"}' >&7
+read -r line <&8
+at "$work/held" "${run[@]}" >"$work/out" 2>"$work/err" 7>&- 8<&-
+expect "exit status" 1 $?
+expect "message" "Another Quenlar is at work in $work/held !" "$(cat "$work/err")"
+at "$work/held" options Search 1 2>/dev/null 7>&- 8<&-
+expect "exit status of options" 1 $?
+exec 7>&- 8<&-
+wait "$pid"
+expect "exit status of the first" 0 $?
+at "$work/held" options Search 1
+expect "exit status once the first is gone" 0 $?
+
+begin "a line without end takes bounded memory"
+if [ -z "${QUENLAR_SANITIZED:-}" ]; then
+  { head -c 1000000000 /dev/zero | tr '\0' x && printf '\n{"host":"a"}\n'; } |
+    (ulimit -v 700000 && at "$work/analyze" analyze --jsonl) >"$work/out" 2>"$work/err"
+  expect "exit status" 0 $?
+  expect "answers" '{"error":"a line holds at most 134217728 bytes"} {"host":"http://a"}' "$(paste -sd' ' "$work/out")"
+fi
+
+[ "$failures" -eq 0 ] || exit 1
+echo "[  PASSED  ] the program from outside"
