@@ -1,0 +1,38 @@
+# The libraries that the program uses, found on the system. Header-only ones serve the Windows build too, through
+# links to their own folders alone, so that no other header of the build machine is seen by the cross compiler.
+
+find_package(Threads REQUIRED)
+
+add_library(quenlar_headers INTERFACE)
+add_library(quenlar_zlib INTERFACE)
+if(WIN32)
+  set(private ${CMAKE_BINARY_DIR}/include)
+  file(MAKE_DIRECTORY ${private})
+  foreach(name boost CLI nlohmann fmt)
+    file(CREATE_LINK /usr/include/${name} ${private}/${name} SYMBOLIC)
+  endforeach()
+  target_include_directories(quenlar_headers SYSTEM INTERFACE ${private})
+  # zlib as a static library, so that the programs need no other DLL than the system's.
+  find_library(QUENLAR_ZLIB NAMES libz.a REQUIRED)
+  target_link_libraries(quenlar_zlib INTERFACE ${QUENLAR_ZLIB})
+  add_library(quenlar_win32_libraries INTERFACE)
+  target_link_libraries(quenlar_win32_libraries INTERFACE winhttp iphlpapi advapi32 shell32 comdlg32 comctl32 gdi32
+                                                          user32 ole32 ws2_32 uxtheme sensapi crypt32)
+  add_compile_definitions(UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00 WINVER=0x0A00)
+  add_link_options(-static)
+else()
+  find_package(ZLIB REQUIRED)
+  target_link_libraries(quenlar_zlib INTERFACE ZLIB::ZLIB)
+  find_package(CURL REQUIRED)
+  add_library(quenlar_posix_libraries INTERFACE)
+  target_link_libraries(quenlar_posix_libraries INTERFACE CURL::libcurl cpp-httplib Threads::Threads)
+endif()
+target_compile_definitions(quenlar_headers INTERFACE FMT_HEADER_ONLY)
+
+# GoogleTest from its source package, built with this project's compiler.
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(BUILD_GMOCK ON CACHE BOOL "" FORCE)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+foreach(target gtest gmock gtest_main gmock_main)
+  target_compile_options(${target} PRIVATE -w)
+endforeach()

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Installs what is missing of the Debian packages that a task needs. usage: scripts/install.sh run|windows|window|test|bench|fuzz
+# Each line of packages_for is one task: the task that it includes, and its own packages.
+set -euo pipefail
+
+packages_for() {
+  case "$1" in
+    run)     echo g++ cmake ninja-build ccache googletest libcurl4-openssl-dev zlib1g-dev libcli11-dev nlohmann-json3-dev \
+                  libboost1.81-dev libfmt-dev libcpp-httplib-dev ;;
+    windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 ;;
+    window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;
+    test)    packages_for window; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev ;;
+    bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \
+                  libgumbo-dev wget wget2 curl nginx-light mawk time dpkg ;;
+    fuzz)    packages_for run; echo clang libclang-rt-14-dev ;;
+    *)       echo "install.sh: unknown task: $1" >&2; exit 2 ;;
+  esac
+}
+
+missing=()
+for package in $(packages_for "${1:?usage: scripts/install.sh TASK}" | tr ' ' '\n' | sort -u); do
+  state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$state" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+root=()
+if [ "$(id -u)" -ne 0 ]; then root=(sudo); fi
+echo "Installing: ${missing[*]}" >&2
+export DEBIAN_FRONTEND=noninteractive
+"${root[@]}" apt-get update -qq >&2
+"${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and runs the tests, in stages: the rules of the house and everything on Linux.
+#   QUENLAR_TEST_ONLY="check linux asan windows"   other stages: the sanitizers, and the Windows programs under Wine
+#   QUENLAR_TEST_WINDOW=1             the tests of the real window and of the packages as well
+#   QUENLAR_FUZZ_MINUTES=10           fuzz for that long as well, all targets together
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+stages=${QUENLAR_TEST_ONLY:-check linux}
+
+scripts/install.sh test
+for stage in $stages; do
+  started=$SECONDS
+  case "$stage" in
+    check)
+      scripts/check.sh
+      ;;
+    linux | asan | windows)
+      scripts/build.sh "$stage"
+      scripts/ctest.sh "$stage"
+      ;;
+    *)
+      echo "test.sh: unknown stage: $stage" >&2
+      exit 2
+      ;;
+  esac
+  echo "== $stage: $((SECONDS - started)) s"
+done
+if [ -n "${QUENLAR_FUZZ_MINUTES:-}" ]; then
+  ./fuzz.sh "$QUENLAR_FUZZ_MINUTES"
+fi
+echo "All stages have passed: $stages."
