@@ -1,0 +1,144 @@
+// Whole page analysis (harvest, tag walk, resolution, queues, with the pump points) against the literal way and against
+// HTML parsers that only take the links out. usage: compare_page PAGES-LIST ROUNDS
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <gumbo.h>
+#include <libxml/HTMLparser.h>
+
+#include "base/windows1252.h"
+#include "bench/literal.h"
+#include "bench/pages.h"
+#include "bench/quenlar_pages.h"
+#include "bench/table.h"
+
+namespace quenlar::bench {
+namespace {
+
+constexpr int kQuietParser = HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET;
+std::size_t links_seen;
+
+void OnStart(void*, const xmlChar* name, const xmlChar** attributes) {
+  if (std::strcmp(reinterpret_cast<const char*>(name), "a") != 0 || attributes == nullptr) return;
+  for (; *attributes != nullptr; attributes += 2) {
+    if (std::strcmp(reinterpret_cast<const char*>(*attributes), "href") == 0) ++links_seen;
+  }
+}
+
+void PushParse(const std::string& page) {
+  htmlSAXHandler handler{};
+  handler.startElement = OnStart;
+  htmlParserCtxtPtr parser = htmlCreatePushParserCtxt(&handler, nullptr, nullptr, 0, nullptr, XML_CHAR_ENCODING_8859_1);
+  htmlCtxtUseOptions(parser, kQuietParser);
+  htmlParseChunk(parser, page.data(), static_cast<int>(page.size()), 1);
+  htmlFreeParserCtxt(parser);
+}
+
+void TreeLinks(const xmlNode* node) {
+  for (; node != nullptr; node = node->next) {
+    if (node->type == XML_ELEMENT_NODE && std::strcmp(reinterpret_cast<const char*>(node->name), "a") == 0)
+      ++links_seen;
+    TreeLinks(node->children);
+  }
+}
+
+void TreeParse(const std::string& page) {
+  htmlDocPtr document = htmlReadMemory(page.data(), static_cast<int>(page.size()), "", "ISO-8859-1", kQuietParser);
+  if (document == nullptr) return;
+  TreeLinks(document->children);
+  xmlFreeDoc(document);
+}
+
+void GumboLinks(const GumboNode* node) {
+  if (node->type != GUMBO_NODE_ELEMENT) return;
+  if (node->v.element.tag == GUMBO_TAG_A && gumbo_get_attribute(&node->v.element.attributes, "href") != nullptr)
+    ++links_seen;
+  for (unsigned i = 0; i < node->v.element.children.length; ++i) {
+    GumboLinks(static_cast<const GumboNode*>(node->v.element.children.data[i]));
+  }
+}
+
+void GumboParse(const std::string& page) {
+  GumboOutput* output = gumbo_parse_with_options(&kGumboDefaultOptions, page.data(), page.size());
+  GumboLinks(output->root);
+  gumbo_destroy_output(&kGumboDefaultOptions, output);
+}
+
+void OneCorpus(const std::string& title, const std::vector<std::string>& pages, int rounds, bool goals) {
+  LiteralHarvest pcre2(Pcre2Jit);
+  PageBench ours;
+  FoundSet by_pcre2;
+  LiteralLinks links;
+  std::vector<Side> sides = {
+      {"Quenlar, all of a page's analysis",
+       [&] {
+         ours.Reset();
+         for (const auto& p : pages) {
+           if (IsAscii(p))
+             ours.Analyse(p);  // no copy where there is nothing to convert
+           else
+             ours.Analyse(Windows1252ToUtf8(p));
+         }
+       }},
+      {"the literal way: PCRE2 with JIT, plain searches, hash sets",
+       [&] {
+         by_pcre2 = {};
+         links = {};
+         for (const auto& p : pages) {
+           const std::string text = Windows1252ToUtf8(p);
+           Keep(pcre2.Title(text).size());
+           pcre2.Page(text, by_pcre2);
+           LiteralTagWalk(text, "http://www.bench.example/docs/page.html", links);
+         }
+       }},
+      {"libxml2 push parser, links only",
+       [&] {
+         for (const auto& p : pages) PushParse(p);
+       }},
+      {"libxml2 tree, links only",
+       [&] {
+         for (const auto& p : pages) TreeParse(p);
+       }},
+      {"gumbo tree, links only",
+       [&] {
+         for (const auto& p : pages) GumboParse(p);
+       }},
+  };
+  const auto timings = Compare(sides, rounds);
+  PrintComparison(title, timings, static_cast<double>(TotalBytes(pages)));
+  if (!goals) return;
+  PrintGoal("times the literal way", 6, timings[1].ratio, true);
+  PrintGoal("times libxml2's push parser", 10, timings[2].ratio, true);
+  PrintGoal("times libxml2's tree", 30, timings[3].ratio, true);
+  PrintGoal("times gumbo", 45, timings[4].ratio, true);
+}
+
+void PumpPoints(int rounds) {
+  std::string page;
+  for (int i = 0; i < 10'000; ++i) page += "<b>some words of a page</b><i class=\"x\">, and some more</i>";
+  PageBench gated, always(Pump::Pace::kAlways);
+  const auto timings = Compare({{"pump points that ask when time has passed",
+                                 [&] {
+                                   for (int i = 0; i < 20; ++i) gated.Analyse(page);
+                                 }},
+                                {"pump points that call the (idle) loop each time",
+                                 [&] {
+                                   for (int i = 0; i < 20; ++i) always.Analyse(page);
+                                 }}},
+                               rounds);
+  PrintComparison("Pump points in a page of 40,000 tags", timings, 20.0 * static_cast<double>(page.size()));
+}
+
+}  // namespace
+}  // namespace quenlar::bench
+
+int main(int argc, char** argv) {
+  using namespace quenlar::bench;
+  if (argc != 3) return std::fprintf(stderr, "usage: compare_page PAGES-LIST ROUNDS\n"), 2;
+  const int rounds = std::atoi(argv[2]);
+  Heading("Whole page analysis");
+  OneCorpus("Documentation corpus", LoadPages(argv[1]), rounds, true);
+  OneCorpus("Address-dense corpus", DensePages(64u << 20), rounds, false);
+  PumpPoints(rounds);
+}

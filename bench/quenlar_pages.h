@@ -1,0 +1,58 @@
+// The program's own page analysis with nothing around it, for measuring.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "state/run_state.h"
+#include "web/page_analysis.h"
+
+namespace quenlar::bench {
+
+// An event loop in which nothing ever arrives.
+class IdleLoop final : public EventLoop {
+ public:
+  void Yield() override { ++yields; }
+  void Wait(std::chrono::milliseconds) override {}
+  void Post(std::function<void()>) override {}
+  std::unique_ptr<LoopTimer> MakeTimer(std::chrono::milliseconds, std::function<void()>) override { return nullptr; }
+  std::size_t yields = 0;
+};
+
+class PageBench : private AddressFilter, private PeriodicSaver, private RunView {
+ public:
+  explicit PageBench(Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed) : pump_(loop_, pace) {
+    settings.StopNumber = 2'000'000'000;
+    project.is_keyword = false;
+  }
+
+  void Harvest(std::string_view page) {
+    (void)ExtractAddresses(context_, page, "http://www.bench.example/docs/page.html");
+  }
+  // Conversion is the caller's; this is harvest, tag walk, resolution and queues, as a level-0 page.
+  void Analyse(std::string_view page) { (void)ParsePage(context_, page, "M1http://www.bench.example/docs/page.html"); }
+  void Reset() {
+    project.found.Clear();
+    for (LinkQueue& queue : project.queues) queue.Clear();
+  }
+
+  IdleLoop loop_;
+  RunState run;
+  Project project;
+  Settings settings;
+
+ private:
+  bool Keeps(std::string_view) override { return true; }
+  void SaveProjectData() override {}
+  void SaveProjectReport() override {}
+  void ShowStage(const std::string&) override {}
+  void ShowAddressCount(std::uint32_t) override {}
+  void ShowScanCount(std::int64_t) override {}
+  void AddRow(std::uint32_t, bool) override {}
+  void ClearRows() override {}
+
+  Pump pump_;
+  AnalysisContext context_{run, project, settings, *this, *this, *this, pump_};
+};
+
+}  // namespace quenlar::bench

@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Measures Quenlar.exe under Wine on a virtual screen: start, idle processor share, memory and time for many rows.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+scripts/install.sh window
+scripts/build.sh windows Quenlar window_bench
+QUENLAR_PROGRAM=$PWD/build/windows/Quenlar.exe scripts/screen.sh scripts/wine.sh build/windows/window_bench.exe

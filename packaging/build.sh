@@ -1,0 +1,97 @@
+#!/usr/bin/env bash
+# Builds the packages into build/packages: a zip for Windows that needs no installation, an installer for Windows, and
+# a Debian package of the command line. usage: packaging/build.sh [zip|installer|deb ...]; without arguments all.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+[ $# -gt 0 ] || set -- zip installer deb
+
+version=$(sed -n 's/^project(Quenlar VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+packages=$PWD/build/packages
+stage=$packages/stage
+# The same sources give the same packages: no file in them carries the time of the build.
+SOURCE_DATE_EPOCH=$(git log -1 --format=%ct 2>/dev/null || stat -c %Y CMakeLists.txt)
+export SOURCE_DATE_EPOCH
+umask 022
+mkdir -p "$packages"
+
+age() { find "$1" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +; }
+
+stage_windows() {
+  scripts/build.sh windows Quenlar quenlar-cli
+  rm -rf "$stage/windows"
+  mkdir -p "$stage/windows/Quenlar"
+  for program in Quenlar.exe quenlar-cli.exe; do
+    x86_64-w64-mingw32-strip -o "$stage/windows/Quenlar/$program" "build/windows/$program"
+  done
+  # Text files for Windows end their lines with CR LF.
+  sed 's/$/\r/' packaging/README.txt >"$stage/windows/Quenlar/README.txt"
+  sed 's/$/\r/' LICENSE >"$stage/windows/Quenlar/LICENSE.txt"
+  age "$stage/windows"
+}
+
+build_zip() {
+  stage_windows
+  local zip=$packages/quenlar-$version-win64.zip
+  rm -f "$zip"
+  (cd "$stage/windows" && TZ=UTC cmake -E tar cf "$zip" --format=zip --mtime="@$SOURCE_DATE_EPOCH" Quenlar)
+  echo "$zip"
+}
+
+build_installer() {
+  stage_windows
+  local installer=$packages/quenlar-$version-win64-setup.exe
+  cp ui/win32/quenlar.ico "$stage/windows/Quenlar/"
+  age "$stage/windows"
+  makensis -V2 -DVERSION="$version" -DSOURCE="$stage/windows/Quenlar" -DOUTPUT="$installer" packaging/quenlar.nsi >&2
+  echo "$installer"
+}
+
+build_deb() {
+  scripts/build.sh linux quenlar
+  local root=$stage/deb architecture
+  architecture=$(dpkg --print-architecture)
+  rm -rf "$root"
+  install -D -m 755 build/linux/quenlar "$root/usr/bin/quenlar"
+  strip --remove-section=.comment --remove-section=.note "$root/usr/bin/quenlar"
+  install -D -m 644 packaging/linux/quenlar.bash "$root/usr/share/bash-completion/completions/quenlar"
+  install -D -m 644 packaging/linux/_quenlar "$root/usr/share/zsh/vendor-completions/_quenlar"
+  install -D -m 644 packaging/linux/quenlar.fish "$root/usr/share/fish/vendor_completions.d/quenlar.fish"
+  install -D -m 644 LICENSE "$root/usr/share/doc/quenlar/copyright"
+  mkdir -p "$root/usr/share/man/man1"
+  gzip -9 -n -c docs/quenlar.1 >"$root/usr/share/man/man1/quenlar.1.gz"
+  mkdir -p "$root/DEBIAN"
+  (cd "$root" && find usr -type f -exec md5sum {} + | LC_ALL=C sort -k 2 >DEBIAN/md5sums)
+  cat >"$root/DEBIAN/control" <<CONTROL
+Package: quenlar
+Version: $version
+Architecture: $architecture
+Maintainer: Quenlar <maintainer@quenlar.example>
+Installed-Size: $(du -sk "$root/usr" | cut -f 1)
+Depends: $(shared_libraries "$root/usr/bin/quenlar")
+Section: web
+Priority: optional
+Description: collect e-mail addresses from the web
+ Starts from a keyword or a web address, follows the links that it finds and
+ prints every e-mail address on the way. Runs can be stopped and continued.
+CONTROL
+  age "$root"
+  dpkg-deb --root-owner-group --build "$root" "$packages/quenlar_${version}_$architecture.deb" >&2
+  echo "$packages/quenlar_${version}_$architecture.deb"
+}
+
+# The packages that hold the libraries a program is linked to, with the versions that they need.
+shared_libraries() {
+  local scratch
+  scratch=$(mktemp -d)
+  mkdir "$scratch/debian"
+  printf 'Source: quenlar\n\nPackage: quenlar\nArchitecture: any\nDescription: -\n' >"$scratch/debian/control"
+  (cd "$scratch" && dpkg-shlibdeps -O "$1" 2>/dev/null | sed -n 's/^shlibs:Depends=//p')
+  rm -rf "$scratch"
+}
+
+for package; do
+  case $package in
+    zip | installer | deb) "build_$package" ;;
+    *) echo "usage: packaging/build.sh [zip|installer|deb ...]" >&2; exit 2 ;;
+  esac
+done

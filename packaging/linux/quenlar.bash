@@ -1,0 +1,48 @@
+# Completion of quenlar for bash, made by `quenlar describe bash`.
+_quenlar() {
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} command= i
+  for ((i = 1; i < COMP_CWORD; ++i)); do
+    case ${COMP_WORDS[i]} in
+      --home) ((++i)) ;;
+      -*) ;;
+      *) command=${COMP_WORDS[i]}; break ;;
+    esac
+  done
+  case $command:$before in
+    *:--home) COMPREPLY=($(compgen -d -- "$word")); return ;;
+    extract:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
+    extract:--language) COMPREPLY=($(compgen -W "en fr de it es ja" -- "$word")); return ;;
+    extract:--save-interval) COMPREPLY=($(compgen -W "30 50 100" -- "$word")); return ;;
+    extract:--stop-number) COMPREPLY=(); return ;;
+    extract:--other-sites) COMPREPLY=($(compgen -W "yes no" -- "$word")); return ;;
+    extract:--export) COMPREPLY=($(compgen -W "addresses all" -- "$word")); return ;;
+    extract:--remove) COMPREPLY=(); return ;;
+    extract:--extract) COMPREPLY=(); return ;;
+    extract:--search-engine) COMPREPLY=(); return ;;
+    extract:--proxy) COMPREPLY=(); return ;;
+    extract:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
+    merge:-o | merge:--output) COMPREPLY=($(compgen -f -- "$word")); return ;;
+    filter:--remove) COMPREPLY=(); return ;;
+    filter:--extract) COMPREPLY=(); return ;;
+  esac
+  case $command:$word in
+    :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
+    extract:-*) COMPREPLY=($(compgen -W "-h --help --format --language --save-interval --stop-number --other-sites --export --remove --extract --search-engine --proxy --assume-online --summary --version" -- "$word")) ;;
+    analyze:-*) COMPREPLY=($(compgen -W "-h --help --jsonl --version" -- "$word")) ;;
+    projects:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
+    delete:-*) COMPREPLY=($(compgen -W "-h --help -y --yes --version" -- "$word")) ;;
+    report:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
+    merge:-*) COMPREPLY=($(compgen -W "-h --help -o --output -f --force --version" -- "$word")) ;;
+    options:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
+    filter:-*) COMPREPLY=($(compgen -W "-h --help --remove --extract --version" -- "$word")) ;;
+    net:-*) COMPREPLY=($(compgen -W "-h --help -w --watch --version" -- "$word")) ;;
+    demo:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
+    :*) COMPREPLY=($(compgen -W "extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
+    extract:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;
+    delete:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;
+    report:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;
+    merge:*) COMPREPLY=($(compgen -f -- "$word")) ;;
+    options:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
+  esac
+}
+complete -o filenames -F _quenlar quenlar
