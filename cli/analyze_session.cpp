@@ -10,6 +10,8 @@
 #include "app/home.h"
 #include "base/ascii.h"
 #include "base/windows1252.h"
+#include "cli/analyze_request.h"
+#include "cli/json_text.h"
 #include "platform/code_page.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
@@ -152,6 +154,8 @@ struct AnalyzeSession::State final : ProjectView, PeriodicSaver {
 
 namespace {
 
+Json AnalyzeError(const std::string& message) { return {{"error", message}}; }
+
 // What a page adds is what stands behind these counts afterwards.
 struct Mark {
   std::uint32_t addresses;
@@ -191,15 +195,23 @@ AnalyzeSession::AnalyzeSession(const Platform& platform, Site site)
 
 AnalyzeSession::~AnalyzeSession() = default;
 
-Json AnalyzeError(const std::string& message) { return {{"error", message}}; }
+// The answer to each request, without its `id`.
+struct AnalyzeSession::Answering {
+  Json operator()(SettingsRequest request) const;
+  Json operator()(OpenRequest request) const;
+  Json operator()(PageRequest request) const;
+  Json operator()(RedirectRequest request) const;
+  Json operator()(FailRequest request) const;
+  Json operator()(ResolveRequest request) const;
+  Json operator()(HostRequest request) const;
+  Json operator()(SaveRequest) const;
+  Json operator()(ResetRequest) const;
 
-Json AnalyzeSession::Answer(AnalyzeRequest request) {
-  state_->BeginRequest();
-  return std::visit([this](auto& one) { return On(std::move(one)); }, request);
-}
+  AnalyzeSession& session;
+};
 
-Json AnalyzeSession::On(SettingsRequest request) {
-  State& s = *state_;
+Json AnalyzeSession::Answering::operator()(SettingsRequest request) const {
+  State& s = *session.state_;
   for (const auto& [variable, number] : request.numbers) s.settings.*variable = number;
   if (request.stop_number) s.settings.StopNumber = *request.stop_number;
   if (request.remove_words) s.filter.RemoveFilterWords = std::move(*request.remove_words);
@@ -211,16 +223,18 @@ Json AnalyzeSession::On(SettingsRequest request) {
           {"ExtractFilterPattern", s.filter.ExtractFilterPattern}};
 }
 
-Json AnalyzeSession::On(OpenRequest request) {
-  State& s = *state_;
+Json AnalyzeSession::Answering::operator()(OpenRequest request) const {
+  State& s = *session.state_;
   if (!s.opened()) {
-    if (Status made = MakeFolders(lent_.files, site_.program_folder, site_.separator); !made.ok()) {
+    if (Status made = MakeFolders(session.lent_.files, session.site_.program_folder, session.site_.separator);
+        !made.ok()) {
       return AnalyzeError(made.message());
     }
-    auto lock = LockHome(lent_.files, site_);
+    auto lock = LockHome(session.lent_.files, session.site_);
     if (!lock.ok()) return AnalyzeError(lock.status().message());
     for (const char* below : {"data", "report"}) {
-      const Status made = lent_.files.MakeFolder(site_.program_folder + site_.separator + below);
+      const Status made =
+          session.lent_.files.MakeFolder(session.site_.program_folder + session.site_.separator + below);
       if (!made.ok()) return AnalyzeError(made.message());
     }
     s.lock = lock.take();
@@ -261,51 +275,60 @@ Json PageAnswer(const State& s, const Mark& before, const ocxParseWeb::Outcome& 
 
 }  // namespace
 
-Json AnalyzeSession::On(PageRequest request) {
-  const Mark before = MarkOf(state_->project);
-  const auto outcome = request.is_body ? state_->web.Complete(request.name, std::move(request.contents))
-                                       : state_->web.CompleteText(request.name, request.contents);
-  return PageAnswer(*state_, before, outcome);
+Json AnalyzeSession::Answering::operator()(PageRequest request) const {
+  const Mark before = MarkOf(session.state_->project);
+  const auto outcome = request.is_body ? session.state_->web.Complete(request.name, std::move(request.contents))
+                                       : session.state_->web.CompleteText(request.name, request.contents);
+  return PageAnswer(*session.state_, before, outcome);
 }
 
-Json AnalyzeSession::On(RedirectRequest request) {
-  const Mark before = MarkOf(state_->project);
-  state_->web.Redirect(request.name, request.address);
-  return PageAnswer(*state_, before, {});
+Json AnalyzeSession::Answering::operator()(RedirectRequest request) const {
+  const Mark before = MarkOf(session.state_->project);
+  session.state_->web.Redirect(request.name, request.address);
+  return PageAnswer(*session.state_, before, {});
 }
 
-Json AnalyzeSession::On(FailRequest request) {
-  const Mark before = MarkOf(state_->project);
-  const auto outcome = state_->web.Fail(request.name);
-  return PageAnswer(*state_, before, outcome);
+Json AnalyzeSession::Answering::operator()(FailRequest request) const {
+  const Mark before = MarkOf(session.state_->project);
+  const auto outcome = session.state_->web.Fail(request.name);
+  return PageAnswer(*session.state_, before, outcome);
 }
 
-Json AnalyzeSession::On(ResolveRequest request) { return {{"address", ResolveLink(request.target, request.page)}}; }
+Json AnalyzeSession::Answering::operator()(ResolveRequest request) const {
+  return {{"address", ResolveLink(request.target, request.page)}};
+}
 
-Json AnalyzeSession::On(HostRequest request) { return {{"host", GetHost(request.address)}}; }
+Json AnalyzeSession::Answering::operator()(HostRequest request) const { return {{"host", GetHost(request.address)}}; }
 
-Json AnalyzeSession::On(SaveRequest) {
-  if (!state_->opened()) return AnalyzeError("no project is open");
-  const Status data = state_->store.WriteData();
-  const Status report = state_->store.WriteReport();
+Json AnalyzeSession::Answering::operator()(SaveRequest) const {
+  if (!session.state_->opened()) return AnalyzeError("no project is open");
+  const Status data = session.state_->store.WriteData();
+  const Status report = session.state_->store.WriteReport();
   for (const Status& status : {data, report}) {
     if (!status.ok()) return AnalyzeError(status.message());
   }
   return {{"ok", true}};
 }
 
-Json AnalyzeSession::On(ResetRequest) {
-  state_ = nullptr;  // first, so that the program folder is free again
-  state_ = std::make_unique<State>(lent_, site_);
+Json AnalyzeSession::Answering::operator()(ResetRequest) const {
+  session.state_ = nullptr;  // first, so that the program folder is free again
+  session.state_ = std::make_unique<State>(session.lent_, session.site_);
   return {{"ok", true}};
 }
 
-Json AnswerAnalyzeLine(AnalyzeSession& session, std::string_view line) {
+std::string AnalyzeSession::Answer(std::string_view line) {
   ParsedLine parsed = ParseAnalyzeLine(line);
-  Json answer =
-      parsed.request.ok() ? session.Answer(parsed.request.take()) : AnalyzeError(parsed.request.status().message());
+  Json answer;
+  if (parsed.request.ok()) {
+    state_->BeginRequest();
+    answer = std::visit(Answering{*this}, parsed.request.take());
+  } else {
+    answer = AnalyzeError(parsed.request.status().message());
+  }
   if (parsed.id) answer["id"] = std::move(*parsed.id);
-  return answer;
+  return JsonLine(answer);
 }
+
+std::string AnalyzeErrorLine(const std::string& message) { return JsonLine(AnalyzeError(message)); }
 
 }  // namespace quenlar

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "cli/analyze_request.h"
 #include "platform/platform.h"
 #include "state/settings.h"
 
@@ -22,31 +21,20 @@ class AnalyzeSession {
   AnalyzeSession(const AnalyzeSession&) = delete;
   AnalyzeSession& operator=(const AnalyzeSession&) = delete;
 
-  // The answer to one line, without its `id`. A line that fails changes nothing.
-  [[nodiscard]] Json Answer(AnalyzeRequest request);
+  // The answer to one line of JSON, as a line of JSON with its line feed: to a request, or {"error": ...} to what is
+  // none; `id` comes back in both. A line that fails changes nothing.
+  [[nodiscard]] std::string Answer(std::string_view line);
 
  private:
   struct State;
-
-  Json On(SettingsRequest request);
-  Json On(OpenRequest request);
-  Json On(PageRequest request);
-  Json On(RedirectRequest request);
-  Json On(FailRequest request);
-  Json On(ResolveRequest request);
-  Json On(HostRequest request);
-  Json On(SaveRequest);
-  Json On(ResetRequest);
+  struct Answering;
 
   Platform lent_;
   Site site_;
   std::unique_ptr<State> state_;
 };
 
-// The answer to one line: to a request, or {"error": ...} to what is none; `id` comes back in both.
-[[nodiscard]] Json AnswerAnalyzeLine(AnalyzeSession& session, std::string_view line);
-
-// {"error": message}
-[[nodiscard]] Json AnalyzeError(const std::string& message);
+// {"error": message} as a line.
+[[nodiscard]] std::string AnalyzeErrorLine(const std::string& message);
 
 }  // namespace quenlar

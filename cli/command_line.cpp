@@ -57,10 +57,7 @@ CommandLine::CommandLine()
   root->fallthrough();
   root->add_option("--home", home, "The program folder: data and report lie below it, settings in it")
       ->type_name("DIR");
-  for (const auto declare : {DeclareExtract, DeclareAnalyze, DeclareProjects, DeclareDelete, DeclareReport,
-                             DeclareMerge, DeclareOptions, DeclareFilter, DeclareNet, DeclareDemo, DeclareDescribe}) {
-    declare(*root, chosen);
-  }
+  DeclareCommands(*root, chosen);
   root->set_version_flag("--version", kVersionText, "Print the version and exit");
   for (CLI::App* verb : root->get_subcommands([](CLI::App*) { return true; })) {
     verb->set_version_flag("--version", kVersionText, "Print the version and exit");

@@ -1,22 +1,15 @@
 // quenlar delete: deletes a project with its files.
 #include <algorithm>
 
-#include <CLI/CLI.hpp>
-
 #include "app/engine.h"
 #include "cli/command_front_end.h"
+#include "cli/commands.h"
 #include "cli/exit_status.h"
-#include "cli/verbs.h"
 #include "cli/workplace.h"
 #include "platform/message_boxes.h"
 
 namespace quenlar {
 namespace {
-
-struct Arguments {
-  std::string text;
-  bool yes = false;
-};
 
 bool Holds(const std::vector<std::string>& entries, const std::string& name) {
   return std::find(entries.begin(), entries.end(), name) != entries.end();
@@ -30,7 +23,7 @@ std::string NameInList(const Engine& engine, const std::string& text) {
   return Holds(entries, with_language) ? with_language : text;
 }
 
-int DeleteIn(Invocation& invocation, const Workplace& place, const Arguments& arguments) {
+int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArguments& arguments) {
   CommandFrontEnd front_end;
   Engine engine(place.platform, place.site, front_end.AsFrontEnd());
   const Engine::StartNotes notes = engine.Start();
@@ -62,30 +55,13 @@ int DeleteIn(Invocation& invocation, const Workplace& place, const Arguments& ar
   return kExitDone;
 }
 
-int Delete(Invocation& invocation, const Arguments& arguments) {
+}  // namespace
+
+int Delete(Invocation& invocation, const DeleteArguments& arguments) {
   const Result<Workplace> place = TakeWorkplace(invocation);
   if (place.ok()) return DeleteIn(invocation, place.value(), arguments);
   invocation.Say(place.status().message() + " !");
   return kExitFailed;
-}
-
-}  // namespace
-
-void DeclareDelete(CLI::App& root, Command& chosen) {
-  const auto arguments = std::make_shared<Arguments>();
-  CLI::App* verb = root.add_subcommand("delete", "Delete a project with its files");
-  verb->add_option("TEXT", arguments->text, "The project, as `quenlar projects` lists it")->type_name("")->required();
-  verb->add_flag("-y,--yes", arguments->yes, "Do not ask");
-  verb->footer(
-      "Asks on the terminal, and deletes nothing unless the answer is yes. A keyword may be given without its\n"
-      "language. A project that has files but stands nowhere in the list takes the oldest entry of the list with it;\n"
-      "that entry's files stay.\n\n"
-      "Examples:\n"
-      "  quenlar delete gardening_en\n"
-      "  quenlar delete --yes www.example.org");
-  verb->callback([&chosen, arguments] {
-    chosen = [arguments](Invocation& invocation) { return Delete(invocation, *arguments); };
-  });
 }
 
 }  // namespace quenlar

@@ -1,12 +1,11 @@
 // quenlar demo: a small web site on loopback and complete runs over it, through the real transport.
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "cli/commands.h"
 #include "cli/demo_site.h"
 #include "cli/exit_status.h"
 #include "cli/extract_run.h"
 #include "cli/paths.h"
-#include "cli/verbs.h"
 
 namespace quenlar {
 namespace {
@@ -41,6 +40,8 @@ int RunProjects(Invocation& invocation, Workplace& place) {
   return invocation.console().Write(reports) ? kExitDone : kExitFailed;
 }
 
+}  // namespace
+
 int Demo(Invocation& invocation) {
   const auto fail = [&](const Status& why) {
     invocation.Say(why.message() + " !");
@@ -58,21 +59,6 @@ int Demo(Invocation& invocation) {
   if (!place.ok()) return fail(place.status());
   place.value().site.search_engine = kDemoSearchEngine;
   return RunProjects(invocation, place.value());
-}
-
-}  // namespace
-
-void DeclareDemo(CLI::App& root, Command& chosen) {
-  CLI::App* verb = root.add_subcommand("demo", "Run over a small web site on this computer");
-  verb->footer(
-      "Serves a search engine and a few invented sites on a loopback port, runs a keyword and an address over them,\n"
-      "prints the addresses and says where the reports lie. Without --home it works in a new folder below the "
-      "system's\n"
-      "folder for temporary files.\n\n"
-      "Examples:\n"
-      "  quenlar demo\n"
-      "  quenlar --home demo-folder demo");
-  verb->callback([&chosen] { chosen = Demo; });
 }
 
 }  // namespace quenlar

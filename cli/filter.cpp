@@ -1,22 +1,17 @@
 // quenlar filter: shows and replaces the words that addresses are filtered by.
 #include <algorithm>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "app/home.h"
 #include "base/ascii.h"
+#include "cli/commands.h"
 #include "cli/exit_status.h"
-#include "cli/verbs.h"
 #include "cli/workplace.h"
 #include "settings/filter_file.h"
 
 namespace quenlar {
 namespace {
-
-struct Arguments {
-  std::optional<std::vector<std::string>> remove, extract;
-};
 
 void Tell(Invocation& invocation, const std::vector<std::string>& messages) {
   for (const std::string& message : messages) invocation.Say(message);
@@ -61,7 +56,7 @@ int Show(Invocation& invocation) {
   return kExitDone;
 }
 
-int Replace(Invocation& invocation, const Arguments& arguments) {
+int Replace(Invocation& invocation, const FilterArguments& arguments) {
   if (!CanBeStored(arguments.remove) || !CanBeStored(arguments.extract)) {
     invocation.Say("A filter word is one line, and holds no </r> or </e> !");
     return kExitUsage;
@@ -88,38 +83,10 @@ int Replace(Invocation& invocation, const Arguments& arguments) {
   return kExitDone;
 }
 
-CLI::Option* DeclareWords(CLI::App& verb, const std::string& name, std::optional<std::vector<std::string>>& words,
-                          const std::string& help) {
-  constexpr int kMostWords = 32767;
-  const auto take = [&words](const CLI::results_t& given) {
-    words = given == CLI::results_t{"{}"} || given == CLI::results_t{""} ? CLI::results_t{} : given;
-    return true;
-  };
-  return verb.add_option(name, take, help)->type_name("WORD ...")->expected(0, kMostWords)->allow_extra_args(false);
-}
-
 }  // namespace
 
-void DeclareFilter(CLI::App& root, Command& chosen) {
-  const auto arguments = std::make_shared<Arguments>();
-  CLI::App* verb = root.add_subcommand("filter", "Show or replace the words that addresses are filtered by");
-  DeclareWords(*verb, "--remove", arguments->remove,
-               "Drop addresses in which one of these words occurs; no word empties the list");
-  DeclareWords(*verb, "--extract", arguments->extract,
-               "Keep only addresses in which one of these words occurs; no word empties the list");
-  verb->footer(
-      "A word is a regular expression; \"*\" stands for anything. The filters work where the settings RemoveFilter "
-      "and\n"
-      "ExtractFilter are 1. Each line shown is \"remove\" or \"extract\", a tab, and the word.\n\n"
-      "Examples:\n"
-      "  quenlar filter\n"
-      "  quenlar filter --remove noreply example\\\\.com --extract sales\n"
-      "  quenlar filter --remove");
-  verb->callback([&chosen, arguments] {
-    chosen = [arguments](Invocation& invocation) {
-      return arguments->remove || arguments->extract ? Replace(invocation, *arguments) : Show(invocation);
-    };
-  });
+int Filter(Invocation& invocation, const FilterArguments& arguments) {
+  return arguments.remove || arguments.extract ? Replace(invocation, arguments) : Show(invocation);
 }
 
 }  // namespace quenlar

@@ -1,10 +1,9 @@
 // quenlar merge: merges address books into one list without duplicates.
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/paths.h"
-#include "cli/verbs.h"
 #include "mailtool/email_book_merge.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
@@ -12,14 +11,8 @@
 namespace quenlar {
 namespace {
 
-struct Arguments {
-  std::vector<std::string> books;
-  std::string output;
-  bool force = false;
-};
-
 // Reads every book before anything is written, so the output may be one of them where --force allows it.
-int MergeWith(Invocation& invocation, const Platform& platform, const Arguments& arguments) {
+int MergeWith(Invocation& invocation, const Platform& platform, const MergeArguments& arguments) {
   const std::string output = AbsolutePath(arguments.output);
   if (platform.files.FolderExists(output)) {
     invocation.Say(output + " is a folder !");
@@ -48,32 +41,13 @@ int MergeWith(Invocation& invocation, const Platform& platform, const Arguments&
   return status;
 }
 
-int Merge(Invocation& invocation, const Arguments& arguments) {
+}  // namespace
+
+int Merge(Invocation& invocation, const MergeArguments& arguments) {
   const Result<Platform> platform = invocation.system().Open(invocation.choice());
   if (platform.ok()) return MergeWith(invocation, platform.value(), arguments);
   invocation.Say(platform.status().message() + " !");
   return kExitFailed;
-}
-
-}  // namespace
-
-void DeclareMerge(CLI::App& root, Command& chosen) {
-  const auto arguments = std::make_shared<Arguments>();
-  CLI::App* verb = root.add_subcommand("merge", "Merge address books into one list without duplicates");
-  verb->add_option("BOOK", arguments->books, "An address book: any text file, also a report")
-      ->type_name("")
-      ->required();
-  verb->add_option("-o,--output", arguments->output, "Where the merged list goes")->type_name("FILE")->required();
-  verb->add_flag("-f,--force", arguments->force, "Replace an existing file, which may be one of the books");
-  verb->footer(
-      "Addresses keep the order and the spelling of their first occurrence; case makes no difference. A book that\n"
-      "cannot be read is passed over with a message, and the exit status is 1; the others are merged all the same.\n"
-      "Nothing is written when no address is found.\n\n"
-      "Examples:\n"
-      "  quenlar merge customers.txt report/gardening_en.rpt --output all.txt\n"
-      "  quenlar merge all.txt new.txt --output all.txt --force");
-  verb->callback(
-      [&chosen, arguments] { chosen = [arguments](Invocation& invocation) { return Merge(invocation, *arguments); }; });
 }
 
 }  // namespace quenlar

@@ -1,9 +1,8 @@
 // quenlar net: the network interfaces, their totals and the rate of the traffic.
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "cli/commands.h"
 #include "cli/exit_status.h"
-#include "cli/verbs.h"
 #include "netstat/interfaces.h"
 #include "platform/event_loop.h"
 #include "platform/message_boxes.h"
@@ -40,6 +39,8 @@ int Watch(Invocation& invocation, const Platform& platform, CIpHelper& helper) {
   return stopped ? kExitStopped : kExitDone;
 }
 
+}  // namespace
+
 int Net(Invocation& invocation, bool watch) {
   const Result<Platform> platform = invocation.system().Open(invocation.choice());
   if (!platform.ok()) {
@@ -49,21 +50,6 @@ int Net(Invocation& invocation, bool watch) {
   const Platform& p = platform.value();
   CIpHelper helper(p.interfaces, p.boxes);
   return watch ? Watch(invocation, p, helper) : ShowTable(invocation, helper, p.interfaces.IsNetworkAlive());
-}
-
-}  // namespace
-
-void DeclareNet(CLI::App& root, Command& chosen) {
-  const auto watch = std::make_shared<bool>(false);
-  CLI::App* verb = root.add_subcommand("net", "Show the network interfaces and the traffic");
-  verb->add_flag("-w,--watch", *watch, "The rate instead of the table, a line every 500 ms, until Ctrl-C");
-  verb->footer(
-      "Received and Sent are the octets that each interface has counted; the rate is in kilobytes received per half\n"
-      "second, all interfaces together, and is called Kbps as in the window.\n\n"
-      "Examples:\n"
-      "  quenlar net\n"
-      "  quenlar net --watch");
-  verb->callback([&chosen, watch] { chosen = [watch](Invocation& invocation) { return Net(invocation, *watch); }; });
 }
 
 }  // namespace quenlar

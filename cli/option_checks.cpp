@@ -1,9 +1,6 @@
 #include "cli/option_checks.h"
 
 #include <string_view>
-#include <vector>
-
-#include <CLI/CLI.hpp>
 
 #include "base/ascii.h"
 #include "base/number.h"
@@ -43,19 +40,6 @@ bool IsHostAndPort(std::string_view text) {
 
 }  // namespace
 
-void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value,
-                   std::initializer_list<const char*> words, const std::string& help) {
-  const std::vector<std::string> known(words.begin(), words.end());
-  std::string type;
-  for (const std::string& word : known) type += (type.empty() ? "" : "|") + word;
-  verb.add_option(name, value, help)->type_name(type)->check([known, type](const std::string& given) {
-    for (const std::string& word : known) {
-      if (given == word) return std::string();
-    }
-    return "must be one of " + type;
-  });
-}
-
 std::string WithoutTrailingSlash(const std::string& value) {
   return value.ends_with('/') ? value.substr(0, value.size() - 1) : value;
 }
@@ -77,6 +61,12 @@ std::string CheckProxyUrl(const std::string& value) {
   const std::string wrong = CheckHostUrl(value);
   const bool is_http = StartsWithIgnoreCase(value, kHttp);
   return wrong.empty() && is_http ? "" : "must be an HTTP proxy, such as http://127.0.0.1:8080";
+}
+
+std::string CheckStopNumber(const std::string& value) {
+  const double number = LeadingNumber(value);
+  const bool digits = value.find_first_not_of("0123456789") == std::string::npos;
+  return digits && number >= 1 && number <= 99999 ? "" : "must be a number from 1 to 99999";
 }
 
 }  // namespace quenlar

@@ -1,21 +1,16 @@
 // quenlar options: lists, shows and sets the stored settings.
 #include <charconv>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "base/ascii.h"
+#include "cli/commands.h"
 #include "cli/exit_status.h"
-#include "cli/verbs.h"
 #include "cli/workplace.h"
 #include "platform/registry.h"
 
 namespace quenlar {
 namespace {
-
-struct Arguments {
-  std::optional<std::string> name, value;
-};
 
 const SettingRow* FindSetting(const std::string& name) {
   for (const SettingRow& row : SettingsTable()) {
@@ -61,7 +56,9 @@ int SetOption(Invocation& invocation, const SettingRow& row, const std::string& 
   return kExitFailed;
 }
 
-int Options(Invocation& invocation, const Arguments& arguments) {
+}  // namespace
+
+int Options(Invocation& invocation, const OptionsArguments& arguments) {
   const SettingRow* const named = arguments.name ? FindSetting(*arguments.name) : nullptr;
   if (arguments.name && named == nullptr) {
     invocation.Say(fmt::format("There is no setting {}; there are {} !", *arguments.name, AllNames()));
@@ -85,25 +82,6 @@ int Options(Invocation& invocation, const Arguments& arguments) {
     if (!invocation.Print(line)) break;
   }
   return kExitDone;
-}
-
-}  // namespace
-
-void DeclareOptions(CLI::App& root, Command& chosen) {
-  const auto arguments = std::make_shared<Arguments>();
-  CLI::App* verb = root.add_subcommand("options", "List, show or set the stored settings");
-  verb->add_option("NAME", arguments->name, "A setting, by its registry value name; without it all are listed")
-      ->type_name("");
-  verb->add_option("VALUE", arguments->value, "Its new value, a number")->type_name("");
-  verb->footer(
-      "A list has the name, the value and the meaning of each setting; one setting is shown by its value alone.\n\n"
-      "Examples:\n"
-      "  quenlar options\n"
-      "  quenlar options StopNumber\n"
-      "  quenlar options Search 2");
-  verb->callback([&chosen, arguments] {
-    chosen = [arguments](Invocation& invocation) { return Options(invocation, *arguments); };
-  });
 }
 
 }  // namespace quenlar

@@ -1,10 +1,9 @@
 // quenlar report: rewrites a project's report.
-#include <CLI/CLI.hpp>
 
 #include "app/engine.h"
 #include "cli/command_front_end.h"
+#include "cli/commands.h"
 #include "cli/exit_status.h"
-#include "cli/verbs.h"
 #include "cli/workplace.h"
 
 namespace quenlar {
@@ -32,25 +31,13 @@ int ReportIn(Invocation& invocation, const Workplace& place, const std::string& 
   return kExitDone;
 }
 
+}  // namespace
+
 int Report(Invocation& invocation, const std::string& text) {
   const Result<Workplace> place = TakeWorkplace(invocation);
   if (place.ok()) return ReportIn(invocation, place.value(), text);
   invocation.Say(place.status().message() + " !");
   return kExitFailed;
-}
-
-}  // namespace
-
-void DeclareReport(CLI::App& root, Command& chosen) {
-  const auto text = std::make_shared<std::string>();
-  CLI::App* verb = root.add_subcommand("report", "Rewrite a project's report and print its path");
-  verb->add_option("TEXT", *text, "The project, as `quenlar projects` lists it")->type_name("")->required();
-  verb->footer(
-      "The report holds the addresses alone or all information, as the setting Export says.\n\n"
-      "Examples:\n"
-      "  quenlar report www.example.org\n"
-      "  less \"$(quenlar report gardening_en)\"");
-  verb->callback([&chosen, text] { chosen = [text](Invocation& invocation) { return Report(invocation, *text); }; });
 }
 
 }  // namespace quenlar

@@ -3,7 +3,6 @@
 #include <fstream>
 #include <sstream>
 
-#include <CLI/CLI.hpp>
 #include <gtest/gtest.h>
 
 #include "cli/declarations.h"

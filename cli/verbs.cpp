@@ -1,0 +1,252 @@
+#include "cli/verbs.h"
+
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/commands.h"
+#include "cli/option_checks.h"
+
+namespace quenlar {
+namespace {
+
+// `arguments` are filled in by the parsing, and live as long as the command.
+template <typename Arguments, typename Work>
+void Choose(CLI::App& verb, Command& chosen, Work work, const std::shared_ptr<Arguments>& arguments) {
+  verb.callback([&chosen, work, arguments] {
+    chosen = [work, arguments](Invocation& invocation) { return work(invocation, *arguments); };
+  });
+}
+
+// An option that takes one of a few words; its type name lists them ("a|b|c").
+void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value,
+                   std::initializer_list<const char*> words, const std::string& help) {
+  const std::vector<std::string> known(words.begin(), words.end());
+  std::string type;
+  for (const std::string& word : known) type += (type.empty() ? "" : "|") + word;
+  verb.add_option(name, value, help)->type_name(type)->check([known, type](const std::string& given) {
+    for (const std::string& word : known) {
+      if (given == word) return std::string();
+    }
+    return "must be one of " + type;
+  });
+}
+
+void DeclareOverrides(CLI::App& verb, ExtractArguments& arguments) {
+  DeclareChoice(verb, "--language", arguments.language, {"en", "fr", "de", "it", "es", "ja"},
+                "Language of the search, for a keyword");
+  DeclareChoice(verb, "--save-interval", arguments.save_interval, {"30", "50", "100"},
+                "Save the project after so many new addresses");
+  verb.add_option("--stop-number", arguments.stop_number, "End the run after so many new addresses")
+      ->type_name("N")
+      ->check(CheckStopNumber);
+  DeclareChoice(verb, "--other-sites", arguments.other_sites, {"yes", "no"},
+                "Whether a run from an address follows links to other sites");
+  DeclareChoice(verb, "--export", arguments.export_mode, {"addresses", "all"},
+                "What the report holds: addresses alone, or all information");
+  verb.add_option("--remove", arguments.options.remove_words,
+                  "Drop addresses in which this word occurs (a regular expression; repeatable)")
+      ->type_name("WORD")
+      ->allow_extra_args(false);
+  verb.add_option("--extract", arguments.options.extract_words,
+                  "Keep only addresses in which such a word occurs (a regular expression; repeatable)")
+      ->type_name("WORD")
+      ->allow_extra_args(false);
+}
+
+void DeclareExtract(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<ExtractArguments>();
+  CLI::App* verb = root.add_subcommand("extract", "Run the project of a keyword or an address to its end");
+  verb->add_option("TEXT", arguments->options.text, "A keyword, or an address (a text with a dot)")
+      ->type_name("")
+      ->required();
+  DeclareChoice(*verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
+                "How a new address is printed: the address alone; address, page, title and tag-only flag as csv; a "
+                "JSON object");
+  DeclareOverrides(*verb, *arguments);
+  verb->add_option("--search-engine", arguments->search_engine, "Scheme and host (and port) of the search engine")
+      ->type_name("URL")
+      ->check(CheckHostUrl)
+      ->transform(WithoutTrailingSlash);
+  verb->add_option("--proxy", arguments->proxy, "HTTP proxy for every download instead of the system's own settings")
+      ->type_name("URL")
+      ->check(CheckProxyUrl);
+  verb->add_flag("--assume-online", arguments->options.assume_online, "Do not ask the system whether it is on line");
+  verb->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
+      ->type_name("FILE");
+  verb->footer(
+      "Each new address is printed as it is found; the same command continues a project that was stopped. Ctrl-C ends\n"
+      "the run in order, with everything saved; a second Ctrl-C ends it at once. Options hold for this run alone.\n"
+      "Nothing but the pages of the run is downloaded.\n\n"
+      "Exit status: 0 all links parsed or stop number reached, 1 no run or a file could not be saved (the message "
+      "says\n"
+      "why), 2 wrong usage, 3 off line, 130 stopped by a signal.\n\n"
+      "Examples:\n"
+      "  quenlar extract \"picture search\"\n"
+      "  quenlar extract www.example.org --other-sites no --stop-number 100\n"
+      "  quenlar extract gardening --language de --format jsonl --summary run.json");
+  Choose(*verb, chosen, Extract, arguments);
+}
+
+void DeclareAnalyze(CLI::App& root, Command& chosen) {
+  CLI::App* verb = root.add_subcommand("analyze", "Answer requests on standard input with page analysis");
+  verb->add_flag("--jsonl")->description("One JSON object a line, in and out")->required();
+  verb->footer(
+      "Each line of standard input is a request, each line of standard output its answer. Pages are analysed as in a\n"
+      "run, but nothing is downloaded, and nothing is written before a project is opened. docs/analyze.md lists the\n"
+      "requests.\n\n"
+      "Examples:\n"
+      "  echo '{\"name\":\"M1http://a.example\",\"text\":\"<p>me@a.test</p>\"}' | quenlar analyze --jsonl\n"
+      "  echo '{\"resolve\":\"../x.html\",\"page\":\"http://a.example/b/c.html\"}' | quenlar analyze --jsonl");
+  verb->callback([&chosen] { chosen = Analyze; });
+}
+
+void DeclareProjects(CLI::App& root, Command& chosen) {
+  CLI::App* verb = root.add_subcommand("projects", "List the projects, newest first");
+  verb->footer(
+      "One project a line, as `extract`, `report` and `delete` take it.\n\n"
+      "Examples:\n"
+      "  quenlar projects\n"
+      "  quenlar projects | head -1");
+  verb->callback([&chosen] { chosen = Projects; });
+}
+
+void DeclareDelete(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<DeleteArguments>();
+  CLI::App* verb = root.add_subcommand("delete", "Delete a project with its files");
+  verb->add_option("TEXT", arguments->text, "The project, as `quenlar projects` lists it")->type_name("")->required();
+  verb->add_flag("-y,--yes", arguments->yes, "Do not ask");
+  verb->footer(
+      "Asks on the terminal, and deletes nothing unless the answer is yes. A keyword may be given without its\n"
+      "language. A project that has files but stands nowhere in the list takes the oldest entry of the list with it;\n"
+      "that entry's files stay.\n\n"
+      "Examples:\n"
+      "  quenlar delete gardening_en\n"
+      "  quenlar delete --yes www.example.org");
+  Choose(*verb, chosen, Delete, arguments);
+}
+
+void DeclareReport(CLI::App& root, Command& chosen) {
+  const auto text = std::make_shared<std::string>();
+  CLI::App* verb = root.add_subcommand("report", "Rewrite a project's report and print its path");
+  verb->add_option("TEXT", *text, "The project, as `quenlar projects` lists it")->type_name("")->required();
+  verb->footer(
+      "The report holds the addresses alone or all information, as the setting Export says.\n\n"
+      "Examples:\n"
+      "  quenlar report www.example.org\n"
+      "  less \"$(quenlar report gardening_en)\"");
+  Choose(*verb, chosen, Report, text);
+}
+
+void DeclareMerge(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<MergeArguments>();
+  CLI::App* verb = root.add_subcommand("merge", "Merge address books into one list without duplicates");
+  verb->add_option("BOOK", arguments->books, "An address book: any text file, also a report")
+      ->type_name("")
+      ->required();
+  verb->add_option("-o,--output", arguments->output, "Where the merged list goes")->type_name("FILE")->required();
+  verb->add_flag("-f,--force", arguments->force, "Replace an existing file, which may be one of the books");
+  verb->footer(
+      "Addresses keep the order and the spelling of their first occurrence; case makes no difference. A book that\n"
+      "cannot be read is passed over with a message, and the exit status is 1; the others are merged all the same.\n"
+      "Nothing is written when no address is found.\n\n"
+      "Examples:\n"
+      "  quenlar merge customers.txt report/gardening_en.rpt --output all.txt\n"
+      "  quenlar merge all.txt new.txt --output all.txt --force");
+  Choose(*verb, chosen, Merge, arguments);
+}
+
+void DeclareOptions(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<OptionsArguments>();
+  CLI::App* verb = root.add_subcommand("options", "List, show or set the stored settings");
+  verb->add_option("NAME", arguments->name, "A setting, by its registry value name; without it all are listed")
+      ->type_name("");
+  verb->add_option("VALUE", arguments->value, "Its new value, a number")->type_name("");
+  verb->footer(
+      "A list has the name, the value and the meaning of each setting; one setting is shown by its value alone.\n\n"
+      "Examples:\n"
+      "  quenlar options\n"
+      "  quenlar options StopNumber\n"
+      "  quenlar options Search 2");
+  Choose(*verb, chosen, Options, arguments);
+}
+
+// An option that takes any number of words, also none.
+void DeclareWords(CLI::App& verb, const std::string& name, std::optional<std::vector<std::string>>& words,
+                  const std::string& help) {
+  constexpr int kMostWords = 32767;
+  const auto take = [&words](const CLI::results_t& given) {
+    words = given == CLI::results_t{"{}"} || given == CLI::results_t{""} ? CLI::results_t{} : given;
+    return true;
+  };
+  verb.add_option(name, take, help)->type_name("WORD ...")->expected(0, kMostWords)->allow_extra_args(false);
+}
+
+void DeclareFilter(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<FilterArguments>();
+  CLI::App* verb = root.add_subcommand("filter", "Show or replace the words that addresses are filtered by");
+  DeclareWords(*verb, "--remove", arguments->remove,
+               "Drop addresses in which one of these words occurs; no word empties the list");
+  DeclareWords(*verb, "--extract", arguments->extract,
+               "Keep only addresses in which one of these words occurs; no word empties the list");
+  verb->footer(
+      "A word is a regular expression; \"*\" stands for anything. The filters work where the settings RemoveFilter "
+      "and\n"
+      "ExtractFilter are 1. Each line shown is \"remove\" or \"extract\", a tab, and the word.\n\n"
+      "Examples:\n"
+      "  quenlar filter\n"
+      "  quenlar filter --remove noreply example\\\\.com --extract sales\n"
+      "  quenlar filter --remove");
+  Choose(*verb, chosen, Filter, arguments);
+}
+
+void DeclareNet(CLI::App& root, Command& chosen) {
+  const auto watch = std::make_shared<bool>(false);
+  CLI::App* verb = root.add_subcommand("net", "Show the network interfaces and the traffic");
+  verb->add_flag("-w,--watch", *watch, "The rate instead of the table, a line every 500 ms, until Ctrl-C");
+  verb->footer(
+      "Received and Sent are the octets that each interface has counted; the rate is in kilobytes received per half\n"
+      "second, all interfaces together, and is called Kbps as in the window.\n\n"
+      "Examples:\n"
+      "  quenlar net\n"
+      "  quenlar net --watch");
+  Choose(*verb, chosen, Net, watch);
+}
+
+void DeclareDemo(CLI::App& root, Command& chosen) {
+  CLI::App* verb = root.add_subcommand("demo", "Run over a small web site on this computer");
+  verb->footer(
+      "Serves a search engine and a few invented sites on a loopback port, runs a keyword and an address over them,\n"
+      "prints the addresses and says where the reports lie. Without --home it works in a new folder below the "
+      "system's\n"
+      "folder for temporary files.\n\n"
+      "Examples:\n"
+      "  quenlar demo\n"
+      "  quenlar --home demo-folder demo");
+  verb->callback([&chosen] { chosen = Demo; });
+}
+
+void DeclareDescribe(CLI::App& root, Command& chosen) {
+  const auto what = std::make_shared<std::string>();
+  CLI::App* verb = root.add_subcommand("describe", "Write the man page or a shell's completion")->group("");
+  DeclareChoice(*verb, "WHAT", *what, {"man", "bash", "zsh", "fish"}, "What to write");
+  verb->get_option("WHAT")->required();
+  verb->callback([&chosen, &root, what] {
+    chosen = [&root, what](Invocation& invocation) { return DescribeAs(invocation, root, *what); };
+  });
+}
+
+}  // namespace
+
+void DeclareCommands(CLI::App& root, Command& chosen) {
+  for (const auto declare : {DeclareExtract, DeclareAnalyze, DeclareProjects, DeclareDelete, DeclareReport,
+                             DeclareMerge, DeclareOptions, DeclareFilter, DeclareNet, DeclareDemo, DeclareDescribe}) {
+    declare(root, chosen);
+  }
+}
+
+}  // namespace quenlar
