@@ -39,8 +39,9 @@ class PageFetcher {
   // pump. A key that is already under way gets a second, independent download under the same key.
   //
   // Failure is what cannot be delivered: no host, refused, reset, body cut short or malformed, more than
-  // kMaxRedirects, more than kMaxBodyBytes, an unknown scheme or content encoding, certificate not valid,
-  // a proxy that asks for a password (407). A page with an HTTP error status and a body is a page.
+  // kMaxRedirects, a redirect from https to plain http, more than kMaxBodyBytes, an unknown scheme or content encoding,
+  // certificate not valid, a proxy that asks for a password (407). A page with an HTTP error status and a body is a
+  // page.
   virtual void Start(const std::string& address, const std::string& key) = 0;
 
   // Forgets every download of this key at once: no call is made for it any more, not even one that has already

@@ -10,7 +10,7 @@
 #include <curl/curl.h>
 
 #include "platform/posix/curl_transfer.h"
-#include "platform/wire_address.h"
+#include "platform/redirect_chain.h"
 
 namespace quenlar {
 namespace {
@@ -22,9 +22,7 @@ constexpr std::size_t kMaxSpareRoom = 1 << 20;  // more of it behind a body is g
 
 struct Download {
   std::string key;
-  std::string address;  // of the hop that is under way or comes next
-  int redirects = 0;
-  bool secure = false;                          // the hop before this one was https
+  RedirectChain chain;                          // its address is that of the hop that is under way or comes next
   std::unique_ptr<CurlTransfer> transfer = {};  // while a hop is under way
   std::string body = {};                        // once it is there
 };
@@ -142,7 +140,7 @@ int CurlPageFetcher::Engine::OnTimer(CURLM*, long milliseconds, void* self) {
 
 void CurlPageFetcher::Engine::Start(const std::string& address, const std::string& key) {
   const Id id = next_id_++;
-  downloads_[id] = {.key = key, .address = address};
+  downloads_.emplace(id, Download{.key = key, .chain = RedirectChain(address)});
   by_key_.emplace(key, id);
   StartHop(id);
 }
@@ -173,10 +171,8 @@ void CurlPageFetcher::Engine::Collect() {
 
 void CurlPageFetcher::Engine::StartHop(Id id) {
   Download& download = downloads_.at(id);
-  const auto address = ParseWireAddress(download.address);
-  const bool downgraded = address && download.secure && !address->secure;  // behind a redirect
-  if (!address || downgraded || multi_ == nullptr) return PostCall(id, &Engine::TellFailure);
-  download.secure = address->secure;
+  const auto address = download.chain.Wire();
+  if (!address || multi_ == nullptr) return PostCall(id, &Engine::TellFailure);
   if (spare_.empty()) spare_.push_back(std::make_unique<CurlTransfer>(options_, headers_, arrivals_));
   auto transfer = std::move(spare_.back());
   spare_.pop_back();
@@ -194,9 +190,7 @@ void CurlPageFetcher::Engine::EndHop(CurlTransfer& transfer, CURLcode result) {
     case CurlTransfer::Outcome::kFailed:
       break;
     case CurlTransfer::Outcome::kRedirected:
-      if (++download.redirects > kMaxRedirects) break;
-      download.address = ResolveRedirect(download.address, transfer.location());
-      call = &Engine::TellRedirect;
+      if (download.chain.Follow(transfer.location())) call = &Engine::TellRedirect;
       break;
     case CurlTransfer::Outcome::kPage:
       download.body = transfer.TakeBody();
@@ -226,7 +220,7 @@ void CurlPageFetcher::Engine::TellFirstBytes(Id id) {
 
 void CurlPageFetcher::Engine::TellRedirect(Id id) {
   const Download& download = downloads_.at(id);
-  const auto [key, address] = std::pair(download.key, download.address);
+  const auto [key, address] = std::pair(download.key, download.chain.address());
   const std::weak_ptr alive(alive_);
   if (listener != nullptr) listener->OnFetchProgress(key, FetchCode::kRedirecting, address);
   if (!alive.expired() && downloads_.contains(id)) StartHop(id);  // the listener may have cancelled it

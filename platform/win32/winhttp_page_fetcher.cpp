@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "base/ascii.h"
+#include "platform/redirect_chain.h"
 #include "platform/win32/wide.h"
 #include "platform/win32/winhttp_exchange.h"
-#include "platform/wire_address.h"
 
 namespace quenlar {
 namespace {
@@ -47,8 +47,7 @@ HINTERNET OpenSession(const WinHttpOptions& options) {
 
 struct WinHttpPageFetcher::Download {
   std::string key;
-  std::string address;  // of the hop that is under way
-  int redirects = 0;
+  RedirectChain chain;                 // its address is that of the hop that is under way
   std::shared_ptr<Exchange> exchange;  // null before the first hop
 };
 
@@ -92,7 +91,7 @@ WinHttpPageFetcher::~WinHttpPageFetcher() {
 
 void WinHttpPageFetcher::Start(const std::string& address, const std::string& key) {
   const std::uint64_t number = ++last_number_;
-  Begin(number, downloads_.emplace(number, Download{key, address, 0, nullptr}).first->second);
+  Begin(number, downloads_.emplace(number, Download{key, RedirectChain(address), nullptr}).first->second);
 }
 
 void WinHttpPageFetcher::Cancel(const std::string& key) {
@@ -107,7 +106,7 @@ void WinHttpPageFetcher::Cancel(const std::string& key) {
 
 // Starts the hop to the download's address. The download may fail, but only in a later pump.
 void WinHttpPageFetcher::Begin(std::uint64_t number, Download& download) {
-  const auto address = ParseWireAddress(download.address);
+  const auto address = download.chain.Wire();
   if (!address || !session_) {
     outlet_->Post([number](WinHttpPageFetcher& fetcher) { fetcher.Fail(number); });
     return;
@@ -140,9 +139,8 @@ void WinHttpPageFetcher::OnReport(std::uint64_t number, ExchangeReport& report) 
 
 void WinHttpPageFetcher::OnRedirect(std::uint64_t number, const std::string& location) {
   Download& download = downloads_.at(number);
-  if (++download.redirects > kMaxRedirects) return Fail(number);
-  download.address = ResolveRedirect(download.address, location);
-  const std::string key = download.key, address = download.address;
+  if (!download.chain.Follow(location)) return Fail(number);
+  const std::string key = download.key, address = download.chain.address();
   if (listener_) listener_->OnFetchProgress(key, FetchCode::kRedirecting, address);
   // The listener may have cancelled it.
   if (const auto found = downloads_.find(number); found != downloads_.end()) Begin(number, found->second);
