@@ -62,19 +62,17 @@ std::string_view AttributeView(std::string_view tag, std::string_view name, std:
 
 std::string_view TextBetween(std::string_view text, std::string_view opening, std::string_view closing,
                              SearchFrom from) {
+  std::size_t open = kNone, close = kNone;
   if (from == SearchFrom::kStart) {
-    const std::size_t open = text.find(opening);
-    if (open == kNone) return {};
-    const std::size_t begin = open + opening.size();
-    const std::size_t end = text.find(closing, open);
-    return end == kNone || end < begin ? std::string_view() : text.substr(begin, end - begin);
+    open = text.find(opening);
+    if (open != kNone) close = text.find(closing, open + opening.size());
+  } else {
+    close = text.rfind(closing);
+    if (close != kNone) open = text.substr(0, close).rfind(opening);
   }
-  const std::size_t end = text.rfind(opening);
-  if (end == kNone || end == 0) return {};
-  const std::size_t close = text.rfind(closing, end - 1);
-  if (close == kNone) return {};
-  const std::size_t begin = close + 1;  // as if the closing delimiter were one character long: meant
-  return text.substr(begin, end - begin);
+  if (open == kNone || close == kNone) return {};
+  const std::size_t begin = open + opening.size();
+  return text.substr(begin, close - begin);
 }
 
 std::string CleanText(std::string_view text) {

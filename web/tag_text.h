@@ -13,9 +13,8 @@ namespace quenlar {
 // The same as a view: into `tag` where the value stands there as it is, else into `buffer`, which then is overwritten.
 [[nodiscard]] std::string_view AttributeView(std::string_view tag, std::string_view name, std::string& buffer);
 
-// The text between two delimiters, searched forward from the start, or backward from the end: the last opening
-// delimiter, then the last closing delimiter before it, and what lies between them (counting the closing delimiter
-// as one character). "" when either is missing.
+// The text between two delimiters: behind the first opening one and before the next closing one, or, searched from the
+// end, before the last closing one and behind the opening one before it. "" when either is missing.
 enum class SearchFrom { kStart, kEnd };
 [[nodiscard]] std::string_view TextBetween(std::string_view text, std::string_view opening, std::string_view closing,
                                            SearchFrom from);

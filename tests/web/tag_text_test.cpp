@@ -42,15 +42,18 @@ TEST(TextBetween, SearchesForwardOrBackward) {
   EXPECT_EQ(forward("a<b>c</b>", "<b>", "</b>"), "c");
   EXPECT_EQ(forward("a<b>c", "<b>", "</b>"), "");
   EXPECT_EQ(forward("a</b>c<b>d", "<b>", "</b>"), "");
+  EXPECT_EQ(forward("[a]b[c]", "[", "]"), "a");
+  EXPECT_EQ(forward("<<a<", "<<", "<"), "a");  // one character cannot be of both delimiters
   EXPECT_EQ(forward("", "<", ">"), "");
   const auto backward = [](std::string_view text, std::string_view open, std::string_view close) {
     return TextBetween(text, open, close, SearchFrom::kEnd);
   };
-  EXPECT_EQ(backward("a]b[c]d[e", "[", "]"), "d");
-  EXPECT_EQ(backward("[a]", "[", "]"), "");
+  EXPECT_EQ(backward("[a]b[c]d", "[", "]"), "c");
+  EXPECT_EQ(backward("[a[b]c[d", "[", "]"), "b");
+  EXPECT_EQ(backward("x<b>y</b>z</b>", "<b>", "</b>"), "y</b>z");
   EXPECT_EQ(backward("a]b", "[", "]"), "");
-  // The closing delimiter counts as one character: the rest of it belongs to the text.
-  EXPECT_EQ(backward("x</b>y<b>", "<b>", "</b>"), "/b>y");
+  EXPECT_EQ(backward("]a[", "[", "]"), "");
+  EXPECT_EQ(backward("", "[", "]"), "");
 }
 
 TEST(CleanText, BlanksOutWhatIsNotPrintableAscii) {
