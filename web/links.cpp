@@ -28,6 +28,11 @@ std::string FolderOf(std::string_view page) {
   return std::string(page.substr(0, slash == kNone ? 0 : slash + 1));
 }
 
+// Puts a link at the end of its level's queue, once. Visited links count too, other levels do not.
+bool QueueLink(Project& project, int level, std::string_view address, std::int16_t number) {
+  return project.queues[static_cast<std::size_t>(level)].AddIfNew(address, number);
+}
+
 // Another site: one entry a site, in level 0.
 bool QueueOtherSite(Project& project, const Settings& settings, std::string_view address) {
   if (!project.is_keyword && settings.CorrelationMode != 1) return false;
@@ -106,7 +111,7 @@ bool MakeLink(Project& project, const Settings& settings, std::string_view addre
   if (!followed) return false;
   if (HostPart(*followed) != HostPart(page)) return QueueOtherSite(project, settings, *followed);
   const int level = LevelOfDigit(level_digit);
-  return level != 0 && project.queues[static_cast<std::size_t>(level)].AddIfNew(*followed, 1);
+  return level != 0 && QueueLink(project, level, *followed, 1);
 }
 
 bool MakeExpandLink(Project& project, const Settings& settings, int level, std::string_view address,
@@ -115,7 +120,7 @@ bool MakeExpandLink(Project& project, const Settings& settings, int level, std::
   if (!followed) return false;
   if (HostPart(*followed) != HostPart(page)) return QueueOtherSite(project, settings, *followed);
   const int next = std::min<int>(number + 1, std::numeric_limits<std::int16_t>::max());
-  return project.queues[static_cast<std::size_t>(level)].AddIfNew(*followed, static_cast<std::int16_t>(next));
+  return QueueLink(project, level, *followed, static_cast<std::int16_t>(next));
 }
 
 }  // namespace quenlar

@@ -8,9 +8,10 @@
 namespace quenlar {
 
 struct PageOutcome {
-  bool result = false;  // the parser's own result: false when a stop request cut the tag walk short
-  bool cut_short =
-      false;  // a stop dropped a part of the page: the walk was cut, or the harvest ended at the stop number
+  // The parser's own result: false when a stop request cut the tag walk short.
+  bool result = false;
+  // A stop dropped a part of the page: the walk was cut, or the harvest ended at the stop number.
+  bool cut_short = false;
 };
 
 // ParsePage and ParseExpand1Page to ParseExpand10Page. `request_name` is the request letter, one digit, the page's
