@@ -265,6 +265,14 @@ TEST_F(LinkRun, EndsOffLineWithoutLosingALink) {
   EXPECT_EQ(Unvisited(), (Strings{"http://start.test/a.html", "http://start.test/b.html"}));
 }
 
+TEST_F(LinkRun, SaysThatItIsOffLineAlsoWhereTheStopButtonWasPressed) {
+  EnableAlarm();
+  loop.Schedule(500ms, [this] { interfaces.alive = false; });
+  loop.Schedule(1s, [this] { Stop(); });  // in the pump of the tick that finds the computer off line
+  driver.Run();
+  EXPECT_EQ(host.reason(), kEndOffLine);
+}
+
 TEST_F(LinkRun, EndsOnAOneSecondFlapOfTheNetworkAndResumes) {
   EnableAlarm();
   loop.Schedule(1500ms, [this] { interfaces.alive = false; });

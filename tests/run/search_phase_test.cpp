@@ -108,6 +108,15 @@ TEST_F(SearchPhase, EndsWithTheStopMessageAndDoesNotSaveTheQueues) {
   EXPECT_EQ(run.pending[0], 0);
 }
 
+TEST_F(SearchPhase, EndsWithAStopThatComesInThePumpThatBringsThePage) {
+  fetcher.Serve(SearchAddressAt(0), Results(1, 2));
+  loop.OnPump([this] { Stop(); });
+  driver.Run();
+  EXPECT_EQ(host.calls, (Strings{"end: You press the stop button !", "idle", "time", "exit"}));
+  EXPECT_EQ(Urls(0).size(), 2u);  // the page has been read all the same
+  EXPECT_EQ(SearchPages().size(), 1u);
+}
+
 TEST_F(SearchPhase, GoesOnWithWhatItHasWhenItIsStartedAgainAfterAStop) {
   fetcher.Serve(SearchAddressAt(0), Results(1, 2));
   loop.Schedule(std::chrono::seconds(2), [this] { Stop(); });
