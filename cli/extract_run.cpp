@@ -22,7 +22,7 @@ class AssumedOnline final : public InterfaceTable {
  public:
   explicit AssumedOnline(InterfaceTable& table) : table_(table) {}
   TableOutcome Read(std::vector<InterfaceRow>& rows) override { return table_.Read(rows); }
-  bool IsNetworkAlive() override { return true; }
+  bool IsOnline() override { return true; }
 
  private:
   InterfaceTable& table_;
@@ -106,7 +106,7 @@ bool ExtractRun::Prepare() {
     return false;
   }
   if (!notes.notes.empty()) TellOnce(notes.notes);
-  if (!engine_.platform.interfaces.IsNetworkAlive()) {
+  if (!engine_.platform.interfaces.IsOnline()) {
     Refuse(kExitOffLine, kEndOffLine);
     return false;
   }

@@ -49,7 +49,7 @@ int Net(Invocation& invocation, bool watch) {
   }
   const Platform& p = platform.value();
   CIpHelper helper(p.interfaces, p.boxes);
-  return watch ? Watch(invocation, p, helper) : ShowTable(invocation, helper, p.interfaces.IsNetworkAlive());
+  return watch ? Watch(invocation, p, helper) : ShowTable(invocation, helper, p.interfaces.IsOnline());
 }
 
 }  // namespace quenlar

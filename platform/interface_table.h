@@ -29,7 +29,7 @@ class InterfaceTable {
   // Replaces the contents of `rows`, unsorted, as the system has them; empty unless kRead.
   [[nodiscard]] virtual TableOutcome Read(std::vector<InterfaceRow>& rows) = 0;
   // True when the system reports a network connection, whatever kind it is.
-  [[nodiscard]] virtual bool IsNetworkAlive() = 0;
+  [[nodiscard]] virtual bool IsOnline() = 0;
 };
 
 }  // namespace quenlar

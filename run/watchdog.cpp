@@ -21,7 +21,7 @@ Watchdog::Watchdog(RunState& run, const Settings& settings, InterfaceTable& inte
       start_upgrade_check_(std::move(start_upgrade_check)) {}
 
 void Watchdog::Tick() {
-  if (interfaces_.IsNetworkAlive()) {
+  if (interfaces_.IsOnline()) {
     WatchRun();
     CheckForUpgradeOnce();
     return;

@@ -114,7 +114,7 @@ TableOutcome SysInterfaceTable::Read(std::vector<InterfaceRow>& rows) {
   return TableOutcome::kRead;
 }
 
-bool SysInterfaceTable::IsNetworkAlive() {
+bool SysInterfaceTable::IsOnline() {
   std::vector<InterfaceRow> rows;
   return Read(rows) == TableOutcome::kRead && std::any_of(rows.begin(), rows.end(), [](const InterfaceRow& row) {
            return row.type != kLoopback && row.oper_status == kOperational;

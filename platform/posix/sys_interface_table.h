@@ -19,7 +19,7 @@ class SysInterfaceTable : public InterfaceTable {
   // In the kernel's order, which begins with the loopback interface. Numbers are the low 32 bits of the kernel's.
   [[nodiscard]] TableOutcome Read(std::vector<InterfaceRow>& rows) override;
   // True when an interface other than loopback is up and connected.
-  [[nodiscard]] bool IsNetworkAlive() override;
+  [[nodiscard]] bool IsOnline() override;
 
  private:
   [[nodiscard]] bool Ask();

@@ -59,7 +59,7 @@ TableOutcome Win32InterfaceTable::Read(std::vector<InterfaceRow>& rows) {
   return TableOutcome::kRead;
 }
 
-bool Win32InterfaceTable::IsNetworkAlive() {
+bool Win32InterfaceTable::IsOnline() {
   DWORD flags = 0;
   return ::IsNetworkAlive(&flags) != FALSE;
 }

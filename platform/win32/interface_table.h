@@ -8,7 +8,7 @@ namespace quenlar {
 class Win32InterfaceTable final : public InterfaceTable {
  public:
   [[nodiscard]] TableOutcome Read(std::vector<InterfaceRow>& rows) override;
-  [[nodiscard]] bool IsNetworkAlive() override;
+  [[nodiscard]] bool IsOnline() override;
 
  private:
   std::vector<unsigned char> buffer_;  // kept between the many reads

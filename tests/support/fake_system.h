@@ -38,7 +38,7 @@ class FakeInterfaceTable : public InterfaceTable {
     if (outcome == TableOutcome::kRead) out = rows;
     return outcome;
   }
-  [[nodiscard]] bool IsNetworkAlive() override {
+  [[nodiscard]] bool IsOnline() override {
     ++alive_queries;
     return alive;
   }

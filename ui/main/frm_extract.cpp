@@ -113,7 +113,7 @@ void frmExtract::cmdExtract_Click() {
 
 // The timer begins the run outside of this handler.
 void frmExtract::StartRun() {
-  if (!context_.engine.platform.interfaces.IsNetworkAlive()) {
+  if (!context_.engine.platform.interfaces.IsOnline()) {
     Warn(kEndOffLine);
     return;
   }
