@@ -261,10 +261,13 @@ TEST_F(MainWindowProjects, WithoutAddressesExportSaysSoAndWritesNothing) {
 TEST_F(MainWindowProjects, ExportMovesTheFocusAwayAndLeavesItsButtonAsItWas) {
   PutFiles("a_test");
   StartWith({"www.a.test"});
-  std::vector<bool> states;
-  extract.cmdExport.changed = [&](ui::Aspect) { states.push_back(extract.cmdExport.enabled()); };
+  std::vector<std::string> order;
+  extract.cmdExport.changed = [&](ui::Aspect) { order.push_back(extract.cmdExport.enabled() ? "on" : "off"); };
+  extract.lstMail.changed = [&](ui::Aspect aspect) {
+    if (aspect == ui::Aspect::kFocus) order.push_back("focus on the list");
+  };
   extract.cmdExport.Click();
-  EXPECT_THAT(states, ElementsAre(false, true));
+  EXPECT_THAT(order, ElementsAre("off", "on", "focus on the list"));
 }
 
 TEST_F(MainWindowProjects, AReportThatCannotBeWrittenIsToldAndNoOldOneIsShown) {

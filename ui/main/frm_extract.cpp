@@ -214,10 +214,11 @@ void frmExtract::DeleteProject() {
 
 void frmExtract::ExportReport() {
   if (std::exchange(exporting_, true)) return;
-  // A button that is disabled for a moment gives the focus away.
+  // The focus leaves a button that is disabled for a moment; a window that would give it back gives it to the list.
   const bool enabled = cmdExport.enabled();
   cmdExport.SetEnabled(!enabled);
   cmdExport.SetEnabled(enabled);
+  lstMail.SetFocus();
   OpenReportInEditor();
   exporting_ = false;
 }
