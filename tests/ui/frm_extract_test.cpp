@@ -103,6 +103,21 @@ TEST_F(MainWindow, Panel3SumsTheNextIndicesOfLevels0To5Alone) {
   EXPECT_EQ(Panel(3), "Scan 12");
 }
 
+TEST_F(MainWindow, AWindowThatIsReopenedKeepsItsProjectAndFillsTheListOfProjects) {
+  StoreProjects({"www.new.test"});
+  Start();
+  Type("www.typed.test");
+  engine.project_list.Load({"www.new.test", "www.old.test"});
+  extract.Close();
+  EXPECT_FALSE(extract.Ready());
+  tray.mnuExtractor.Click();
+  EXPECT_TRUE(extract.Ready());
+  EXPECT_EQ(extract.cmbURL.text(), "www.typed.test");
+  EXPECT_EQ(engine.project.start_url, "http://www.typed.test");
+  EXPECT_THAT(extract.cmbURL.items(), ElementsAre("www.new.test", "www.old.test"));
+  EXPECT_EQ(Panel(1), "Waiting ...");
+}
+
 TEST_F(MainWindow, TheFocusOnTheInputShowsTheHint) {
   Start();
   extract.cmbURL.GotFocus();
