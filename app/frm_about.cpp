@@ -22,6 +22,7 @@ void frmAbout::Load() {
   SetCaption(std::string("About ") + kProductCaption);
   lblSoftwareVersion.SetText(kProductCaption);
   lblWebPage.SetText(kHomePage);
+  lblWebPage.MouseLeave();  // the box may have closed under the pointer
 }
 
 }  // namespace quenlar

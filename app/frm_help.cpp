@@ -15,4 +15,7 @@ frmHelp::frmHelp(Shell& shell) : Form("frmHelp", "Brenvy Quenlar Pro Online Help
 
 std::vector<ui::Control*> frmHelp::Controls() { return {&picMark, &Label1, &Label2, &lblHelp}; }
 
+// The box closes under the pointer whenever its link is followed.
+void frmHelp::Load() { lblHelp.MouseLeave(); }
+
 }  // namespace quenlar

@@ -19,6 +19,7 @@ class frmHelp final : public ui::Form {
   ui::Label lblHelp{"lblHelp", "Open Online Help"};
 
   [[nodiscard]] std::vector<ui::Control*> Controls() override;
+  void Load() override;
 };
 
 }  // namespace quenlar

@@ -73,6 +73,21 @@ TEST_F(BoxesTest, ClickingTheHelpLinkOpensTheHomePageAndClosesTheBox) {
   EXPECT_FALSE(help.loaded());
 }
 
+TEST_F(BoxesTest, ABoxThatClosedUnderThePointerOpensWithItsLinkBlueAndNotUnderlined) {
+  help.Show();
+  help.lblHelp.MouseMove();
+  help.lblHelp.Click();
+  about.Show();
+  about.lblWebPage.MouseMove();
+  about.Close();
+  help.Show();
+  about.Show();
+  for (const ui::Label* link : {&about.lblWebPage, &help.lblHelp}) {
+    EXPECT_EQ(link->color(), 0xFF0000u) << link->name();
+    EXPECT_FALSE(link->underlined()) << link->name();
+  }
+}
+
 TEST_F(BoxesTest, WithoutABrowserTheLinkOpensNothing) {
   shell.http_open_command.reset();
   about.Show();
