@@ -14,7 +14,11 @@ frmDialog::frmDialog(Settings& settings, Shell& shell, const Site& site, std::fu
       end_at_once_(std::move(end_at_once)) {
   optUpgrade[0].group = {&optUpgrade[1]};
   optUpgrade[1].group = {&optUpgrade[0]};
-  for (ui::OptionButton& option : optUpgrade) option.Click = [this] { txtDumb.SetFocus(); };
+  for (ui::OptionButton& option : optUpgrade) {
+    option.Click = [this] {
+      if (shown()) txtDumb.SetFocus();  // what Load selects is nobody's click
+    };
+  }
   cmdOK.Click = [this] { cmdOK_Click(); };
 }
 

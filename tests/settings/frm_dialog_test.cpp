@@ -53,6 +53,13 @@ TEST_F(UpgradeDialogTest, EitherOptionMovesTheFocusToTheDumbBox) {
   EXPECT_FALSE(dialog.optUpgrade[1].selected());
 }
 
+TEST_F(UpgradeDialogTest, OpeningLeavesTheFocusToTheWindow) {
+  int focused = 0;
+  dialog.txtDumb.changed = [&](ui::Aspect aspect) { focused += aspect == ui::Aspect::kFocus; };
+  dialog.Show();
+  EXPECT_EQ(focused, 0);
+}
+
 TEST_F(UpgradeDialogTest, UpgradeNowStartsTheUpgraderAndThenEndsTheProgram) {
   dialog.Show();
   dialog.cmdOK.Click();
