@@ -6,7 +6,7 @@
 namespace quenlar {
 
 frmTray::frmTray(Context context, TrayIcon& icon) : Form("frmTray"), context_(std::move(context)), tray_(icon) {
-  mnuPopup.items = {&mnuExtractor, nullptr, &mnuHelp, &mnuAbout, &mnuExit};
+  mnuPopup.items = {&mnuExtractor, &sep2, &mnuHelp, &mnuAbout, &mnuExit};
   tray_.OnRightButtonDown([this] { mnuPopup.PopUp(); });
   tmrExtract.Tick = [this] { tmrExtract_Tick(); };
   tmrFormatFlux.Tick = [this] { tmrFormatFlux_Tick(); };
@@ -19,7 +19,7 @@ frmTray::frmTray(Context context, TrayIcon& icon) : Form("frmTray"), context_(st
 }
 
 std::vector<ui::Control*> frmTray::Controls() {
-  return {&tmrExtract, &tmrFormatFlux, &tmrFlux, &tmrAlarm, &mnuExtractor, &mnuHelp, &mnuAbout, &mnuExit};
+  return {&tmrExtract, &tmrFormatFlux, &tmrFlux, &tmrAlarm, &mnuExtractor, &sep2, &mnuHelp, &mnuAbout, &mnuExit};
 }
 
 void frmTray::Load() {

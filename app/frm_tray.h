@@ -38,6 +38,7 @@ class frmTray final : public ui::Form {
 
   ui::PopupMenu mnuPopup{"SysTray Popup Menu"};
   ui::MenuItem mnuExtractor{"mnuExtractor", "&Brenvy Quenlar Pro"};
+  ui::MenuItem sep2{"sep2", "-"};
   ui::MenuItem mnuHelp{"mnuHelp", "&Help"};
   ui::MenuItem mnuAbout{"mnuAbout", "A&bout..."};
   ui::MenuItem mnuExit{"mnuExit", "E&xit"};

@@ -20,7 +20,7 @@ namespace quenlar::ui {
 using Color = std::uint32_t;
 
 // What of a control has changed, for the binder.
-enum class Aspect { kEnabled, kVisible, kText, kItems, kSelection, kChecked, kColor, kFocus, kCaret, kPlace };
+enum class Aspect { kEnabled, kVisible, kText, kItems, kSelection, kChecked, kColor, kFocus, kCaret };
 
 class Control {
  public:
@@ -270,6 +270,8 @@ class Panel : public Control {
 class MenuItem : public Control {
  public:
   using Control::Control;
+  // A line between items, of which nobody can choose; its text is "-".
+  [[nodiscard]] bool is_separator() const { return text_ == "-"; }
   std::function<void()> Click;
 };
 
@@ -279,7 +281,7 @@ class PopupMenu {
   explicit PopupMenu(std::string title = {}) : caption(std::move(title)) {}
 
   const std::string caption;     // names the menu; not shown
-  std::vector<MenuItem*> items;  // in order; null is a separator
+  std::vector<MenuItem*> items;  // in order
 
   // Set by the binder of the toolkit. Pumps until the user has chosen or gone elsewhere; the Click of the chosen item
   // is called at the end.

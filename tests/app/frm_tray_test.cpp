@@ -53,8 +53,10 @@ TEST_F(TrayTest, TimersHaveTheirIntervalsAndStates) {
 TEST_F(TrayTest, TheMenuHasItsItemsInOrder) {
   EXPECT_EQ(tray.mnuPopup.caption, "SysTray Popup Menu");
   EXPECT_THAT(tray.mnuPopup.items,
-              ElementsAre(&tray.mnuExtractor, nullptr, &tray.mnuHelp, &tray.mnuAbout, &tray.mnuExit));
+              ElementsAre(&tray.mnuExtractor, &tray.sep2, &tray.mnuHelp, &tray.mnuAbout, &tray.mnuExit));
   EXPECT_EQ(tray.mnuExtractor.text(), "&Brenvy Quenlar Pro");
+  EXPECT_TRUE(tray.sep2.is_separator());
+  EXPECT_FALSE(tray.mnuExtractor.is_separator());
   EXPECT_EQ(tray.mnuHelp.text(), "&Help");
   EXPECT_EQ(tray.mnuAbout.text(), "A&bout...");
   EXPECT_EQ(tray.mnuExit.text(), "E&xit");

@@ -7,7 +7,7 @@ namespace quenlar::ui {
 void ShowPopupMenu(HWND owner, const std::vector<MenuItem*>& items) {
   const HMENU menu = CreatePopupMenu();
   for (std::size_t i = 0; i < items.size(); ++i) {
-    if (!items[i]) {
+    if (items[i]->is_separator()) {
       AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
     } else if (items[i]->visible()) {
       const UINT state = items[i]->enabled() ? MF_ENABLED : MF_GRAYED;
