@@ -10,19 +10,30 @@ std::string Lower(std::string_view text) {
   return result;
 }
 
+namespace {
+
+inline bool SameEight(const char* a, const char* b) {
+  std::uint64_t eight_a, eight_b;
+  std::memcpy(&eight_a, a, 8);
+  std::memcpy(&eight_b, b, 8);
+  return eight_a == eight_b || LowerEight(eight_a) == LowerEight(eight_b);
+}
+
+}  // namespace
+
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  std::size_t i = 0;
-  for (; a.size() - i >= 8; i += 8) {
-    std::uint64_t eight_a, eight_b;
-    std::memcpy(&eight_a, a.data() + i, 8);
-    std::memcpy(&eight_b, b.data() + i, 8);
-    if (LowerEight(eight_a) != LowerEight(eight_b)) return false;
+  const std::size_t size = a.size();
+  if (size != b.size()) return false;
+  if (size < 8) {
+    for (std::size_t i = 0; i < size; ++i) {
+      if (ToLower(a[i]) != ToLower(b[i])) return false;
+    }
+    return true;
   }
-  for (; i < a.size(); ++i) {
-    if (ToLower(a[i]) != ToLower(b[i])) return false;
+  for (std::size_t i = 0; i + 8 < size; i += 8) {
+    if (!SameEight(a.data() + i, b.data() + i)) return false;
   }
-  return true;
+  return SameEight(a.data() + size - 8, b.data() + size - 8);  // together with some before them
 }
 
 bool EndsWithIgnoreCase(std::string_view text, std::string_view lower_suffix) {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #if defined(__SSE2__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace quenlar {
@@ -14,12 +14,6 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 
 #if defined(__SSE2__)
-
-// Bit i is set where data[i] is the wanted byte, for 16 bytes.
-inline unsigned Hits(const char* data, __m128i wanted) {
-  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
-  return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted)));
-}
 
 inline bool AnyInSixtyFour(const char* data, __m128i wanted) {
   const auto* blocks = reinterpret_cast<const __m128i*>(data);
@@ -30,20 +24,55 @@ inline bool AnyInSixtyFour(const char* data, __m128i wanted) {
   return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d))) != 0;
 }
 
+// Long stretches without the byte are the rule, so those go as fast as the processor can: these return where to look
+// closer, `at` or a place behind it with no such byte between them.
+std::size_t PassOver(const char* data, char byte, std::size_t at, std::size_t end) {
+  const __m128i wanted = _mm_set1_epi8(byte);
+  while (end - at >= 64 && !AnyInSixtyFour(data + at, wanted)) at += 64;
+  return at;
+}
+
+__attribute__((target("avx2"))) std::size_t PassOverAvx2(const char* data, char byte, std::size_t at, std::size_t end) {
+  const __m256i wanted = _mm256_set1_epi8(byte);
+  for (; end - at >= 128; at += 128) {
+    const auto* blocks = reinterpret_cast<const __m256i*>(data + at);
+    const __m256i a = _mm256_cmpeq_epi8(_mm256_loadu_si256(blocks), wanted);
+    const __m256i b = _mm256_cmpeq_epi8(_mm256_loadu_si256(blocks + 1), wanted);
+    const __m256i c = _mm256_cmpeq_epi8(_mm256_loadu_si256(blocks + 2), wanted);
+    const __m256i d = _mm256_cmpeq_epi8(_mm256_loadu_si256(blocks + 3), wanted);
+    const __m256i any = _mm256_or_si256(_mm256_or_si256(a, b), _mm256_or_si256(c, d));
+    if (_mm256_movemask_epi8(any) != 0) break;
+  }
+  return at;
+}
+
+const bool kHasAvx2 = [] {
+  __builtin_cpu_init();
+  return __builtin_cpu_supports("avx2") != 0;
+}();
+
 #endif
 
 }  // namespace
 
-std::size_t FindByte(std::string_view text, char byte, std::size_t from) {
+std::size_t byte_search::FindFar(std::string_view text, char byte, std::size_t from) {
   const char* data = text.data();
   const std::size_t end = text.size();
   std::size_t at = from;
 #if defined(__SSE2__)
-  const __m128i wanted = _mm_set1_epi8(byte);
-  while (at < end && end - at >= 16) {
-    if (const unsigned hits = Hits(data + at, wanted)) return at + static_cast<std::size_t>(std::countr_zero(hits));
-    at += 16;
-    while (end - at >= 64 && !AnyInSixtyFour(data + at, wanted)) at += 64;
+  if (at >= end) return kNone;
+  if (end >= 16) {
+    const __m128i wanted = _mm_set1_epi8(byte);
+    for (const std::size_t near = at + 48; end - at >= 16; at += 16) {
+      if (at >= near && end - at >= 128)
+        at = kHasAvx2 ? PassOverAvx2(data, byte, at, end) : PassOver(data, byte, at, end);
+      if (end - at < 16) break;
+      if (const unsigned hits = byte_search::Hits(data + at, wanted))
+        return at + static_cast<std::size_t>(std::countr_zero(hits));
+    }
+    // The last bytes, together with some before them.
+    const unsigned hits = byte_search::Hits(data + end - 16, wanted) >> (16 - (end - at));
+    return hits == 0 ? kNone : at + static_cast<std::size_t>(std::countr_zero(hits));
   }
 #endif
   for (; at < end; ++at) {
@@ -56,13 +85,19 @@ std::size_t FindLastByte(std::string_view text, char byte, std::size_t from, std
   const char* data = text.data();
   std::size_t at = end;  // everything from here on has been looked at
 #if defined(__SSE2__)
-  const __m128i wanted = _mm_set1_epi8(byte);
-  while (at > from && at - from >= 16) {
-    if (const unsigned hits = Hits(data + at - 16, wanted)) {
-      return at - 16 + static_cast<std::size_t>(std::bit_width(hits)) - 1;
+  if (at <= from) return kNone;
+  if (text.size() - from >= 16) {
+    const __m128i wanted = _mm_set1_epi8(byte);
+    while (at - from >= 16) {
+      if (const unsigned hits = byte_search::Hits(data + at - 16, wanted)) {
+        return at - 16 + static_cast<std::size_t>(std::bit_width(hits)) - 1;
+      }
+      at -= 16;
+      while (at - from >= 64 && !AnyInSixtyFour(data + at - 64, wanted)) at -= 64;
     }
-    at -= 16;
-    while (at - from >= 64 && !AnyInSixtyFour(data + at - 64, wanted)) at -= 64;
+    // The first bytes, together with some behind them.
+    const unsigned hits = byte_search::Hits(data + from, wanted) & ((1u << (at - from)) - 1);
+    return hits == 0 ? kNone : from + static_cast<std::size_t>(std::bit_width(hits)) - 1;
   }
 #endif
   while (at > from) {

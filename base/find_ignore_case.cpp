@@ -1,4 +1,5 @@
 // FindIgnoreCase: looks for the first and the last byte of the needle in sixteen places at once.
+#include <algorithm>
 #include <bit>
 
 #include "base/ascii.h"
@@ -43,12 +44,14 @@ std::size_t FindIgnoreCase(std::string_view text, std::string_view lower_needle,
 #if defined(__SSE2__)
   const Wanted first(lower_needle.front()), last(lower_needle.back());
   const std::size_t to_last = lower_needle.size() - 1;
-  for (; at < places && places - at >= 16; at += 16) {
+  while (at < places && places - from >= 16) {
+    at = std::min(at, places - 16);  // the last sixteen places overlap those before them
     const __m128i both = _mm_and_si128(first.In(text.data() + at), last.In(text.data() + at + to_last));
     for (auto hits = static_cast<unsigned>(_mm_movemask_epi8(both)); hits != 0; hits &= hits - 1) {
       const std::size_t place = at + static_cast<std::size_t>(std::countr_zero(hits));
       if (HasAt(text, place, lower_needle)) return place;
     }
+    at += 16;
   }
 #endif
   for (; at < places; ++at) {

@@ -57,6 +57,7 @@ class IndexTable {
   [[nodiscard]] std::size_t MemoryBytes() const { return slots_.capacity() * sizeof(Slot); }
 
  private:
+  static constexpr std::size_t kFewest = 64;
   struct Slot {
     std::uint32_t hash = 0;
     std::uint32_t number_plus_one = 0;  // 0: the slot is free
@@ -69,7 +70,7 @@ class IndexTable {
   }
 
   void Grow() {
-    std::vector<Slot> old(slots_.empty() ? 16 : slots_.size() * 2);
+    std::vector<Slot> old(slots_.empty() ? kFewest : slots_.size() * 2);
     old.swap(slots_);
     mask_ = slots_.size() - 1;
     for (const Slot& slot : old) {

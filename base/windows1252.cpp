@@ -1,5 +1,6 @@
 #include "base/windows1252.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -12,8 +13,6 @@ constexpr std::array<std::uint16_t, 32> kHigh = {0x20AC, 0x0081, 0x201A, 0x0192,
                                                  0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161,
                                                  0x203A, 0x0153, 0x009D, 0x017E, 0x0178};  // bytes 0x80 to 0x9F
 
-std::uint32_t Decode(unsigned char byte) { return byte >= 0x80 && byte <= 0x9F ? kHigh[byte - 0x80] : byte; }
-
 // The byte for a character, or '?'.
 char Encode(std::uint32_t character) {
   if (character < 0x80 || (character >= 0xA0 && character <= 0xFF)) return static_cast<char>(character);
@@ -23,17 +22,41 @@ char Encode(std::uint32_t character) {
   return '?';
 }
 
-void AppendUtf8(std::string& out, std::uint32_t character) {
-  if (character < 0x80) {
-    out += static_cast<char>(character);
-  } else if (character < 0x800) {
-    out += static_cast<char>(0xC0 | (character >> 6));
-    out += static_cast<char>(0x80 | (character & 0x3F));
-  } else {
-    out += static_cast<char>(0xE0 | (character >> 12));
-    out += static_cast<char>(0x80 | ((character >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (character & 0x3F));
-  }
+// A byte as UTF-8: three bytes at most. Four bytes in all, so that one store writes it; the length is overwritten by
+// what comes next.
+struct Utf8 {
+  char bytes[3];
+  std::uint8_t length;
+};
+static_assert(sizeof(Utf8) == 4);
+
+constexpr Utf8 ToUtf8(std::uint32_t character) {
+  const auto rest = [&](int shift) { return static_cast<char>(0x80 | ((character >> shift) & 0x3F)); };
+  if (character < 0x80) return {{static_cast<char>(character)}, 1};
+  if (character < 0x800) return {{static_cast<char>(0xC0 | (character >> 6)), rest(0)}, 2};
+  return {{static_cast<char>(0xE0 | (character >> 12)), rest(6), rest(0)}, 3};
+}
+
+constexpr std::array<Utf8, 256> MakeUtf8() {
+  std::array<Utf8, 256> table{};
+  for (std::uint32_t i = 0; i < table.size(); ++i) table[i] = ToUtf8(i >= 0x80 && i <= 0x9F ? kHigh[i - 0x80] : i);
+  return table;
+}
+constexpr std::array<Utf8, 256> kUtf8 = MakeUtf8();
+
+constexpr std::uint64_t kTopBits = 0x8080808080808080u;
+
+inline std::uint64_t Eight(const char* bytes) {
+  std::uint64_t eight;
+  std::memcpy(&eight, bytes, sizeof eight);
+  return eight;
+}
+
+// Writes the byte and up to three bytes behind it; returns where the next one goes.
+inline char* PutByte(char* out, char byte) {
+  const Utf8& utf8 = kUtf8[static_cast<unsigned char>(byte)];
+  std::memcpy(out, &utf8, sizeof utf8);
+  return out + utf8.length;
 }
 
 // Reads one character and moves `at` behind it; a malformed sequence is one bad byte long and reads as U+FFFD.
@@ -59,12 +82,10 @@ std::uint32_t NextCharacter(std::string_view text, std::size_t& at) {
 }  // namespace
 
 bool IsAscii(std::string_view bytes) {
-  constexpr std::uint64_t kTopBits = 0x8080808080808080u;
   std::size_t i = 0;
   for (; i + 32 <= bytes.size(); i += 32) {
-    std::uint64_t word[4];
-    std::memcpy(word, bytes.data() + i, sizeof word);
-    if (((word[0] | word[1] | word[2] | word[3]) & kTopBits) != 0) return false;
+    const char* const at = bytes.data() + i;
+    if (((Eight(at) | Eight(at + 8) | Eight(at + 16) | Eight(at + 24)) & kTopBits) != 0) return false;
   }
   for (; i < bytes.size(); ++i) {
     if (static_cast<unsigned char>(bytes[i]) > 127) return false;
@@ -72,11 +93,30 @@ bool IsAscii(std::string_view bytes) {
   return true;
 }
 
+// Pages are ASCII with a few other characters nearly always, so ASCII goes eight bytes at a time.
 std::string Windows1252ToUtf8(std::string bytes) {
   if (IsAscii(bytes)) return bytes;
+  constexpr std::size_t kPiece = 1024;
+  char piece[3 * kPiece + sizeof(Utf8)];
   std::string text;
   text.reserve(bytes.size() + bytes.size() / 8);
-  for (const char c : bytes) AppendUtf8(text, Decode(static_cast<unsigned char>(c)));
+  const char* at = bytes.data();
+  for (std::size_t left = bytes.size(); left > 0;) {
+    const char* const end = at + std::min(left, kPiece);
+    left -= static_cast<std::size_t>(end - at);
+    char* out = piece;
+    for (; end - at >= 8; at += 8) {
+      const std::uint64_t eight = Eight(at);
+      if ((eight & kTopBits) == 0) {
+        std::memcpy(out, &eight, sizeof eight);
+        out += sizeof eight;
+      } else {
+        for (int i = 0; i < 8; ++i) out = PutByte(out, at[i]);
+      }
+    }
+    while (at < end) out = PutByte(out, *at++);
+    text.append(piece, static_cast<std::size_t>(out - piece));
+  }
   return text;
 }
 

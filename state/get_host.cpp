@@ -6,7 +6,7 @@ namespace quenlar {
 
 std::string_view HostPart(std::string_view address) {
   constexpr std::string_view kScheme = "http://";
-  if (StartsWithIgnoreCase(address, kScheme)) address.remove_prefix(kScheme.size());
+  if (address.starts_with(kScheme) || StartsWithIgnoreCase(address, kScheme)) address.remove_prefix(kScheme.size());
   return address.substr(0, address.find('/'));
 }
 

@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 
 TEST(FindByte, FindsAByteAtEveryPlaceOfEveryLength) {
-  for (std::size_t size = 0; size < 200; ++size) {
+  for (std::size_t size = 0; size < 450; size += size < 200 ? 1 : 17) {
     const std::string blank(size, '.');
     EXPECT_EQ(FindByte(blank, 'x'), kNone);
     EXPECT_EQ(FindLastByte(blank, 'x', 0, size), kNone);
