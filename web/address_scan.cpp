@@ -1,10 +1,13 @@
 #include "web/address_scan.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 
 #include "base/ascii.h"
 #include "base/byte_search.h"
+#include "web/address_masks.h"
 
 namespace quenlar {
 namespace {
@@ -29,11 +32,36 @@ constexpr std::array<std::uint8_t, 256> kKinds = MakeKinds();
 
 inline bool Is(char c, std::uint8_t kind) { return (kKinds[static_cast<unsigned char>(c)] & kind) != 0; }
 
+// The end of the run of domain characters that begins at `begin`.
+std::size_t DomainRunEnd(std::string_view text, std::size_t begin) {
+  std::size_t end = begin;
+#if defined(__SSE2__)
+  for (; text.size() - end >= 16; end += 16) {
+    const unsigned others = ~AddressBytes(text.data() + end).Domain() & 0xFFFF;
+    if (others != 0) return end + static_cast<std::size_t>(std::countr_zero(others));
+  }
+#endif
+  while (end < text.size() && Is(text[end], kDomain)) ++end;
+  return end;
+}
+
+// Where the run of local characters that ends at `end` begins; it reaches back to `from` at most.
+std::size_t LocalRunBegin(std::string_view text, std::size_t from, std::size_t end) {
+  std::size_t begin = end;
+#if defined(__SSE2__)
+  for (; begin > from && begin >= 16; begin -= 16) {
+    const unsigned others = ~AddressBytes(text.data() + begin - 16).Local() & 0xFFFF;
+    if (others != 0) return std::max(from, begin - 16 + static_cast<std::size_t>(std::bit_width(others)));
+  }
+#endif
+  while (begin > from && Is(text[begin - 1], kLocal)) --begin;
+  return std::max(from, begin);
+}
+
 // Where the local part that ends before `sign` begins: the first word boundary in the run of local characters, which
 // reaches back to `from` at most; `sign` itself when there is none.
 std::size_t LocalStart(std::string_view text, std::size_t from, std::size_t sign) {
-  std::size_t start = sign;
-  while (start > from && Is(text[start - 1], kLocal)) --start;
+  std::size_t start = LocalRunBegin(text, from, sign);
   bool word_before = start > 0 && Is(text[start - 1], kWord);
   for (; start < sign; ++start) {
     const bool word = Is(text[start], kWord);
@@ -53,10 +81,9 @@ std::size_t TopLevelEnd(std::string_view text, std::size_t dot) {
 
 // The end of the domain that begins at `begin`: the last dot that is followed by a top-level name wins; 0 without one.
 std::size_t DomainEnd(std::string_view text, std::size_t begin) {
-  std::size_t end = begin;
-  while (end < text.size() && Is(text[end], kDomain)) ++end;
-  for (std::size_t dot = end; dot-- > begin + 1;) {
-    if (text[dot] != '.') continue;
+  const std::size_t end = DomainRunEnd(text, begin);
+  const std::size_t first = std::min(begin + 1, end);
+  for (std::size_t dot = end; (dot = FindLastByte(text, '.', first, dot)) != std::string_view::npos;) {
     if (const std::size_t found = TopLevelEnd(text, dot)) return found;
   }
   return 0;

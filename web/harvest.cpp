@@ -35,8 +35,8 @@ class Inserter {
  public:
   Inserter(const Inserter&) = delete;
   Inserter& operator=(const Inserter&) = delete;
-  Inserter(AnalysisContext& context, std::string_view page_address, std::string title)
-      : context_(context), title_(std::move(title)), page_{page_address, title_} {}
+  Inserter(AnalysisContext& context, std::string_view page, std::string_view page_address)
+      : context_(context), title_(GetPageTitle(page)), page_{page_address, title_} {}
 
   // Pumps before every address. Returns how many addresses were dealt with: all of them, or those up to the one that
   // reached the stop number.
@@ -95,12 +95,13 @@ class Inserter {
 
 HarvestEnd ExtractAddresses(AnalysisContext& context, std::string_view page, std::string_view page_address) {
   context.pump();
-  Inserter inserter(context, page_address, GetPageTitle(page));
   PageAddresses addresses(context.project.found.hash());
   Collect(context, page, addresses);
   context.pump();
   const auto text = addresses.TextList(), tag = addresses.TagList();
   std::size_t left = text.size() + tag.size();
+  if (left == 0) return HarvestEnd::kWholePage;  // most pages: nobody asks for their titles
+  Inserter inserter(context, page, page_address);
   left -= inserter.Insert(text, false);
   if (!inserter.stopped()) left -= inserter.Insert(tag, tag.size() == 1);
   return left == 0 ? HarvestEnd::kWholePage : HarvestEnd::kStopNumberReached;

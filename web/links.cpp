@@ -48,6 +48,14 @@ bool HoldsSecureScheme(std::string_view address) {
   return false;
 }
 
+// Whether the address holds "/#". A "/" stands in every address, a "#" in few.
+bool HoldsFragment(std::string_view address) {
+  for (std::size_t at = FindByte(address, '#'); at != kNone; at = FindByte(address, '#', at + 1)) {
+    if (at > 0 && address[at - 1] == '/') return true;
+  }
+  return false;
+}
+
 // 1 to 9 for "1" to "9", 10 for "0", 0 for anything else.
 int LevelOfDigit(std::string_view digit) {
   if (digit.size() != 1 || !IsDigit(digit[0])) return 0;
@@ -96,7 +104,7 @@ std::string_view LinkResolver::Folder() {
 }
 
 std::optional<std::string_view> FollowedAddress(int level, std::string_view address) {
-  if (address.find("/#") != kNone || HoldsSecureScheme(address) || ContainsIgnoreCase(address, "microsoft")) {
+  if (HoldsFragment(address) || HoldsSecureScheme(address) || ContainsIgnoreCase(address, "microsoft")) {
     return std::nullopt;
   }
   // Only pages of level 0 leave the encyclopedia out.

@@ -30,6 +30,7 @@ std::uint32_t PageAddresses::Find(std::string_view address, std::uint32_t hash) 
 }
 
 void PageAddresses::Append(Place place, std::string_view address, std::uint32_t hash, std::uint32_t known) {
+  if (entries_.empty()) MakeRoom();
   if (known == IndexTable::kNone) {
     known = static_cast<std::uint32_t>(entries_.size());
     entries_.push_back({address, hash, 0});
@@ -37,6 +38,13 @@ void PageAddresses::Append(Place place, std::string_view address, std::uint32_t 
   }
   entries_[known].places |= Bit(place);
   ListOf(place).push_back({address, known});
+}
+
+// A page with addresses often has several: the lists do not begin with one each.
+void PageAddresses::MakeRoom() {
+  constexpr std::size_t kSeveral = 32;
+  entries_.reserve(kSeveral);
+  for (std::vector<Item>* list : {&tag_, &mail_, &between_}) list->reserve(kSeveral);
 }
 
 std::vector<PageAddresses::Item>& PageAddresses::ListOf(Place place) {

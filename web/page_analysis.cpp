@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "base/ascii.h"
+#include "base/byte_search.h"
 #include "state/link_queue.h"
 #include "web/links.h"
 #include "web/tag_scanner.h"
@@ -58,10 +60,13 @@ bool IsNamed(std::string_view tag, std::string_view name) {
   return tag.empty() || tag.front() == ' ' || StartsWithIgnoreCase(tag, "&nbsp;");
 }
 
-// Whether a tag whose text begins with this character can be an anchor or a frame.
-constexpr bool MayBeWanted(char c) {
-  const char lower = ToLower(c);
-  return lower == 'a' || lower == 'f' || c == ' ';
+// The last closing anchor of the page, or npos. Anything that begins like one is one.
+std::size_t LastClosingAnchor(std::string_view page) {
+  std::size_t at = page.size();
+  do {
+    at = FindLastByte(page, '<', 0, at);
+  } while (at != kNone && !StartsWithIgnoreCase(page.substr(at), "</a"));
+  return at;
 }
 
 // Who found the links, and where they go.
@@ -82,13 +87,17 @@ class TagWalk {
 
   // Pumps at every tag. False when a stop request cut the walk short.
   bool Run() {
+    bool cut_short = false;
+    const auto passed = [&](std::size_t first, int count) {
+      context_.pump.Light(count);
+      if (!context_.run.stop_requested) return true;
+      cut_short = FindByte(page_, '>', first) != kNone;  // what is never closed is no tag, so it is not missed
+      return false;
+    };
     TagScanner tags(page_);
-    for (TagScanner::Tag tag{}; tags.Next(tag);) {
-      context_.pump.Light();
-      if (context_.run.stop_requested) return false;
-      if (MayBeWanted(page_[tag.open + 1]) && !Look(tag)) return true;
+    for (TagScanner::Tag tag{}; tags.Next(tag, passed) && Look(tag);) {
     }
-    return true;
+    return !cut_short;
   }
 
  private:
@@ -106,8 +115,8 @@ class TagWalk {
   // An anchor without a closing tag anywhere behind it ends the walk: meant.
   bool Anchor(std::string_view text, std::size_t close) {
     context_.pump();
-    if (closing_ < close) closing_ = FindIgnoreCase(page_, "</a", close);
-    if (closing_ == kNone) return false;
+    if (!last_closing_) last_closing_ = LastClosingAnchor(page_);
+    if (*last_closing_ == kNone || *last_closing_ < close) return false;
     const std::string_view target = AttributeView(text, "href=", buffer_);
     if (!IsUnwantedFile(target)) Queue(target);
     return true;
@@ -128,7 +137,7 @@ class TagWalk {
   const PageKind& kind_;
   LinkResolver resolver_;
   std::string buffer_;
-  std::size_t closing_ = 0;  // the first "</a" behind the last anchor that had to look for it
+  std::optional<std::size_t> last_closing_;  // looked for at the first anchor
 };
 
 PageKind KindOf(std::string_view request_name) {

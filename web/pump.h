@@ -18,8 +18,11 @@ class Pump {
 
   // Pumps: any download may complete and any other analysis may run inside.
   void operator()() { Count(kUsualWork); }
-  // The same after next to no work: the many tags that are of no interest.
-  void Light() { Count(1); }
+  // The same `times` times, after next to no work each time: the many tags that are of no interest.
+  void Light(int times) {
+    Count(times);
+    for (; always_ && times > 1; --times) Slow();
+  }
 
  private:
   static constexpr int kStride = 256;  // light pump points between two looks at the clock

@@ -1,4 +1,4 @@
-// The tags of a page, from each "<" to the next ">".
+// The tags of a page that may be anchors or frames.
 #pragma once
 
 #include <bit>
@@ -7,12 +7,14 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/byte_masks.h"
+#include "base/byte_search.h"
+#include "web/tag_masks.h"
 
 namespace quenlar {
 
 // A tag begins at the first "<" behind the tag before it and ends at the first ">" behind that; what lies in it,
-// another "<" too, belongs to it. Looks at sixty-four bytes at a time. The page must stay as it is.
+// another "<" too, belongs to it. So a "<" begins a tag unless the last "<" or ">" before it is a "<", and tags of no
+// interest need not be gone through one by one. Looks at sixty-four bytes at a time. The page must stay as it is.
 class TagScanner {
  public:
   explicit TagScanner(std::string_view page) : page_(page) {}
@@ -20,44 +22,72 @@ class TagScanner {
   struct Tag {
     std::size_t open, close;  // the positions of "<" and ">"
   };
-  // False where there is no further "<" with a ">" behind it; then never call it again.
-  [[nodiscard]] bool Next(Tag& tag) {
-    while (opens_ == 0) {
+  // The next tag whose text begins with "a", "f" (in either case) or a blank. `passed(first, count)` is told of all
+  // tags, in order: of those gone by and of the next one before it is returned; `first` is where the first of them
+  // begins. It may end the search by returning false. False at the end; then never call it again. The last tag that
+  // `passed` is told of may lack its ">".
+  template <typename Passed>
+  [[nodiscard]] bool Next(Tag& tag, Passed passed) {
+    for (;;) {
+      if (wanted_ != 0) {
+        const std::uint64_t bit = wanted_ & (~wanted_ + 1);
+        wanted_ &= ~bit;
+        if (!Tell(bit | (bit - 1), passed)) return false;
+        tag.open = Place(bit);
+        const std::uint64_t closes = closes_ & ~(bit - 1);
+        tag.close = closes != 0 ? Place(closes) : FindByte(page_, '>', next_);
+        return tag.close != std::string_view::npos;
+      }
+      if (!Tell(~std::uint64_t{0}, passed)) return false;
       if (!NextBlock()) return false;
     }
-    const int open = std::countr_zero(opens_);
-    tag.open = block_ + static_cast<std::size_t>(open);
-    closes_ &= ~std::uint64_t{0} << open;
-    while (closes_ == 0) {
-      if (!NextBlock()) return false;
-    }
-    const int close = std::countr_zero(closes_);
-    tag.close = block_ + static_cast<std::size_t>(close);
-    opens_ &= ~std::uint64_t{0} << close;
-    return true;
   }
 
  private:
+  [[nodiscard]] std::size_t Place(std::uint64_t bits) const {
+    return block_ + static_cast<std::size_t>(std::countr_zero(bits));
+  }
+
+  template <typename Passed>
+  bool Tell(std::uint64_t bits, Passed& passed) {
+    const std::uint64_t tags = untold_ & bits;
+    if (tags == 0) return true;
+    untold_ &= ~bits;
+    return passed(Place(tags), std::popcount(tags));
+  }
+
   bool NextBlock() {
     if (next_ >= page_.size()) return false;
     block_ = next_;
     next_ += kMaskBytes;
-    ByteMasks masks;
-    if (page_.size() - block_ >= kMaskBytes) {
-      masks = MasksOf(page_.data() + block_, '<', '>');
+    TagMasks masks;
+    if (page_.size() - block_ > kMaskBytes) {
+      masks = TagMasksOf(page_.data() + block_);
     } else {
-      char rest[kMaskBytes] = {};
+      char rest[kMaskBytes + 1] = {};
       std::memcpy(rest, page_.data() + block_, page_.size() - block_);
-      masks = MasksOf(rest, '<', '>');
+      masks = TagMasksOf(rest);
     }
-    opens_ = masks.first;
-    closes_ = masks.second;
+    closes_ = masks.closes;
+    untold_ = TagsAmong(masks);
+    wanted_ = masks.wanted & untold_;
+    if ((masks.opens | masks.closes) != 0) in_tag_ = masks.opens > masks.closes;
     return true;
+  }
+
+  // The "<" that begin a tag. The addition carries a bit from behind every ">" (and from the front, outside of a tag)
+  // over all bytes that are neither, to the next "<" or ">".
+  [[nodiscard]] std::uint64_t TagsAmong(const TagMasks& masks) const {
+    const std::uint64_t outside = masks.closes << 1 | (in_tag_ ? 0u : 1u);
+    return (outside + ~(masks.opens | masks.closes)) & masks.opens;
   }
 
   std::string_view page_;
   std::size_t block_ = 0, next_ = 0;  // the block that the masks are of, and the one behind it
-  std::uint64_t opens_ = 0, closes_ = 0;
+  std::uint64_t closes_ = 0;
+  std::uint64_t wanted_ = 0;  // tags of interest, not yet returned
+  std::uint64_t untold_ = 0;  // all tags, as far as nobody has been told of them
+  bool in_tag_ = false;       // whether the next block begins within a tag
 };
 
 }  // namespace quenlar

@@ -55,7 +55,7 @@ std::string_view AttributeView(std::string_view tag, std::string_view name, std:
   if (!value.empty() && (value.front() == '"' || value.front() == '\'')) value = Quoted(value, value.front());
   value = value.substr(0, value.find(' '));
   value = value.substr(0, value.find("\r\n"));
-  if (value.find(kEntityRest) == kNone) return value;
+  if (value.find(';') == kNone || value.find(kEntityRest) == kNone) return value;  // ";" is rarer than "a"
   buffer = ReplaceAll(value, kEntityRest, "");
   return buffer;
 }

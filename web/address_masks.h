@@ -1,0 +1,35 @@
+// Which of sixteen bytes can stand in an address, as bits: bit i tells of data[i].
+#pragma once
+
+#if defined(__SSE2__)
+
+#include <emmintrin.h>
+
+namespace quenlar {
+
+class AddressBytes {
+ public:
+  explicit AddressBytes(const char* data) : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(data))) {
+    const __m128i lower = _mm_or_si128(bytes_, _mm_set1_epi8(0x20));
+    // Letters, digits, "-" and ".": what local parts and domains have in common.
+    common_ = _mm_or_si128(_mm_or_si128(Within(lower, 'a', 'z'), Within(bytes_, '0', '9')), Within(bytes_, '-', '.'));
+  }
+  [[nodiscard]] unsigned Domain() const { return Bits(common_); }
+  [[nodiscard]] unsigned Local() const {
+    return Bits(_mm_or_si128(_mm_or_si128(common_, Is('_')), _mm_or_si128(Is('%'), Is('+'))));
+  }
+
+ private:
+  static unsigned Bits(__m128i hits) { return static_cast<unsigned>(_mm_movemask_epi8(hits)); }
+  [[nodiscard]] __m128i Is(char c) const { return _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(c)); }
+  static __m128i Within(__m128i bytes, char first, char last) {
+    const __m128i above_first = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
+    return _mm_cmpeq_epi8(_mm_min_epu8(above_first, _mm_set1_epi8(static_cast<char>(last - first))), above_first);
+  }
+
+  __m128i bytes_, common_;
+};
+
+}  // namespace quenlar
+
+#endif
