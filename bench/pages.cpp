@@ -1,7 +1,6 @@
 #include "bench/pages.h"
 
 #include <fstream>
-#include <iterator>
 #include <random>
 
 namespace quenlar::bench {
@@ -52,8 +51,10 @@ std::vector<std::string> LoadPages(const std::string& list_file) {
   std::vector<std::string> pages;
   std::ifstream list(list_file);
   for (std::string path; std::getline(list, path);) {
-    std::ifstream in(path, std::ios::binary);
-    if (in) pages.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    if (!in) continue;
+    std::string& page = pages.emplace_back(static_cast<std::size_t>(in.tellg()), '\0');
+    in.seekg(0).read(page.data(), static_cast<std::streamsize>(page.size()));
   }
   return pages;
 }
