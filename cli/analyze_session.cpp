@@ -7,11 +7,11 @@
 
 #include <fmt/format.h>
 
-#include "app/home.h"
 #include "base/ascii.h"
 #include "base/windows1252.h"
 #include "cli/analyze_request.h"
 #include "cli/json_text.h"
+#include "cli/workplace.h"
 #include "platform/code_page.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
@@ -226,11 +226,7 @@ Json AnalyzeSession::Answering::operator()(SettingsRequest request) const {
 Json AnalyzeSession::Answering::operator()(OpenRequest request) const {
   State& s = *session.state_;
   if (!s.opened()) {
-    if (Status made = MakeFolders(session.lent_.files, session.site_.program_folder, session.site_.separator);
-        !made.ok()) {
-      return AnalyzeError(made.message());
-    }
-    auto lock = LockHome(session.lent_.files, session.site_);
+    auto lock = TakeHome(session.lent_.files, session.site_);
     if (!lock.ok()) return AnalyzeError(lock.status().message());
     for (const char* below : {"data", "report"}) {
       const Status made =

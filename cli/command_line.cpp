@@ -41,10 +41,6 @@ PlatformChoice ChooseHome(const System& system, const std::string& home) {
 
 int RunChosen(System& system, const CommandLine& line) {
   Invocation invocation(system, ChooseHome(system, line.home));
-  if (invocation.choice().home.empty()) {
-    invocation.Say("There is no program folder; name one by --home !");
-    return kExitFailed;
-  }
   return line.chosen(invocation);
 }
 

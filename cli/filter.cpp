@@ -38,7 +38,7 @@ bool CanBeStored(const std::optional<std::vector<std::string>>& words) {
 }
 
 int Show(Invocation& invocation) {
-  const Result<Platform> platform = invocation.system().Open(invocation.choice());
+  const Result<Platform> platform = OpenHome(invocation);
   if (!platform.ok()) {
     invocation.Say(platform.status().message() + " !");
     return kExitFailed;

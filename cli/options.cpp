@@ -66,7 +66,7 @@ int Options(Invocation& invocation, const OptionsArguments& arguments) {
   }
   if (arguments.value) return SetOption(invocation, *named, *arguments.value);
 
-  const Result<Platform> platform = invocation.system().Open(invocation.choice());
+  const Result<Platform> platform = OpenHome(invocation);
   if (!platform.ok()) {
     invocation.Say(platform.status().message() + " !");
     return kExitFailed;

@@ -6,7 +6,7 @@
 
 namespace quenlar {
 int Projects(Invocation& invocation) {
-  const Result<Platform> platform = invocation.system().Open(invocation.choice());
+  const Result<Platform> platform = OpenHome(invocation);
   if (!platform.ok()) {
     invocation.Say(platform.status().message() + " !");
     return kExitFailed;

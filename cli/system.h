@@ -16,7 +16,7 @@ namespace quenlar {
 
 // Where the program lives and how it reaches the network; all of it is known once the options have been read.
 struct PlatformChoice {
-  std::string home;         // the program folder: an absolute path without a trailing separator
+  std::string home;         // the program folder: an absolute path without a trailing separator; "" where there is none
   bool home_given = false;  // by --home or QUENLAR_HOME: settings and project list lie in it too
   std::string proxy;        // "http://host:port", or "" for the system's own proxy settings
 };

@@ -17,7 +17,14 @@ struct Workplace {
   std::unique_ptr<FolderLock> lock;
 };
 
-// Fails where another program works in the folder, before anything is written, or where it cannot be made.
+// The platform of a command that needs a program folder; fails where there is none.
+[[nodiscard]] Result<Platform> OpenHome(Invocation& invocation);
+
+// Makes the program folder where it is missing and holds it. Fails where there is none, where it cannot be made, or
+// where another program works in it; nothing but the folder has been made then.
+[[nodiscard]] Result<std::unique_ptr<FolderLock>> TakeHome(Files& files, const Site& site);
+
+// The same for a whole command.
 [[nodiscard]] Result<Workplace> TakeWorkplace(Invocation& invocation);
 
 // The stored settings and the project list as they are, without writing anything on a first start.

@@ -136,6 +136,15 @@ TEST(Analyze, RefusesToOpenAProjectInAFolderInWhichAnotherProgramWorks) {
             "{\"error\":\"Another Quenlar is at work in /user/quenlar\"}\n{\"error\":\"no project is open\"}\n");
 }
 
+TEST(Analyze, NeedsAProgramFolderFromTheFirstOpenedProjectOn) {
+  CommandSystem system;
+  system.default_home = "";
+  EXPECT_EQ(Answers(system, "{\"host\":\"http://a.example/b\"}\n{\"open\":\"a.example\"}\n"),
+            "{\"host\":\"http://a.example\"}\n"
+            "{\"error\":\"There is no program folder; name one by --home\"}\n");
+  EXPECT_TRUE(system.fake.files.AllFiles().empty());
+}
+
 TEST(Analyze, GivesTheFolderBackAtAReset) {
   CommandSystem system;
   Answers(system, "{\"open\":\"a.example\"}\n{\"reset\":true}\n{\"open\":\"b.example\"}\n");

@@ -109,6 +109,30 @@ TEST(CommandLine, TakesTheHomeFromTheOptionThenTheEnvironmentThenTheSystem) {
   EXPECT_TRUE(AbsolutePath("given").starts_with(here));
 }
 
+TEST(CommandLine, NeedsAProgramFolderOnlyWhereSomethingLiesInIt) {
+  const std::string book = AbsolutePath("book.txt");
+  for (const Arguments& arguments : {Arguments{"extract", "a.example"},
+                                     {"projects"},
+                                     {"delete", "a.example", "--yes"},
+                                     {"report", "a.example"},
+                                     {"options"},
+                                     {"options", "Search", "1"},
+                                     {"filter"},
+                                     {"filter", "--remove", "a"}}) {
+    CommandSystem system;
+    system.default_home = "";
+    EXPECT_EQ(system.Run(arguments), kExitFailed) << arguments[0];
+    EXPECT_EQ(system.errors(), "There is no program folder; name one by --home !\n") << arguments[0];
+  }
+  for (const Arguments& arguments :
+       {Arguments{"analyze", "--jsonl"}, {"merge", "book.txt", "--output", "all.txt"}, {"net"}}) {
+    CommandSystem system;
+    system.default_home = "";
+    system.fake.files.Put(book, "a@x.test");
+    EXPECT_EQ(system.Run(arguments), kExitDone) << arguments[0] << ": " << system.errors();
+  }
+}
+
 TEST(AbsolutePath, HasNoDotsAndNoSeparatorAtItsEnd) {
   EXPECT_EQ(AbsolutePath("a/./b/"), AbsolutePath("a/b"));
   EXPECT_EQ(AbsolutePath("./"), AbsolutePath("."));
