@@ -10,6 +10,7 @@
 #include "cli/exit_status.h"
 #include "cli/json_text.h"
 #include "cli/progress_line.h"
+#include "cli/terminal_text.h"
 #include "platform/event_loop.h"
 #include "platform/interface_table.h"
 #include "run/end_reasons.h"
@@ -189,8 +190,9 @@ void ExtractRun::TellWhatWasNotRecognised() {
 void ExtractRun::AddRow(std::uint32_t index, bool) {
   if (!engine_.run.running || nobody_reads_) return;  // what is loaded is not new
   progress_.Clear();
-  const bool written = console_.Write(FormatAddress(engine_.project.found.At(index), options_.format));
-  if (written) return;
+  std::string line = FormatAddress(engine_.project.found.At(index), options_.format);
+  if (console_.OutputIsTerminal()) line = ForTerminal(std::string_view(line).substr(0, line.size() - 1)) + "\n";
+  if (console_.Write(line)) return;
   nobody_reads_ = true;
   Stop();
 }

@@ -324,5 +324,17 @@ TEST_F(ExtractTest, NothingThatAPageHoldsSteersTheTerminal) {
   EXPECT_EQ(drawn.find('\x07'), std::string::npos);
 }
 
+TEST_F(ExtractTest, AnAddressOfAPageSteersNoTerminalThatShowsItAndIsWholeInAPipe) {
+  constexpr const char* kPage = "http://www.shop.example/x\x1b[2J.html";
+  system.fake.fetcher.Serve("http://www.shop.example", "<a href=\"x\x1b[2J.html\">x</a>");
+  system.fake.fetcher.Serve(kPage, "<p>hidden@shop.test</p>");
+  EXPECT_EQ(Extract({"--format", "csv"}), kExitDone);
+  EXPECT_EQ(system.output(), std::string("\"hidden@shop.test\",\"") + kPage + "\",\"\",\"0\"\n");
+  system.fake.files.Delete("/user/quenlar/report/shop_example.rpt").Ignore("so that the address is new again");
+  system.streams.output_is_terminal = true;
+  EXPECT_EQ(Extract({"--format", "csv"}), kExitDone);
+  EXPECT_EQ(system.output(), "\"hidden@shop.test\",\"http://www.shop.example/x?[2J.html\",\"\",\"0\"\n");
+}
+
 }  // namespace
 }  // namespace quenlar
