@@ -124,8 +124,9 @@ class LineCutter {
     return go_on;
   }
 
-  // The line that nothing ends, if there is one.
+  // The line that nothing ends, if there is one. A file cut inside its last line end has half of one there.
   void AtEnd() {
+    if (rest_.ends_with('\r')) rest_ += '\n';
     if (!rest_.empty()) HandOn();
   }
 
