@@ -1,7 +1,6 @@
 // Paths that people type.
 #pragma once
 
-#include <optional>
 #include <string>
 
 namespace quenlar {
