@@ -1,4 +1,6 @@
 // quenlar merge: merges address books into one list without duplicates.
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "cli/commands.h"
@@ -10,6 +12,10 @@
 
 namespace quenlar {
 namespace {
+
+bool IsBookOf(const eMailBookMerge& merge, const std::string& path) {
+  return std::any_of(merge.BookList.begin(), merge.BookList.end(), [&](const Book& book) { return book.Path == path; });
+}
 
 // Reads every book before anything is written, so the output may be one of them where --force allows it.
 int MergeWith(Invocation& invocation, const Platform& platform, const MergeArguments& arguments) {
@@ -28,8 +34,14 @@ int MergeWith(Invocation& invocation, const Platform& platform, const MergeArgum
     status = kExitFailed;
   };
   eMailBookMerge merge;
-  for (const std::string& book : arguments.books) {
-    if (const Result<bool> added = merge.AddBook(AbsolutePath(book)); !added.ok()) failed(added.status().message());
+  for (const std::string& argument : arguments.books) {
+    const std::string book = AbsolutePath(argument);
+    const Result<bool> added = merge.AddBook(book);
+    if (!added.ok()) failed(added.status().message());
+    // Names that differ in case alone are one book to the engine: meant. They can be two files where "/" separates.
+    if (added.ok() && !added.value() && invocation.system().separator() == '/' && !IsBookOf(merge, book)) {
+      failed(argument + " is passed over, its name differs from another book's in case alone !");
+    }
   }
   for (const std::string& message : merge.Extract(platform.files, platform.code_page, platform.loop)) failed(message);
   if (merge.Addresses.Count() == 0) {

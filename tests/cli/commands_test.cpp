@@ -216,6 +216,19 @@ TEST_F(MergeTest, PassesOverABookThatCannotBeReadAndMergesTheOthers) {
   EXPECT_EQ(Text("all.txt"), "a@x.test \r\nb@x.test \r\nc@x.test \r\n");
 }
 
+TEST_F(MergeTest, SaysThatABookIsPassedOverWhoseNameDiffersInCaseAlone) {
+  Put("One.txt", "d@x.test");
+  EXPECT_EQ(system.Run({"merge", "one.txt", "One.txt", "one.txt", "-o", "all.txt"}), kExitFailed);
+  EXPECT_EQ(system.errors(), "One.txt is passed over, its name differs from another book's in case alone !\n");
+  EXPECT_EQ(Text("all.txt"), "a@x.test \r\nb@x.test \r\n");
+}
+
+TEST_F(MergeTest, TakesABookThatIsNamedTwiceOnceWithoutAWord) {
+  EXPECT_EQ(system.Run({"merge", "one.txt", "./one.txt", "-o", "all.txt"}), kExitDone);
+  EXPECT_EQ(system.errors(), "");
+  EXPECT_EQ(Text("all.txt"), "a@x.test \r\nb@x.test \r\n");
+}
+
 TEST_F(MergeTest, WritesNothingWhenNoAddressIsFound) {
   Put("none.txt", "nothing here");
   EXPECT_EQ(system.Run({"merge", "none.txt", "-o", "all.txt"}), kExitFailed);
