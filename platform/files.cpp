@@ -22,4 +22,13 @@ Status WriteWhole(Files& files, const std::string& path, std::string_view bytes)
   return written.ok() ? replacement.value()->Commit() : written;
 }
 
+Result<std::string> KeepAside(Files& files, const std::string& path) {
+  std::string aside = path + ".bak";
+  for (int n = 2; files.FileExists(aside) || files.FolderExists(aside); ++n) aside = path + ".bak" + std::to_string(n);
+  const Status renamed = files.Rename(path, aside);
+  if (renamed.kind() == StatusKind::kNotFound) return std::string();
+  if (!renamed.ok()) return renamed;
+  return aside;
+}
+
 }  // namespace quenlar

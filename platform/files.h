@@ -63,4 +63,8 @@ class Files {
 // Replaces the whole file in one step.
 Status WriteWhole(Files& files, const std::string& path, std::string_view bytes);
 
+// Gives what lies at `path` a name under which nothing lies: ".bak", or ".bak2" and so on. The new name, or "" when
+// there was nothing.
+[[nodiscard]] Result<std::string> KeepAside(Files& files, const std::string& path);
+
 }  // namespace quenlar

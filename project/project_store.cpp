@@ -24,17 +24,6 @@ Status Sentence(const Status& status, const std::string& path, const char* what)
   return {status.kind(), path + " cannot be " + what + ": " + reason + " !"};
 }
 
-// Gives what lies at `path` a name under which nothing lies: ".bak", or ".bak2" and so on. The new name, or "" when
-// there was nothing.
-Result<std::string> KeepAside(Files& files, const std::string& path) {
-  std::string aside = path + ".bak";
-  for (int n = 2; files.FileExists(aside) || files.FolderExists(aside); ++n) aside = path + ".bak" + std::to_string(n);
-  const Status renamed = files.Rename(path, aside);
-  if (renamed.kind() == StatusKind::kNotFound) return std::string();
-  if (!renamed.ok()) return renamed;
-  return aside;
-}
-
 // The report's text in UTF-8. A report that memory does not hold is an unreadable one.
 Result<std::string> ReadReportText(const Platform& platform, const std::string& path) {
   try {

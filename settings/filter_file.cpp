@@ -34,20 +34,33 @@ std::string FilterFilePath(const Site& site) {
   return site.program_folder + site.separator + "data" + site.separator + "ExtractFilter.dat";
 }
 
-Status WriteFilterFile(Files& files, const CodePage& code_page, const std::string& path, const FilterWords& words) {
+Status WriteFilterFile(Files& files, const CodePage& code_page, const std::string& path, FilterWords& words) {
   if (words.RemoveFilterWords.size() > kMaxWritten || words.ExtractFilterWords.size() > kMaxWritten) {
     return {StatusKind::kLimit, "Overflow !"};
   }
   std::string text = std::string("Brenvy Quenlar Pro, ") + kHomePage + "\r\n\r\n";
   AddLines(text, "<r>", words.RemoveFilterWords, "</r>");
   AddLines(text, "<e>", words.ExtractFilterWords, "</e>");
-  return WriteWhole(files, path, code_page.FromUtf8(std::move(text)));
+  std::string kept;
+  if (words.keep_old_file) {
+    auto aside = KeepAside(files, path);
+    if (!aside.ok()) return aside.status();
+    kept = aside.take();
+  }
+  const Status written = WriteWhole(files, path, code_page.FromUtf8(std::move(text)));
+  if (written.ok()) {
+    words.keep_old_file = false;
+  } else if (!kept.empty()) {
+    files.Rename(kept, path).Ignore("the file is whole under its other name");
+  }
+  return written;
 }
 
 std::vector<std::string> ReadFilterFile(const Files& files, const CodePage& code_page, const std::string& path,
                                         FilterWords& words) {
   if (!files.FileExists(path)) return {};
   auto bytes = ReadWhole(files, path, kMaxFileBytes);
+  words.keep_old_file = !bytes.ok();
   if (!bytes.ok()) return {"The filter words cannot be read: " + bytes.status().message() + " !"};
   const std::string text = code_page.ToUtf8(bytes.take());
   CollectTagged(text, "<r>", "</r>", words.RemoveFilterWords);

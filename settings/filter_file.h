@@ -14,11 +14,11 @@ namespace quenlar {
 
 [[nodiscard]] std::string FilterFilePath(const Site& site);
 
-// Replaces the file.
-Status WriteFilterFile(Files& files, const CodePage& code_page, const std::string& path, const FilterWords& words);
+// Replaces the file. One that could not be read is kept aside first, so that its words are not lost.
+Status WriteFilterFile(Files& files, const CodePage& code_page, const std::string& path, FilterWords& words);
 
 // ReadFilterFile: appends the file's words to both lists and builds the patterns; a missing file changes nothing.
-// Returns the messages of BuildFilterPatterns; an unreadable file is one more message.
+// Returns the messages of BuildFilterPatterns; an unreadable file is one more message, and is kept by the next save.
 [[nodiscard]] std::vector<std::string> ReadFilterFile(const Files& files, const CodePage& code_page,
                                                       const std::string& path, FilterWords& words);
 

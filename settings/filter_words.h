@@ -21,6 +21,7 @@ class FilterWords final : public AddressFilter {
   std::vector<std::string> ExtractFilterWords;
   std::string RemoveFilterPattern;
   std::string ExtractFilterPattern;
+  bool keep_old_file = false;  // the filter file could not be read; the next save keeps it under another name
 
   // Rebuilds both patterns from the words. A word is a regular expression as it stands; "*" in it is [\s\S]*.
   // Where a pattern is no valid expression, the words that are none by themselves count as no match. Returns one

@@ -149,5 +149,37 @@ TEST_F(FilterFileTest, UnreadableFileIsReportedAndLeavesTheWords) {
   EXPECT_TRUE(words.RemoveFilterWords.empty());
 }
 
+TEST_F(FilterFileTest, UnreadableFileIsKeptAsideByTheNextWriteAndByNoLaterOne) {
+  files.Put(path + ".bak", "an earlier one");
+  files.Put(path, "<r>a</r>");
+  files.FailCall(1, StatusKind::kDenied);
+  (void)ReadFilterFile(files, code_page, path, words);
+  words.RemoveFilterWords = {"b"};
+  ASSERT_TRUE(Write().ok());
+  ASSERT_TRUE(Write().ok());
+  EXPECT_EQ(files.Contents(path + ".bak"), "an earlier one");
+  EXPECT_EQ(files.Contents(path + ".bak2"), "<r>a</r>");
+  EXPECT_EQ(files.Contents(path), std::string(kBanner) + "<r>b</r>\r\n");
+  EXPECT_EQ(files.AllFiles().size(), 3u);
+}
+
+TEST_F(FilterFileTest, UnreadableFileKeepsItsNameWhenTheWriteFails) {
+  for (int n = 1; n <= 4; ++n) {  // the rename aside, then the replacement's three calls
+    files.Put(path, "<r>a</r>");
+    files.FailCall(1, StatusKind::kDenied);
+    (void)ReadFilterFile(files, code_page, path, words);
+    files.FailCall(n, StatusKind::kFull);
+    EXPECT_FALSE(Write().ok()) << n;
+    EXPECT_EQ(files.Contents(path), "<r>a</r>") << n;
+    EXPECT_EQ(files.AllFiles().size(), 1u) << n;
+  }
+}
+
+TEST_F(FilterFileTest, ReadableFileIsReplacedWithoutACopy) {
+  (void)Read("<r>a</r>");
+  ASSERT_TRUE(Write().ok());
+  EXPECT_EQ(files.AllFiles().size(), 1u);
+}
+
 }  // namespace
 }  // namespace quenlar
