@@ -2,6 +2,7 @@
 
 #include <array>
 #include <bit>
+#include <new>
 
 #include <zlib.h>
 
@@ -45,10 +46,15 @@ bool ContentDecoder::Add(std::string_view bytes, std::string& out) {
   taken_ += bytes.size();
   failed_ = failed_ || taken_ > max_bytes_;  // also of what decodes to nothing, or follows the end
   if (failed_ || bytes.empty()) return !failed_;
-  if (coding_ == ContentCoding::kIdentity) {
-    Append(bytes, out);
-  } else {
-    failed_ = !Inflate(bytes, out);
+  // The callers are libraries that no exception must cross.
+  try {
+    if (coding_ == ContentCoding::kIdentity) {
+      Append(bytes, out);
+    } else {
+      failed_ = !Inflate(bytes, out);
+    }
+  } catch (const std::bad_alloc&) {
+    failed_ = true;
   }
   return !failed_;
 }

@@ -230,6 +230,26 @@ TEST_F(Environment, TheLocaleIsOfNoInfluence) {
             "GET http://xn--bcher-kva.example/echo/%C3%BC HTTP/1.1");
 }
 
+#ifndef __SANITIZE_ADDRESS__  // which needs all of the address space for itself
+TEST_F(HostileServer, APageThatMemoryDoesNotHoldFailsAndTheNextOneArrives) {
+  const int status = EndOf([this] {
+    ExpectOrdinaryService();
+    std::ifstream sizes("/proc/self/statm");
+    rlim_t pages = 0;
+    sizes >> pages;
+    const rlim_t held = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+    const rlimit little{.rlim_cur = held + (20 << 20), .rlim_max = RLIM_INFINITY};
+    setrlimit(RLIMIT_AS, &little);
+    for (const char* path : {"/endless", "/chunks/endless", "/gzip/bomb"}) {
+      ExpectFailure(path);
+      ExpectOrdinaryService();
+    }
+    _exit(HasFailure() ? 1 : 0);
+  });
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+#endif
+
 TEST_F(HostileServer, ADownloadFailsWhileTheProcessIsOutOfDescriptorsAndWorksAgainLater) {
   const int status = EndOf([this] {
     ExpectOrdinaryService();
