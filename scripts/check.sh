@@ -70,6 +70,9 @@ ban std-regex 'std::w?regex|#include <regex>' "$product"
 ban raw-new '(^|[^a-zA-Z_])new [A-Za-z_:]+[({;]' "$portable"
 ban unbounded-copy '(^|[^a-zA-Z_:])(strcpy|strcat|sprintf|vsprintf|gets)\(' "$product"
 ban printing '(^|[^a-zA-Z_])(std::cout|std::cerr|printf\(|puts\()' "$(printf '%s\n' "$portable" | grep -v '^cli/')"
+# Time that people read; everything that waits or measures takes the clock that is never set.
+ban wall-clock 'system_clock|[^a-zA-Z_](std::)?time\((nullptr|NULL|&)|gettimeofday|CLOCK_REALTIME|Get(Local|System)Time' \
+  "$(printf '%s\n' "$product" | grep -vE '^platform/(posix|win32)/[a-z_]*clock\.cpp$')"
 ban sleeping 'sleep_for|sleep_until|[^a-zA-Z_]usleep\(|[^a-zA-Z_]Sleep\(' "$product"
 
 # 6. Headers stand alone: a source includes its own header first; a header without a source is compiled by itself.

@@ -212,6 +212,18 @@ TEST_F(PosixFilesTest, AFullMediumLeavesTheOldFileWholeAndNoTrace) {
   }
 }
 
+TEST_F(PosixFilesTest, AFolderThatVanishesIsAFailureAndWritingWorksAgainOnceItIsBack) {
+  ASSERT_TRUE(files_.MakeFolder(At("f")).ok());
+  auto replacement = files_.Replace(At("f/a"));
+  ASSERT_TRUE(replacement.ok());
+  ASSERT_TRUE(replacement.value()->Write("x").ok());
+  std::filesystem::remove_all(At("f"));
+  EXPECT_EQ(replacement.value()->Commit().kind(), StatusKind::kNotFound);
+  EXPECT_EQ(WriteWhole(files_, At("f/a"), "x").kind(), StatusKind::kNotFound);
+  ASSERT_TRUE(files_.MakeFolder(At("f")).ok());
+  EXPECT_TRUE(WriteWhole(files_, At("f/a"), "x").ok());
+}
+
 TEST_F(PosixFilesTest, EveryCallAfterAFailureFailsAlike) {
   const int failures = WithSmallDisk(1000, [&] {
     auto replacement = files_.Replace(At("a"));
