@@ -1,8 +1,8 @@
 // A generated web of any size behind one loopback port, to be used as an HTTP proxy: hosts www.h0.example,
-// www.h1.example,
-// ... each with a start page that links to its own pages and to two other hosts, and pages that hold addresses. Nothing
-// is stored; every page is made from its address. One thread, poll. usage: farm_server HOSTS PAGES-PER-HOST
-// ADDRESSES-PER-PAGE DELAY-MILLISECONDS Prints its port and serves until its standard input ends.
+// www.h1.example, ... each with a start page that links to its own pages and to two other hosts, and pages that hold
+// addresses. Nothing is stored; every page is made from its address. One thread, poll. usage: farm_server HOSTS
+// PAGES-PER-HOST ADDRESSES-PER-PAGE DELAY-MILLISECONDS Prints its port and serves until its standard input ends. To
+// each byte of its input it prints how many pages it has answered so far.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +22,7 @@ using Clock = std::chrono::steady_clock;
 
 struct Farm {
   long hosts, pages, addresses, delay_ms;
+  long answered = 0;
 
   [[nodiscard]] std::string Page(std::string_view url) const {
     const std::size_t at = url.find("://www.h");
@@ -62,20 +63,21 @@ int Listen(int& port) {
   return listener;
 }
 
-void Answer(const Farm& farm, Connection& connection) {
+void Answer(Farm& farm, Connection& connection) {
   const std::size_t end = connection.in.find("\r\n\r\n");
   if (end == std::string::npos || !connection.out.empty()) return;
   const std::size_t first = connection.in.find(' ');
   const std::size_t last = connection.in.find(' ', first + 1);
   const std::string body = farm.Page(std::string_view(connection.in).substr(first + 1, last - first - 1));
   connection.in.erase(0, end + 4);
+  ++farm.answered;
   connection.out = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: " + std::to_string(body.size()) +
                    "\r\n\r\n" + body;
   connection.ready = Clock::now() + std::chrono::milliseconds(farm.delay_ms);
 }
 
 // False when the connection is over.
-bool Move(const Farm& farm, int socket, Connection& connection, short events) {
+bool Move(Farm& farm, int socket, Connection& connection, short events) {
   if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) {
     char bytes[16384];
     const ssize_t count = read(socket, bytes, sizeof bytes);
@@ -97,7 +99,7 @@ bool Move(const Farm& farm, int socket, Connection& connection, short events) {
 int main(int argc, char** argv) {
   if (argc != 5)
     return std::fprintf(stderr, "usage: farm_server HOSTS PAGES-PER-HOST ADDRESSES-PER-PAGE DELAY-MS\n"), 2;
-  const Farm farm{std::atol(argv[1]), std::atol(argv[2]), std::atol(argv[3]), std::atol(argv[4])};
+  Farm farm{std::atol(argv[1]), std::atol(argv[2]), std::atol(argv[3]), std::atol(argv[4])};
   int port = 0;
   const int listener = Listen(port);
   std::printf("%d\n", port);
@@ -116,6 +118,8 @@ int main(int argc, char** argv) {
     if (ends[0].revents != 0) {
       char byte;
       if (read(0, &byte, 1) <= 0) return 0;
+      std::printf("%ld\n", farm.answered);
+      std::fflush(stdout);
     }
     if ((ends[1].revents & POLLIN) != 0) connections[accept(listener, nullptr, nullptr)] = {};
     for (std::size_t i = 2; i < ends.size(); ++i) {
