@@ -238,7 +238,7 @@ Json AnalyzeSession::Answering::operator()(OpenRequest request) const {
   s.store.OpenProject(request.text);
   // What a run does when it starts: it counts its own pages, and the stop number counts its own addresses.
   s.run.stop_requested = false;
-  s.run.scan_count = 0;
+  s.run.ScanCount = 0;
   s.run.baseline = static_cast<std::int32_t>(s.project.found.Count());
 
   Json queues = Json::object();

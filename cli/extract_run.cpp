@@ -94,7 +94,7 @@ ExtractResult ExtractRun::Run() {
   result_.data_file = engine_.project.data_file;
   result_.report_file = engine_.project.report_file;
   result_.addresses = engine_.project.found.Count();
-  result_.scanned = engine_.run.scan_count;
+  result_.scanned = engine_.run.ScanCount;
   result_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
   return result_;
 }
@@ -181,7 +181,7 @@ int ExtractRun::StatusOfEnd() const {
 
 // A search page that is no list of results (a block page, a page that asks for consent) looks like an empty list.
 void ExtractRun::TellWhatWasNotRecognised() {
-  const bool search_alone = engine_.project.is_keyword && engine_.run.scan_count == 0;
+  const bool search_alone = engine_.project.is_keyword && engine_.run.ScanCount == 0;
   if (search_alone && result_.reason == kEndAllParsed && engine_.project.queues[0].Count() == 0) {
     TellOnce("No search result was recognised !");
   }
@@ -229,7 +229,7 @@ void ExtractRun::Redraw() {
   if (!progress_.on() || !engine_.run.running) return;
   ProgressLine::Figures figures;
   figures.addresses = engine_.project.found.Count();
-  figures.scanned = engine_.run.scan_count;
+  figures.scanned = engine_.run.ScanCount;
   for (const LinkQueue& queue : engine_.project.queues) {
     figures.links += queue.Count();
     figures.visited += queue.Next();

@@ -68,7 +68,7 @@ void RunDriver::Begin() {
   run_.running = true;
   run_.stop_requested = !host_.StopButtonShown();
   run_.off_line = false;
-  run_.scan_count = 0;
+  run_.ScanCount = 0;
   requests_.clear();
   for (LinkQueue& queue : project_.queues) queue.RestartInFlight();
 }

@@ -44,8 +44,6 @@ class LinkQueue {
 
   // The record is done: it is in flight no more. Does nothing for a record that is not in flight.
   void Finish(std::uint32_t index);
-  // Everything in flight is done.
-  void FinishAll() { in_flight_.clear(); }
 
   // Indices in flight, ascending.
   [[nodiscard]] const std::vector<std::uint32_t>& InFlight() const { return in_flight_; }

@@ -21,9 +21,11 @@ struct RunState {
   std::int16_t upgrade_share = 0;  // the part of pending[0] that the upgrade check added
   [[nodiscard]] bool LevelZeroPending() const { return pending[0] > upgrade_share; }
 
-  std::int32_t scan_count = 0;  // pages analysed in the run
-  std::int32_t baseline = 0;    // the address count when the run started
-  std::int16_t link_depth = 1;  // the link number below which an expansion page's links are followed
+  std::int32_t ScanCount = 0;  // pages analysed in the run
+  std::int32_t baseline = 0;   // the address count when the run started
+  // The link number below which an expansion page's links are followed. Nothing changes it and links are queued with 1
+  // or more, so only level-0 pages feed the queues: meant.
+  std::int16_t LinkDepth = 1;
 };
 
 // The project named by the text of the input box.

@@ -160,10 +160,10 @@ int LevelOfLetter(char letter) {
 PageOutcome ParsePage(AnalysisContext& context, std::string_view page, std::string_view request_name) {
   const PageKind kind = KindOf(request_name);
   if (kind.level < 0) return {};
-  ++context.run.scan_count;
-  context.view.ShowScanCount(context.run.scan_count);
+  ++context.run.ScanCount;
+  context.view.ShowScanCount(context.run.ScanCount);
   PageOutcome outcome{true, ExtractAddresses(context, page, kind.address) == HarvestEnd::kStopNumberReached};
-  if (kind.level > 0 && kind.number >= context.run.link_depth) return outcome;
+  if (kind.level > 0 && kind.number >= context.run.LinkDepth) return outcome;
 
   const std::string words = kStageWords[static_cast<std::size_t>(kind.level)];
   context.view.ShowStage("Parsing" + words + " data ...");

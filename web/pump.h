@@ -8,7 +8,7 @@
 namespace quenlar {
 
 // Lets the message loop run, but really asks the system only when time has passed since it last did: a page of
-// 10,000 tags pumps 20,000 times and must not be slowed by it. `Always` is for tests that deliver pages in every pump.
+// 10,000 tags pumps 20,000 times and must not be slowed by it. kAlways is for tests that deliver pages in every pump.
 class Pump {
  public:
   enum class Pace { kWhenTimeHasPassed, kAlways };

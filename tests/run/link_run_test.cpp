@@ -169,13 +169,13 @@ TEST_F(LinkRun, WakesForALinkThatARedirectQueues) {
 }
 
 TEST_F(LinkRun, CountsTheScannedPagesOfThisRunOnly) {
-  run.scan_count = 55;
+  run.ScanCount = 55;
   fetcher.Serve("http://start.test", PageOf({"a.html"}));
   ServeEmptyPages();
   driver.Run();
-  EXPECT_EQ(run.scan_count, 2);
+  EXPECT_EQ(run.ScanCount, 2);
   RunAgain();
-  EXPECT_EQ(run.scan_count, 2);
+  EXPECT_EQ(run.ScanCount, 2);
 }
 
 TEST_F(LinkRun, GoesOnAfterFailedPages) {

@@ -51,7 +51,7 @@ TEST_F(WebControl, RaisesTheEventOfEachLevelAfterItsParser) {
   for (int level = 0; level < kLevels; ++level) {
     const std::string name = RequestLetter(level) + std::string("1http://h/p");
     Start(name);
-    at_event = [&] { EXPECT_EQ(run.scan_count, level + 1); };
+    at_event = [&] { EXPECT_EQ(run.ScanCount, level + 1); };
     Deliver(name, "<p>a@x.de</p>");
     EXPECT_EQ(events.back(), std::to_string(level) + " " + name + " whole");
     EXPECT_EQ(stall_resets, level + 1);
@@ -84,7 +84,7 @@ TEST_F(WebControl, ASearchPageFillsLevelZero) {
   EXPECT_EQ(Queue(0), Strings{"http://a"});
   EXPECT_EQ(events, Strings{"0 Ghttp://engine/search whole"});
   EXPECT_EQ(project.found.Count(), 0u);
-  EXPECT_EQ(run.scan_count, 0);
+  EXPECT_EQ(run.ScanCount, 0);
 }
 
 TEST_F(WebControl, AFailedSearchPageRaisesItsEventAndAddsNothing) {
@@ -135,6 +135,16 @@ TEST_F(WebControl, ARedirectIsQueuedAsAFreshLink) {
   EXPECT_EQ(events, Strings{"0 M2http://h/p whole"});
 }
 
+TEST_F(WebControl, ARedirectIsQueuedOnlyWhereALinkWouldBe) {
+  for (const char* target :
+       {"https://h/x", "http://www.microsoft.com/", "http://h/#top", "http://en.wikipedia.org/x"}) {
+    web.Redirect("M2http://h/p", target);
+    EXPECT_EQ(Queue(0), Strings{}) << target;
+    EXPECT_EQ(Queue(2), Strings{}) << target;
+    EXPECT_EQ(view.last_stage(), "Redirecting ...");
+  }
+}
+
 TEST_F(WebControl, ARedirectOfAnExpansionPageCountsUp) {
   Start("Y1http://h/p");
   fetcher.Redirect("Y1http://h/p", "http://h/y");
@@ -162,6 +172,7 @@ TEST_F(WebControl, AStopRequestSilencesProgressAndRedirects) {
   EXPECT_EQ(Queue(0), Strings{});
   Deliver("X1http://h/q", "<p>a@x.de</p>");  // completion still analyses
   EXPECT_EQ(Addresses(), Strings{"a@x.de"});
+  EXPECT_EQ(view.stages, Strings{"Download complete ..."});
   EXPECT_EQ(events, (Strings{"0 M2http://h/p whole", "1 X1http://h/q whole"}));
 }
 

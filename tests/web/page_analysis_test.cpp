@@ -29,7 +29,7 @@ TEST_F(PageAnalysis, TakesTheLevelFromTheDigitOfTheRequestName) {
   Parse("<a href=y>x</a>", "M-http://h/page");
   EXPECT_EQ(Queue(9), Strings{"http://h/x"});
   EXPECT_EQ(Queue(10), Strings{"http://h/x"});
-  EXPECT_EQ(run.scan_count, 3);
+  EXPECT_EQ(run.ScanCount, 3);
 }
 
 TEST_F(PageAnalysis, KnowsATagByItsExactName) {
@@ -171,7 +171,7 @@ TEST_F(PageAnalysis, APageInsideAPumpLeavesTheOuterOneWhole) {
   EXPECT_TRUE(Parse("<p>outer@x.de</p><a href=1>x</a><a href=2>x</a>").result);
   EXPECT_EQ(Queue(1), (Strings{"http://h/a/inner", "http://h/a/1", "http://h/a/2"}));
   EXPECT_EQ(Addresses(), (Strings{"inner@x.de", "outer@x.de"}));
-  EXPECT_GT(run.scan_count, 2);
+  EXPECT_GT(run.ScanCount, 2);
 }
 
 TEST_F(PageAnalysis, ShortAndForeignRequestNamesDoNoHarm) {
@@ -180,7 +180,7 @@ TEST_F(PageAnalysis, ShortAndForeignRequestNamesDoNoHarm) {
   EXPECT_TRUE(Parse("<a href=x>a</a>", "X").result);
   EXPECT_FALSE(Parse("<a href=x>a</a>", "").result);
   EXPECT_FALSE(Parse("<a href=x>a</a>", "G1").result);
-  EXPECT_EQ(run.scan_count, 3);
+  EXPECT_EQ(run.ScanCount, 3);
 }
 
 }  // namespace
