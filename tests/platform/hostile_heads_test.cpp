@@ -107,10 +107,7 @@ class SecureServer : public HostileServer {
   std::string Secure(const std::string& which) { return "https://127.0.0.1:" + Fetch("/tls/" + which).body + "/page"; }
 };
 
-TEST_F(SecureServer, ACertificateOfATrustedAuthorityIsAccepted) {
-  if (!platform_->TakesAuthorities()) return;
-  ExpectPage(Secure("right"), "secure page");
-}
+TEST_F(SecureServer, ACertificateOfATrustedAuthorityIsAccepted) { ExpectPage(Secure("right"), "secure page"); }
 
 TEST_F(SecureServer, ACertificateOfAnUnknownAuthorityFails) {
   UseFetcher(platform_->MakeFetcher("", ""));
@@ -128,7 +125,6 @@ TEST_F(SecureServer, ACertificateThatIsNotValidFailsBehindARedirectToo) {
 }
 
 TEST_F(SecureServer, ARedirectFromHttpsToHttpIsToldAndNotFollowed) {
-  if (!platform_->TakesAuthorities()) return;
   const Fetched fetched = Fetch(Secure("downgrade"));
   EXPECT_TRUE(fetched.failed);
   EXPECT_EQ(fetched.redirects, std::vector<std::string>{Address("/page")});

@@ -49,8 +49,6 @@ class TestPlatform {
   // whatever the environment says. The certificates in the file `authorities` (PEM) are trusted, if it is named.
   [[nodiscard]] virtual std::unique_ptr<PageFetcher> MakeFetcher(const std::string& proxy,
                                                                  const std::string& authorities) = 0;
-  // False where `authorities` has no effect.
-  [[nodiscard]] virtual bool TakesAuthorities() const { return true; }
   // Serves `handler` under ServerAddress() ("http://127.0.0.1:4711") from now on; once a platform.
   virtual void Serve(ServeHandler handler) = 0;
   [[nodiscard]] virtual std::string ServerAddress() = 0;
