@@ -249,13 +249,19 @@ TEST_F(MainWindowRun, MoreRecordsThanAWriterCountsAreAnOverflowAtTheEnd) {
 
 TEST_F(MainWindowRun, AnOverflowDuringTheRunStandsInPanel1AndTheRunGoesOn) {
   Start();
-  Type("www.cars.test");
-  for (int i = 0; i < 40000; ++i) engine.project.queues[10].AddIfNew("http://never.test/" + std::to_string(i));
-  std::vector<std::string> stages;
-  extract.stsExtract.changed = [&](ui::Aspect) { stages.push_back(Panel(1)); };
-  engine.projects.SaveProjectData();
-  EXPECT_THAT(stages, ElementsAre("Overflow !"));
-  EXPECT_THAT(boxes.shown, IsEmpty());
+  Type("www.stalled.test");
+  extract.cmdExtract.Click();
+  loop.Schedule(seconds(2), [this] {
+    for (int i = 0; i < 40000; ++i) engine.project.queues[10].AddIfNew("http://never.test/" + std::to_string(i));
+    engine.projects.SaveProjectData();
+    EXPECT_EQ(Panel(1), "Overflow !");
+    EXPECT_THAT(boxes.shown, IsEmpty());
+    EXPECT_TRUE(engine.run.running);
+    EXPECT_FALSE(engine.run.stop_requested);
+    extract.cmdExtract.Click();
+  });
+  FinishRun();
+  EXPECT_THAT(boxes.texts(), ElementsAre(kEndStopButton, "Overflow !"));
 }
 
 TEST_F(MainWindowRun, AFilterWordThatTakesTooManyStepsIsToldWhenTheRunHasEnded) {
