@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -44,6 +45,28 @@ int RunChosen(System& system, const CommandLine& line) {
   return line.chosen(invocation);
 }
 
+int Run(System& system, std::vector<std::string> arguments) {
+  Console& console = system.console();
+  if (!std::all_of(arguments.begin(), arguments.end(), IsUtf8)) {
+    Invocation::SayOn(console, "quenlar: the arguments must be UTF-8 text");
+    return kExitUsage;
+  }
+  CommandLine line;
+  try {
+    std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the back
+    line.root->parse(arguments);
+  } catch (const CLI::ParseError& error) {
+    return TellParseOutcome(console, *line.root, error);
+  }
+  try {
+    return RunChosen(system, line);
+  } catch (const std::exception& error) {
+    // Memory that cannot be had, before all. Files are replaced in one step, so each is whole.
+    Invocation::SayOn(console, std::string("quenlar: ") + error.what());
+    return kExitFailed;
+  }
+}
+
 }  // namespace
 
 CommandLine::CommandLine()
@@ -71,25 +94,11 @@ CommandLine::CommandLine()
 CommandLine::~CommandLine() = default;
 
 int RunCommandLine(System& system, std::vector<std::string> arguments) {
-  Console& console = system.console();
-  if (!std::all_of(arguments.begin(), arguments.end(), IsUtf8)) {
-    Invocation::SayOn(console, "quenlar: the arguments must be UTF-8 text");
-    return kExitUsage;
-  }
-  CommandLine line;
-  try {
-    std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the back
-    line.root->parse(arguments);
-  } catch (const CLI::ParseError& error) {
-    return TellParseOutcome(console, *line.root, error);
-  }
-  try {
-    return RunChosen(system, line);
-  } catch (const std::exception& error) {
-    // Memory that cannot be had, before all. Files are replaced in one step, so each is whole.
-    Invocation::SayOn(console, std::string("quenlar: ") + error.what());
-    return kExitFailed;
-  }
+  const int status = Run(system, std::move(arguments));
+  // A reader that goes away wants no more; results that a full disk has cut short are another matter.
+  if (!system.console().OutputIsFull()) return status;
+  Invocation::SayOn(system.console(), "quenlar: no space is left for the results");
+  return kExitFailed;
 }
 
 }  // namespace quenlar

@@ -13,6 +13,8 @@ class Console {
 
   // Results. Written through at once; false when nobody reads them any more, from then on every call gives false.
   [[nodiscard]] virtual bool Write(std::string_view bytes) = 0;
+  // Whether such a failure is not the reader's doing: there is no space left behind standard output.
+  [[nodiscard]] virtual bool OutputIsFull() const = 0;
   // Messages and progress. A failure is of no interest: there is nowhere left to tell it.
   virtual void WriteError(std::string_view bytes) = 0;
   // Blocks for input; the bytes read, 0 at its end.

@@ -45,7 +45,10 @@ PosixConsole::PosixConsole() {
 }
 
 bool PosixConsole::Write(std::string_view bytes) {
-  if (!gone_ && !WriteAll(STDOUT_FILENO, bytes)) gone_ = true;
+  if (!gone_ && !WriteAll(STDOUT_FILENO, bytes)) {
+    gone_ = true;
+    full_ = errno == ENOSPC || errno == EDQUOT || errno == EFBIG;
+  }
   return !gone_;
 }
 

@@ -12,6 +12,7 @@ class PosixConsole : public Console {
   PosixConsole();
 
   [[nodiscard]] bool Write(std::string_view bytes) override;
+  [[nodiscard]] bool OutputIsFull() const override { return full_; }
   void WriteError(std::string_view bytes) override;
   [[nodiscard]] std::size_t Read(char* buffer, std::size_t size) override;
 
@@ -21,6 +22,7 @@ class PosixConsole : public Console {
 
  private:
   bool gone_ = false;  // a write to standard output has failed
+  bool full_ = false;  // for want of space
 };
 
 }  // namespace quenlar

@@ -50,7 +50,11 @@ Win32Console::Win32Console() {
 }
 
 bool Win32Console::Write(std::string_view bytes) {
-  if (!gone_ && !WriteTo(GetStdHandle(STD_OUTPUT_HANDLE), bytes)) gone_ = true;
+  if (!gone_ && !WriteTo(GetStdHandle(STD_OUTPUT_HANDLE), bytes)) {
+    const DWORD error = GetLastError();
+    gone_ = true;
+    full_ = error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL;
+  }
   return !gone_;
 }
 

@@ -11,6 +11,7 @@ class Win32Console final : public Console {
   Win32Console();
 
   [[nodiscard]] bool Write(std::string_view bytes) override;
+  [[nodiscard]] bool OutputIsFull() const override { return full_; }
   void WriteError(std::string_view bytes) override;
   [[nodiscard]] std::size_t Read(char* buffer, std::size_t size) override;
 
@@ -21,6 +22,7 @@ class Win32Console final : public Console {
 
  private:
   bool gone_ = false;  // a write to standard output has failed
+  bool full_ = false;  // for want of space
   bool error_understands_escapes_ = false;
 };
 

@@ -133,6 +133,16 @@ TEST(CommandLine, NeedsAProgramFolderOnlyWhereSomethingLiesInIt) {
   }
 }
 
+TEST(CommandLine, SaysThatResultsAreLostOnAFullDiskAndEndsWithStatus1) {
+  for (const Arguments& arguments : {Arguments{"--help"}, {"options"}, {"net"}, {"analyze", "--jsonl"}}) {
+    CommandSystem system;
+    system.streams.input = "{\"host\":\"a\"}\n";
+    system.streams.output_is_full = true;
+    EXPECT_EQ(system.Run(arguments), kExitFailed) << arguments[0];
+    EXPECT_EQ(system.errors(), "quenlar: no space is left for the results\n") << arguments[0];
+  }
+}
+
 TEST(AbsolutePath, HasNoDotsAndNoSeparatorAtItsEnd) {
   EXPECT_EQ(AbsolutePath("a/./b/"), AbsolutePath("a/b"));
   EXPECT_EQ(AbsolutePath("./"), AbsolutePath("."));

@@ -175,6 +175,13 @@ TEST_F(ExtractTest, EndsQuietlyAndLosesNothingWhenNobodyReadsAnyMore) {
   }
 }
 
+TEST_F(ExtractTest, SaysThatNoSpaceIsLeftForTheAddressesAndLosesNothing) {
+  system.streams.output_is_full = true;
+  EXPECT_EQ(Extract(), kExitFailed);
+  EXPECT_EQ(system.errors(), "quenlar: no space is left for the results\n");
+  EXPECT_NE(system.FileText("report/shop_example.rpt").find("a@shop.test"), std::string::npos);
+}
+
 TEST_F(ExtractTest, OverridesHoldForTheRunAloneAndAreNotStored) {
   Settings stored;
   SettingsStore store(system.fake.registry, stored);

@@ -17,14 +17,17 @@ class FakeConsole : public Console {
   std::optional<char> endless;  // behind `input` come this many of these
   std::size_t read_limit = 0;
   std::optional<std::size_t> readers_patience;  // the reader goes away after so many writes
+  bool output_is_full = false;
   bool output_is_terminal = false, error_is_terminal = false;
   int columns = 80;
 
   bool Write(std::string_view bytes) override {
+    gone_ = gone_ || output_is_full;
     if (readers_patience && (*readers_patience)-- == 0) readers_patience = 0, gone_ = true;
     if (!gone_) output += bytes;
     return !gone_;
   }
+  [[nodiscard]] bool OutputIsFull() const override { return output_is_full; }
   void WriteError(std::string_view bytes) override { errors += bytes; }
   std::size_t Read(char* buffer, std::size_t size) override {
     size = std::min(size, largest_read);

@@ -83,6 +83,13 @@ expect "results" "" "$(cat "$work/out")"
 expect "version" "quenlar 3.0" "$(quenlar --version | tr -d '\r')"
 expect_in "help" "Examples:" "$(quenlar merge --help)"
 
+if [ -e /dev/full ] && [ -z "$windows" ]; then
+  begin "results that no space is left for are a failure"
+  echo '{"host":"a"}' | quenlar analyze --jsonl >/dev/full 2>"$work/err"
+  expect "exit status" 1 $?
+  expect "message" "quenlar: no space is left for the results" "$(cat "$work/err")"
+fi
+
 begin "a merged list is written once"
 mkdir -p "$work/merge"
 printf 'a@x.test, b@x.test\r\nA@X.test\r\n' >"$work/merge/one.txt"
