@@ -33,6 +33,8 @@ class FoundAddresses {
 
   // Whether a record's Address equals this one but for ASCII letter case; the answer of a linear scan.
   [[nodiscard]] bool Contains(std::string_view address) const;
+  // The same for an address whose hash is known: hash().IgnoringCase(address).
+  [[nodiscard]] bool Contains(std::string_view address, std::uint32_t hash) const;
 
   // Appends without a test (a report may list an address twice). Records of one page in a row share its texts.
   void Add(const FoundAddress& record);
@@ -48,7 +50,7 @@ class FoundAddresses {
   bool AddIfNew(PageTexts& page, std::string_view address, bool tag_only) {
     return AddIfNew(page, address, hash_.IgnoringCase(address), tag_only);
   }
-  // The same for an address whose hash is known: hash().IgnoringCase(address).
+  // The same for an address whose hash is known.
   bool AddIfNew(PageTexts& page, std::string_view address, std::uint32_t hash, bool tag_only);
   // Stays the same also when the table is cleared.
   [[nodiscard]] const TextHash& hash() const { return hash_; }
@@ -82,7 +84,6 @@ class FoundAddresses {
   struct Page {
     std::string_view url, title;
   };
-  [[nodiscard]] bool Contains(std::string_view address, std::uint32_t hash) const;
   [[nodiscard]] std::uint32_t AddPage(std::string_view url, std::string_view title);
   void Append(std::uint32_t page, std::string_view address, bool tag_only);
 

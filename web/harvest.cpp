@@ -1,5 +1,6 @@
 #include "web/harvest.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,7 @@ class Inserter {
   Inserter(const Inserter&) = delete;
   Inserter& operator=(const Inserter&) = delete;
   Inserter(AnalysisContext& context, std::string_view page, std::string_view page_address)
-      : context_(context), title_(GetPageTitle(page)), page_{page_address, title_} {}
+      : context_(context), page_(page), texts_{page_address, {}} {}
 
   // Pumps before every address. Returns how many addresses were dealt with: all of them, or those up to the one that
   // reached the stop number.
@@ -75,7 +76,9 @@ class Inserter {
   // Pumps where a save is due. False when the table has the address.
   bool Add(const PageAddresses::Address& address, bool tag_only) {
     FoundAddresses& found = context_.project.found;
-    if (!found.AddIfNew(page_, address.text, address.hash, tag_only)) return false;
+    if (found.Contains(address.text, address.hash)) return false;
+    if (!title_) texts_.title = title_.emplace(GetPageTitle(page_));  // few pages have an address that is new
+    (void)found.AddIfNew(texts_, address.text, address.hash, tag_only);
     context_.view.AddRow(found.Count() - 1, tag_only);
     if (InRun() % context_.settings.SaveEvery() == 0) {
       context_.saver.SaveProjectData();
@@ -86,8 +89,9 @@ class Inserter {
   }
 
   AnalysisContext& context_;
-  std::string title_;
-  FoundAddresses::PageTexts page_;
+  std::string_view page_;
+  std::optional<std::string> title_;
+  FoundAddresses::PageTexts texts_;
   bool stopped_ = false;
 };
 
@@ -100,7 +104,6 @@ HarvestEnd ExtractAddresses(AnalysisContext& context, std::string_view page, std
   context.pump();
   const auto text = addresses.TextList(), tag = addresses.TagList();
   std::size_t left = text.size() + tag.size();
-  if (left == 0) return HarvestEnd::kWholePage;  // most pages: nobody asks for their titles
   Inserter inserter(context, page, page_address);
   left -= inserter.Insert(text, false);
   if (!inserter.stopped()) left -= inserter.Insert(tag, tag.size() == 1);

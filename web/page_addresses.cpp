@@ -3,6 +3,11 @@
 #include "base/ascii.h"
 
 namespace quenlar {
+namespace {
+
+constexpr std::size_t kSeveral = 16;  // a page with an address often has several
+
+}  // namespace
 
 std::vector<PageAddresses::Address> PageAddresses::TextList() const {
   std::vector<Address> list;
@@ -30,21 +35,16 @@ std::uint32_t PageAddresses::Find(std::string_view address, std::uint32_t hash) 
 }
 
 void PageAddresses::Append(Place place, std::string_view address, std::uint32_t hash, std::uint32_t known) {
-  if (entries_.empty()) MakeRoom();
   if (known == IndexTable::kNone) {
     known = static_cast<std::uint32_t>(entries_.size());
+    if (known == 0) entries_.reserve(kSeveral);
     entries_.push_back({address, hash, 0});
     index_.Insert(hash, known);
   }
   entries_[known].places |= Bit(place);
-  ListOf(place).push_back({address, known});
-}
-
-// A page with addresses often has several: the lists do not begin with one each.
-void PageAddresses::MakeRoom() {
-  constexpr std::size_t kSeveral = 32;
-  entries_.reserve(kSeveral);
-  for (std::vector<Item>* list : {&tag_, &mail_, &between_}) list->reserve(kSeveral);
+  std::vector<Item>& list = ListOf(place);
+  if (list.empty()) list.reserve(kSeveral);
+  list.push_back({address, known});
 }
 
 std::vector<PageAddresses::Item>& PageAddresses::ListOf(Place place) {

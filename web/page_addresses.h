@@ -49,7 +49,6 @@ class PageAddresses {
   static constexpr std::uint8_t Bit(Place place) { return static_cast<std::uint8_t>(place); }
   [[nodiscard]] std::uint32_t Find(std::string_view address, std::uint32_t hash) const;
   void Append(Place place, std::string_view address, std::uint32_t hash, std::uint32_t known);
-  void MakeRoom();
   [[nodiscard]] std::vector<Item>& ListOf(Place place);
   void TakeUnless(std::uint8_t places, const std::vector<Item>& list, std::vector<Address>& to) const;
 
