@@ -40,6 +40,6 @@ int main(int argc, char** argv) {
     worst = std::max(worst, family_worst);
     slowest = std::min(slowest, family_slowest);
   }
-  PrintGoal("factor per doubling, the worst family", 2.2, worst, false);
-  PrintGoal("MB/s, the slowest family and size from 64 KB", 100, slowest, true);
+  PrintGoal("hostile input: factor per doubling, the worst family", 2.2, worst, false);
+  PrintGoal("hostile input: MB/s, the slowest family and size from 64 KB", 100, slowest, true);
 }

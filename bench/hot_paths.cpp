@@ -9,7 +9,7 @@ namespace quenlar::bench {
 namespace {
 
 void HarvestDense(benchmark::State& state) {
-  const auto pages = DensePages(static_cast<std::size_t>(state.range(0)));
+  const auto pages = ContactPages(static_cast<std::size_t>(state.range(0)));
   PageBench bench;
   for (auto _ : state) {
     bench.Reset();
@@ -20,7 +20,7 @@ void HarvestDense(benchmark::State& state) {
 BENCHMARK(HarvestDense)->Range(64 << 10, 8 << 20);
 
 void AnalyseDense(benchmark::State& state) {
-  const auto pages = DensePages(static_cast<std::size_t>(state.range(0)));
+  const auto pages = ContactPages(static_cast<std::size_t>(state.range(0)));
   PageBench bench;
   for (auto _ : state) {
     bench.Reset();

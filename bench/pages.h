@@ -11,9 +11,11 @@ namespace quenlar::bench {
 // The files named in `list_file`, one path a line; those that cannot be read are left out.
 [[nodiscard]] std::vector<std::string> LoadPages(const std::string& list_file);
 
-// Pages laid out like mailing-list archives and contact lists, about `total_bytes` in all, with invented addresses
-// under reserved domains; the same pages for the same size.
+// Generated pages, about `total_bytes` in all, with invented addresses under reserved domains; the same pages for the
+// same size. Mailing-list archives: messages, indices of threads, and some lists of members.
 [[nodiscard]] std::vector<std::string> DensePages(std::size_t total_bytes);
+// Lists of members and nothing else: an address in every other line.
+[[nodiscard]] std::vector<std::string> ContactPages(std::size_t total_bytes);
 
 struct Family {
   const char* name;
