@@ -104,15 +104,13 @@ class SecureServer : public HostileServer {
     ASSERT_TRUE(WriteWhole(platform_->files(), path, Fetch("/tls/authority").body).ok());
     UseFetcher(platform_->MakeFetcher("", path));
   }
-  std::string Secure(const std::string& which) { return "https://127.0.0.1:" + Fetch("/tls/" + which).body + "/page"; }
+  // By name: not every system looks for a number among the names of a certificate.
+  std::string Secure(const std::string& which) { return "https://localhost:" + Fetch("/tls/" + which).body + "/page"; }
 };
 
 TEST_F(SecureServer, ACertificateOfATrustedAuthorityIsAccepted) { ExpectPage(Secure("right"), "secure page"); }
 
-TEST_F(SecureServer, ACertificateOfAnUnknownAuthorityFails) {
-  UseFetcher(platform_->MakeFetcher("", ""));
-  ExpectFailure(Secure("right"));
-}
+TEST_F(SecureServer, ACertificateOfAnUnknownAuthorityFails) { ExpectFailure(Secure("stranger")); }
 
 TEST_F(SecureServer, AnExpiredCertificateFails) { ExpectFailure(Secure("expired")); }
 

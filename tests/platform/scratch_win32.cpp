@@ -39,6 +39,10 @@ ScratchFolder::~ScratchFolder() {
 }
 
 ScratchRegistry::ScratchRegistry() : name_(L"Software\\" + UniqueName()) {
+  // The system finds its cryptography in the real registry, and keeps what it has found.
+  BYTE hash[20];
+  DWORD size = sizeof hash;
+  CryptHashCertificate(0, CALG_SHA1, 0, hash, 0, hash, &size);
   for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
     const std::wstring path = name_ + (root == HKEY_LOCAL_MACHINE ? L"\\Machine" : L"\\User");
     HKEY key = nullptr;
@@ -68,6 +72,8 @@ TrustedAuthority::TrustedAuthority(const std::string& pem_path) {
                                      &added);
     if (added) certificates_.push_back(added);
   }
+  // The certificates keep the store open, and others see only what has been written.
+  CertControlStore(store, 0, CERT_STORE_CTRL_COMMIT, nullptr);
   CertCloseStore(store, 0);
 }
 

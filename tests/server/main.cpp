@@ -77,6 +77,7 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
   endpoints["/tls/right"] = text(std::to_string(ports.right));
   endpoints["/tls/expired"] = text(std::to_string(ports.expired));
   endpoints["/tls/wrong-name"] = text(std::to_string(ports.wrong_name));
+  endpoints["/tls/stranger"] = text(std::to_string(ports.stranger));
   endpoints["/tls/downgrade"] = text(std::to_string(ports.downgrade));
   endpoints["/tls/authority"] = text(ports.authority);
 }

@@ -1,4 +1,4 @@
-// HTTPS with certificates that are right, expired, or for somebody else.
+// HTTPS with certificates that are right, expired, for somebody else, or by nobody known.
 #pragma once
 
 #include <string>
@@ -10,8 +10,9 @@ struct TlsPorts {
   int right = 0;          // for 127.0.0.1 and localhost
   int expired = 0;        // a right one, until yesterday
   int wrong_name = 0;     // for other.example
+  int stranger = 0;       // a right one, but signed by an authority that nobody knows
   int downgrade = 0;      // right, and each answer is a redirect to plain http
-  std::string authority;  // the certificate of the authority that has signed them all (PEM)
+  std::string authority;  // the certificate of the authority that has signed the others (PEM)
 };
 TlsPorts ServeTls(int plain_port);
 
