@@ -27,10 +27,7 @@ int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArgumen
   CommandFrontEnd front_end;
   Engine engine(place.platform, place.site, front_end.AsFrontEnd());
   const Engine::StartNotes notes = engine.Start();
-  if (!notes.folders.ok()) {
-    invocation.Say(notes.folders.message() + " !");
-    return kExitFailed;
-  }
+  if (!notes.folders.ok()) return invocation.Fail(notes.folders);
   front_end.Open(engine, arguments.text);
   const std::string name = NameInList(engine, front_end.input_text());
   const bool has_files = place.platform.files.FileExists(engine.project.data_file) ||
@@ -46,10 +43,7 @@ int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArgumen
     if (answer != BoxAnswer::kYes) return kExitFailed;
   }
   const Status deleted = engine.projects.DeleteFiles();
-  if (!deleted.ok()) {
-    invocation.Say(deleted.message());
-    return kExitFailed;
-  }
+  if (!deleted.ok()) return invocation.Fail(deleted);
   engine.project_list.Remove(name);
   engine.project_list.WriteProjectKey(/*with_filters=*/false);
   return kExitDone;
@@ -60,8 +54,7 @@ int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArgumen
 int Delete(Invocation& invocation, const DeleteArguments& arguments) {
   const Result<Workplace> place = TakeWorkplace(invocation);
   if (place.ok()) return DeleteIn(invocation, place.value(), arguments);
-  invocation.Say(place.status().message() + " !");
-  return kExitFailed;
+  return invocation.Fail(place.status());
 }
 
 }  // namespace quenlar

@@ -43,12 +43,8 @@ int RunProjects(Invocation& invocation, Workplace& place) {
 }  // namespace
 
 int Demo(Invocation& invocation) {
-  const auto fail = [&](const Status& why) {
-    invocation.Say(why.message() + " !");
-    return kExitFailed;
-  };
   const auto server = invocation.system().Serve([](const ServedRequest& request) { return DemoAnswer(request.url); });
-  if (!server.ok()) return fail(server.status());
+  if (!server.ok()) return invocation.Fail(server.status());
   PlatformChoice& choice = invocation.choice();
   choice.proxy = fmt::format("http://127.0.0.1:{}", server.value()->port());
   if (!choice.home_given) {
@@ -56,7 +52,7 @@ int Demo(Invocation& invocation) {
     choice.home_given = true;
   }
   Result<Workplace> place = TakeWorkplace(invocation);
-  if (!place.ok()) return fail(place.status());
+  if (!place.ok()) return invocation.Fail(place.status());
   place.value().site.search_engine = kDemoSearchEngine;
   return RunProjects(invocation, place.value());
 }

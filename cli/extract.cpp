@@ -1,10 +1,9 @@
 // quenlar extract: runs a project to its end and prints the addresses as they are found.
-#include <fmt/format.h>
-
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/paths.h"
 #include "platform/files.h"
+#include "platform/message_boxes.h"
 
 namespace quenlar {
 namespace {
@@ -34,7 +33,7 @@ ExtractResult RunIn(Invocation& invocation, const ExtractArguments& arguments) {
   const auto refused = [&](const Status& why) {
     ExtractResult result;
     result.status = kExitFailed;
-    result.reason = why.message() + " !";
+    result.reason = SentenceOf(why);
     invocation.Say(result.reason);
     return result;
   };
@@ -55,8 +54,7 @@ int Extract(Invocation& invocation, const ExtractArguments& arguments) {
   if (!platform.ok()) return result.status;
   const Status written = WriteWhole(platform.value().files, AbsolutePath(arguments.summary), SummaryText(result));
   if (written.ok()) return result.status;
-  invocation.Say(written.message() + " !");
-  return kExitFailed;
+  return invocation.Fail(written);
 }
 
 }  // namespace quenlar

@@ -13,6 +13,7 @@
 #include "cli/terminal_text.h"
 #include "platform/event_loop.h"
 #include "platform/interface_table.h"
+#include "platform/message_boxes.h"
 #include "run/end_reasons.h"
 
 namespace quenlar {
@@ -103,7 +104,7 @@ ExtractResult ExtractRun::Run() {
 bool ExtractRun::Prepare() {
   const Engine::StartNotes notes = engine_.Start();
   if (!notes.folders.ok()) {
-    Refuse(kExitFailed, notes.folders.message() + " !");
+    Refuse(kExitFailed, SentenceOf(notes.folders));
     return false;
   }
   if (!notes.notes.empty()) TellOnce(notes.notes);

@@ -1,8 +1,6 @@
 // quenlar filter: shows and replaces the words that addresses are filtered by.
 #include <algorithm>
 
-#include <fmt/format.h>
-
 #include "app/home.h"
 #include "base/ascii.h"
 #include "cli/commands.h"
@@ -39,10 +37,7 @@ bool CanBeStored(const std::optional<std::vector<std::string>>& words) {
 
 int Show(Invocation& invocation) {
   const Result<Platform> platform = OpenHome(invocation);
-  if (!platform.ok()) {
-    invocation.Say(platform.status().message() + " !");
-    return kExitFailed;
-  }
+  if (!platform.ok()) return invocation.Fail(platform.status());
   const Settings settings;
   FilterWords words(settings);
   const Platform& p = platform.value();
@@ -62,10 +57,7 @@ int Replace(Invocation& invocation, const FilterArguments& arguments) {
     return kExitUsage;
   }
   const Result<Workplace> place = TakeWorkplace(invocation);
-  if (!place.ok()) {
-    invocation.Say(place.status().message() + " !");
-    return kExitFailed;
-  }
+  if (!place.ok()) return invocation.Fail(place.status());
   const auto& [platform, site, lock] = place.value();
   const std::string path = FilterFilePath(site);
   const Settings settings;
@@ -75,10 +67,7 @@ int Replace(Invocation& invocation, const FilterArguments& arguments) {
   if (arguments.extract) words.ExtractFilterWords = Tidy(*arguments.extract);
   Status written = MakeFolders(platform.files, site.program_folder + site.separator + "data", site.separator);
   if (written.ok()) written = WriteFilterFile(platform.files, platform.code_page, path, words);
-  if (!written.ok()) {
-    invocation.Say(written.message() + " !");
-    return kExitFailed;
-  }
+  if (!written.ok()) return invocation.Fail(written);
   Tell(invocation, words.BuildFilterPatterns());
   return kExitDone;
 }

@@ -1,6 +1,8 @@
 #include "cli/invocation.h"
 
+#include "cli/exit_status.h"
 #include "cli/terminal_text.h"
+#include "platform/message_boxes.h"
 
 namespace quenlar {
 
@@ -12,6 +14,11 @@ Site Invocation::site() const {
 }
 
 void Invocation::SayOn(Console& console, std::string_view message) { console.WriteError(ForTerminal(message) + "\n"); }
+
+int Invocation::Fail(const Status& why) {
+  Say(SentenceOf(why));
+  return kExitFailed;
+}
 
 bool Invocation::Print(std::string_view text) {
   return console().Write((console().OutputIsTerminal() ? ForTerminal(text) : std::string(text)) + "\n");

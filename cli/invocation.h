@@ -22,6 +22,8 @@ class Invocation {
   // One line on standard error, fit for a terminal.
   void Say(std::string_view message) { SayOn(console(), message); }
   static void SayOn(Console& console, std::string_view message);
+  // Says why a command fails, and gives the exit status of that.
+  [[nodiscard]] int Fail(const Status& why);
 
   // One line of results: `text` and a line feed. False when nobody reads.
   bool Print(std::string_view text);

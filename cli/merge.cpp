@@ -1,14 +1,13 @@
 // quenlar merge: merges address books into one list without duplicates.
 #include <algorithm>
 
-#include <fmt/format.h>
-
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/paths.h"
 #include "mailtool/email_book_merge.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
+#include "platform/message_boxes.h"
 
 namespace quenlar {
 namespace {
@@ -49,7 +48,7 @@ int MergeWith(Invocation& invocation, const Platform& platform, const MergeArgum
     return status;
   }
   const Status saved = merge.Save(platform.files, platform.code_page, output);
-  if (!saved.ok()) failed(saved.message() + " !");
+  if (!saved.ok()) failed(SentenceOf(saved));
   return status;
 }
 
@@ -58,8 +57,7 @@ int MergeWith(Invocation& invocation, const Platform& platform, const MergeArgum
 int Merge(Invocation& invocation, const MergeArguments& arguments) {
   const Result<Platform> platform = invocation.system().Open(invocation.choice());
   if (platform.ok()) return MergeWith(invocation, platform.value(), arguments);
-  invocation.Say(platform.status().message() + " !");
-  return kExitFailed;
+  return invocation.Fail(platform.status());
 }
 
 }  // namespace quenlar

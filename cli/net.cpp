@@ -43,10 +43,7 @@ int Watch(Invocation& invocation, const Platform& platform, CIpHelper& helper) {
 
 int Net(Invocation& invocation, bool watch) {
   const Result<Platform> platform = invocation.system().Open(invocation.choice());
-  if (!platform.ok()) {
-    invocation.Say(platform.status().message() + " !");
-    return kExitFailed;
-  }
+  if (!platform.ok()) return invocation.Fail(platform.status());
   const Platform& p = platform.value();
   CIpHelper helper(p.interfaces, p.boxes);
   return watch ? Watch(invocation, p, helper) : ShowTable(invocation, helper, p.interfaces.IsOnline());

@@ -41,10 +41,7 @@ int SetOption(Invocation& invocation, const SettingRow& row, const std::string& 
     return kExitUsage;
   }
   const Result<Workplace> place = TakeWorkplace(invocation);
-  if (!place.ok()) {
-    invocation.Say(place.status().message() + " !");
-    return kExitFailed;
-  }
+  if (!place.ok()) return invocation.Fail(place.status());
   Registry& registry = place.value().platform.registry;
   Settings settings;
   SettingsStore store(registry, settings);
@@ -67,10 +64,7 @@ int Options(Invocation& invocation, const OptionsArguments& arguments) {
   if (arguments.value) return SetOption(invocation, *named, *arguments.value);
 
   const Result<Platform> platform = OpenHome(invocation);
-  if (!platform.ok()) {
-    invocation.Say(platform.status().message() + " !");
-    return kExitFailed;
-  }
+  if (!platform.ok()) return invocation.Fail(platform.status());
   Settings settings;
   LoadStored(platform.value().registry, settings);
   if (named != nullptr) {

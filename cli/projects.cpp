@@ -7,10 +7,7 @@
 namespace quenlar {
 int Projects(Invocation& invocation) {
   const Result<Platform> platform = OpenHome(invocation);
-  if (!platform.ok()) {
-    invocation.Say(platform.status().message() + " !");
-    return kExitFailed;
-  }
+  if (!platform.ok()) return invocation.Fail(platform.status());
   Settings settings;
   for (const std::string& name : LoadStored(platform.value().registry, settings)) {
     if (!invocation.Print(name)) break;

@@ -13,20 +13,14 @@ int ReportIn(Invocation& invocation, const Workplace& place, const std::string& 
   CommandFrontEnd front_end;
   Engine engine(place.platform, place.site, front_end.AsFrontEnd());
   const Engine::StartNotes notes = engine.Start();
-  if (!notes.folders.ok()) {
-    invocation.Say(notes.folders.message() + " !");
-    return kExitFailed;
-  }
+  if (!notes.folders.ok()) return invocation.Fail(notes.folders);
   front_end.Open(engine, text);
   if (engine.project.found.Count() < 1) {
     invocation.Say("No eMail address found");
     return kExitFailed;
   }
   const Status written = engine.projects.WriteReport();
-  if (!written.ok()) {
-    invocation.Say(written.message());
-    return kExitFailed;
-  }
+  if (!written.ok()) return invocation.Fail(written);
   invocation.Print(engine.project.report_file);
   return kExitDone;
 }
@@ -36,8 +30,7 @@ int ReportIn(Invocation& invocation, const Workplace& place, const std::string& 
 int Report(Invocation& invocation, const std::string& text) {
   const Result<Workplace> place = TakeWorkplace(invocation);
   if (place.ok()) return ReportIn(invocation, place.value(), text);
-  invocation.Say(place.status().message() + " !");
-  return kExitFailed;
+  return invocation.Fail(place.status());
 }
 
 }  // namespace quenlar

@@ -171,6 +171,15 @@ TEST_F(CommandTest, AFilterWordThatIsNoExpressionIsStoredAndTold) {
   EXPECT_NE(system.errors(), "");
 }
 
+TEST_F(CommandTest, MoreFilterWordsThanAreCountedAreAnOverflowAndTheFileStays) {
+  std::string words;
+  for (int i = 0; i <= 32768; ++i) words += "<r>w" + std::to_string(i) + "</r>\r\n";
+  system.fake.files.Put("/user/quenlar/data/ExtractFilter.dat", words);
+  EXPECT_EQ(system.Run({"filter", "--extract", "a"}), kExitFailed);
+  EXPECT_EQ(system.errors(), "Overflow !\n");
+  EXPECT_EQ(system.FileText("data/ExtractFilter.dat"), words);
+}
+
 TEST_F(CommandTest, AFilterWordThatTheFileCannotHoldIsWrongUsage) {
   EXPECT_EQ(system.Run({"filter", "--remove", "a\nb"}), kExitUsage);
   EXPECT_EQ(system.Run({"filter", "--extract", "a</E>b"}), kExitUsage);
