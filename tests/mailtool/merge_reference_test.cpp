@@ -4,7 +4,6 @@
 #include <string_view>
 #include <vector>
 
-#include <boost/regex.hpp>
 #include <gtest/gtest.h>
 
 #include "base/ascii.h"
@@ -13,6 +12,8 @@
 #include "support/fake_event_loop.h"
 #include "support/fake_system.h"
 #include "support/in_memory_files.h"
+#include "support/reference_pattern.h"
+#include "support/rounds.h"
 
 namespace quenlar {
 namespace {
@@ -36,13 +37,13 @@ Strings Lines(const std::string& book) {
 }
 
 Strings Reference(const Strings& books) {
-  const boost::regex pattern("\\b[a-z0-9._%+-]+@[a-z0-9.-]+\\.[a-z]{2,4}\\b", boost::regex::icase);
+  static const auto pattern = BoostPattern("\\b[a-z0-9._%+-]+@[a-z0-9.-]+\\.[a-z]{2,4}\\b");
   Strings addresses;
   std::string buffer;
   for (const std::string& book : books) {
     for (const std::string& line : Lines(Windows1252ToUtf8(book))) buffer += " " + line;
-    for (boost::sregex_iterator match(buffer.begin(), buffer.end(), pattern), end; match != end; ++match) {
-      const std::string found = match->str();
+    for (const std::string_view match : pattern->FindAll(buffer)) {
+      const std::string found(match);
       const auto equal = [&](const std::string& known) { return Lower(known) == Lower(found); };
       if (std::none_of(addresses.begin(), addresses.end(), equal)) addresses.push_back(found);
     }
@@ -72,7 +73,7 @@ TEST(MergeAgainstItsDefinition, AgreesOnRandomBooksInBlocksOfAnySize) {
                                  "@",    "com", "Com", "de", "x@y", ".z", " ",  "\r\n", "\n",     "\r",    "\t",
                                  "\xE9", "\0",  "<",   ">",  ";",   ",",  "\"", "info", "a@b.cc", "A@B.cc"};
   std::mt19937 random(20240601);
-  for (int round = 0; round < 3000; ++round) {
+  for (std::size_t round = 0; round < Rounds(3000); ++round) {
     Strings books(1 + random() % 3);
     for (std::string& book : books) {
       for (std::size_t length = random() % 60; length > 0; --length) book += kPieces[random() % std::size(kPieces)];

@@ -6,6 +6,7 @@
 
 #include "project/report_file.h"
 #include "support/reference_report.h"
+#include "support/rounds.h"
 
 namespace quenlar {
 namespace {
@@ -170,7 +171,7 @@ TEST(ReportReader, FindsWhatThePatternsFindOnRandomTexts) {
                                            "1     ",
                                            "http://x.y/a@b.cc"};
   std::mt19937 random(1);
-  for (int round = 0; round < 8'000; ++round) {
+  for (std::size_t round = Rounds(8'000); round > 0; --round) {
     std::string text;
     for (std::size_t n = random() % 30 + 1; n > 0; --n) text += pieces[random() % pieces.size()];
     if (random() % 2 == 0) text += "\r\n";
@@ -182,7 +183,7 @@ TEST(ReportReader, FindsWhatThePatternsFindOnRandomRows) {
   const std::vector<std::string> pieces = {"a@b.cc", "b@b.cc", "@b.cc", "a@b.c", "http://a.b", "http://a.b/c",
                                            "://a.b", "a.b",    "\r",    "\n",    " ",          "c"};
   std::mt19937 random(2);
-  for (int round = 0; round < 8'000; ++round) {
+  for (std::size_t round = Rounds(8'000); round > 0; --round) {
     std::string text = "b.cca@b.cc http://a.b";
     for (std::size_t n = random() % 12; n > 0; --n) text += pieces[random() % pieces.size()];
     text += "\r\n";

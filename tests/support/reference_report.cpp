@@ -11,19 +11,27 @@ namespace {
 using Regex = boost::basic_regex<char, boost::cpp_regex_traits<char>>;
 using Iterator = boost::regex_iterator<std::string::const_iterator, char, boost::cpp_regex_traits<char>>;
 
-const char* const kAddress = "[a-z0-9._%+-]+@[a-z0-9.-]+\\.[a-z]{2,4}";
+const std::string kAddress = "[a-z0-9._%+-]+@[a-z0-9.-]+\\.[a-z]{2,4}";
 // The hyphen stands between a class and a character, where it is no range.
-const char* const kUrl = "(http|https|ftp)://([\\w-]+\\.)+[\\w-]+(/[\\w\\-./?%&=]*)?";
-const char* const kUrlOfRow = "(http|https|ftp)://([\\w-]+\\.)+[\\w-]+(/[\\w\\-./?%&=;~]*)?";
-const char* const kTitle = "((\\s)*?|(\\s)*([\\s\\S]*?))";
-const char* const kLineEnd = "\\r\\n";
+const std::string kUrl = "(http|https|ftp)://([\\w-]+\\.)+[\\w-]+(/[\\w\\-./?%&=]*)?";
+const std::string kUrlOfRow = "(http|https|ftp)://([\\w-]+\\.)+[\\w-]+(/[\\w\\-./?%&=;~]*)?";
+const std::string kTitle = "((\\s)*?|(\\s)*([\\s\\S]*?))";
+const std::string kLineEnd = "\\r\\n";
 
 Regex Compile(const std::string& pattern) {
   return Regex(pattern, boost::regex_constants::perl | boost::regex_constants::icase);
 }
 
-std::vector<std::string> Matches(const std::string& text, const std::string& pattern) {
-  const Regex regex = Compile(pattern);
+// Compiled once: that takes longer than to look through a short text.
+struct Patterns {
+  Regex row = Compile(kAddress + "(\\s)+" + kUrl + kTitle + kLineEnd);
+  Regex address = Compile(kAddress);
+  Regex url_of_row = Compile(kUrlOfRow);
+  Regex padded_line = Compile(kAddress + "(\\s){7,}" + kLineEnd);
+  Regex plain_line = Compile(kAddress + kLineEnd);
+};
+
+std::vector<std::string> Matches(const std::string& text, const Regex& regex) {
   std::vector<std::string> matches;
   for (Iterator match(text.begin(), text.end(), regex); match != Iterator(); ++match) matches.push_back(match->str());
   return matches;
@@ -40,7 +48,7 @@ std::string Trim(const std::string& text) {
 }
 
 // Which the pattern guarantees to be there.
-std::string FirstMatch(const std::string& row, const char* pattern) { return Matches(row, pattern).at(0); }
+std::string FirstMatch(const std::string& row, const Regex& regex) { return Matches(row, regex).at(0); }
 
 }  // namespace
 
@@ -49,20 +57,20 @@ void PrintTo(const ReferenceReportRecord& record, std::ostream* out) {
 }
 
 std::vector<ReferenceReportRecord> ReferenceReadReport(const std::string& text) {
-  const std::string address = kAddress;
+  static const Patterns patterns;
   std::vector<ReferenceReportRecord> records;
-  for (const std::string& row : Matches(text, address + "(\\s)+" + kUrl + kTitle + kLineEnd)) {
+  for (const std::string& row : Matches(text, patterns.row)) {
     ReferenceReportRecord record;
-    record.address = FirstMatch(row, kAddress);
-    record.url = FirstMatch(row, kUrlOfRow);
+    record.address = FirstMatch(row, patterns.address);
+    record.url = FirstMatch(row, patterns.url_of_row);
     record.title = Trim(Replace(Replace(Replace(row, record.address), record.url), "\r\n"));
     records.push_back(record);
   }
-  for (const std::string& line : Matches(text, address + "(\\s){7,}" + kLineEnd)) {
+  for (const std::string& line : Matches(text, patterns.padded_line)) {
     records.push_back({"", Trim(Replace(line, "\r\n")), ""});
   }
   if (!records.empty()) return records;
-  for (const std::string& line : Matches(text, address + kLineEnd)) {
+  for (const std::string& line : Matches(text, patterns.plain_line)) {
     records.push_back({"", Trim(Replace(line, "\r\n")), ""});
   }
   return records;

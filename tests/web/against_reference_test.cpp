@@ -1,7 +1,5 @@
 // Page analysis against its plain reference, byte for byte.
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,6 +10,7 @@
 #include "state/get_host.h"
 #include "support/random_pages.h"
 #include "support/reference_page.h"
+#include "support/rounds.h"
 #include "web/address_scan.h"
 #include "web/analysis_world.h"
 #include "web/links.h"
@@ -21,12 +20,6 @@
 
 namespace quenlar {
 namespace {
-
-// QUENLAR_ROUNDS multiplies what one run looks at.
-std::size_t Rounds(std::size_t usual) {
-  const char* times = std::getenv("QUENLAR_ROUNDS");
-  return usual * (times == nullptr ? 1 : std::max<std::size_t>(1, std::strtoul(times, nullptr, 10)));
-}
 
 void ExpectSameScans(const ReferenceAnalysis& reference, const std::string& page) {
   std::vector<std::string_view> tags, texts, addresses;
