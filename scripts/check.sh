@@ -93,6 +93,11 @@ for file in $(printf '%s\n' "$product" | grep '\.h$'); do
 done
 report unfinished "$(grep_in "$all" -E 'TODO|FIXME|(^|[^X])XXX([^X]|$)|HACK|GTEST_SKIP|DISABLED_' | grep -v 'check: unfinished' || true)"
 
+# 8. Every test that the page on reliability names is there.
+tests=$(sources 'tests/*.cpp' | xargs sed -nE 's/^TEST(_F|_P)?\(([A-Za-z0-9_]+), *([A-Za-z0-9_]+).*/\2.\3/p' | sort -u)
+report tests-named "$(grep -oE '`[A-Z][A-Za-z0-9]+\.[A-Z][A-Za-z0-9]+`' docs/reliability.md | tr -d '`' |
+  grep -v '^Suite\.Test$' | sort -u | comm -23 - <(printf '%s\n' "$tests"))"
+
 if [ "$failures" -gt 0 ]; then
   echo "check: rules are broken" >&2
   exit 1

@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# Shows that a test notices when a protection is gone: takes one after the other out of a copy of the sources, builds the
+# test program that is named for it, and expects the named tests to fail (or not to come to their end). The work tree is
+# left alone. usage: tests/reliability/protections.sh [NAME ...]      (all without names; the copy is build/without)
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
+copy=$PWD/build/without
+chosen=("$@")
+noticed=0 missed=()
+
+rm -rf "$copy"
+mkdir -p "$copy/build"
+git ls-files -z --cached | xargs -0 cp --parents -t "$copy"
+cd "$copy"
+cmake --preset linux >build/configure.log
+
+build() { cmake --build --preset linux --target "$@" >build/build.log 2>&1; }
+run_tests() { # PROGRAM FILTER: true when they pass
+  local launcher=()
+  [ "$1" != platform_test ] || launcher=(scripts/with_server.sh build/linux/hostile_server)
+  QUENLAR_TEST_DATA=$PWD/tests timeout -s KILL 120 "${launcher[@]}" "build/linux/$1" --gtest_filter="$2" >build/run.log 2>&1
+}
+
+# without NAME FILE PROGRAM FILTER EXPRESSION: the expression is Perl's and changes the whole text of the file, once.
+without() {
+  local name=$1 file=$2 program=$3 filter=$4 expression=$5 result
+  if [ ${#chosen[@]} -gt 0 ] && [[ " ${chosen[*]} " != *" $name "* ]]; then return 0; fi
+  cp "$file" build/kept
+  perl -0777 -pi -e "\$done = $expression; END { exit(\$done == 1 ? 0 : 1) }" "$file" || { echo "protections: $name: $file has changed" >&2; exit 2; }
+  if ! build "$program" $([ "$program" != platform_test ] || echo hostile_server); then
+    tail -n 20 build/build.log >&2
+    echo "protections: $name: cannot be built" >&2
+    exit 2
+  fi
+  if run_tests "$program" "$filter"; then
+    result="NOT NOTICED by $filter"
+    missed+=("$name")
+  else
+    result=$(grep -o '^\[  FAILED  \] [A-Za-z]*\.[A-Za-z0-9]*' build/run.log | awk '{ print $4 }' | sort -u | paste -sd' ' || true)
+    result="fails: ${result:-$filter (does not come to its end)}"
+    noticed=$((noticed + 1))
+  fi
+  printf '%-22s %s\n' "$name" "$result"
+  cp build/kept "$file"
+}
+
+without atomic-replacement platform/posix/posix_replacement.cpp platform_test 'FilesContract.*/*:FilesContract.*:PosixFilesTest.*' \
+  's/std::string temporary = folder \+ "\/" \+ TemporaryName\(name\);/std::string temporary = (TemporaryName(name), target);/ + s/O_WRONLY \| O_CREAT \| O_EXCL \|/O_WRONLY | O_CREAT | O_TRUNC |/ - 1'
+without decoded-limit platform/content_decoder.cpp platform_test '*ContentDecoder.Counts*:HostileServer.ACompressionBomb*' \
+  's/if \(given_ > max_bytes_\) return false;//'
+without announced-limit platform/answer_head.cpp platform_test 'AnswerHead.RefusesImpossibleLengths' \
+  's/return length <= kMaxBodyBytes;/return true;/'
+without memory-for-a-page platform/content_decoder.cpp platform_test 'HostileServer.APageThatMemoryDoesNotHold*' \
+  's/catch \(const std::bad_alloc&\)/catch (const char*)/'
+without redirect-limit platform/redirect_chain.cpp platform_test 'HostileServer.ARedirectToItself*:HostileServer.TwentyHops*' \
+  's/if \(\+\+redirects_ > kMaxRedirects\) return false;/++redirects_;/'
+without certificates platform/posix/curl_transfer.cpp platform_test 'SecureServer.*' \
+  's/CURLOPT_SSL_VERIFYPEER, 1L/CURLOPT_SSL_VERIFYPEER, 0L/'
+without request-line platform/wire_address.cpp platform_test 'WireAddress.*' \
+  's/if \(byte <= 0x20 \|\| byte >= 0x7F \|\|/if (byte == 0x20 ||/'
+without filter-steps settings/filter_expression.cpp settings_test 'FilterWordsTest.PatternThatBacktracks*' \
+  's/if \(--\*steps_left_ == 0\) throw StepLimit\(\);//'
+without filter-file-aside settings/filter_file.cpp settings_test 'FilterFileTest.*' \
+  's/words.keep_old_file = !bytes.ok\(\);//'
+without file-names project/project_name.cpp project_test 'SafeFileName.*' \
+  's/if \(IsUnusable\(name\[i\]\) \|\|/if (/'
+without foreign-file-aside project/project_store.cpp project_test 'ProjectStoreTest.DataFileWithAnotherHeader*' \
+  's/if \(writer.done\(\) \|\| !save.keep_old\) return/return/'
+without save-in-a-save project/project_store.cpp project_test 'ProjectStoreTest.SaveAskedForDuringASave*' \
+  's/if \(save.under_way != nullptr\) \{\s*save.again = true;\s*return Status::Ok\(\);\s*\}//'
+without links-in-flight project/data_file.cpp project_test 'DataFileTest.LinksInFlight*' \
+  's/parts_\[section\] = \{queue.InFlight\(\),/parts_[section] = {{},/'
+without report-first project/project_store.cpp project_test 'ReportBeforeData.*' \
+  's/if \(ReportIsBehind\(\)\) WriteReport\(\).Ignore\([^;]*;//'
+without watchdog run/watchdog.cpp run_test 'WatchdogTest.*:LinkRun.*' \
+  's/  stallSeconds_ = 0;\n  cancel_stalled_\(\);//'
+without fault-in-a-parser web/ocx_parse_web.cpp web_test 'WebControl.AFaultInsideAParser*' \
+  's/(parsed.whole;\n  \} catch \(const )std::exception&/$1char*/'
+without one-program app/home.cpp cli_test '*RefuseAFolder*:*RefusesAFolder*' \
+  's/if \(!lock.ok\(\) && lock/if (false \&\& lock/ + s/  return lock;\n/  return files.Lock(site.program_folder, "other " + std::to_string(reinterpret_cast<std::uintptr_t>(\&lock)));\n/ - 1'
+without csv-formulas cli/address_format.cpp cli_test 'CsvField.*' \
+  's/field \+= .\\..;/field += "";/'
+without terminal cli/terminal_text.cpp cli_test 'ForTerminal.*:ExtractTest.NothingThatAPage*' \
+  's/(std::string ForTerminal\(std::string_view text\) \{)/$1\n  if (!text.empty()) return std::string(text);/'
+without line-limit cli/line_reader.cpp cli_test 'LineReader.*:Analyze.*' \
+  's/line.size\(\) \+ length > longest_/line.size() + length == SIZE_MAX/'
+
+echo "protections: $noticed of $((noticed + ${#missed[@]})) are missed when they are taken out${missed[0]:+; not noticed: ${missed[*]}}"
+[ ${#missed[@]} -eq 0 ]
