@@ -83,7 +83,8 @@ bool ContentDecoder::Inflate(std::string_view bytes, std::string& out) {
   while (stream.avail_in > 0 || !drained_) {
     if (at_end_) {
       // Some servers compress piece by piece: another gzip member continues the body. Anything else is passed over.
-      if (coding_ != ContentCoding::kGzip || *stream.next_in != 0x1F) return true;
+      ended_ = ended_ || coding_ != ContentCoding::kGzip || *stream.next_in != 0x1F;
+      if (ended_) return true;
       if (inflateReset(&stream) != Z_OK) return false;
       at_end_ = false;
     }

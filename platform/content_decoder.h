@@ -37,6 +37,7 @@ class ContentDecoder {
   const std::size_t max_bytes_;
   std::size_t taken_ = 0, given_ = 0;
   bool failed_ = false, at_end_ = false;
+  bool ended_ = false;     // something else follows the end, and all that is still to come with it
   bool drained_ = true;    // the last block was not full, so the decoder holds nothing back
   std::string held_back_;  // the first byte of "deflate", until the second one tells which of two forms it has
   std::unique_ptr<Inflater> inflater_;

@@ -110,6 +110,16 @@ TEST(ContentDecoder, PassesOverWhatFollowsTheEnd) {
   EXPECT_TRUE(padded.ok && padded.at_end);
   EXPECT_EQ(padded.text, "text");
   EXPECT_EQ(Decode(ContentCoding::kDeflate, Compress("text", kZlib) + "rest", 3).text, "text");
+  // Also where it holds the byte that a gzip member begins with, wherever the pieces begin.
+  for (std::size_t piece = 1; piece < 40; ++piece) {
+    const Decoded followed = Decode(ContentCoding::kGzip,
+                                    Compress("text", kGzip) +
+                                        "1\x1F\x1F"
+                                        "1\x1F",
+                                    piece);
+    EXPECT_TRUE(followed.ok && followed.at_end) << piece;
+    EXPECT_EQ(followed.text, "text") << piece;
+  }
 }
 
 TEST(ContentDecoder, CountsDecodedBytesAgainstTheLimit) {
