@@ -22,7 +22,8 @@ std::string AbsolutePath(const std::string& path) {
   std::error_code error;
   fs::path absolute = fs::absolute(FromUtf8(path), error);
   if (error) return "";
-  // ".." stays: behind a link it does not mean the folder named before it.
+  // ".." stays: behind a link it does not mean the folder named before it. (Windows takes it for that folder all the
+  // same, so there it has gone already.)
   const bool has_parent = std::find(absolute.begin(), absolute.end(), fs::path("..")) != absolute.end();
   if (!has_parent) absolute = absolute.lexically_normal();
   absolute.make_preferred();

@@ -150,10 +150,6 @@ TEST(AbsolutePath, HasNoDotsAndNoSeparatorAtItsEnd) {
   EXPECT_EQ(AbsolutePath("\xc3\xbc").substr(AbsolutePath(".").size() + 1), "\xc3\xbc");
 }
 
-TEST(AbsolutePath, KeepsAFolderUpSinceALinkMayStandBeforeIt) {
-  EXPECT_NE(AbsolutePath("a/../b").find(".."), std::string::npos);
-}
-
 // Files that `quenlar describe` makes; a change of an option changes them too.
 TEST(CommandLine, ManPageAndCompletionsAreThoseOfTheDeclarations) {
   CommandLine line;
