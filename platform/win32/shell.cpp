@@ -1,7 +1,6 @@
 #include "platform/win32/shell.h"
 
-#include <cstring>
-
+#include "platform/win32/clipboard.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide.h"
 #include "platform/win32/windows_api.h"
@@ -21,35 +20,6 @@ class Apartment {
 
  private:
   bool entered_;
-};
-
-// The clipboard, opened for a window of our own: without an owner the system refuses new contents.
-class Clipboard {
- public:
-  Clipboard()
-      : owner_(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)),
-        open_(owner_ && OpenClipboard(owner_)) {}
-  ~Clipboard() {
-    if (open_) CloseClipboard();
-    if (owner_) DestroyWindow(owner_);
-  }
-  Clipboard(const Clipboard&) = delete;
-  Clipboard& operator=(const Clipboard&) = delete;
-
-  void Put(const std::wstring& text) {
-    if (!open_) return;
-    const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
-    if (!memory) return;
-    std::memcpy(GlobalLock(memory), text.c_str(), bytes);
-    GlobalUnlock(memory);
-    // The system owns the memory once it has taken it.
-    if (!EmptyClipboard() || !SetClipboardData(CF_UNICODETEXT, memory)) GlobalFree(memory);
-  }
-
- private:
-  HWND owner_;
-  bool open_;
 };
 
 }  // namespace
@@ -100,6 +70,6 @@ Status Win32Shell::Start(const std::string& command_line, WindowMode mode) {
   return {};
 }
 
-void Win32Shell::CopyToClipboard(const std::string& text) { Clipboard().Put(win32::ToWide(text)); }
+void Win32Shell::CopyToClipboard(const std::string& text) { win32::PutOnClipboard(text); }
 
 }  // namespace quenlar
