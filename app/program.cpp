@@ -21,6 +21,9 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Site 
       platform_(platform),
       system_(std::move(system)) {
   engine.OnNewerVersion([this] { dialog.Show(); });
+  for (ui::Form* form : Windows()) {
+    if (form != &help) form->Help = [this] { help.Show(); };
+  }
   engine.filter.OnStepLimit([this](const std::string& message) {
     extract.ShowStage(message);
     extract.TellAfterRun(message);
@@ -51,12 +54,18 @@ bool Program::Start() {
 
 std::vector<ui::Form*> Program::Windows() { return {&extract, &option, &tool, &dialog, &about, &help}; }
 
-// The timers go first, so that nothing begins in the pumps that are still to come.
+void Program::SaveRun() {
+  if (engine.run.running) engine.projects.SaveAtOnce();
+}
+
+// The timers go first, so that nothing begins in the pumps that are still to come. The menu offers no exit during a
+// run, but the upgrade dialog does.
 void Program::End() {
   if (std::exchange(ended_, true)) return;
   for (ui::Timer* timer : {&tray.tmrExtract, &tray.tmrFormatFlux, &tray.tmrFlux, &tray.tmrAlarm, &extract.tmrText}) {
     timer->SetEnabled(false);
   }
+  SaveRun();
   system_.end();
 }
 

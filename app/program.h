@@ -37,6 +37,10 @@ class Program {
   // another one is at work; nothing has been written then, and `end` is not called.
   [[nodiscard]] bool Start();
 
+  // Writes down what the run at hand has found and has still to visit; nothing without one. For the end of the session,
+  // which waits for no pump. Does not pump.
+  void SaveRun();
+
   // `end` has been called.
   [[nodiscard]] bool ended() const { return ended_; }
 

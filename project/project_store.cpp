@@ -236,7 +236,10 @@ void ProjectStore::FinishSave(Save& save) {
   RecordWriter& writer = *std::exchange(save.under_way, nullptr);
   writer.FinishNow();
   Show(Commit(save, writer, PathOf(save)));
-  if (!std::exchange(save.again, false)) return;
+  if (std::exchange(save.again, false)) WriteWithoutPumping(save);
+}
+
+void ProjectStore::WriteWithoutPumping(Save& save) {
   auto started = Start(save);
   if (started.ok()) {
     started.value()->FinishNow();
@@ -244,6 +247,16 @@ void ProjectStore::FinishSave(Save& save) {
   } else {
     Show(Sentence(started.status(), PathOf(save), "saved"));
   }
+}
+
+void ProjectStore::SaveAtOnce() {
+  if (project_.data_file.empty()) return;
+  FinishLoading();
+  report_.again = data_.again = false;
+  FinishSave(report_);
+  if (ReportIsBehind()) WriteWithoutPumping(report_);
+  FinishSave(data_);
+  WriteWithoutPumping(data_);
 }
 
 Status ProjectStore::DeleteFiles() {

@@ -51,7 +51,11 @@ class ProjectStore final : public PeriodicSaver {
   Status WriteData();
   Status WriteReport();
 
-  // PeriodicSaver: the same, with a failure shown in panel 1 and told to whoever has asked.
+  // Writes both files of the project at hand without pumping, after what is being saved or loaded has been finished.
+  // For the end of the program. Failures go where those of SaveProjectData go.
+  void SaveAtOnce();
+
+  // PeriodicSaver: the same as Write..., with a failure shown in panel 1 and told to whoever has asked.
   void SaveProjectData() override;
   void SaveProjectReport() override;
   void OnSaveFailure(std::function<void(const Status&)> told) { on_save_failure_ = std::move(told); }
@@ -76,6 +80,7 @@ class ProjectStore final : public PeriodicSaver {
   [[nodiscard]] Result<std::unique_ptr<RecordWriter>> Start(Save& save);
   Status Commit(Save& save, RecordWriter& writer, const std::string& path);
   void FinishSave(Save& save);
+  void WriteWithoutPumping(Save& save);
   void FinishLoading();
   void Show(const Status& failure);
   [[nodiscard]] bool ReportIsBehind() const;

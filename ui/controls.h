@@ -152,7 +152,8 @@ class ListBox : public Control {
   using Control::Control;
   bool sorted = false;
   bool multi_select = false;
-  std::function<void()> Click;  // the selection has changed by the user
+  std::function<void()> Click;      // the selection has changed by the user
+  std::function<void()> DeleteKey;  // the Delete key, while the list has the keyboard
 
   [[nodiscard]] const std::vector<std::string>& items() const { return items_; }
   [[nodiscard]] bool selected(std::size_t index) const { return index < selected_.size() && selected_[index]; }
@@ -319,9 +320,10 @@ class Form {
   // Every control, in tab order; the binder finds the dialog's controls by these names.
   [[nodiscard]] virtual std::vector<Control*> Controls() = 0;
 
-  // Events: Load before the window is shown for the first time since it was created, Unload as it goes.
+  // Events: Load before the window is shown for the first time since it was created, Unload as it goes; Help at F1.
   virtual void Load() {}
   virtual void Unload() {}
+  std::function<void()> Help;
 
   [[nodiscard]] bool loaded() const { return loaded_; }
   [[nodiscard]] bool shown() const { return shown_; }

@@ -165,7 +165,48 @@ TEST_F(ProgramStart, DuringARunExitIsNotOffered) {
   EXPECT_TRUE(tray.mnuExit.enabled());
 }
 
+TEST_F(ProgramStart, AnUpgradeInTheMiddleOfARunSavesWhatItHasFoundAndHasStillToVisit) {
+  StoreProjects({});
+  fetcher.Serve("http://www.a.test", "<p>x@a.test</p><a href=\"/silent\">more</a>");
+  Start();
+  program.dialog.Show();
+  Type("www.a.test");
+  extract.cmdExtract.Click();
+  bool ended_in_the_run = false;
+  loop.Schedule(seconds(3), [&] {
+    ended_in_the_run = engine.run.running;
+    EXPECT_FALSE(files.FileExists("/home/report/a_test.rpt"));
+    program.dialog.cmdOK.Click();
+    EXPECT_THAT(files.Contents("/home/report/a_test.rpt").value_or(""), HasSubstr("x@a.test"));
+    EXPECT_THAT(files.Contents("/home/data/a_test.dat").value_or(""), HasSubstr("\r\nhttp://www.a.test/silent\r\n"));
+    extract.cmdExtract.Click();  // the process would be gone; here the run has to end
+  });
+  FinishRun();
+  EXPECT_TRUE(ended_in_the_run);
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(ProgramStart, AnEndOfTheSessionWithoutARunWritesNothing) {
+  StoreProjects({"www.a.test"});
+  Start();
+  const auto before = files.AllFiles();
+  program.SaveRun();
+  EXPECT_EQ(files.AllFiles(), before);
+}
+
 // --- The whole ---
+
+TEST_F(ProgramStart, F1OpensTheHelpBoxFromEveryOtherWindow) {
+  StoreProjects({});
+  Start();
+  for (ui::Form* form : program.Windows()) {
+    if (form == &program.help) continue;
+    ASSERT_TRUE(form->Help) << form->name();
+    form->Help();
+    EXPECT_TRUE(program.help.shown()) << form->name();
+    program.help.Close();
+  }
+}
 
 TEST_F(ProgramStart, EveryWindowNamesEachOfItsControlsOnce) {
   for (ui::Form* form : program.Windows()) {

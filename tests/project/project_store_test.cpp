@@ -372,6 +372,32 @@ TEST_F(ProjectStoreTest, ProjectOpenedDuringASaveLetsTheSaveFinishWhole) {
   EXPECT_THAT(Contents("/q/data/x_de.dat"), HasSubstr("[A]\r\na\r\nb\r\nc\r\n[B]"));
 }
 
+TEST_F(ProjectStoreTest, SavingAtOnceInTheMiddleOfASaveHoldsAllAndPumpsNoMore) {
+  store.OpenProject("x.de");
+  for (const char* url : {"a", "b", "c"}) project.queues[1].AddIfNew(url);
+  project.found.Add({"http://x.de", "a@x.de", "T", false});
+  int pumps = 0, pumps_at_once = 0;
+  fakes.loop.OnPump([&] {
+    if (++pumps != 2) return;
+    project.queues[2].AddIfNew("later");
+    project.found.Add({"http://x.de", "later@x.de", "T", false});
+    store.SaveAtOnce();
+    pumps_at_once = pumps - 2;
+    // A program that ends here has all of it on the disk.
+    EXPECT_THAT(Contents("/q/data/x_de.dat"), HasSubstr("[A]\r\na\r\nb\r\nc\r\n[B]\r\nlater\r\n[C]"));
+    EXPECT_THAT(Contents("/q/report/x_de.rpt"), HasSubstr("later@x.de"));
+  });
+  EXPECT_TRUE(store.WriteData().ok());
+  EXPECT_GE(pumps, 2);
+  EXPECT_EQ(pumps_at_once, 0);
+  EXPECT_THAT(Contents("/q/data/x_de.dat"), HasSubstr("later\r\n"));
+}
+
+TEST_F(ProjectStoreTest, SavingAtOnceWithoutAProjectWritesNothing) {
+  store.SaveAtOnce();
+  EXPECT_THAT(fakes.files.AllFiles(), IsEmpty());
+}
+
 TEST_F(ProjectStoreTest, ReportSavedWhileItIsBeingLoadedHoldsAllOfIt) {
   PutCars(6);
   AtPump(2, [this] {

@@ -57,7 +57,7 @@ std::string ProxyOfEnvironment() {
   return proxy ? win32::FromWide(proxy) : std::string();
 }
 
-// At once: every setting and file has been written when it changed, and the pumps that lie above are not to go on.
+// At once: everything has been written, and the pumps that lie above are not to go on.
 void EndProcess() { ExitProcess(0); }
 
 int Run(HINSTANCE program_handle) {
@@ -85,11 +85,7 @@ int Run(HINSTANCE program_handle) {
   program.tray.mnuPopup.show = [&tray](const std::vector<ui::MenuItem*>& items) {
     ui::ShowPopupMenu(static_cast<HWND>(tray.window()), items);
   };
-  const ui::SessionEnd session_end(program_handle, [&engine = program.engine] {
-    if (!engine.run.running) return;
-    engine.projects.SaveProjectData();
-    engine.projects.SaveProjectReport();
-  });
+  const ui::SessionEnd session_end(program_handle, [&program] { program.SaveRun(); });
 
   if (!program.Start()) return 0;
   while (!loop.quit_requested()) loop.Wait(std::chrono::hours(1));
