@@ -15,7 +15,7 @@ frmAbout::frmAbout(Shell& shell) : Form("frmAbout") {
 }
 
 std::vector<ui::Control*> frmAbout::Controls() {
-  return {&picMark, &lblSoftwareVersion, &Line1, &lblNote, &lblWebPage, &Line2, &cmdOK};
+  return {&picMark, &lblSoftwareVersion, &Line1, &lblNote, &Line2, &cmdOK, &lblWebPage};
 }
 
 void frmAbout::Load() {

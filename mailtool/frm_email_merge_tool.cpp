@@ -14,7 +14,11 @@ constexpr const char* kTitle = "Email Merge Tool";
 frmEmailMergeTool::frmEmailMergeTool(Context context)
     : Form("frmEmailMergeTool", "Mailing List Management Tool"), context_(context) {
   lstBook.sorted = lstBook.multi_select = true;
+  lstAddress.multi_select = true;  // for copying
   lstBook.Click = [this] { lstBook_Click(); };
+  lstBook.DeleteKey = [this] {
+    if (cmdDelete.enabled()) cmdDelete.Click();
+  };
   OnCommand(cmdOpen, &frmEmailMergeTool::cmdOpen_Click);
   OnCommand(cmdDelete, &frmEmailMergeTool::cmdDelete_Click);
   OnCommand(cmdDeleteAll, &frmEmailMergeTool::cmdDeleteAll_Click);

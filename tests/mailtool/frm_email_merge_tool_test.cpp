@@ -177,6 +177,16 @@ TEST_F(MergeToolTest, DeleteRemovesTheSelectedBooksFromListAndBookList) {
   EXPECT_EQ(States(), (Enabled{false, true, true, false, false}));
 }
 
+TEST_F(MergeToolTest, TheDeleteKeyInTheBooksDoesWhatTheButtonDoes) {
+  tool.Show();
+  OpenBoth();
+  tool.lstBook.DeleteKey();
+  EXPECT_EQ(tool.lstBook.items().size(), 2u) << "nothing is selected";
+  Select({true, false});
+  tool.lstBook.DeleteKey();
+  EXPECT_EQ(tool.lstBook.items().size(), 1u);
+}
+
 TEST_F(MergeToolTest, DeletingTheLastBooksIsDeletingAll) {
   tool.Show();
   OpenBoth();

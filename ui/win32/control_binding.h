@@ -46,6 +46,8 @@ class ControlBinding {
   virtual LRESULT OnNotify([[maybe_unused]] const NMHDR& header) { return 0; }
   virtual HBRUSH OnColor([[maybe_unused]] HDC context) { return nullptr; }
   virtual void OnContextMenu([[maybe_unused]] POINT place) {}
+  // A key that goes down in the control, before the dialog's own keyboard handling. True when done with it.
+  virtual bool OnKey([[maybe_unused]] WPARAM key) { return false; }
 
   // The control has its place; `grown` is what the window is wider than in its template, in pixels.
   virtual void OnPlaced([[maybe_unused]] int grown) {}
@@ -65,6 +67,8 @@ class ControlBinding {
   }
   // Pixels of this window's screen for pixels at 96 dots per inch.
   [[nodiscard]] int Scaled(int pixels) const { return MulDiv(pixels, host_.dpi(), 96); }
+  // Whether Ctrl alone is held down: with Alt it is AltGr, which types letters.
+  [[nodiscard]] static bool ControlHeld() { return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0; }
   [[nodiscard]] std::string NativeText() const;
   void SetNativeText(const std::string& text);
 

@@ -25,7 +25,7 @@ constexpr Page kOptionPages[] = {
     {"picSearch", IDD_OPTION_SEARCH}, {"picExport", IDD_OPTION_EXPORT}, {"picFilter", IDD_OPTION_FILTER}};
 
 constexpr Dialog kDialogs[] = {
-    {"frmExtract", IDD_EXTRACT, false, {602, 402}, {800, 540}, kMainAnchors, {}},
+    {"frmExtract", IDD_EXTRACT, false, {602, 402}, {960, 600}, kMainAnchors, {}},
     {"frmOption", IDD_OPTION, true, {}, {}, {}, kOptionPages},
     {"frmEmailMergeTool", IDD_MERGE_TOOL, true, {}, {}, kMergeToolAnchors, {}},
     {"frmDialog", IDD_UPGRADE, false, {}, {}, {}, {}},

@@ -19,13 +19,17 @@ SIZE FormWindow::MinimumSize() const {
   return OuterSize(layout_.size);
 }
 
-// A window with an owner opens in its middle, another one in the middle of its screen; nothing lies off the screen.
+// A window with an owner opens in its middle, another one in the middle of its screen; nothing lies off the screen, as
+// long as the screen has room for the smallest size.
 void FormWindow::PlaceFirst(HWND owner) {
   SIZE size = MinimumSize();
   if (dialog_.first.cx > 0) size = {Scaled(dialog_.first.cx), Scaled(dialog_.first.cy)};
   MONITORINFO monitor{};
   monitor.cbSize = sizeof monitor;
   GetMonitorInfoW(MonitorFromWindow(owner ? owner : window_, MONITOR_DEFAULTTONEAREST), &monitor);
+  const SIZE minimum = MinimumSize();
+  size.cx = std::max(minimum.cx, std::min(size.cx, monitor.rcWork.right - monitor.rcWork.left));
+  size.cy = std::max(minimum.cy, std::min(size.cy, monitor.rcWork.bottom - monitor.rcWork.top));
   RECT around = monitor.rcWork;
   if (owner && !IsIconic(owner)) GetWindowRect(owner, &around);
   const LONG right_most = std::max(monitor.rcWork.left, monitor.rcWork.right - size.cx);
@@ -53,6 +57,7 @@ void FormWindow::OnSize() {
 
 void FormWindow::OnDpiChanged(int dpi, const RECT& suggested) {
   dpi_ = dpi;
+  LoadIcons();
   MakeFonts();
   SetWindowPos(window_, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);

@@ -24,11 +24,6 @@ void TurnOffSystemScaling(HWND window) {
   if (set) set(window, kDisableAll, kDisableAll);
 }
 
-std::wstring ClassName(HWND window) {
-  wchar_t name[64];
-  return std::wstring(name, static_cast<std::size_t>(GetClassNameW(window, name, std::size(name))));
-}
-
 }  // namespace
 
 FormWindow::FormWindow(Form& form, const Dialog& dialog, HINSTANCE program)
@@ -46,11 +41,7 @@ std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog,
   if (!made->window_) return nullptr;
   TurnOffSystemScaling(made->window_);
   made->dpi_ = static_cast<int>(GetDpiForWindow(made->window_));
-  for (const auto& [size, wparam] : {std::pair(SM_CXICON, ICON_BIG), std::pair(SM_CXSMICON, ICON_SMALL)}) {
-    const int pixels = GetSystemMetricsForDpi(size, static_cast<UINT>(made->dpi_));
-    const HANDLE icon = LoadImageW(program, MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON, pixels, pixels, LR_SHARED);
-    SendMessageW(made->window_, WM_SETICON, static_cast<WPARAM>(wparam), reinterpret_cast<LPARAM>(icon));
-  }
+  made->LoadIcons();
   made->ShowCaption();
   made->CreatePages();
   made->MakeFonts();
@@ -90,6 +81,14 @@ void FormWindow::BindControls() {
     if (auto* tabs = dynamic_cast<TabStripBinding*>(bindings_.back().get())) tabs_ = tabs;
   }
   for (const auto& binding : bindings_) binding->Start();
+}
+
+void FormWindow::LoadIcons() {
+  for (const auto& [size, wparam] : {std::pair(SM_CXICON, ICON_BIG), std::pair(SM_CXSMICON, ICON_SMALL)}) {
+    const int pixels = GetSystemMetricsForDpi(size, static_cast<UINT>(dpi_));
+    const HANDLE icon = LoadImageW(program_, MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON, pixels, pixels, LR_SHARED);
+    SendMessageW(window_, WM_SETICON, static_cast<WPARAM>(wparam), reinterpret_cast<LPARAM>(icon));
+  }
 }
 
 void FormWindow::MakeFonts() {
@@ -176,12 +175,13 @@ bool FormWindow::FilterKey(const MSG& message) {
     tabs_->Step(back ? -1 : 1);
     return true;
   }
-  // Enter in a list is for the row, not for the default button.
-  if (message.wParam == VK_RETURN && ClassName(message.hwnd) == WC_LISTVIEWW) {
-    DispatchMessageW(&message);
+  if (message.wParam == VK_F1 && form_.Help) {
+    form_.Help();
     return true;
   }
-  return false;
+  ControlBinding* binding = BindingOf(message.hwnd);
+  if (!binding) binding = BindingOf(GetParent(message.hwnd));  // the edit box of a combo box
+  return binding && binding->OnKey(message.wParam);
 }
 
 // Not while a modal window or a message box stands in front.

@@ -57,6 +57,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
 
   void CreatePages();
   void BindControls();
+  void LoadIcons();
   void MakeFonts();
   void PlaceFirst(HWND owner);
   [[nodiscard]] SIZE OuterSize(SIZE size) const;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/win32/clipboard.h"
 #include "platform/win32/wide.h"
 
 namespace quenlar::ui {
@@ -29,7 +30,34 @@ void ListBoxBinding::FillItems() {
 }
 
 void ListBoxBinding::OnCommand(UINT code) {
-  if (code != LBN_SELCHANGE) return;
+  if (code == LBN_SELCHANGE) TellSelection();
+}
+
+bool ListBoxBinding::OnKey(WPARAM key) {
+  if (key == VK_DELETE && list_.DeleteKey) {
+    list_.DeleteKey();
+    return true;
+  }
+  if (!ControlHeld()) return false;
+  if (key == 'A' && list_.multi_select) {
+    Send(LB_SETSEL, TRUE, -1);
+    TellSelection();
+    return true;
+  }
+  if (key == 'C') CopySelection();
+  return key == 'C';
+}
+
+// One line an item.
+void ListBoxBinding::CopySelection() const {
+  std::string text;
+  for (std::size_t i = 0; i < list_.items().size(); ++i) {
+    if (Send(LB_GETSEL, i) > 0) text.append(text.empty() ? "" : "\r\n").append(list_.items()[i]);
+  }
+  if (!text.empty()) win32::PutOnClipboard(text);
+}
+
+void ListBoxBinding::TellSelection() {
   std::vector<bool> selected(list_.items().size());
   for (std::size_t i = 0; i < selected.size(); ++i) selected[i] = Send(LB_GETSEL, i) > 0;
   list_.UserSelect(std::move(selected));
@@ -75,6 +103,12 @@ void ComboBoxBinding::OnCommand(UINT code) {
   }
   if (code == CBN_EDITCHANGE) combo_.UserText(NativeText());
   if (code == CBN_SETFOCUS && combo_.GotFocus && !host().restoring_focus()) combo_.GotFocus();
+}
+
+bool ComboBoxBinding::OnKey(WPARAM key) {
+  if (!combo_.editable || !ControlHeld() || key != 'A') return false;
+  Send(CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
+  return true;
 }
 
 void ComboBoxBinding::Picked() {

@@ -10,12 +10,15 @@ class ListBoxBinding final : public ControlBinding {
   ListBoxBinding(ListBox& list, HWND window, BindingHost& host) : ControlBinding(list, window, host), list_(list) {}
   void Start() override;
   void OnCommand(UINT code) override;
+  bool OnKey(WPARAM key) override;
 
  protected:
   void Apply(Aspect aspect) override;
 
  private:
   void FillItems();
+  void TellSelection();
+  void CopySelection() const;
 
   ListBox& list_;
 };
@@ -26,6 +29,7 @@ class ComboBoxBinding final : public ControlBinding {
       : ControlBinding(combo, window, host), combo_(combo) {}
   void Start() override;
   void OnCommand(UINT code) override;
+  bool OnKey(WPARAM key) override;
 
  protected:
   void Apply(Aspect aspect) override;

@@ -15,9 +15,12 @@ constexpr std::size_t kShownUnits = 259;
 }  // namespace
 
 ListViewBinding::ListViewBinding(ListView& list, HWND window, BindingHost& host)
-    : ControlBinding(list, window, host), list_(list), order_([&list](std::uint32_t row, int column) {
+    : ControlBinding(list, window, host),
+      list_(list),
+      order_([&list](std::uint32_t row, int column) {
         return list.CellText ? list.CellText(row, column) : std::string();
-      }) {}
+      }),
+      dpi_(host.dpi()) {}
 
 void ListViewBinding::Start() {
   ControlBinding::Start();
@@ -40,16 +43,19 @@ void ListViewBinding::AddColumns() {
 }
 
 // What the window is wider than at its smallest goes to all columns but the first, in equal shares; what the user has
-// made of the widths by hand stays.
+// made of the widths by hand stays, and grows with the resolution.
 void ListViewBinding::OnPlaced(int grown) {
   const int columns = static_cast<int>(list_.columns.size());
-  for (int i = 1; i < columns; ++i) {
-    const auto share = [&](int pixels) { return pixels * i / (columns - 1) - pixels * (i - 1) / (columns - 1); };
+  for (int i = 0; i < columns; ++i) {
+    const auto share = [&](int pixels) {
+      return i == 0 ? 0 : pixels * i / (columns - 1) - pixels * (i - 1) / (columns - 1);
+    };
     const int now = static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
-    const int before = grown_ < 0 ? 0 : share(grown_);
-    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(i), std::max(now - before + share(grown), 0));
+    const int own = MulDiv(now - share(grown_), host().dpi(), dpi_);
+    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(i), std::max(own + share(grown), 0));
   }
   grown_ = grown;
+  dpi_ = host().dpi();
 }
 
 // Rows that are added can wait to be shown together with others; another table cannot, since the order of the rows
@@ -99,9 +105,6 @@ LRESULT ListViewBinding::OnNotify(const NMHDR& header) {
       return 0;
     case static_cast<UINT>(NM_DBLCLK):
       if (list_.DblClick) list_.DblClick();
-      return 0;
-    case static_cast<UINT>(LVN_KEYDOWN):
-      OnKey(reinterpret_cast<NMLVKEYDOWN*>(given)->wVKey);
       return 0;
     default:
       return 0;
@@ -186,15 +189,23 @@ void ListViewBinding::OnMouseButton(const NMITEMACTIVATE& click) {
   if (click.iItem < 0 && list_.Miss) list_.Miss();
 }
 
-void ListViewBinding::OnKey(WORD key) {
-  if (GetKeyState(VK_CONTROL) >= 0) return;
+// Enter is for the row, not for the default button.
+bool ListViewBinding::OnKey(WPARAM key) {
+  if (key == VK_RETURN) {
+    if (list_.DblClick) list_.DblClick();
+    return true;
+  }
+  if (!ControlHeld()) return false;
   if (key == 'A') {
     SelectAll();
-    return;
+    return true;
   }
   for (const ListView::Command& command : list_.commands) {
-    if (command.control_key != 0 && key == static_cast<WORD>(command.control_key)) Run(command);
+    if (command.control_key == 0 || key != static_cast<WPARAM>(command.control_key)) continue;
+    Run(command);
+    return true;
   }
+  return false;
 }
 
 void ListViewBinding::SelectAll() { ListView_SetItemState(window(), -1, LVIS_SELECTED, LVIS_SELECTED); }

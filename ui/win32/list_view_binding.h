@@ -12,6 +12,7 @@ class ListViewBinding final : public ControlBinding {
   void Start() override;
   LRESULT OnNotify(const NMHDR& header) override;
   void OnContextMenu(POINT place) override;
+  bool OnKey(WPARAM key) override;
   void OnPlaced(int grown) override;
   void Flush() override;
 
@@ -25,7 +26,6 @@ class ListViewBinding final : public ControlBinding {
   void FillCell(NMLVDISPINFOW& wanted) const;
   LRESULT Draw(NMLVCUSTOMDRAW& draw) const;
   int FindText(const NMLVFINDITEMW& wanted) const;
-  void OnKey(WORD key);
   void OnMouseButton(const NMITEMACTIVATE& click);
   void TellSelection();
   void SelectAll();
@@ -34,7 +34,8 @@ class ListViewBinding final : public ControlBinding {
 
   ListView& list_;
   RowOrder order_;
-  int grown_ = -1;
+  int grown_ = 0;
+  int dpi_;  // for which the columns have their widths
 };
 
 }  // namespace quenlar::ui

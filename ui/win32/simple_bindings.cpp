@@ -68,6 +68,26 @@ void LabelBinding::OnPlaced(int) {
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// The click may close the window, so it happens after the message at hand.
+void LabelBinding::Follow() {
+  host().Post([this] { label_.Click(); });
+}
+
+bool LabelBinding::OnKey(WPARAM key) {
+  if (!is_link() || (key != VK_RETURN && key != VK_SPACE)) return false;
+  Follow();
+  return true;
+}
+
+void LabelBinding::DrawFocus() const {
+  if (GetFocus() != window() || (Send(WM_QUERYUISTATE) & UISF_HIDEFOCUS)) return;
+  RECT place;
+  GetClientRect(window(), &place);
+  const HDC context = GetDC(window());
+  DrawFocusRect(context, &place);
+  ReleaseDC(window(), context);
+}
+
 LRESULT CALLBACK LabelBinding::LinkProcedure(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR self) {
   auto& binding = *reinterpret_cast<LabelBinding*>(self);
   switch (message) {
@@ -90,10 +110,18 @@ LRESULT CALLBACK LabelBinding::LinkProcedure(HWND window, UINT message, WPARAM w
       binding.pressed_ = true;
       break;
     case WM_LBUTTONUP:
-      // The click may close the window, so it happens after this message.
-      if (binding.pressed_) binding.host().Post([&binding] { binding.label_.Click(); });
+      if (binding.pressed_) binding.Follow();
       binding.pressed_ = false;
       break;
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+      InvalidateRect(window, nullptr, TRUE);
+      break;
+    case WM_PAINT: {
+      const LRESULT result = DefSubclassProc(window, message, w, l);
+      binding.DrawFocus();
+      return result;
+    }
     default:
       break;
   }
@@ -134,6 +162,12 @@ void TextBoxBinding::Apply(Aspect aspect) {
     Send(EM_SETSEL, static_cast<WPARAM>(end), end);
     Send(EM_SCROLLCARET);
   }
+}
+
+bool TextBoxBinding::OnKey(WPARAM key) {
+  if (!ControlHeld() || key != 'A') return false;
+  Send(EM_SETSEL, 0, -1);
+  return true;
 }
 
 void TextBoxBinding::OnCommand(UINT code) {

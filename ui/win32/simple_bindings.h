@@ -20,7 +20,7 @@ class ButtonBinding final : public ControlBinding {
 };
 
 // A label; one with a Click event behaves like a link: it takes no more room than its text, in the middle of its
-// place, and follows the pointer.
+// place, follows the pointer, and can be reached and followed by the keyboard.
 class LabelBinding final : public ControlBinding {
  public:
   LabelBinding(Label& label, HWND window, BindingHost& host);
@@ -28,11 +28,14 @@ class LabelBinding final : public ControlBinding {
   void Start() override;
   HBRUSH OnColor(HDC context) override;
   void OnPlaced(int grown) override;
+  bool OnKey(WPARAM key) override;
 
  protected:
   void Apply(Aspect aspect) override;
 
  private:
+  void Follow();
+  void DrawFocus() const;
   static LRESULT CALLBACK LinkProcedure(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR self);
   [[nodiscard]] bool is_link() const { return static_cast<bool>(label_.Click); }
 
@@ -57,6 +60,7 @@ class TextBoxBinding final : public ControlBinding {
   TextBoxBinding(TextBox& box, HWND window, BindingHost& host) : ControlBinding(box, window, host), box_(box) {}
   void Start() override;
   void OnCommand(UINT code) override;
+  bool OnKey(WPARAM key) override;
 
  protected:
   void Apply(Aspect aspect) override;
