@@ -40,31 +40,31 @@ struct ListTest : testing::Test {
 };
 
 TEST_F(ListTest, ColumnsAreTheFourOfATable) {
-  OpenWith({"b@x.example", "a@x.example"});
+  OpenWith({"b@x.test", "a@x.test"});
   EXPECT_EQ(list.Cell(0, 0), "1");
-  EXPECT_EQ(list.Cell(0, 1), "b@x.example");
+  EXPECT_EQ(list.Cell(0, 1), "b@x.test");
   EXPECT_EQ(list.Cell(0, 2), "http://www.cars.example/1");
   EXPECT_THAT(list.Cell(0, 3), testing::HasSubstr("Page 1"));
 }
 
 TEST_F(ListTest, AClickOnAHeadingSortsAndASecondOneTurnsAround) {
-  OpenWith({"b@x.example", "C@x.example", "a@x.example"});
+  OpenWith({"b@x.test", "C@x.test", "a@x.test"});
   ClickColumn(1);
-  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "a@x.example"; }));
-  EXPECT_THAT(list.Column(1), ElementsAre("a@x.example", "b@x.example", "C@x.example"));
+  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "a@x.test"; }));
+  EXPECT_THAT(list.Column(1), ElementsAre("a@x.test", "b@x.test", "C@x.test"));
   EXPECT_THAT(list.Column(0), ElementsAre("3", "1", "2"));
   ClickColumn(1);
-  EXPECT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "C@x.example"; }));
+  EXPECT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "C@x.test"; }));
 }
 
-TEST_F(ListTest, CtrlCCopiesTheMarkedAddressesAsTheyAreShown) {
-  OpenWith({"b@x.example", "c@x.example", "a@x.example"});
+TEST_F(ListTest, TheContextMenuCopiesTheMarkedAddressesAsTheyAreShown) {
+  OpenWith({"b@x.test", "c@x.test", "a@x.test"});
   ClickColumn(1);
-  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "a@x.example"; }));
+  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "a@x.test"; }));
   list.MarkRow(0);
   list.MarkRow(2);
   ASSERT_THAT(list.MarkedRows(), ElementsAre(0, 2));
-  // The context menu's first entry does what Ctrl+C does; another process cannot hold Ctrl down.
+  ClearClipboard();
   list.MouseRightClick(list.RowPlace(0));
   const auto menu = [] {
     const HWND found = FindWindowW(L"#32768", nullptr);
@@ -73,40 +73,39 @@ TEST_F(ListTest, CtrlCCopiesTheMarkedAddressesAsTheyAreShown) {
   ASSERT_TRUE(WaitUntil(menu));
   program.Main().PressLetter('a');
   ASSERT_TRUE(WaitUntil([&] { return !menu(); }));
-  std::string copied;
-  EXPECT_TRUE(WaitUntil([&] {
-    if (!OpenClipboard(nullptr)) return false;
-    if (const HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
-      copied = Utf8(static_cast<const wchar_t*>(GlobalLock(data)));
-      GlobalUnlock(data);
-    }
-    CloseClipboard();
-    return copied.starts_with("a@x.example");
-  })) << copied;
+  EXPECT_TRUE(WaitUntil([] { return ClipboardText() == "a@x.test\r\nc@x.test"; })) << ClipboardText();
+}
+
+TEST_F(ListTest, CtrlAMarksEveryRowAndCtrlCCopiesTheirAddresses) {
+  OpenWith({"b@x.test", "c@x.test"});
+  ClearClipboard();
+  const ControlKeyHeld held(list);
+  list.Press('A');
+  ASSERT_TRUE(WaitUntil([&] { return list.MarkedRows().size() == 2; }));
+  list.Press('C');
+  EXPECT_TRUE(WaitUntil([] { return ClipboardText() == "b@x.test\r\nc@x.test"; })) << ClipboardText();
 }
 
 TEST_F(ListTest, AClickOnEmptySpaceClearsTheSelection) {
-  OpenWith({"b@x.example"});
+  OpenWith({"b@x.test"});
   list.MarkRow(0);
   list.MouseClick({60, 200});
   EXPECT_TRUE(WaitUntil([&] { return list.MarkedRows().empty(); }));
 }
 
-TEST_F(ListTest, ThirtyThousandRowsAreShownAndSortedWithoutAFreeze) {
+TEST_F(ListTest, ThirtyThousandRowsAreShownAndSorted) {
   std::vector<std::string> addresses;
-  for (int i = 0; i < 30000; ++i) addresses.push_back("user" + std::to_string(i * 7919 % 30011) + "@x.example");
+  for (int i = 0; i < 30000; ++i) addresses.push_back("user" + std::to_string(i * 7919 % 30011) + "@x.test");
   OpenWith(addresses);
   EXPECT_EQ(list.Cell(29999, 1), addresses.back());
-  const ULONGLONG begun = GetTickCount64();
   ClickColumn(1);
-  EXPECT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "user0@x.example"; }));
-  EXPECT_LT(GetTickCount64() - begun, 10000u);
+  EXPECT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "user0@x.test"; }));
   program.Main().Send(WM_NULL);
   EXPECT_EQ(list.Rows(), 30000);
 }
 
 TEST_F(ListTest, TheWindowKeepsItsSmallestSizeAndThePlacesFollow) {
-  OpenWith({"b@x.example"});
+  OpenWith({"b@x.test"});
   const Window main = program.Main();
   const int dpi = static_cast<int>(GetDpiForWindow(main.handle()));
   const auto scaled = [dpi](int pixels) { return MulDiv(pixels, dpi, 96); };
@@ -131,10 +130,11 @@ TEST_F(ListTest, TheWindowKeepsItsSmallestSizeAndThePlacesFollow) {
 }
 
 TEST_F(ListTest, AnotherResolutionScalesTheWindowAndItsPlaces) {
-  OpenWith({"b@x.example"});
+  OpenWith({"b@x.test"});
   const Window main = program.Main();
   const auto width = [](const Window& window) { return window.Place().right - window.Place().left; };
   ASSERT_EQ(GetDpiForWindow(main.handle()), 96u);
+  const int number_width = list.ColumnWidth(0);
   // What the system does when the window comes to a screen of 144 dots per inch.
   const RECT suggested{10, 10, 10 + 1050, 10 + 750};
   const RemoteMemory memory(main.handle(), sizeof suggested);
@@ -143,6 +143,7 @@ TEST_F(ListTest, AnotherResolutionScalesTheWindowAndItsPlaces) {
   EXPECT_EQ(width(main), 1050);
   EXPECT_EQ(width(list), 1050 - 113 * 3 / 2);
   EXPECT_EQ(width(main.Control(IDC_CMDHIDE)), MulDiv(79, 144, 96));
+  EXPECT_EQ(list.ColumnWidth(0), MulDiv(number_width, 144, 96));
   // Nothing is made smaller than the smallest size, which is larger here too.
   SetWindowPos(main.handle(), nullptr, 0, 0, 602, 402, SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
   EXPECT_TRUE(WaitUntil([&] { return width(main) == 602 * 3 / 2; })) << width(main);

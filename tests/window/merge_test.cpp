@@ -16,8 +16,8 @@ struct MergeToolTest : testing::Test {
   Window tool;
 
   MergeToolTest() {
-    program.WriteFile("report/a.txt", "one@x.example\r\ntwo@x.example\r\n");
-    program.WriteFile("report/b c.rpt", "TWO@x.example\r\nthree@x.example\r\n");
+    program.WriteFile("report/a.txt", "one@x.test\r\ntwo@x.test\r\n");
+    program.WriteFile("report/b c.rpt", "TWO@x.test\r\nthree@x.test\r\n");
   }
   void Open() {
     if (!program.Running()) program.Start();
@@ -50,14 +50,14 @@ TEST_F(MergeToolTest, MergesSeveralBooksAndSavesThem) {
 
   Control(IDC_CMDEXTRACT).Click();
   ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDSAVE).Enabled(); }));
-  EXPECT_THAT(Control(IDC_LSTADDRESS).Items(), ElementsAre("one@x.example", "two@x.example", "three@x.example"));
+  EXPECT_THAT(Control(IDC_LSTADDRESS).Items(), ElementsAre("one@x.test", "two@x.test", "three@x.test"));
   EXPECT_THAT(Control(IDC_LSTBOOK).Items(), IsEmpty());
   EXPECT_FALSE(Control(IDC_CMDEXTRACT).Enabled());
 
   Control(IDC_CMDSAVE).Click();
   ASSERT_TRUE(program.AnswerFileDialog("Save As", "merged.txt"));
   ASSERT_TRUE(WaitUntil([&] { return program.HasFile("report/merged.txt"); }));
-  EXPECT_EQ(program.ReadFile("report/merged.txt"), "one@x.example \r\ntwo@x.example \r\nthree@x.example \r\n");
+  EXPECT_EQ(program.ReadFile("report/merged.txt"), "one@x.test \r\ntwo@x.test \r\nthree@x.test \r\n");
 
   Control(IDC_CMDCLEAR).Click();
   EXPECT_TRUE(WaitUntil([&] { return !Control(IDC_CMDSAVE).Enabled(); }));
@@ -77,7 +77,7 @@ TEST_F(MergeToolTest, SavingOntoAFileAsksAndNoLeadsBackToTheDialog) {
   EXPECT_EQ(program.ReadFile("report/b c.rpt"), before);
   ASSERT_TRUE(program.AnswerFileDialog("Save As", "b c.rpt"));
   ASSERT_TRUE(program.Answer("b c.rpt file existed , Overwrite it ?", IDYES));
-  EXPECT_TRUE(WaitUntil([&] { return program.ReadFile("report/b c.rpt") == "one@x.example \r\ntwo@x.example \r\n"; }));
+  EXPECT_TRUE(WaitUntil([&] { return program.ReadFile("report/b c.rpt") == "one@x.test \r\ntwo@x.test \r\n"; }));
 }
 
 TEST_F(MergeToolTest, CancellingTheSaveDialogSaysSo) {
@@ -107,6 +107,30 @@ TEST_F(MergeToolTest, SelectedBooksCanBeRemoved) {
   Control(IDC_CMDDELETEALL).Click();
   EXPECT_TRUE(WaitUntil([&] { return Control(IDC_LSTBOOK).Items().empty(); }));
   EXPECT_FALSE(Control(IDC_CMDEXTRACT).Enabled());
+}
+
+TEST_F(MergeToolTest, TheListsCanBeUsedByTheKeyboard) {
+  Open();
+  OpenBooks("\"a.txt\" \"b c.rpt\"");
+  const Window books = Control(IDC_LSTBOOK);
+  ASSERT_TRUE(WaitUntil([&] { return books.Items().size() == 2; }));
+  Control(IDC_CMDEXTRACT).Click();
+  const Window addresses = Control(IDC_LSTADDRESS);
+  ASSERT_TRUE(WaitUntil([&] { return addresses.Items().size() == 3; }));
+  ClearClipboard();
+  {
+    const ControlKeyHeld held(addresses);
+    addresses.Press('A');
+    addresses.Press('C');
+    EXPECT_TRUE(WaitUntil([] { return ClipboardText() == "one@x.test\r\ntwo@x.test\r\nthree@x.test"; }))
+        << ClipboardText();
+  }
+  OpenBooks("\"a.txt\" \"b c.rpt\"");
+  ASSERT_TRUE(WaitUntil([&] { return books.Items().size() == 2; }));
+  books.PickListItem(0);
+  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDDELETE).Enabled(); }));
+  books.Press(VK_DELETE);
+  EXPECT_TRUE(WaitUntil([&] { return books.Items() == std::vector<std::string>{"b c.rpt"}; }));
 }
 
 TEST_F(MergeToolTest, BooksWithoutAddressesSaySo) {

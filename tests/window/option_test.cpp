@@ -71,6 +71,16 @@ TEST_F(OptionTest, OnePageIsSeenAtATime) {
   EXPECT_TRUE(WaitUntil([&] { return seen() == "F"; })) << seen();
 }
 
+TEST_F(OptionTest, TabWalksOverThePageInSightThenOkThenTheTabs) {
+  Open();
+  EXPECT_THAT(option.TabStops(),
+              ElementsAre(IDC_CMBSEARCH, IDC_CHKCORRELATION, IDC_CMBSAVE, IDC_TXTSTOPNUMBER, IDOK, IDC_TABOPTION));
+  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
+  ASSERT_TRUE(WaitUntil([&] { return option.Control(IDC_TXTREMOVEFILTER).Visible(); }));
+  EXPECT_THAT(option.TabStops(), ElementsAre(IDC_CHKREMOVEFILTER, IDC_TXTREMOVEFILTER, IDC_CHKEXTRACTFILTER,
+                                             IDC_TXTEXTRACTFILTER, IDOK, IDC_TABOPTION));
+}
+
 TEST_F(OptionTest, TheLanguageIsStoredAndMentioned) {
   Open();
   EXPECT_THAT(option.Control(IDC_CMBSEARCH).Items(),

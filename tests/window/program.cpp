@@ -29,12 +29,12 @@ fs::path ProgramUnderTest() {
   return path;
 }
 
+// What a test that was killed has left is passed over.
 fs::path NewFolder() {
-  static int count = 0;
-  const std::string name = "quenlar test " + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-  const fs::path folder = fs::temp_directory_path() / name;
-  fs::create_directories(folder);
-  return folder;
+  for (int count = 1;; ++count) {
+    const fs::path folder = fs::temp_directory_path() / ("quenlar test " + std::to_string(count));
+    if (fs::create_directory(folder)) return folder;
+  }
 }
 
 }  // namespace
@@ -66,6 +66,13 @@ void StoreSetting(const std::string& name, const std::string& text) {
   const std::wstring value = Wide(text);
   RegSetKeyValueW(HKEY_LOCAL_MACHINE, SettingsKey().c_str(), Wide(name).c_str(), REG_SZ, value.c_str(),
                   static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+}
+
+void StoreDefaultsWithoutUpgradeCheck() {
+  StoreSetting("ProjectNum", "0");
+  StoreSetting("NeverUpgrade", "1");
+  StoreSetting("Correlation", "1");
+  StoreSetting("StopNumber", "99999");
 }
 
 int RunAndWait(const std::wstring& command_line) {
@@ -161,6 +168,15 @@ std::vector<Window> Program::Windows() const {
   return search.found;
 }
 
+bool Program::EndSession() const {
+  const std::vector<Window> windows = Windows();
+  for (const Window& window : windows) {
+    if (window.Send(WM_QUERYENDSESSION) != TRUE) return false;
+  }
+  for (const Window& window : windows) window.Send(WM_ENDSESSION, TRUE);
+  return true;
+}
+
 Window Program::Find(const std::string& caption) const {
   for (const Window& window : Windows()) {
     if (window.Visible() && window.Text() == caption && !GetDlgItem(window.handle(), 0xFFFF)) return window;
@@ -212,8 +228,8 @@ bool Program::ChooseInTrayMenu(TrayItem item) const {
   if (!WaitUntil(open)) return false;
   const Window tray = TrayWindow();
   for (int i = 0; i < static_cast<int>(item); ++i) tray.Press(VK_UP);
-  tray.Press(VK_RETURN);
-  tray.Press(VK_ESCAPE);  // a disabled item cannot be chosen, and the menu stays
+  tray.PressLetter('\r');  // the key itself would become this only behind the next key
+  tray.Press(VK_ESCAPE);   // a disabled item cannot be chosen, and the menu stays
   return WaitUntil([&] { return !open(); });
 }
 

@@ -18,6 +18,8 @@ inline constexpr const char* kCaption = "Brenvy Quenlar Pro 3.0";
 [[nodiscard]] std::map<std::string, std::string> StoredSettings();
 void DeleteStoredSettings();
 void StoreSetting(const std::string& name, const std::string& text);
+// The defaults with the upgrade check turned off, which would show its stages in the status bar at any moment.
+void StoreDefaultsWithoutUpgradeCheck();
 
 // Runs a command line and waits for its end; its exit status.
 [[nodiscard]] int RunAndWait(const std::wstring& command_line);
@@ -51,6 +53,10 @@ class Program {
   [[nodiscard]] DWORD process_id() const { return process_.dwProcessId; }
   [[nodiscard]] HANDLE process() const { return process_.hProcess; }
 
+  // All of its top-level windows, hidden ones too.
+  [[nodiscard]] std::vector<Window> Windows() const;
+  // Tells each of them what the system tells it at the end of a session. False when one of them objects.
+  [[nodiscard]] bool EndSession() const;
   // The program's visible windows with this caption, or with this class.
   [[nodiscard]] Window Find(const std::string& caption) const;
   [[nodiscard]] Window Main() const { return FindByClass("QuenlarMainWindow"); }
@@ -73,7 +79,6 @@ class Program {
 
  private:
   [[nodiscard]] PROCESS_INFORMATION StartProcess() const;
-  [[nodiscard]] std::vector<Window> Windows() const;
   [[nodiscard]] Window Box(const std::string& text) const;
 
   std::filesystem::path folder_;

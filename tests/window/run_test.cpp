@@ -17,7 +17,7 @@ using testing::HasSubstr;
 constexpr const char* kSite = "http://www.cars.example";
 constexpr const char* kResults = "http://www.google.com/search?hl=en&q=cars&btnG=Google+Search&num=100&start=";
 
-constexpr const char* kStartPage = "<title>Cars</title> Write to first@cars.example <a href=\"/two.html\">more</a>";
+constexpr const char* kStartPage = "<title>Cars</title> Write to first@cars.test <a href=\"/two.html\">more</a>";
 
 // A program whose downloads all come from the test's own site.
 struct RunTest : testing::Test {
@@ -25,10 +25,11 @@ struct RunTest : testing::Test {
   Program program;
 
   RunTest() {
+    StoreDefaultsWithoutUpgradeCheck();
     program.SetProxy(site);
     for (const char* root : {"", "/"}) site.SetPage(std::string(kSite) + root, kStartPage);
     site.SetPage(std::string(kSite) + "/two.html",
-                 "<title>Two</title><a href=\"mailto:second@cars.example\">mail</a> third@cars.example");
+                 "<title>Two</title><a href=\"mailto:second@cars.test\">mail</a> third@cars.test<p>");
   }
   void Begin(const std::string& text) const {
     const Window main = program.Main();
@@ -46,8 +47,7 @@ TEST_F(RunTest, ARunByAddressFillsTheListAndTheFiles) {
   const Window list = Control(IDC_LSTMAIL);
   ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 3; })) << list.Rows();
   EXPECT_THAT(list.Column(0), ElementsAre("1", "2", "3"));
-  EXPECT_THAT(list.Column(1),
-              testing::UnorderedElementsAre("first@cars.example", "second@cars.example", "third@cars.example"));
+  EXPECT_THAT(list.Column(1), testing::UnorderedElementsAre("first@cars.test", "second@cars.test", "third@cars.test"));
   EXPECT_THAT(list.Cell(0, 2), HasSubstr(kSite));
   EXPECT_EQ(list.Cell(0, 3), "Cars");
   const Window bar = Control(IDC_STSEXTRACT);
@@ -59,7 +59,7 @@ TEST_F(RunTest, ARunByAddressFillsTheListAndTheFiles) {
   for (const int id : {IDC_CMDEXTRACT, IDC_CMDEXPORT, IDC_CMDDELETE, IDC_CMBURL, IDC_CMDOPTION, IDC_CMDTOOL}) {
     EXPECT_TRUE(Control(id).Enabled()) << id;
   }
-  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.example\r\n"));
+  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.test\r\n"));
   EXPECT_THAT(StoredSettings(), testing::Contains(testing::Pair("Project1", "www.cars.example")));
 }
 
@@ -121,18 +121,38 @@ TEST_F(RunTest, LoggingOffDuringARunSavesIt) {
   Begin("www.cars.example");
   ASSERT_TRUE(WaitUntil([&] { return site.WasAskedFor(std::string(kSite) + "/two.html"); }));
   EXPECT_FALSE(program.HasFile("report/cars_example.rpt"));
-  Window hidden;
-  ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(hidden = program.FindByClass("QuenlarSessionEnd")); }));
-  EXPECT_EQ(hidden.Send(WM_QUERYENDSESSION), 1);
-  hidden.Send(WM_ENDSESSION, TRUE);
+  ASSERT_TRUE(program.EndSession());
   EXPECT_THAT(program.ReadFile("data/cars_example.dat"), HasSubstr("\r\nhttp://www.cars.example/two.html\r\n"));
-  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.example\r\n"));
+  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.test\r\n"));
+}
+
+TEST_F(RunTest, LoggingOffBeforeTheEndOfARunIsAcknowledgedSavesIt) {
+  program.Start();
+  Begin("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return program.HasBox(kEndAllParsed); }));
+  EXPECT_FALSE(program.HasFile("report/cars_example.rpt"));
+  ASSERT_TRUE(program.EndSession());
+  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("third@cars.test\r\n"));
+}
+
+TEST_F(RunTest, UpgradingInTheMiddleOfARunSavesIt) {
+  StoreSetting("NeverUpgrade", "0");
+  site.SetPage(kUpgradePage, "4\r\n");
+  site.SetSilent(std::string(kSite) + "/two.html");
+  program.Start();
+  const Window dialog = program.WaitForWindow("Brenvy Quenlar Pro 3.0 Upgrade");
+  ASSERT_TRUE(dialog);
+  Begin("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return site.WasAskedFor(std::string(kSite) + "/two.html"); }));
+  EXPECT_FALSE(program.HasFile("report/cars_example.rpt"));
+  dialog.Control(IDOK).Click();
+  ASSERT_TRUE(program.WaitForEnd());
+  EXPECT_THAT(program.ReadFile("data/cars_example.dat"), HasSubstr("\r\nhttp://www.cars.example/two.html\r\n"));
+  EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.test\r\n"));
 }
 
 TEST_F(RunTest, TheStopNumberEndsTheRun) {
-  StoreSetting("ProjectNum", "0");
   StoreSetting("StopNumber", "1");
-  StoreSetting("Correlation", "1");
   program.Start();
   Begin("www.cars.example");
   EXPECT_TRUE(program.Answer(kEndStopNumber));
@@ -179,12 +199,12 @@ TEST_F(RunTest, PickingAProjectFromTheListOpensIt) {
   StoreSetting("ProjectNum", "2");
   StoreSetting("Project1", "www.other.example");
   StoreSetting("Project2", "www.cars.example");
-  program.WriteFile("report/cars_example.rpt", HeaderLine() + "\r\n\r\nkept@cars.example\r\n");
+  program.WriteFile("report/cars_example.rpt", HeaderLine() + "\r\n\r\nkept@cars.test\r\n");
   program.Start();
   ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMBURL).Items().size() == 2; }));
   Control(IDC_CMBURL).Pick(1);
   ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTMAIL).Rows() == 1; }));
-  EXPECT_EQ(Control(IDC_LSTMAIL).Cell(0, 1), "kept@cars.example");
+  EXPECT_EQ(Control(IDC_LSTMAIL).Cell(0, 1), "kept@cars.test");
   EXPECT_EQ(Control(IDC_CMBURL).Text(), "www.cars.example");
   EXPECT_THAT(Control(IDC_CMBURL).Items(), ElementsAre("www.cars.example", "www.other.example"));
 }

@@ -96,6 +96,41 @@ TEST(WindowStart, TheHiddenWindowComesBackByTheMenuAsItWas) {
   EXPECT_TRUE(main.Control(IDC_CMDHIDE).Enabled());
 }
 
+TEST(WindowStart, TheMinimisedWindowComesBackAsItWas) {
+  Program program;
+  program.Start();
+  const Window main = program.Main();
+  const RECT before = main.Place();
+  const RECT list_before = main.Control(IDC_LSTMAIL).Place();
+  main.Send(WM_SYSCOMMAND, SC_MINIMIZE);
+  ASSERT_TRUE(WaitUntil([&] { return IsIconic(main.handle()); }));
+  main.Send(WM_SYSCOMMAND, SC_RESTORE);
+  ASSERT_TRUE(WaitUntil([&] { return !IsIconic(main.handle()); }));
+  const RECT after = main.Place();
+  const RECT list_after = main.Control(IDC_LSTMAIL).Place();
+  EXPECT_TRUE(EqualRect(&before, &after));
+  EXPECT_TRUE(EqualRect(&list_before, &list_after));
+}
+
+TEST(WindowStart, TabWalksOverTheControlsFromTheInputOnward) {
+  Program program;
+  program.Start();
+  const Window main = program.Main();
+  EXPECT_THAT(main.TabStops(),
+              ElementsAre(IDC_CMBURL, IDC_CMDEXTRACT, IDC_LSTMAIL, IDC_CMDOPTION, IDC_CMDTOOL, IDC_CMDHIDE));
+}
+
+TEST(WindowStart, F1OpensTheHelpBoxAndEscClosesIt) {
+  Program program;
+  program.Start();
+  program.Main().Control(IDC_LSTMAIL).Press(VK_F1);
+  const Window help = program.WaitForWindow("Brenvy Quenlar Pro Online Help");
+  ASSERT_TRUE(help);
+  EXPECT_THAT(help.TabStops(), ElementsAre(IDC_LBLHELP));
+  help.Control(IDC_LBLHELP).Press(VK_ESCAPE);
+  EXPECT_TRUE(WaitUntil([&] { return !help; }));
+}
+
 TEST(WindowStart, TheClosedWindowComesBackByTheMenu) {
   Program program;
   program.Start();
@@ -124,6 +159,7 @@ TEST(WindowStart, AboutAndHelpOpenFromTheMenu) {
   ASSERT_TRUE(about);
   EXPECT_EQ(about.Control(IDC_LBLSOFTWAREVERSION).Text(), "Brenvy Quenlar Pro 3.0");
   EXPECT_EQ(about.Control(IDC_LBLNOTE).Text(), "You can visit web page : ");
+  EXPECT_THAT(about.TabStops(), ElementsAre(IDOK, IDC_LBLWEBPAGE)) << "Enter closes the box at once";
   about.Control(IDOK).Click();
   EXPECT_TRUE(WaitUntil([&] { return !about; }));
 

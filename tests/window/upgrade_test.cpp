@@ -57,10 +57,7 @@ TEST_F(UpgradeTest, TheOwnVersionShowsNoDialog) {
 }
 
 TEST_F(UpgradeTest, WhoNeverWantsToUpgradeIsNotAsked) {
-  StoreSetting("ProjectNum", "0");
-  StoreSetting("NeverUpgrade", "1");
-  StoreSetting("Correlation", "1");
-  StoreSetting("StopNumber", "99999");
+  StoreDefaultsWithoutUpgradeCheck();
   StartWithPublished("4\r\n");
   program.Main().Control(IDC_CMBURL).Type("www.none.example");
   // A run ends after at least one tick of the alarm clock, which would have asked.

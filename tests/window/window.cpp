@@ -88,7 +88,20 @@ RECT Window::Place() const {
 
 void Window::Type(const std::string& text) const {
   const HWND edit = IsCombo() ? FindWindowExW(handle_, nullptr, L"Edit", nullptr) : handle_;
-  Window(edit).Send(WM_SETTEXT, 0, reinterpret_cast<LPARAM>(Wide(text).c_str()));
+  Window(edit).Send(EM_SETSEL, 0, -1);
+  // Unlike WM_SETTEXT this counts as typing in boxes of several lines and in combo boxes too.
+  Window(edit).Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(Wide(text).c_str()));
+}
+
+std::vector<int> Window::TabStops() const {
+  std::vector<int> stops;
+  const HWND first = GetNextDlgTabItem(handle_, nullptr, FALSE);
+  HWND control = first;
+  do {
+    stops.push_back(GetDlgCtrlID(control));
+    control = GetNextDlgTabItem(handle_, control, FALSE);
+  } while (control && control != first);
+  return stops;
 }
 
 void Window::Press(int virtual_key) const {
@@ -125,7 +138,9 @@ std::vector<std::string> Window::Items() const {
   const LRESULT count = Send(combo ? CB_GETCOUNT : LB_GETCOUNT);
   for (LRESULT i = 0; i < count; ++i) {
     const auto index = static_cast<WPARAM>(i);
-    std::wstring text(static_cast<std::size_t>(Send(combo ? CB_GETLBTEXTLEN : LB_GETTEXTLEN, index)) + 1, L'\0');
+    const LRESULT length = Send(combo ? CB_GETLBTEXTLEN : LB_GETTEXTLEN, index);
+    if (length < 0) break;  // it has become shorter meanwhile
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
     Send(combo ? CB_GETLBTEXT : LB_GETTEXT, index, reinterpret_cast<LPARAM>(text.data()));
     text.pop_back();
     items.push_back(Utf8(text));
@@ -208,6 +223,40 @@ std::string Window::Panel(int number) const {
   std::wstring text(length, L'\0');
   memory.Read(0, text.data(), length * sizeof(wchar_t));
   return Utf8(text);
+}
+
+ControlKeyHeld::ControlKeyHeld(const Window& window) : thread_(GetWindowThreadProcessId(window.handle(), nullptr)) {
+  AttachThreadInput(GetCurrentThreadId(), thread_, TRUE);
+  Set(0x80);
+}
+
+ControlKeyHeld::~ControlKeyHeld() {
+  Set(0);
+  AttachThreadInput(GetCurrentThreadId(), thread_, FALSE);
+}
+
+void ControlKeyHeld::Set(BYTE state) const {
+  BYTE keys[256] = {};
+  GetKeyboardState(keys);
+  keys[VK_CONTROL] = keys[VK_LCONTROL] = state;
+  SetKeyboardState(keys);
+}
+
+std::string ClipboardText() {
+  std::string text;
+  if (!OpenClipboard(nullptr)) return text;
+  if (const HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
+    text = Utf8(static_cast<const wchar_t*>(GlobalLock(data)));
+    GlobalUnlock(data);
+  }
+  CloseClipboard();
+  return text;
+}
+
+void ClearClipboard() {
+  if (!OpenClipboard(nullptr)) return;
+  EmptyClipboard();
+  CloseClipboard();
 }
 
 }  // namespace quenlar::window_test

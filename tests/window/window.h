@@ -35,6 +35,8 @@ class Window {
 
   // As if typed over: the control tells its window about the change.
   void Type(const std::string& text) const;
+  // The numbers of the controls that the Tab key walks over, from the first on.
+  [[nodiscard]] std::vector<int> TabStops() const;
   // Presses a key, or a letter, without waiting for what it leads to.
   void Press(int virtual_key) const;
   void PressLetter(char letter) const;
@@ -70,6 +72,23 @@ class Window {
   [[nodiscard]] bool IsCombo() const { return ClassName() == "ComboBox"; }
   HWND handle_ = nullptr;
 };
+
+// Holds the Ctrl key down for the program of a window, for as long as this object lives.
+class ControlKeyHeld {
+ public:
+  explicit ControlKeyHeld(const Window& window);
+  ~ControlKeyHeld();
+  ControlKeyHeld(const ControlKeyHeld&) = delete;
+  ControlKeyHeld& operator=(const ControlKeyHeld&) = delete;
+
+ private:
+  void Set(BYTE state) const;
+  DWORD thread_;
+};
+
+// What is on the clipboard; empty while there is no text or another program holds it.
+[[nodiscard]] std::string ClipboardText();
+void ClearClipboard();
 
 [[nodiscard]] std::wstring Wide(const std::string& utf8);
 [[nodiscard]] std::string Utf8(const std::wstring& wide);

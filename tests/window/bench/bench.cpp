@@ -71,7 +71,7 @@ void MeasureRows(int rows) {
   std::string report = HeaderLine() + "\r\n\r\n";
   for (int i = 0; i < rows; ++i) {
     const std::string number = std::to_string(i);
-    report += number + "     person" + number + "@mail.example     http://www.cars.example/page" + number +
+    report += number + "     person" + number + "@mail.test     http://www.cars.example/page" + number +
               ".html     The title of page " + number + "\r\n";
   }
   program.WriteFile("report/cars_example.rpt", report);

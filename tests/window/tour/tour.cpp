@@ -33,9 +33,12 @@ void FillSite(Site& site) {
     const std::string number = std::to_string(page + 1);
     std::string body = "<title>Chess club, section " + number + "</title>";
     for (int i = 0; i < kPeopleOnAPage; ++i) {
-      body += "Ask " + std::string(kNames[(page * kPeopleOnAPage + i) % 10]) + number + "@chess.example for a game. ";
+      body += "<p>Ask " + std::string(kNames[(page * kPeopleOnAPage + i) % 10]) + number + "@chess.test for a game. ";
     }
-    body += "<a href=\"/section" + std::to_string(page + 2) + ".html\">next</a>";
+    body += "<hr>";
+    for (int other = 2; page == 0 && other <= kPages + 1; ++other) {
+      body += "<a href=\"/section" + std::to_string(other) + ".html\">section " + std::to_string(other) + "</a>";
+    }
     site.SetPage("http://www.chess.example/section" + number + ".html", body);
     if (page == 0) site.SetPage("http://www.chess.example", body);
     if (page == 0) site.SetPage("http://www.chess.example/", body);
@@ -83,7 +86,7 @@ void ShowOption(const Program& program) {
 
 void ShowTool(const Program& program) {
   const char* kTool = "Mailing List Management Tool";
-  program.WriteFile("report/friends.txt", "anna1@chess.example\r\nZoe@garden.example\r\nyves@garden.example\r\n");
+  program.WriteFile("report/friends.txt", "anna1@chess.test\r\nZoe@garden.test\r\nyves@garden.test\r\n");
   program.Main().Control(IDC_CMDTOOL).Click();
   const Window tool = program.WaitForWindow(kTool);
   Expect(static_cast<bool>(tool), "no tool");
