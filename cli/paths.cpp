@@ -16,14 +16,28 @@ std::string ToUtf8(const fs::path& path) {
   return {text.begin(), text.end()};
 }
 
+// "\\\\server\\share" of Windows, which the library takes for a path on the current drive.
+bool NamesAMachine(const std::string& path) {
+  const auto separator = [](char c) { return c == '/' || c == '\\'; };
+  return fs::path::preferred_separator == '\\' && path.size() > 2 && separator(path[0]) && separator(path[1]);
+}
+
+// Such a path is absolute; ".." in it is the system's to resolve.
+std::string PathOnAMachine(std::string path) {
+  std::replace(path.begin(), path.end(), '/', '\\');
+  while (path.ends_with('\\')) path.pop_back();
+  return path;
+}
+
 }  // namespace
 
 std::string AbsolutePath(const std::string& path) {
+  if (NamesAMachine(path)) return PathOnAMachine(path);
   std::error_code error;
   fs::path absolute = fs::absolute(FromUtf8(path), error);
   if (error) return "";
   // ".." stays: behind a link it does not mean the folder named before it. (Windows takes it for that folder all the
-  // same, so there it has gone already.)
+  // same, so there it may have gone already.)
   const bool has_parent = std::find(absolute.begin(), absolute.end(), fs::path("..")) != absolute.end();
   if (!has_parent) absolute = absolute.lexically_normal();
   absolute.make_preferred();
