@@ -35,7 +35,10 @@ void LabelBinding::Start() {
 
 void LabelBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
-  if (aspect == Aspect::kText) SetNativeText(label_.text());
+  if (aspect == Aspect::kText) {
+    SetNativeText(label_.text());
+    OnPlaced(0);
+  }
   if (aspect == Aspect::kColor) {
     Send(WM_SETFONT, reinterpret_cast<WPARAM>(label_.underlined() ? host().underlined_font() : host().font()), TRUE);
     InvalidateRect(window(), nullptr, TRUE);
