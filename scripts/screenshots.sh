@@ -24,18 +24,28 @@ suffix=
 coproc TOUR { QUENLAR_PROGRAM=$PWD/build/windows/Quenlar.exe scripts/wine.sh build/windows/window_tour.exe \
   $([ "$dpi" = 96 ] || echo main); }
 tour=$TOUR_PID
-while IFS=$'\t' read -r name caption <&"${TOUR[0]}"; do
-  caption=${caption%$'\r'}
+while IFS= read -r line <&"${TOUR[0]}"; do
+  line=${line%$'\r'}
+  name=${line%%$'\t'*} window=${line#*$'\t'}
+  # At other resolutions one picture is enough.
+  if [ "$dpi" != 96 ] && [ "$name" != main ]; then
+    echo >&"${TOUR[1]}"
+    continue
+  fi
+  case "$window" in
+    $'\t'*) part=(-window root -crop "${window#$'\t'}" +repage) ;;
+    *) part=(-frame -window "$window") ;;
+  esac
   # A picture is right when it looks the same twice: everything has been drawn.
   before=
   for _ in $(seq 100); do
-    DISPLAY=$QUENLAR_WINE_DISPLAY import -frame -window "$caption" "png:build/picture.png"
+    DISPLAY=$QUENLAR_WINE_DISPLAY import "${part[@]}" "png:build/picture.png"
     now=$(convert build/picture.png rgba:- | md5sum)
     [ "$now" != "$before" ] || break
     before=$now
     sleep 0.2
   done
-  convert build/picture.png -strip -colors 128 "png8:$images/$name$suffix.png"
+  convert build/picture.png -strip +dither -colors 128 "png8:$images/$name$suffix.png"
   echo "$images/$name$suffix.png"
   echo >&"${TOUR[1]}"
 done

@@ -1,5 +1,6 @@
 // Opens every window of the program, one after the other, for pictures of them: prints the file name of a picture, a
-// tab and the window's caption, and goes on at the next line of input. usage: window_tour.exe [main]
+// tab and the window's caption, or a tab more and the part of the screen (WIDTHxHEIGHT+X+Y) instead, and goes on at the
+// next line of input. usage: window_tour.exe [main]
 #include <cstring>
 #include <iostream>
 #include <stdexcept>
@@ -26,6 +27,20 @@ void Picture(const std::string& name, const std::string& caption) {
   std::getline(std::cin, line);
 }
 
+void Picture(const std::string& name, const RECT& part) {
+  const auto text = [](LONG number) { return std::to_string(number); };
+  Picture(name, '\t' + text(part.right - part.left) + 'x' + text(part.bottom - part.top) + '+' + text(part.left) + '+' +
+                    text(part.top));
+}
+
+// The menu that is open.
+Window WaitForMenu() {
+  HWND menu = nullptr;
+  Expect(WaitUntil([&] { return (menu = FindWindowW(L"#32768", nullptr)) != nullptr && IsWindowVisible(menu); }),
+         "no menu");
+  return Window(menu);
+}
+
 // A club's web site with invented people.
 void FillSite(Site& site) {
   const char* kNames[] = {"anna", "bruno", "clara", "daniel", "elena", "felix", "greta", "hugo", "irene", "jonas"};
@@ -49,17 +64,23 @@ void FillSite(Site& site) {
 
 void ShowRun(const Program& program) {
   const Window main = program.Main();
+  Picture("main-empty", kCaption);
   main.Control(IDC_CMBURL).Type("www.chess.example");
   main.Control(IDC_CMDEXTRACT).Click();
   Expect(WaitUntil([&] { return main.Control(IDC_LSTMAIL).Rows() == kPages * kPeopleOnAPage; }), "no rows");
   Picture("main-running", kCaption);
   main.Control(IDC_CMDEXTRACT).Click();
   Expect(WaitUntil([&] { return program.HasBox(kEndStopButton); }), "no end");
-  Picture("message", kCaption);
+  Picture("message", main.Place());
   Expect(program.Answer(kEndStopButton), "no answer");
   Expect(WaitUntil([&] { return main.Control(IDC_CMDEXTRACT).Enabled(); }), "not idle");
-  main.Control(IDC_LSTMAIL).MarkRow(2);
+  const Window list = main.Control(IDC_LSTMAIL);
+  list.MarkRow(2);
   Picture("main", kCaption);
+  list.MouseRightClick(list.RowPlace(2));
+  (void)WaitForMenu();
+  Picture("main-menu", main.Place());
+  main.Press(VK_ESCAPE);
 }
 
 void ShowSmallest(const Program& program) {
@@ -105,6 +126,12 @@ void ShowTool(const Program& program) {
   Expect(WaitUntil([&] { return !tool && program.Main().Enabled(); }), "the tool stays");
 }
 
+void ShowTrayMenu(const Program& program) {
+  program.TellTray(WM_RBUTTONDOWN);
+  Picture("tray-menu", WaitForMenu().Place());
+  program.TrayWindow().Press(VK_ESCAPE);
+}
+
 void ShowBoxes(const Program& program) {
   const char* kAbout = "About Brenvy Quenlar Pro 3.0";
   const char* kHelp = "Brenvy Quenlar Pro Online Help";
@@ -135,6 +162,7 @@ void Tour(bool only_main) {
   ShowSmallest(program);
   ShowOption(program);
   ShowTool(program);
+  ShowTrayMenu(program);
   ShowBoxes(program);
 }
 
