@@ -21,6 +21,8 @@ struct MergeToolTest : testing::Test {
   }
   void Open() {
     if (!program.Running()) program.Start();
+    // The button is disabled for a moment longer than the window of before is there.
+    ASSERT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_CMDTOOL).Enabled(); }));
     program.Main().Control(IDC_CMDTOOL).Click();
     tool = program.WaitForWindow("Mailing List Management Tool");
     ASSERT_TRUE(tool);

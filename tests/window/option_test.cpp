@@ -17,6 +17,8 @@ struct OptionTest : testing::Test {
 
   void Open() {
     if (!program.Running()) program.Start();
+    // The button is disabled for a moment longer than the dialog of before is there.
+    ASSERT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_CMDOPTION).Enabled(); }));
     program.Main().Control(IDC_CMDOPTION).Click();
     option = program.WaitForWindow("Option");
     ASSERT_TRUE(option);

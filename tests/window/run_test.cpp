@@ -86,7 +86,7 @@ TEST_F(RunTest, WhileARunGoesOnOnlyStopAndHideCanBeUsed) {
     EXPECT_FALSE(Control(id).Enabled()) << id;
   }
   EXPECT_TRUE(Control(IDC_CMDHIDE).Enabled());
-  EXPECT_THAT(Control(IDC_STSEXTRACT).Panel(1), testing::Not("Waiting ..."));
+  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_STSEXTRACT).Panel(1) != "Waiting ..."; }));
 
   Control(IDC_CMDEXTRACT).Click();
   ASSERT_TRUE(program.Answer(kEndStopButton));
