@@ -82,8 +82,8 @@ std::size_t TopLevelEnd(std::string_view text, std::size_t dot) {
 // The end of the domain that begins at `begin`: the last dot that is followed by a top-level name wins; 0 without one.
 std::size_t DomainEnd(std::string_view text, std::size_t begin) {
   const std::size_t end = DomainRunEnd(text, begin);
-  const std::size_t first = std::min(begin + 1, end);
-  for (std::size_t dot = end; (dot = FindLastByte(text, '.', first, dot)) != std::string_view::npos;) {
+  for (std::size_t dot = end; dot-- > begin + 1;) {
+    if (text[dot] != '.') continue;
     if (const std::size_t found = TopLevelEnd(text, dot)) return found;
   }
   return 0;
