@@ -13,7 +13,7 @@ esac
 rounds=3
 
 scripts/install.sh bench
-scripts/build.sh bench
+scripts/build.sh bench quenlar compare_harvest compare_page compare_tables compare_files growth delay_proxy
 corpus=${QUENLAR_CORPUS:-$PWD/build/bench/corpus}
 bench/corpus.sh "$size" >&2
 # The slow parsers go through one page in so many.

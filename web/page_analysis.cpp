@@ -88,8 +88,8 @@ class TagWalk {
   // Pumps at every tag. False when a stop request cut the walk short.
   bool Run() {
     bool cut_short = false;
-    const auto passed = [&](std::size_t first, int count) {
-      context_.pump.Light(count);
+    const auto passed = [&](std::size_t first, std::uint64_t tags) {
+      context_.pump.Light(tags);
       if (!context_.run.stop_requested) return true;
       cut_short = FindByte(page_, '>', first) != kNone;  // what is never closed is no tag, so it is not missed
       return false;

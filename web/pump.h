@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 
 #include "platform/event_loop.h"
 
@@ -18,15 +19,15 @@ class Pump {
 
   // Pumps: any download may complete and any other analysis may run inside.
   void operator()() { Count(kUsualWork); }
-  // The same `times` times, after next to no work each time: the many tags that are of no interest.
-  void Light(int times) {
-    Count(times);
-    for (; always_ && times > 1; --times) Slow();
+  // The same once for every bit that is set, after next to no work: the tags of no interest in one block of the page.
+  void Light(std::uint64_t bits) {
+    if (!always_) return Count(1);
+    for (; bits != 0; bits &= bits - 1) Slow();
   }
 
  private:
-  static constexpr int kStride = 256;  // light pump points between two looks at the clock
-  static constexpr int kUsualWork = 16;
+  static constexpr int kStride = 1024;  // light calls between two looks at the clock
+  static constexpr int kUsualWork = 32;
   void Count(int work) {
     countdown_ -= work;
     if (countdown_ <= 0) Slow();

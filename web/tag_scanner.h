@@ -22,10 +22,10 @@ class TagScanner {
   struct Tag {
     std::size_t open, close;  // the positions of "<" and ">"
   };
-  // The next tag whose text begins with "a", "f" (in either case) or a blank. `passed(first, count)` is told of all
+  // The next tag whose text begins with "a", "f" (in either case) or a blank. `passed(first, tags)` is told of all
   // tags, in order: of those gone by and of the next one before it is returned; `first` is where the first of them
-  // begins. It may end the search by returning false. False at the end; then never call it again. The last tag that
-  // `passed` is told of may lack its ">".
+  // begins, and `tags` has a bit for each. It may end the search by returning false. False at the end; then never call
+  // it again. The last tag that `passed` is told of may lack its ">".
   template <typename Passed>
   [[nodiscard]] bool Next(Tag& tag, Passed passed) {
     for (;;) {
@@ -53,7 +53,7 @@ class TagScanner {
     const std::uint64_t tags = untold_ & bits;
     if (tags == 0) return true;
     untold_ &= ~bits;
-    return passed(Place(tags), std::popcount(tags));
+    return passed(Place(tags), tags);
   }
 
   bool NextBlock() {

@@ -1,5 +1,6 @@
 #include "web/tag_scanner.h"
 
+#include <bit>
 #include <random>
 #include <string>
 #include <vector>
@@ -31,8 +32,8 @@ Seen Plain(const std::string& page) {
 Seen Scanned(const std::string& page) {
   Seen seen;
   TagScanner scanner(page);
-  const auto passed = [&](std::size_t, int count) {
-    seen.tags += static_cast<std::size_t>(count);
+  const auto passed = [&](std::size_t, std::uint64_t tags) {
+    seen.tags += static_cast<std::size_t>(std::popcount(tags));
     return true;
   };
   for (TagScanner::Tag tag{}; scanner.Next(tag, passed);) seen.wanted.emplace_back(tag.open, tag.close);
@@ -56,9 +57,9 @@ TEST(TagScanner, EndsWhereItIsToldTo) {
     TagScanner scanner(page);
     int told = 0;
     std::size_t first_told = 0;
-    const auto passed = [&](std::size_t first, int count) {
+    const auto passed = [&](std::size_t first, std::uint64_t tags) {
       first_told = first;
-      told += count;
+      told += std::popcount(tags);
       return told <= stop_after;
     };
     TagScanner::Tag tag{};
