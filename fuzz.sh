@@ -7,13 +7,13 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 minutes=${1:-10}
 shift || true
 
-scripts/install.sh fuzz
-scripts/build.sh fuzz
-
 if [ $# -gt 0 ]; then targets=("$@"); else
   targets=()
   for source in fuzz/*_fuzz.cpp; do targets+=("$(basename "${source%_fuzz.cpp}")"); done
 fi
+scripts/install.sh fuzz
+scripts/build.sh fuzz "${targets[@]/%/_fuzz}"
+
 jobs=2
 seconds=$((minutes * 60 * jobs / ${#targets[@]}))
 [ "$seconds" -ge 5 ] || seconds=5

@@ -38,7 +38,11 @@ QUENLAR_FUZZ_TARGET(harvest) {
   fuzz::Feed feed(bytes.substr(0, 4096));
   const std::uint8_t choice = feed.Byte();
   fuzz::PageWorld world;
-  ReferenceAnalysis reference;
+  static ReferenceAnalysis reference;  // its patterns take longer to compile than a page to analyse
+  reference.queues = {};
+  reference.found.clear();
+  reference.saves.clear();
+  reference.stop_requested = false;
   world.settings.StopNumber = (choice & 0x10) != 0 ? 2 : 99999;
   reference.stop_number = world.settings.StopNumber;
   world.settings.CorrelationMode = (choice & 0x20) != 0 ? 1 : 0;
