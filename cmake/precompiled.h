@@ -1,0 +1,17 @@
+// What most sources include, for the presets that precompile it (QUENLAR_PRECOMPILE). A source still includes what it
+// uses: the linux preset precompiles nothing, so that a missing include is noticed there.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
