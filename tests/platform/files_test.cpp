@@ -57,6 +57,25 @@ TEST_P(FilesContract, NamesMayHoldBlanksAndCharactersBeyondAscii) {
   EXPECT_EQ(platform_->Names(folder_), Names{name});
 }
 
+TEST_P(FilesContract, FoldersMayLieDeeperThanOldSystemCallsReach) {
+  std::string folder = folder_;
+  while (folder.size() < 400) {
+    folder += "/" + std::string(60, 'd');
+    ASSERT_TRUE(files_.MakeFolder(folder).ok()) << folder.size();
+  }
+  const std::string file = folder + "/a.dat";
+  for (const char* contents : {"old", "new"}) {
+    ASSERT_TRUE(WriteWhole(files_, file, contents).ok());
+    EXPECT_EQ(Contents(file), contents);
+  }
+  EXPECT_TRUE(files_.FolderExists(folder));
+  EXPECT_TRUE(files_.Lock(folder, "lock").ok());
+  ASSERT_TRUE(files_.Rename(file, file + ".bak").ok());
+  EXPECT_TRUE(files_.FileExists(file + ".bak"));
+  EXPECT_TRUE(files_.Delete(file + ".bak").ok());
+  EXPECT_FALSE(files_.FileExists(file + ".bak"));
+}
+
 TEST_P(FilesContract, ManySmallWritesMakeOneFile) {
   auto replacement = files_.Replace(At("a"));
   ASSERT_TRUE(replacement.ok());
