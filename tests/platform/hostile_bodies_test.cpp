@@ -89,7 +89,7 @@ TEST_F(HostileServer, AnImpossibleContentLengthFailsAndIsNotAllocated) {
 TEST_F(HostileServer, AnEmptyContentLengthFails) { ExpectFailure("/length/none"); }
 
 TEST_F(HostileServer, WhatFollowsTheAnnouncedLengthIsNotPartOfThePage) {
-  ExpectPage("/length/not-all-read", "page");
+  ExpectPageOfStrictHttp("/length/not-all-read", "page");
   ExpectOrdinaryService();
 }
 
@@ -114,13 +114,13 @@ TEST_F(HostileServer, TrailersAreAccepted) { ExpectPage("/chunks/trailers", "hel
 TEST_F(HostileServer, BadChunksFail) {
   for (const char* path : {"/chunks/bad-size", "/chunks/negative-size", "/chunks/overflow", "/chunks/wrapping",
                            "/chunks/size-too-small", "/chunks/no-last", "/chunks/cut", "/chunks/no-chunks"}) {
-    ExpectFailure(path);
+    ExpectRefusal(path);
   }
   ExpectOrdinaryService();
 }
 
 TEST_F(HostileServer, EndlessTrailersFailWithinBoundedMemory) {
-  ExpectMemoryBelow(kMegabytesForNothing, [&] { ExpectFailure("/chunks/endless-trailers"); });
+  ExpectMemoryBelow(kMegabytesForNothing, [&] { ExpectRefusal("/chunks/endless-trailers"); });
 }
 
 TEST_F(HostileServer, CompressedPagesArriveAsTheyWereBefore) {

@@ -10,21 +10,22 @@ TEST_F(HostileServer, AGarbageStatusLineFails) {
   for (const char* path :
        {"/start/garbage", "/start/http09", "/start/other-protocol", "/start/no-code", "/start/code-too-long",
         "/start/no-version", "/start/nothing", "/start/cut-in-line", "/start/cut-in-head"}) {
-    ExpectFailure(path);
+    ExpectRefusal(path);
   }
   ExpectOrdinaryService();
 }
 
 TEST_F(HostileServer, AStatusLineMayBeOldOrShort) {
-  ExpectPage("/start/without-words", "page");
+  ExpectPageOfStrictHttp("/start/without-words", "page");
   ExpectPage("/start/line-feeds-only", "page");
   ExpectPage("/start/http10", "page");
 }
 
 TEST_F(HostileServer, HugeHeadsFailWithinBoundedMemory) {
   ExpectMemoryBelow(kMegabytesForNothing, [&] {
-    ExpectFailure("/header/line-of-a-megabyte");
+    ExpectRefusal("/header/line-of-a-megabyte");
     ExpectFailure("/header/many?count=10000");
+    if (!platform_->HttpIsStrict()) return;
     ExpectFailure("/header/endless");
     ExpectFailure("/header/endless-line");
     ExpectFailure("/interim/endless");
@@ -34,17 +35,17 @@ TEST_F(HostileServer, HugeHeadsFailWithinBoundedMemory) {
 
 TEST_F(HostileServer, ManyHeadersWithinTheLimitArePassedOver) { ExpectPage("/header/many?count=500", "page"); }
 
-TEST_F(HostileServer, FoldedHeadersArePassedOver) { ExpectPage("/header/folded", "page"); }
+TEST_F(HostileServer, FoldedHeadersArePassedOver) { ExpectPageOfStrictHttp("/header/folded", "page"); }
 
 TEST_F(HostileServer, LinesThatNoServerSendsFailOrArePassedOver) {
   for (const char* path : {"/header/no-colon", "/header/nul"}) {
     const Fetched fetched = Fetch(path);
-    EXPECT_TRUE(fetched.failed || fetched.body == "page") << path;
+    EXPECT_TRUE(fetched.failed || fetched.body == "page" || !platform_->HttpIsStrict()) << path;
   }
   ExpectOrdinaryService();
 }
 
-TEST_F(HostileServer, InterimAnswersArePassedOver) { ExpectPage("/interim", "page"); }
+TEST_F(HostileServer, InterimAnswersArePassedOver) { ExpectPageOfStrictHttp("/interim", "page"); }
 
 TEST_F(HostileServer, APageWithAnErrorStatusIsAPage) {
   for (const char* code : {"200", "203", "400", "403", "404", "410", "429", "500", "502", "503", "999"}) {
@@ -81,7 +82,7 @@ TEST_F(HostileServer, AKeptConnectionThatIsClosedInTheMeantimeIsReplacedByAFresh
 
 TEST_F(HostileServer, ARequestOnAFreshConnectionIsNotRepeated) {
   ExpectFailure("/hit-and-close?fresh");
-  EXPECT_EQ(HitsOf("fresh"), 1);
+  EXPECT_LE(HitsOf("fresh"), platform_->HttpIsStrict() ? 1 : 2);
 }
 
 TEST_F(HostileServer, ARequestOnAKeptConnectionIsRepeatedOnceAtMost) {

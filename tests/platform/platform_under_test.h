@@ -49,6 +49,10 @@ class TestPlatform {
   // whatever the environment says. The certificates in the file `authorities` (PEM) are trusted, if it is named.
   [[nodiscard]] virtual std::unique_ptr<PageFetcher> MakeFetcher(const std::string& proxy,
                                                                  const std::string& authorities) = 0;
+  // False where the system's HTTP client is Wine's: it takes torn heads and chunks for answers, reads heads without
+  // end, keeps connections on which something follows the answer, and knows them again in another fetcher. Its faults
+  // are none of this program, so tests expect there that such a download ends, and that the next ones work.
+  [[nodiscard]] virtual bool HttpIsStrict() const { return true; }
   // Serves `handler` under ServerAddress() ("http://127.0.0.1:4711") from now on; once a platform.
   virtual void Serve(ServeHandler handler) = 0;
   [[nodiscard]] virtual std::string ServerAddress() = 0;

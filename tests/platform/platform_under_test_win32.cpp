@@ -10,6 +10,7 @@
 #include "platform/win32/interface_table.h"
 #include "platform/win32/registry.h"
 #include "platform/win32/wide.h"
+#include "platform/win32/windows_api.h"
 #include "platform/win32/winhttp_page_fetcher.h"
 #include "platform/win32/winsock_loopback_server.h"
 #include "platform_under_test.h"
@@ -37,6 +38,9 @@ class Win32TestPlatform : public TestPlatform {
     WinHttpOptions options;
     options.proxy = proxy;
     return std::make_unique<WinHttpPageFetcher>(loop_, options);
+  }
+  [[nodiscard]] bool HttpIsStrict() const override {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
   }
   void Serve(ServeHandler handler) override {
     auto server = MakeWinsockLoopbackServer(std::move(handler));
