@@ -44,7 +44,7 @@ Engine::StartNotes Engine::Start() {
 
 std::string Engine::SearchAddressAt(int result_offset) const {
   const std::string language = LanguageCode(settings.SearchLanguage);
-  return language.empty() ? "" : SearchAddress(site, language, project.keyword, result_offset);
+  return language.empty() ? "" : SearchAddress(site, language, project.Keyword, result_offset);
 }
 
 void Engine::StartUpgradeCheck() {

@@ -49,7 +49,7 @@ void MergeLines(benchmark::State& state) {
   for (int i = 0; i < state.range(0); ++i) book += "person" + std::to_string(i % 70'000) + "@mail.example.org\r\n";
   for (auto _ : state) {
     AddressList list;
-    list.AddMatches(book);
+    list.AddMatchesToAddressList(book);
     benchmark::DoNotOptimize(list.Count());
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * book.size()));

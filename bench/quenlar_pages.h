@@ -23,7 +23,7 @@ class PageBench : private AddressFilter, private PeriodicSaver, private RunView 
  public:
   explicit PageBench(Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed) : pump_(loop_, pace) {
     settings.StopNumber = 2'000'000'000;
-    project.is_keyword = false;
+    project.IsKeywordProject = false;
   }
 
   void Harvest(std::string_view page) {

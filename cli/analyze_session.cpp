@@ -245,12 +245,12 @@ Json AnalyzeSession::Answering::operator()(OpenRequest request) const {
   for (const int level : kAllLevels) {
     queues[std::string(1, SectionLetter(level))] = Unvisited(s.project.queues[level]);
   }
-  return {{"IsKeywordProject", s.project.is_keyword},
-          {"Keyword", s.project.keyword},
-          {"StartURL", s.project.start_url},
-          {"DataFile", s.BelowHome(s.project.data_file)},
-          {"ReportFile", s.BelowHome(s.project.report_file)},
-          {"ProjectLanguage", s.project.language},
+  return {{"IsKeywordProject", s.project.IsKeywordProject},
+          {"Keyword", s.project.Keyword},
+          {"StartURL", s.project.StartURL},
+          {"DataFile", s.BelowHome(s.project.DataFile)},
+          {"ReportFile", s.BelowHome(s.project.ReportFile)},
+          {"ProjectLanguage", s.project.ProjectLanguage},
           {"messages", s.boxes.texts},
           {"queues", std::move(queues)},
           {"addresses", s.Addresses(0)}};

@@ -18,7 +18,7 @@ bool Holds(const std::vector<std::string>& entries, const std::string& name) {
 // The name under which the list has the project: a keyword stands there with its language.
 std::string NameInList(const Engine& engine, const std::string& text) {
   const std::vector<std::string>& entries = engine.project_list.entries();
-  if (Holds(entries, text) || !engine.project.is_keyword || text.find('_') != std::string::npos) return text;
+  if (Holds(entries, text) || !engine.project.IsKeywordProject || text.find('_') != std::string::npos) return text;
   const std::string with_language = text + "_" + LanguageCode(engine.settings.SearchLanguage);
   return Holds(entries, with_language) ? with_language : text;
 }
@@ -30,8 +30,8 @@ int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArgumen
   if (!notes.folders.ok()) return invocation.Fail(notes.folders);
   front_end.Open(engine, arguments.text);
   const std::string name = NameInList(engine, front_end.input_text());
-  const bool has_files = place.platform.files.FileExists(engine.project.data_file) ||
-                         place.platform.files.FileExists(engine.project.report_file);
+  const bool has_files = place.platform.files.FileExists(engine.project.DataFile) ||
+                         place.platform.files.FileExists(engine.project.ReportFile);
   if (!has_files && !Holds(engine.project_list.entries(), name)) {
     invocation.Say("There is no project " + name + " !");
     return kExitFailed;

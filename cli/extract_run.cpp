@@ -92,8 +92,8 @@ class ExtractRun final : public CommandFrontEnd {
 ExtractResult ExtractRun::Run() {
   const auto started = std::chrono::steady_clock::now();
   if (Prepare()) RunToTheEnd();
-  result_.data_file = engine_.project.data_file;
-  result_.report_file = engine_.project.report_file;
+  result_.data_file = engine_.project.DataFile;
+  result_.report_file = engine_.project.ReportFile;
   result_.addresses = engine_.project.found.Count();
   result_.scanned = engine_.run.ScanCount;
   result_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
@@ -151,11 +151,11 @@ void ExtractRun::OverrideSettings() {
 // language of a keyword is that of the run.
 void ExtractRun::RecordInProjectList() {
   std::string name = input_text();
-  if (engine_.project.is_keyword && name.find('_') == std::string::npos) {
+  if (engine_.project.IsKeywordProject && name.find('_') == std::string::npos) {
     const std::string code = LanguageCode(options_.language.value_or(engine_.settings.SearchLanguage));
     if (!code.empty()) name += "_" + code;
   }
-  engine_.project_list.Add(name, engine_.project.is_keyword);
+  engine_.project_list.Add(name, engine_.project.IsKeywordProject);
 }
 
 void ExtractRun::RunToTheEnd() {
@@ -182,7 +182,7 @@ int ExtractRun::StatusOfEnd() const {
 
 // A search page that is no list of results (a block page, a page that asks for consent) looks like an empty list.
 void ExtractRun::TellWhatWasNotRecognised() {
-  const bool search_alone = engine_.project.is_keyword && engine_.run.ScanCount == 0;
+  const bool search_alone = engine_.project.IsKeywordProject && engine_.run.ScanCount == 0;
   if (search_alone && result_.reason == kEndAllParsed && engine_.project.queues[0].Count() == 0) {
     TellOnce("No search result was recognised !");
   }

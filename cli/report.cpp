@@ -21,7 +21,7 @@ int ReportIn(Invocation& invocation, const Workplace& place, const std::string& 
   }
   const Status written = engine.projects.WriteReport();
   if (!written.ok()) return invocation.Fail(written);
-  invocation.Print(engine.project.report_file);
+  invocation.Print(engine.project.ReportFile);
   return kExitDone;
 }
 

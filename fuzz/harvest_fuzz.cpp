@@ -47,8 +47,8 @@ QUENLAR_FUZZ_TARGET(harvest) {
   reference.stop_number = world.settings.StopNumber;
   world.settings.CorrelationMode = (choice & 0x20) != 0 ? 1 : 0;
   reference.queues.correlation_mode = world.settings.CorrelationMode;
-  world.project.is_keyword = (choice & 0x40) != 0;
-  reference.queues.is_keyword = world.project.is_keyword;
+  world.project.IsKeywordProject = (choice & 0x40) != 0;
+  reference.queues.is_keyword = world.project.IsKeywordProject;
   const std::string name = std::string(1, RequestLetter(choice % kLevels)) + static_cast<char>('0' + choice % 3) +
                            "http://www.h.example.org/a/" + std::string(feed.Text().substr(0, 64));
   const std::string page(feed.Rest());

@@ -13,7 +13,7 @@ QUENLAR_FUZZ_TARGET(links) {
   const std::string page(feed.Text());
   Project project;
   Settings settings;
-  project.is_keyword = (choice & 1) != 0;
+  project.IsKeywordProject = (choice & 1) != 0;
   settings.CorrelationMode = (choice & 2) != 0 ? 1 : 0;
   while (!feed.empty()) {
     const std::string resolved = ResolveLink(feed.Text(), page);

@@ -11,7 +11,7 @@ QUENLAR_FUZZ_TARGET(page) {
   fuzz::PageWorld world;
   world.settings.StopNumber = (choice & 0x10) != 0 ? 3 : 99999;
   world.settings.CorrelationMode = (choice & 0x20) != 0 ? 1 : 0;
-  world.project.is_keyword = (choice & 0x40) != 0;
+  world.project.IsKeywordProject = (choice & 0x40) != 0;
   const std::string name = std::string(1, letter) + "1http://www.h.example/a/" + std::string(feed.Text().substr(0, 64));
   const std::string_view page = feed.Rest();
 

@@ -64,7 +64,7 @@ struct AddressList::Impl {
 AddressList::AddressList() : impl_(std::make_unique<Impl>()) {}
 AddressList::~AddressList() = default;
 
-bool AddressList::AddMatches(std::string_view text) {
+bool AddressList::AddMatchesToAddressList(std::string_view text) {
   const std::uint32_t before = Count();
   std::string_view match;
   for (std::size_t from = 0; !(match = NextAddress(text, from)).empty();) {
@@ -116,9 +116,9 @@ std::vector<std::string> eMailBookMerge::Extract(const Files& files, const CodeP
       loop.Yield();  // whatever runs here may change the list
       BookScanner scanner([&](std::string_view piece) {
         if (IsAscii(piece)) {
-          Addresses.AddMatches(piece);
+          Addresses.AddMatchesToAddressList(piece);
         } else {
-          Addresses.AddMatches(code_page.ToUtf8(std::string(piece)));
+          Addresses.AddMatchesToAddressList(code_page.ToUtf8(std::string(piece)));
         }
       });
       const Status read = files.Read(path, [&](std::string_view block) {

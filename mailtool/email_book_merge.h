@@ -36,7 +36,7 @@ class AddressList {
   AddressList();
   ~AddressList();
   // Adds every new address match of the text. True when at least one was added.
-  bool AddMatches(std::string_view text);
+  bool AddMatchesToAddressList(std::string_view text);
   [[nodiscard]] std::uint32_t Count() const;
   [[nodiscard]] std::string_view At(std::uint32_t index) const;
   void Clear();

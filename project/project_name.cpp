@@ -59,25 +59,25 @@ void NameFiles(Project& project, std::string_view name, const Site& site) {
   const auto path = [&](const char* folder, const char* ending) {
     return site.program_folder + site.separator + folder + site.separator + safe + ending;
   };
-  project.data_file = path("data", ".dat");
-  project.report_file = path("report", ".rpt");
+  project.DataFile = path("data", ".dat");
+  project.ReportFile = path("report", ".rpt");
 }
 
 void NameAddressProject(Project& project, std::string_view text, const Site& site) {
   std::string_view address = TrimBlanks(text);
   if (StartsWithIgnoreCase(address, "http://")) address.remove_prefix(7);
   // A host such as "mail.x.de" gets "www." in front too: meant.
-  project.start_url = StartsWithIgnoreCase(address, "www.") ? "http://" : "http://www.";
-  project.start_url += address;
-  const std::string host = GetHost(project.start_url);
+  project.StartURL = StartsWithIgnoreCase(address, "www.") ? "http://" : "http://www.";
+  project.StartURL += address;
+  const std::string host = GetHost(project.StartURL);
   constexpr std::size_t kPrefix = 11;  // "http://www."
   NameFiles(project, ReplaceAll(ReplaceAll(std::string_view(host).substr(kPrefix), "/", ""), ".", "_"), site);
 }
 
 void NameKeywordProject(Project& project, std::string_view words, const std::string& language, const Site& site) {
-  project.keyword = ReplaceAll(words, " ", "+");
-  project.start_url = SearchAddress(site, language, project.keyword, 0);
-  NameFiles(project, ReplaceAll(project.keyword, "+", "_") + "_" + language, site);
+  project.Keyword = ReplaceAll(words, " ", "+");
+  project.StartURL = SearchAddress(site, language, project.Keyword, 0);
+  NameFiles(project, ReplaceAll(project.Keyword, "+", "_") + "_" + language, site);
 }
 
 bool IsLanguageCode(std::string_view code) {
@@ -98,8 +98,8 @@ std::string SearchAddress(const Site& site, std::string_view language, std::stri
 }
 
 NamingOutcome NameProject(Project& project, std::string_view text, const Settings& settings, const Site& site) {
-  project.is_keyword = IsKeywordText(text);
-  if (!project.is_keyword) {
+  project.IsKeywordProject = IsKeywordText(text);
+  if (!project.IsKeywordProject) {
     NameAddressProject(project, text, site);
     return NamingOutcome::kNamed;
   }
@@ -114,7 +114,7 @@ NamingOutcome NameProject(Project& project, std::string_view text, const Setting
   const std::string language = Lower(pieces[1]);
   if (!IsLanguageCode(language)) return NamingOutcome::kUnknownSuffix;
   NameKeywordProject(project, pieces[0], language, site);
-  project.language = language == "ja" ? "es" : language;  // "es" for Japanese: meant, nothing reads it
+  project.ProjectLanguage = language == "ja" ? "es" : language;  // "es" for Japanese: meant, nothing reads it
   return NamingOutcome::kNamed;
 }
 

@@ -22,7 +22,7 @@ enum class NamingOutcome {
   kUnknownSuffix,    // "cars_jp": ask NameProject again with the text before the first "_"
 };
 
-// Sets is_keyword, keyword, start_url, data_file, report_file and language of `project` from `text`.
+// Sets IsKeywordProject, Keyword, StartURL, DataFile, ReportFile and ProjectLanguage of `project` from `text`.
 NamingOutcome NameProject(Project& project, std::string_view text, const Settings& settings, const Site& site);
 
 // A file name (no folder) that every platform can hold: what a Windows file name cannot hold is percent-encoded,

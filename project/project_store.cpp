@@ -53,7 +53,7 @@ void ProjectStore::OpenProject(std::string_view text) {
   const std::string typed(text);
   const std::uint64_t opening = ++openings_;
   project_view_.EnableDelete(false);
-  project_.loaded = false;
+  project_.ProjectLoaded = false;
   FinishSave(data_);
   FinishSave(report_);
   if (NameProject(project_, typed, settings_, site_) == NamingOutcome::kUnknownSuffix) {
@@ -63,11 +63,11 @@ void ProjectStore::OpenProject(std::string_view text) {
   }
   Clear();
   if (!LoadLinks(opening) || !LoadReport(opening)) return;
-  project_view_.EnableDelete(platform_.files.FileExists(project_.data_file));
+  project_view_.EnableDelete(platform_.files.FileExists(project_.DataFile));
   view_.ShowStage("Load data finished ");
   view_.ShowAddressCount(project_.found.Count());
   view_.ShowScanCount(0);
-  project_.loaded = true;
+  project_.ProjectLoaded = true;
   if (!project_view_.Ready()) return;
   project_view_.EnableExtract();
   view_.ShowStage("Ready now !");
@@ -86,29 +86,29 @@ void ProjectStore::Clear() {
 // False when another opening has taken over.
 bool ProjectStore::LoadLinks(std::uint64_t opening) {
   const DataFileContents contents =
-      ReadDataFile(platform_.files, platform_.code_page, project_.data_file, project_.queues, [&] {
+      ReadDataFile(platform_.files, platform_.code_page, project_.DataFile, project_.queues, [&] {
         ProgressTick();
         return opening == openings_;
       });
   if (opening != openings_) return false;
   data_.keep_old = contents == DataFileContents::kOtherHeader || contents == DataFileContents::kCutShort ||
-                   platform_.files.FolderExists(project_.data_file);
+                   platform_.files.FolderExists(project_.DataFile);
   const bool is_new = contents == DataFileContents::kOtherHeader || contents == DataFileContents::kMissing;
-  if (is_new && project_.is_keyword) {
-    project_.search_page = project_.start_url;
-    project_.queues[0].AddIfNew(project_.start_url);
+  if (is_new && project_.IsKeywordProject) {
+    project_.search_page = project_.StartURL;
+    project_.queues[0].AddIfNew(project_.StartURL);
   }
   return true;
 }
 
 bool ProjectStore::LoadReport(std::uint64_t opening) {
   report_.keep_old = false;
-  if (!platform_.files.FileExists(project_.report_file)) {
+  if (!platform_.files.FileExists(project_.ReportFile)) {
     project_view_.EnableExport(false);
     project_view_.EnableDelete(false);
     return true;
   }
-  auto read = ReadReportText(platform_, project_.report_file);
+  auto read = ReadReportText(platform_, project_.ReportFile);
   report_.keep_old = !read.ok();
   const std::string text = read.ok() ? read.take() : std::string();
   ReportReader reader(text);
@@ -154,7 +154,7 @@ Status ProjectStore::WriteReport() { return Write(report_); }
 
 bool ProjectStore::ReportIsBehind() const {
   const std::uint32_t count = project_.found.Count();
-  return count != 0 && (count != reported_ || !platform_.files.FileExists(project_.report_file));
+  return count != 0 && (count != reported_ || !platform_.files.FileExists(project_.ReportFile));
 }
 
 void ProjectStore::SaveProjectData() { Show(WriteData()); }
@@ -169,7 +169,7 @@ void ProjectStore::Show(const Status& failure) {
 }
 
 const std::string& ProjectStore::PathOf(const Save& save) const {
-  return save.file == File::kData ? project_.data_file : project_.report_file;
+  return save.file == File::kData ? project_.DataFile : project_.ReportFile;
 }
 
 Status ProjectStore::Write(Save& save) {
@@ -250,7 +250,7 @@ void ProjectStore::WriteWithoutPumping(Save& save) {
 }
 
 void ProjectStore::SaveAtOnce() {
-  if (project_.data_file.empty()) return;
+  if (project_.DataFile.empty()) return;
   FinishLoading();
   report_.again = data_.again = false;
   FinishSave(report_);

@@ -31,7 +31,7 @@ RunDriver::RunDriver(EventLoop& loop, RunState& run, Project& project, SearchAdd
       host_(host) {}
 
 void RunDriver::Run() {
-  if (project_.is_keyword) {
+  if (project_.IsKeywordProject) {
     KeywordRun();
   } else {
     LinkRun();
@@ -44,7 +44,7 @@ void RunDriver::KeywordRun() {
   run_.upgrade_share = 0;
   LinkQueue& sites = project_.queues[0];
   // A data file of another kind left the project new, with its search page still to be fetched.
-  if (!files_.FileExists(project_.data_file) || OnlySearchPageQueued()) {
+  if (!files_.FileExists(project_.DataFile) || OnlySearchPageQueued()) {
     if (const char* reason = Search()) {
       End(reason, Phase::kSearch);
       return;
@@ -88,10 +88,10 @@ const char* RunDriver::Search() {
   if (OnlySearchPageQueued()) sites.Clear();  // it is no site
   std::uint32_t seen = sites.Count();
   for (int attempts = 0; attempts < kSearchAttempts;) {
-    const std::string name = "G" + project_.start_url;
+    const std::string name = "G" + project_.StartURL;
     requests_.push_back({0, std::nullopt, name});
     ++run_.pending[0];
-    web_.BeginDownload(project_.start_url, name);
+    web_.BeginDownload(project_.StartURL, name);
     if (!WaitForSearchPage()) {
       CancelAll();
       return StopReason();
@@ -123,7 +123,7 @@ bool RunDriver::GoToNextResultPage() {
   if (project_.result_offset >= kLastResultOffset) return false;
   project_.result_offset = static_cast<std::int16_t>(project_.result_offset + kResultsPerPage);
   const std::string address = search_address_(project_.result_offset);
-  if (!address.empty()) project_.start_url = address;
+  if (!address.empty()) project_.StartURL = address;
   return true;
 }
 
@@ -155,12 +155,12 @@ void RunDriver::Crawl() {
 
 // An address project without a link left to visit begins anew at its start address.
 void RunDriver::SeedAddressProject() {
-  if (project_.is_keyword || project_.start_url.empty()) return;
+  if (project_.IsKeywordProject || project_.StartURL.empty()) return;
   for (const LinkQueue& queue : project_.queues) {
     if (queue.HasUnvisited()) return;
   }
   for (LinkQueue& queue : project_.queues) queue.Clear();
-  project_.queues[0].AddIfNew(project_.start_url);
+  project_.queues[0].AddIfNew(project_.StartURL);
 }
 
 // Pumps. Whether another level-0 page may be started in the next pass.

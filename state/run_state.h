@@ -30,13 +30,13 @@ struct RunState {
 
 // The project named by the text of the input box.
 struct Project {
-  bool is_keyword = false;  // IsKeywordProject
-  std::string keyword;      // blanks replaced by "+"
-  std::string start_url;    // StartURL
-  std::string data_file;    // full path
-  std::string report_file;  // full path
-  std::string language;     // ProjectLanguage
-  bool loaded = false;      // ProjectLoaded
+  bool IsKeywordProject = false;  // false: the text is an address
+  std::string Keyword;            // blanks replaced by "+"
+  std::string StartURL;           // the first page to download
+  std::string DataFile;           // full path
+  std::string ReportFile;         // full path
+  std::string ProjectLanguage;    // the code that a keyword's text ends in, if any
+  bool ProjectLoaded = false;     // its files have been read
   std::int16_t result_offset = 0;
 
   LinkQueues queues;

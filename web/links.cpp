@@ -35,7 +35,7 @@ bool QueueLink(Project& project, int level, std::string_view address, std::int16
 
 // Another site: one entry a site, in level 0.
 bool QueueOtherSite(Project& project, const Settings& settings, std::string_view address) {
-  if (!project.is_keyword && settings.CorrelationMode != 1) return false;
+  if (!project.IsKeywordProject && settings.CorrelationMode != 1) return false;
   return project.queues[0].AddIfNewHost(address, 1);
 }
 

@@ -157,9 +157,9 @@ TEST_F(MergeTest, KeepsTheListWhenNothingMatches) {
   Book("2", "no address here, not even a@b");
   Extract();
   EXPECT_EQ(Addresses(), (Strings{"a@b.com"}));
-  EXPECT_FALSE(merge_.Addresses.AddMatches("a@b"));
-  EXPECT_TRUE(merge_.Addresses.AddMatches("a@c.org"));
-  EXPECT_FALSE(merge_.Addresses.AddMatches("A@C.org"));
+  EXPECT_FALSE(merge_.Addresses.AddMatchesToAddressList("a@b"));
+  EXPECT_TRUE(merge_.Addresses.AddMatchesToAddressList("a@c.org"));
+  EXPECT_FALSE(merge_.Addresses.AddMatchesToAddressList("A@C.org"));
 }
 
 TEST_F(MergeTest, SkipsBooksThatCannotBeReadWithAMessageEach) {

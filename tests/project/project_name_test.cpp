@@ -49,17 +49,17 @@ TEST(ProjectName, AddressesGiveStartUrlAndFiles) {
   for (const Row& row : rows) {
     const Named named = Name(row.text);
     EXPECT_EQ(named.outcome, NamingOutcome::kNamed);
-    EXPECT_FALSE(named.project.is_keyword);
-    EXPECT_EQ(named.project.start_url, row.start_url) << row.text;
-    EXPECT_EQ(named.project.data_file, "C:\\Quenlar\\data\\" + std::string(row.name) + ".dat") << row.text;
-    EXPECT_EQ(named.project.report_file, "C:\\Quenlar\\report\\" + std::string(row.name) + ".rpt") << row.text;
-    EXPECT_EQ(named.project.keyword, "");
-    EXPECT_EQ(named.project.language, "");
+    EXPECT_FALSE(named.project.IsKeywordProject);
+    EXPECT_EQ(named.project.StartURL, row.start_url) << row.text;
+    EXPECT_EQ(named.project.DataFile, "C:\\Quenlar\\data\\" + std::string(row.name) + ".dat") << row.text;
+    EXPECT_EQ(named.project.ReportFile, "C:\\Quenlar\\report\\" + std::string(row.name) + ".rpt") << row.text;
+    EXPECT_EQ(named.project.Keyword, "");
+    EXPECT_EQ(named.project.ProjectLanguage, "");
   }
 }
 
 TEST(ProjectName, HostKeepsUpperCaseAndThePathDoesNotEnterTheName) {
-  EXPECT_EQ(Name("http://www.Example.ORG/Some/Path.html", 0, '/').project.data_file, "/q/data/Example_ORG.dat");
+  EXPECT_EQ(Name("http://www.Example.ORG/Some/Path.html", 0, '/').project.DataFile, "/q/data/Example_ORG.dat");
 }
 
 TEST(ProjectName, KeywordTakesTheLanguageOfTheSetting) {
@@ -67,52 +67,52 @@ TEST(ProjectName, KeywordTakesTheLanguageOfTheSetting) {
   for (int i = 0; i < 6; ++i) {
     const Project project = Name("red cars", i).project;
     const std::string code = codes[i];
-    EXPECT_TRUE(project.is_keyword);
-    EXPECT_EQ(project.keyword, "red+cars");
-    EXPECT_EQ(project.start_url,
+    EXPECT_TRUE(project.IsKeywordProject);
+    EXPECT_EQ(project.Keyword, "red+cars");
+    EXPECT_EQ(project.StartURL,
               "http://www.google.com/search?hl=" + code + "&q=red+cars&btnG=Google+Search&num=100&start=0");
-    EXPECT_EQ(project.data_file, "C:\\Quenlar\\data\\red_cars_" + code + ".dat");
-    EXPECT_EQ(project.report_file, "C:\\Quenlar\\report\\red_cars_" + code + ".rpt");
-    EXPECT_EQ(project.language, "");
+    EXPECT_EQ(project.DataFile, "C:\\Quenlar\\data\\red_cars_" + code + ".dat");
+    EXPECT_EQ(project.ReportFile, "C:\\Quenlar\\report\\red_cars_" + code + ".rpt");
+    EXPECT_EQ(project.ProjectLanguage, "");
   }
 }
 
 TEST(ProjectName, KeywordWithLeadingBlanksKeepsThem) {
   const Project project = Name("  cars ").project;
-  EXPECT_EQ(project.keyword, "++cars+");
-  EXPECT_NE(project.start_url.find("&q=++cars+&"), std::string::npos);
-  EXPECT_EQ(project.data_file, "C:\\Quenlar\\data\\__cars__en.dat");
+  EXPECT_EQ(project.Keyword, "++cars+");
+  EXPECT_NE(project.StartURL.find("&q=++cars+&"), std::string::npos);
+  EXPECT_EQ(project.DataFile, "C:\\Quenlar\\data\\__cars__en.dat");
 }
 
 TEST(ProjectName, UnknownLanguageLeavesAllNamesAsTheyWere) {
   Settings settings;
   settings.SearchLanguage = 9;
   Project project;
-  project.keyword = "old";
-  project.start_url = "http://old";
-  project.data_file = "/old.dat";
-  project.report_file = "/old.rpt";
+  project.Keyword = "old";
+  project.StartURL = "http://old";
+  project.DataFile = "/old.dat";
+  project.ReportFile = "/old.rpt";
   EXPECT_EQ(NameProject(project, "cars", settings, Site()), NamingOutcome::kUnknownLanguage);
-  EXPECT_TRUE(project.is_keyword);
-  EXPECT_EQ(project.keyword, "old");
-  EXPECT_EQ(project.start_url, "http://old");
-  EXPECT_EQ(project.data_file, "/old.dat");
-  EXPECT_EQ(project.report_file, "/old.rpt");
+  EXPECT_TRUE(project.IsKeywordProject);
+  EXPECT_EQ(project.Keyword, "old");
+  EXPECT_EQ(project.StartURL, "http://old");
+  EXPECT_EQ(project.DataFile, "/old.dat");
+  EXPECT_EQ(project.ReportFile, "/old.rpt");
 }
 
 TEST(ProjectName, SuffixNamesTheLanguageInEitherLetterCase) {
   const Project project = Name("red cars_FR", 4).project;
-  EXPECT_EQ(project.keyword, "red+cars");
-  EXPECT_EQ(project.language, "fr");
-  EXPECT_NE(project.start_url.find("hl=fr&q=red+cars&"), std::string::npos);
-  EXPECT_EQ(project.data_file, "C:\\Quenlar\\data\\red_cars_fr.dat");
+  EXPECT_EQ(project.Keyword, "red+cars");
+  EXPECT_EQ(project.ProjectLanguage, "fr");
+  EXPECT_NE(project.StartURL.find("hl=fr&q=red+cars&"), std::string::npos);
+  EXPECT_EQ(project.DataFile, "C:\\Quenlar\\data\\red_cars_fr.dat");
 }
 
 TEST(ProjectName, JapaneseSuffixStoresSpanishAsTheProjectLanguage) {
   const Project project = Name("cars_ja").project;
-  EXPECT_EQ(project.language, "es");
-  EXPECT_NE(project.start_url.find("hl=ja&"), std::string::npos);
-  EXPECT_EQ(project.data_file, "C:\\Quenlar\\data\\cars_ja.dat");
+  EXPECT_EQ(project.ProjectLanguage, "es");
+  EXPECT_NE(project.StartURL.find("hl=ja&"), std::string::npos);
+  EXPECT_EQ(project.DataFile, "C:\\Quenlar\\data\\cars_ja.dat");
 }
 
 TEST(ProjectName, OnlyTheSecondPieceCountsAsSuffix) {
@@ -121,8 +121,8 @@ TEST(ProjectName, OnlyTheSecondPieceCountsAsSuffix) {
   EXPECT_EQ(Name("cars_").outcome, NamingOutcome::kUnknownSuffix);
   const Named named = Name("cars_en_and_more");
   EXPECT_EQ(named.outcome, NamingOutcome::kNamed);
-  EXPECT_EQ(named.project.data_file, "C:\\Quenlar\\data\\cars_en.dat");
-  EXPECT_EQ(Name("_en").project.data_file, "C:\\Quenlar\\data\\_en.dat");
+  EXPECT_EQ(named.project.DataFile, "C:\\Quenlar\\data\\cars_en.dat");
+  EXPECT_EQ(Name("_en").project.DataFile, "C:\\Quenlar\\data\\_en.dat");
 }
 
 TEST(ProjectName, SearchAddressCarriesTheResultOffset) {
@@ -184,10 +184,10 @@ TEST(SafeFileName, NeverLeavesItsFolder) {
   for (const char* text : {"..\\..\\a", "../../etc/passwd", "/", "\\", "a/../../b", "c:\\x", "..", "_/../x", "www.../x",
                            "../x_en", "a\\..\\b_fr"}) {
     const Project project = Name(text, 0, '/').project;
-    ASSERT_TRUE(project.data_file.starts_with("/q/data/")) << text;
-    ASSERT_TRUE(project.report_file.starts_with("/q/report/")) << text;
-    EXPECT_EQ(project.data_file.find_first_of("/\\:", 8), std::string::npos) << project.data_file;
-    EXPECT_EQ(project.report_file.find_first_of("/\\:", 10), std::string::npos) << project.report_file;
+    ASSERT_TRUE(project.DataFile.starts_with("/q/data/")) << text;
+    ASSERT_TRUE(project.ReportFile.starts_with("/q/report/")) << text;
+    EXPECT_EQ(project.DataFile.find_first_of("/\\:", 8), std::string::npos) << project.DataFile;
+    EXPECT_EQ(project.ReportFile.find_first_of("/\\:", 10), std::string::npos) << project.ReportFile;
   }
 }
 

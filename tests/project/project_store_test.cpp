@@ -101,11 +101,11 @@ class ProjectStoreTest : public testing::Test {
 
 TEST_F(ProjectStoreTest, NewKeywordProjectPutsItsStartUrlIntoQueueMAndTheSearchPage) {
   store.OpenProject("red cars");
-  EXPECT_THAT(All(project.queues[0]), ElementsAre(project.start_url));
+  EXPECT_THAT(All(project.queues[0]), ElementsAre(project.StartURL));
   EXPECT_EQ(project.queues[0].At(0).number, 1);
   EXPECT_EQ(project.queues[0].Next(), 0u);
-  EXPECT_EQ(project.search_page, project.start_url);
-  EXPECT_TRUE(project.loaded);
+  EXPECT_EQ(project.search_page, project.StartURL);
+  EXPECT_TRUE(project.ProjectLoaded);
   EXPECT_EQ(window.log, (Texts{"delete off", "clear", "export off", "delete off", "delete off",
                                "stage Load data finished ", "0 Address", "Scan 0", "extract on", "stage Ready now !"}));
 }
@@ -114,7 +114,7 @@ TEST_F(ProjectStoreTest, NewAddressProjectHasEmptyQueues) {
   store.OpenProject("x.de");
   for (const LinkQueue& queue : project.queues) EXPECT_EQ(queue.Count(), 0u);
   EXPECT_EQ(project.search_page, "");
-  EXPECT_TRUE(project.loaded);
+  EXPECT_TRUE(project.ProjectLoaded);
 }
 
 TEST_F(ProjectStoreTest, SavedProjectComesBackWithItsLinksAndRows) {
@@ -181,15 +181,15 @@ TEST_F(ProjectStoreTest, UnknownSuffixIsToldAndTheFirstPieceBecomesTheProject) {
   EXPECT_EQ(fakes.boxes.shown[0].title, "Brenvy Quenlar Pro 3.0");
   EXPECT_EQ(fakes.boxes.shown[0].icon, BoxIcon::kExclamation);
   EXPECT_EQ(fakes.boxes.shown[0].buttons, BoxButtons::kOk);
-  EXPECT_EQ(project.data_file, kCarsData);
-  EXPECT_TRUE(project.loaded);
+  EXPECT_EQ(project.DataFile, kCarsData);
+  EXPECT_TRUE(project.ProjectLoaded);
   EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "clear"), 1);
   EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "input cars"), 1);
 }
 
 TEST_F(ProjectStoreTest, SuffixBehindASecondUnderscoreFailsLikeAnyOther) {
   store.OpenProject("new_york_en");
-  EXPECT_EQ(project.data_file, "/q/data/new_en.dat");
+  EXPECT_EQ(project.DataFile, "/q/data/new_en.dat");
   EXPECT_EQ(fakes.boxes.shown.size(), 1u);
 }
 
@@ -198,8 +198,8 @@ TEST_F(ProjectStoreTest, UnknownLanguageLoadsTheNamesAsTheyWere) {
   settings.SearchLanguage = 6;
   PutCars();
   store.OpenProject("boats");
-  EXPECT_EQ(project.data_file, kCarsData);
-  EXPECT_EQ(project.keyword, "cars");
+  EXPECT_EQ(project.DataFile, kCarsData);
+  EXPECT_EQ(project.Keyword, "cars");
   EXPECT_THAT(Addresses(), ElementsAre("0@cars.com", "1@cars.com"));
 }
 
@@ -213,11 +213,11 @@ TEST_F(ProjectStoreTest, UnknownLanguageAtFirstStartOpensNothingThatCouldBeSaved
 
 TEST_F(ProjectStoreTest, StartTextsWithOneFileNameShareTheirFiles) {
   store.OpenProject("a.b.com/one");
-  const std::string file = project.data_file;
+  const std::string file = project.DataFile;
   store.OpenProject("http://www.a.b.com/two");
-  EXPECT_EQ(project.data_file, file);
+  EXPECT_EQ(project.DataFile, file);
   store.OpenProject("a_b.com");
-  EXPECT_EQ(project.data_file, file);
+  EXPECT_EQ(project.DataFile, file);
 }
 
 TEST_F(ProjectStoreTest, PathsUseTheSeparatorOfThePlatform) {
@@ -226,17 +226,17 @@ TEST_F(ProjectStoreTest, PathsUseTheSeparatorOfThePlatform) {
   windows.separator = '\\';
   ProjectStore on_windows(fakes.platform, project, settings, windows, window, window);
   on_windows.OpenProject("x.de");
-  EXPECT_EQ(project.data_file, "C:\\Quenlar\\data\\x_de.dat");
-  EXPECT_EQ(project.report_file, "C:\\Quenlar\\report\\x_de.rpt");
+  EXPECT_EQ(project.DataFile, "C:\\Quenlar\\data\\x_de.dat");
+  EXPECT_EQ(project.ReportFile, "C:\\Quenlar\\report\\x_de.rpt");
 }
 
 TEST_F(ProjectStoreTest, ProjectOpenedDuringAPumpWins) {
   PutCars(5);
   AtPump(3, [this] { store.OpenProject("x.de"); });
   store.OpenProject("cars");
-  EXPECT_EQ(project.data_file, "/q/data/x_de.dat");
+  EXPECT_EQ(project.DataFile, "/q/data/x_de.dat");
   EXPECT_THAT(Addresses(), IsEmpty());
-  EXPECT_TRUE(project.loaded);
+  EXPECT_TRUE(project.ProjectLoaded);
   EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "stage Load data finished "), 1);
   EXPECT_THAT(window.rows, IsEmpty());
 }
@@ -244,7 +244,7 @@ TEST_F(ProjectStoreTest, ProjectOpenedDuringAPumpWins) {
 TEST_F(ProjectStoreTest, ProjectOpenedWhileTheMessageIsShownWins) {
   fakes.boxes.while_shown = [this] { store.OpenProject("x.de"); };
   store.OpenProject("cars_jp");
-  EXPECT_EQ(project.data_file, "/q/data/x_de.dat");
+  EXPECT_EQ(project.DataFile, "/q/data/x_de.dat");
   EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "input cars"), 0);
 }
 
@@ -272,7 +272,7 @@ TEST_F(ProjectStoreTest, SaveWritesTheDataFileAndTheReportByTheExportMode) {
   project.found.Add({"http://x.de", "a@b.cc", "T", false});
   EXPECT_TRUE(store.WriteData().ok());
   EXPECT_TRUE(store.WriteReport().ok());
-  EXPECT_THAT(Contents(kCarsData), HasSubstr("[M]\r\n" + project.start_url + "\r\n[F]"));
+  EXPECT_THAT(Contents(kCarsData), HasSubstr("[M]\r\n" + project.StartURL + "\r\n[F]"));
   EXPECT_EQ(Contents(kCarsReport), kHeader + "\r\na@b.cc\r\n");
   settings.ExportMode = -1;  // anything but 0
   EXPECT_TRUE(store.WriteReport().ok());
@@ -362,7 +362,7 @@ TEST_F(ProjectStoreTest, ProjectOpenedDuringASaveLetsTheSaveFinishWhole) {
   EXPECT_TRUE(store.WriteReport().ok());
   EXPECT_THAT(Contents("/q/report/x_de.rpt"), HasSubstr("3@x.de"));
   EXPECT_THAT(Contents("/q/report/x_de.rpt"), HasSubstr("new@x.de"));
-  EXPECT_EQ(project.data_file, kCarsData);
+  EXPECT_EQ(project.DataFile, kCarsData);
   EXPECT_EQ(Contents(kCarsReport), "nothing");
 
   store.OpenProject("x.de");
@@ -453,7 +453,7 @@ TEST_F(ProjectStoreTest, DataFileWithAnotherHeaderIsKeptAsideBeforeTheFirstSave)
   for (const char* foreign : {"Something else\r\n[A]\r\nhttp://a\r\n", "", "\xEF\xBB\xBF[A]"}) {
     fakes.files.Put(kCarsData, foreign);
     store.OpenProject("cars");
-    EXPECT_THAT(All(project.queues[0]), ElementsAre(project.start_url));
+    EXPECT_THAT(All(project.queues[0]), ElementsAre(project.StartURL));
     EXPECT_EQ(Contents(kCarsData), foreign);
     ASSERT_TRUE(store.WriteData().ok());
     EXPECT_EQ(Contents(std::string(kCarsData) + ".bak"), foreign);
@@ -491,7 +491,7 @@ TEST_F(ProjectStoreTest, UnreadableFilesAreKeptAsideToo) {
   PutCars();
   fakes.files.FailCall(1, StatusKind::kDenied);  // the data file
   store.OpenProject("cars");
-  EXPECT_THAT(All(project.queues[0]), ElementsAre(project.start_url));
+  EXPECT_THAT(All(project.queues[0]), ElementsAre(project.StartURL));
   fakes.files.FailCall(2, StatusKind::kDenied);  // the report
   store.OpenProject("cars");
   EXPECT_THAT(All(project.queues[0]), ElementsAre("http://m"));

@@ -25,7 +25,7 @@ class ReportBeforeData : public testing::Test {
     store_.OpenProject("h.example");
   }
   void Find(const char* address) { project_.found.Add({"http://www.h.example", address, "", false}); }
-  std::string Report() { return fakes_.files.Contents(project_.report_file).value_or("(none)"); }
+  std::string Report() { return fakes_.files.Contents(project_.ReportFile).value_or("(none)"); }
 
   FakePlatform fakes_;
   Project project_;
@@ -63,7 +63,7 @@ TEST_F(ReportBeforeData, AReportThatCannotBeWrittenDoesNotKeepTheDataFileBack) {
   Find("a@h.example.org");
   fakes_.files.Protect("/home/report");
   EXPECT_TRUE(store_.WriteData().ok());
-  EXPECT_TRUE(fakes_.files.FileExists(project_.data_file));
+  EXPECT_TRUE(fakes_.files.FileExists(project_.DataFile));
 }
 
 }  // namespace

@@ -73,7 +73,7 @@ TEST_F(BadWeb, EndsALoopOfPagesThatLinkToEachOther) {
 }
 
 TEST_F(BadWeb, NestsAtMostAsDeepAsDownloadsAreInFlightAndAddsNoAddressTwice) {
-  project.is_keyword = true;
+  project.IsKeywordProject = true;
   files.Put("/data", "saved");
   Queue(0, {"http://site.test"});
   for (int level = 1; level <= 9; ++level) {

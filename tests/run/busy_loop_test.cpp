@@ -19,7 +19,7 @@ class BusyLoop : public WebEvents {
   void DownloadComplete(int level, const std::string&, bool) override { --Pending(level); }
 
   void Run() {
-    world_.Queue(0, {world_.project.start_url});
+    world_.Queue(0, {world_.project.StartURL});
     while (!AllDone()) {
       if (may_start_site_) {
         may_start_site_ = StartSite();

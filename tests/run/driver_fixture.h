@@ -91,21 +91,21 @@ struct DriverWorld {
     web.SetEvents(&driver);
     web.SetResetStallCounter([this] { watchdog.ResetStallCounter(); });
     settings.NeverUpgradeFlag = 1;
-    project.data_file = "/data";
+    project.DataFile = "/data";
   }
   DriverWorld(const DriverWorld&) = delete;
   DriverWorld& operator=(const DriverWorld&) = delete;
 
   void OpenAddress(const std::string& start_url) {
-    project.is_keyword = false;
-    project.start_url = start_url;
+    project.IsKeywordProject = false;
+    project.StartURL = start_url;
   }
   // As opening a new keyword project leaves it.
   void OpenKeyword() {
-    project.is_keyword = true;
-    project.start_url = SearchAddressAt(0);
-    project.search_page = project.start_url;
-    project.queues[0].AddIfNew(project.start_url);
+    project.IsKeywordProject = true;
+    project.StartURL = SearchAddressAt(0);
+    project.search_page = project.StartURL;
+    project.queues[0].AddIfNew(project.StartURL);
   }
   void EnableAlarm() {
     tmrAlarm = loop.MakeTimer(std::chrono::seconds(1), [this] { watchdog.Tick(); });

@@ -50,7 +50,7 @@ TEST_F(LinkRun, GoesOnWhereALoadedProjectStopped) {
 }
 
 TEST_F(LinkRun, IsNotSeededForAKeywordProject) {
-  project.is_keyword = true;
+  project.IsKeywordProject = true;
   files.Put("/data", "saved");
   driver.Run();
   EXPECT_TRUE(Keys().empty());
@@ -91,7 +91,7 @@ TEST_F(LinkRun, NamesTheFirstEmptyLevelInALevelZeroRequest) {
 }
 
 TEST_F(LinkRun, StartsNoLevelZeroPageWhileAllTenLevelsHoldLinks) {
-  project.is_keyword = true;
+  project.IsKeywordProject = true;
   files.Put("/data", "saved");
   Queue(0, {"http://site.test"});
   for (int level = 1; level < kLevels; ++level) Queue(level, {"http://h/" + std::to_string(level)});
@@ -111,7 +111,7 @@ TEST_F(LinkRun, StartsNoLevelZeroPageWhileAllTenLevelsHoldLinks) {
 // --- Scheduling ---
 
 TEST_F(LinkRun, ServesLevelZeroAndTheOtherLevelsInDifferentPasses) {
-  project.is_keyword = true;
+  project.IsKeywordProject = true;
   files.Put("/data", "saved");
   Queue(0, {"http://a.test", "http://b.test", "http://c.test"});
   Queue(1, {"http://h/1", "http://h/2", "http://h/3"});
@@ -122,7 +122,7 @@ TEST_F(LinkRun, ServesLevelZeroAndTheOtherLevelsInDifferentPasses) {
 }
 
 TEST_F(LinkRun, HasOneLevelZeroPageAndTwoPagesOfEachOtherLevelInFlight) {
-  project.is_keyword = true;
+  project.IsKeywordProject = true;
   files.Put("/data", "saved");
   for (int level = 0; level < kLevels; ++level) {
     for (int i = 0; i < 5; ++i) Queue(level, {"http://h" + std::to_string(i) + "/" + std::to_string(level)});
@@ -409,7 +409,7 @@ TEST_F(LinkRun, LosesTheUpgradeChecksShareAtTheStartOfAKeywordRunOnly) {
   driver.LinkRun();
   EXPECT_EQ(run.pending[0], 1);
   files.Put("/data", "saved");
-  project.is_keyword = true;
+  project.IsKeywordProject = true;
   RunAgain();
   EXPECT_EQ(run.pending[0], 0);
   EXPECT_EQ(run.upgrade_share, 0);

@@ -60,7 +60,7 @@ TEST_F(SearchPhase, GoesFromPageToPageUntilTheListDoesNotGrowAndVisitsItBackward
                      "M1http://site4.test", "M1http://site3.test", "M1http://site2.test", "M1http://site1.test"}));
   EXPECT_EQ(host.calls,
             (Strings{"periodic data", "end: All links have been parsed !", "idle, export", "time", "exit"}));
-  EXPECT_EQ(project.start_url, SearchAddressAt(200));
+  EXPECT_EQ(project.StartURL, SearchAddressAt(200));
 }
 
 TEST_F(SearchPhase, TurnsAnOddNumberOfResultsAroundTheMiddleOne) {

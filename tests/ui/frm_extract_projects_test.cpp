@@ -54,7 +54,7 @@ TEST_F(MainWindowProjects, AKeywordIsRecordedWithTheSuffixOfItsLanguage) {
   extract.cmdExtract.Click();
   EXPECT_THAT(Entries(), ElementsAre("red cars_de"));
   EXPECT_EQ(extract.cmbURL.text(), "red cars_de");
-  EXPECT_EQ(engine.project.data_file, "/home/data/red_cars_de.dat") << "opened under its new text";
+  EXPECT_EQ(engine.project.DataFile, "/home/data/red_cars_de.dat") << "opened under its new text";
 }
 
 TEST_F(MainWindowProjects, RunningTheSameKeywordTwiceAddsItOnce) {
@@ -81,7 +81,7 @@ TEST_F(MainWindowProjects, AnEntryThatIsThereStaysWhereItIsAndNothingIsWritten) 
   extract.cmdExtract.Click();
   EXPECT_THAT(Entries(), ElementsAre("www.a.test", "www.b.test"));
   EXPECT_EQ(registry.changes(), changes);
-  EXPECT_EQ(engine.project.start_url, "http://www.b.test");
+  EXPECT_EQ(engine.project.StartURL, "http://www.b.test");
 }
 
 // --- Picking ---
@@ -95,11 +95,11 @@ TEST_F(MainWindowProjects, APickedProjectGoesToTheTopAndIsOpenedByTheTimer) {
   EXPECT_THAT(extract.cmbURL.items(), ElementsAre("www.b.test", "www.a.test", "www.c.test"));
   EXPECT_EQ(registry.changes(), changes) << "the registry is not rewritten";
   EXPECT_TRUE(extract.tmrText.enabled());
-  EXPECT_EQ(engine.project.start_url, "http://www.a.test");
+  EXPECT_EQ(engine.project.StartURL, "http://www.a.test");
   loop.Advance(milliseconds(200));
   EXPECT_FALSE(extract.tmrText.enabled());
   EXPECT_EQ(extract.cmbURL.text(), "www.b.test");
-  EXPECT_EQ(engine.project.start_url, "http://www.b.test");
+  EXPECT_EQ(engine.project.StartURL, "http://www.b.test");
   EXPECT_EQ(extract.lstMail.rows(), 1u);
   EXPECT_EQ(Panel(1), "Ready now !");
 }
@@ -148,7 +148,7 @@ TEST_F(MainWindowProjects, ADeletedProjectLosesItsFilesAndItsEntryAndTheNewestOn
   EXPECT_THAT(Entries(), ElementsAre("www.a.test", "www.c.test"));
   EXPECT_THAT(extract.cmbURL.items(), ElementsAre("www.a.test", "www.c.test"));
   EXPECT_EQ(extract.cmbURL.text(), "www.a.test");
-  EXPECT_EQ(engine.project.start_url, "http://www.a.test");
+  EXPECT_EQ(engine.project.StartURL, "http://www.a.test");
   EXPECT_TRUE(extract.cmdDelete.enabled());
   EXPECT_EQ(extract.lstMail.CellText(0, 1), "a_test@kept.test");
 }
@@ -228,7 +228,7 @@ TEST_F(MainWindowProjects, ExportWritesTheReportAndOpensTheEditorWithoutTheFocus
 TEST_F(MainWindowProjects, AReportPathThatContainsBlanksIsPassedUnquoted) {
   StartWith({});
   Type("www.a.test");
-  engine.project.report_file = "/home/report/my cars.rpt";
+  engine.project.ReportFile = "/home/report/my cars.rpt";
   engine.project.found.Add({"", "new@a.test", ""});
   extract.cmdExport.Click();
   ASSERT_EQ(shell.started.size(), 1u);

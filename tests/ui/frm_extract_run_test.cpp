@@ -214,7 +214,7 @@ TEST_F(MainWindowRun, NothingOpensAnotherProjectDuringARun) {
     extract.cmbURL.SetText("www.other.test");
   });
   loop.Schedule(seconds(3), [this] {
-    EXPECT_EQ(engine.project.start_url, "http://www.stalled.test");
+    EXPECT_EQ(engine.project.StartURL, "http://www.stalled.test");
     EXPECT_EQ(engine.project.queues[0].Count(), 1u);
     extract.cmdExtract.Click();
   });

@@ -86,7 +86,7 @@ TEST_F(MainWindow, SavedProjectsStandInTheListAndTheNewestIsOpened) {
   Start();
   EXPECT_THAT(extract.cmbURL.items(), ElementsAre("www.new.test", "old_fr"));
   EXPECT_EQ(extract.cmbURL.text(), "www.new.test");
-  EXPECT_EQ(engine.project.start_url, "http://www.new.test");
+  EXPECT_EQ(engine.project.StartURL, "http://www.new.test");
   EXPECT_TRUE(extract.cmdDelete.enabled());
   EXPECT_TRUE(extract.cmdExtract.enabled());
   EXPECT_EQ(Panel(1), "Waiting ...");
@@ -113,7 +113,7 @@ TEST_F(MainWindow, AWindowThatIsReopenedKeepsItsProjectAndFillsTheListOfProjects
   tray.mnuExtractor.Click();
   EXPECT_TRUE(extract.Ready());
   EXPECT_EQ(extract.cmbURL.text(), "www.typed.test");
-  EXPECT_EQ(engine.project.start_url, "http://www.typed.test");
+  EXPECT_EQ(engine.project.StartURL, "http://www.typed.test");
   EXPECT_THAT(extract.cmbURL.items(), ElementsAre("www.new.test", "www.old.test"));
   EXPECT_EQ(Panel(1), "Waiting ...");
 }
@@ -129,16 +129,16 @@ TEST_F(MainWindow, TheFocusOnTheInputShowsTheHint) {
 TEST_F(MainWindow, ATextWithoutADotIsAKeyword) {
   Start();
   Type("picture search");
-  EXPECT_TRUE(engine.project.is_keyword);
-  EXPECT_EQ(engine.project.keyword, "picture+search");
+  EXPECT_TRUE(engine.project.IsKeywordProject);
+  EXPECT_EQ(engine.project.Keyword, "picture+search");
   EXPECT_EQ(Panel(1), "Ready now !");
 }
 
 TEST_F(MainWindow, ATextWithADotAnywhereIsAWebAddress) {
   Start();
   Type("picture.search");
-  EXPECT_FALSE(engine.project.is_keyword);
-  EXPECT_EQ(engine.project.start_url, "http://www.picture.search");
+  EXPECT_FALSE(engine.project.IsKeywordProject);
+  EXPECT_EQ(engine.project.StartURL, "http://www.picture.search");
 }
 
 TEST_F(MainWindow, LoadingAProjectShowsItsProgress) {
@@ -162,7 +162,7 @@ TEST_F(MainWindow, ACutSuffixIsToldAndTheTextBecomesTheKeyword) {
       boxes.texts(),
       ElementsAre("We will delete any lettes behind \"_\", except \"_en\",\"_fr\",\"_de\",\"_it\",\"_es\",\"_ja\""));
   EXPECT_EQ(extract.cmbURL.text(), "cars");
-  EXPECT_EQ(engine.project.keyword, "cars");
+  EXPECT_EQ(engine.project.Keyword, "cars");
   EXPECT_TRUE(extract.cmdExtract.enabled());
 }
 

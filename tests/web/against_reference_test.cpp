@@ -46,7 +46,7 @@ struct Pair {
   ReferenceAnalysis& reference;
 
   Pair(ReferenceAnalysis& with, std::mt19937& random) : reference(with) {
-    world.project.is_keyword = reference.queues.is_keyword = random() % 2 == 0;
+    world.project.IsKeywordProject = reference.queues.is_keyword = random() % 2 == 0;
     world.settings.CorrelationMode = static_cast<std::int16_t>(reference.queues.correlation_mode = random() % 2);
     world.settings.SaveInterval = static_cast<std::int16_t>(random() % 3);
     reference.save_every = world.settings.SaveEvery();

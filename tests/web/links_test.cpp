@@ -94,7 +94,7 @@ TEST_F(LinkBuilders, QueueASiteOnceWithoutItsTrailingSlash) {
 }
 
 TEST_F(LinkBuilders, KeepAURLProjectOnItsSiteUnlessCorrelationIsOn) {
-  project_.is_keyword = false;
+  project_.IsKeywordProject = false;
   settings_.CorrelationMode = 0;
   EXPECT_FALSE(Level0("http://other/x"));
   EXPECT_FALSE(Expand(2, "http://other/x"));
@@ -104,7 +104,7 @@ TEST_F(LinkBuilders, KeepAURLProjectOnItsSiteUnlessCorrelationIsOn) {
   EXPECT_TRUE(Level0("http://other/x"));
   EXPECT_FALSE(Level0("http://other/y"));
   settings_.CorrelationMode = 0;
-  project_.is_keyword = true;
+  project_.IsKeywordProject = true;
   EXPECT_TRUE(Level0("http://third/x"));
   EXPECT_EQ(Queue(0).Count(), 2u);
 }

@@ -141,7 +141,7 @@ void frmExtract::StopRun() {
 
 // A run whose links could not be saved would be lost, so it does not begin.
 bool frmExtract::CanWriteProject() {
-  const std::string path = context_.engine.project.data_file;
+  const std::string path = context_.engine.project.DataFile;
   if (path.empty()) {  // a keyword without a language
     Warn("Please choose a search language in the options !");
     return false;
@@ -164,7 +164,7 @@ void frmExtract::cmbURL_Change() {
 
 void frmExtract::AddCurrentProject() {
   const Engine& engine = context_.engine;
-  if (context_.engine.project_list.Add(cmbURL.text(), engine.project.is_keyword)) FillProjectCombo();
+  if (context_.engine.project_list.Add(cmbURL.text(), engine.project.IsKeywordProject)) FillProjectCombo();
 }
 
 void frmExtract::FillProjectCombo() {
@@ -230,7 +230,7 @@ void frmExtract::OpenReportInEditor() {
     Warn("No eMail address found");
     return;
   }
-  const std::string report = engine.project.report_file;
+  const std::string report = engine.project.ReportFile;
   const Status saved = engine.projects.WriteReport();
   WarnOnFailure(saved);
   if (!saved.ok()) return;
