@@ -2,7 +2,6 @@
 # Installs what is missing, builds and runs the tests, in stages: the rules of the house, everything on Linux, the same
 # under the sanitizers, and the Windows programs under Wine.
 #   QUENLAR_TEST_ONLY="check linux"   some of the stages
-#   QUENLAR_TEST_PACKAGES=1           the tests of the packages as well
 #   QUENLAR_FUZZ_MINUTES=10           fuzz for that long as well, all targets together
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"

@@ -33,7 +33,7 @@ build_zip() {
   stage_windows
   local zip=$packages/quenlar-$version-win64.zip
   rm -f "$zip"
-  (cd "$stage/windows" && TZ=UTC cmake -E tar cf "$zip" --format=zip --mtime="@$SOURCE_DATE_EPOCH" Quenlar)
+  (cd "$stage/windows" && TZ=UTC cmake -E tar cf "$zip" --format=zip Quenlar)
   echo "$zip"
 }
 

@@ -6,7 +6,4 @@ preset=${1:?usage: scripts/ctest.sh PRESET [CTEST-ARGUMENTS ...]}
 shift
 # The tests' own servers are on this machine and must not be reached through anybody's proxy.
 unset http_proxy https_proxy all_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY
-# The tests of the packages take long: QUENLAR_TEST_PACKAGES=1 runs them too.
-without=(--label-exclude packages)
-[ -z "${QUENLAR_TEST_PACKAGES:-}" ] || without=()
-exec ctest "${without[@]}" --test-dir "build/$preset" --output-on-failure --no-tests=error -j "${QUENLAR_TEST_JOBS:-2}" "$@"
+exec ctest --test-dir "build/$preset" --output-on-failure --no-tests=error -j "${QUENLAR_TEST_JOBS:-2}" "$@"

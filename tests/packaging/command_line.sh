@@ -21,7 +21,8 @@ held=$(cd "$root" && find usr -type f | LC_ALL=C sort | tr '\n' ' ')
 depends=$(dpkg-deb --field "$package" Depends)
 case $depends in *libc6*libcurl4*) ;; *) fail "the package depends on: $depends" ;; esac
 version=$(dpkg-deb --field "$package" Version)
-"$root/usr/bin/quenlar" --version | grep -qF "$version" || fail "the program is not of version $version"
+# The program tells the first two numbers alone.
+[ "$("$root/usr/bin/quenlar" --version)" = "quenlar ${version%.*}" ] || fail "the program is not of version $version"
 
 gzip -dc "$root/usr/share/man/man1/quenlar.1.gz" | sed 's/\\-/-/g' >"$root/manual"
 documents=("$root/manual" "$root/usr/share/bash-completion/completions/quenlar"

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "run/end_reasons.h"
+#include "ui/win32/resource.h"
 #include "window/program.h"
 
 namespace quenlar::window_test {
@@ -47,10 +49,20 @@ TEST_F(InstallerTest, InstallsForOneUserAndTheProgramRuns) {
   EXPECT_EQ(Registered(L"DisplayName"), "Brenvy Quenlar Pro");
   EXPECT_EQ(fs::path(Registered(L"InstallLocation")), folder);
 
+  Site site;
+  site.SetPage("http://www.cars.example", "Write to someone@cars.test");
+  site.SetPage("http://www.cars.example/", "Write to someone@cars.test");
   Program program(folder);
+  StoreDefaultsWithoutUpgradeCheck();
+  program.SetProxy(site);
   program.Start();
-  EXPECT_TRUE(program.HasFile("data"));
-  EXPECT_TRUE(program.HasFile("report"));
+  const Window main = program.Main();
+  main.Control(IDC_CMBURL).Type("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return main.Control(IDC_CMBURL).Text() == "www.cars.example"; }));
+  main.Control(IDC_CMDEXTRACT).Click();
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  EXPECT_TRUE(WaitUntil(
+      [&] { return program.ReadFile("report/cars_example.rpt").find("someone@cars.test\r\n") != std::string::npos; }));
   EXPECT_EQ(RunAndWait(L"\"" + (folder / "quenlar-cli.exe").wstring() + L"\" --version"), 0);
 
   EXPECT_EQ(RunAndWait(installer), 2) << "the program is running";
