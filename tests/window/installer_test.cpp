@@ -50,8 +50,8 @@ TEST_F(InstallerTest, InstallsForOneUserAndTheProgramRuns) {
   EXPECT_EQ(fs::path(Registered(L"InstallLocation")), folder);
 
   Site site;
-  site.SetPage("http://www.cars.example", "Write to someone@cars.test");
-  site.SetPage("http://www.cars.example/", "Write to someone@cars.test");
+  site.SetPage("http://www.cars.example", "<title>Cars</title> Write to someone@cars.test <p>");
+  site.SetPage("http://www.cars.example/", "<title>Cars</title> Write to someone@cars.test <p>");
   Program program(folder);
   StoreDefaultsWithoutUpgradeCheck();
   program.SetProxy(site);
