@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "project/data_file.h"
+#include "run/end_reasons.h"
 #include "ui/win32/resource.h"
 #include "window/program.h"
 #include "window/remote_memory.h"
@@ -55,6 +56,24 @@ TEST_F(ListTest, AClickOnAHeadingSortsAndASecondOneTurnsAround) {
   EXPECT_THAT(list.Column(0), ElementsAre("3", "1", "2"));
   ClickColumn(1);
   EXPECT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "C@x.test"; }));
+}
+
+TEST_F(ListTest, MarkedRowsStayMarkedWhenARunAddsRowsToASortedList) {
+  Site site;
+  for (const char* root : {"http://www.cars.example", "http://www.cars.example/"}) {
+    site.SetPage(root, "<title>Cars</title> Write to a@x.test <p>");
+  }
+  StoreDefaultsWithoutUpgradeCheck();
+  program.SetProxy(site);
+  OpenWith({"c@x.test", "b@x.test"});
+  ClickColumn(1);
+  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "b@x.test"; }));
+  list.MarkRow(1);
+  program.Main().Control(IDC_CMDEXTRACT).Click();
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 3; }));
+  EXPECT_THAT(list.Column(1), ElementsAre("a@x.test", "b@x.test", "c@x.test"));
+  EXPECT_TRUE(WaitUntil([&] { return list.MarkedRows() == std::vector<int>{2}; }));
 }
 
 TEST_F(ListTest, TheContextMenuCopiesTheMarkedAddressesAsTheyAreShown) {

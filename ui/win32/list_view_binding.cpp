@@ -75,11 +75,24 @@ void ListViewBinding::Apply(Aspect aspect) {
 void ListViewBinding::Flush() {
   const std::uint32_t before = order_.rows();
   if (list_.rows() == before) return;
+  const bool grew = list_.rows() > before;
+  const bool grew_at_end = grew && !order_.key();
+  const std::vector<std::uint32_t> marked = grew && !grew_at_end ? MarkedRows() : std::vector<std::uint32_t>();
   order_.SetRows(list_.rows());
-  const bool grew_at_end = list_.rows() > before && !order_.key();
-  if (!grew_at_end) ListView_SetItemState(window(), -1, 0, LVIS_SELECTED);
   Send(LVM_SETITEMCOUNT, list_.rows(),
        static_cast<LPARAM>(grew_at_end ? LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL : LVSICF_NOSCROLL));
+  if (!grew_at_end) MarkOnly(marked);
+}
+
+// A few marked rows stay marked at their new places; following very many would take long and show little.
+void ListViewBinding::MarkOnly(const std::vector<std::uint32_t>& rows) {
+  constexpr std::size_t kFollowed = 32;
+  ListView_SetItemState(window(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+  if (rows.size() > kFollowed) return;
+  for (const std::uint32_t row : rows) {
+    const int position = static_cast<int>(order_.PositionOf(row));
+    ListView_SetItemState(window(), position, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  }
 }
 
 LRESULT ListViewBinding::OnNotify(const NMHDR& header) {
@@ -156,18 +169,8 @@ void ListViewBinding::SortBy(int column) {
   const std::vector<std::uint32_t> marked = MarkedRows();
   order_.SortBy(column);
   ShowSortArrow();
-  ListView_SetItemState(window(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-  // A few marked rows stay marked at their new places; following very many would take long and show little.
-  constexpr std::size_t kFollowed = 32;
-  if (marked.size() <= kFollowed) {
-    for (const std::uint32_t row : marked) {
-      const int position = static_cast<int>(order_.PositionOf(row));
-      ListView_SetItemState(window(), position, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-    }
-    if (!marked.empty()) {
-      Send(LVM_ENSUREVISIBLE, order_.PositionOf(marked.front()), FALSE);
-    }
-  }
+  MarkOnly(marked);
+  if (Send(LVM_GETSELECTEDCOUNT) > 0) Send(LVM_ENSUREVISIBLE, order_.PositionOf(marked.front()), FALSE);
   InvalidateRect(window(), nullptr, TRUE);
 }
 

@@ -30,6 +30,7 @@ class ListViewBinding final : public ControlBinding {
   void TellSelection();
   void SelectAll();
   [[nodiscard]] std::vector<std::uint32_t> MarkedRows() const;
+  void MarkOnly(const std::vector<std::uint32_t>& rows);
   void Run(const ListView::Command& command);
 
   ListView& list_;
