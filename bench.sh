@@ -47,7 +47,8 @@ part tables tables
 part files "$bin/compare_files" "$scratch" 9
 part crawl bench/crawl.sh $rounds
 part merge bench/merge.sh $lines $rounds
-names="harvest page growth tables files crawl merge"
+part window bench/window.sh
+names="harvest page growth tables files crawl merge window"
 
 goals() { # "Goal: NAME (at least W). Measured: M, met." as rows
   for name in $names; do cat "$parts/$name.md"; done |
@@ -74,7 +75,6 @@ HEAD
   goals
   [ ! -f docs/performance-notes.md ] || cat docs/performance-notes.md
   for name in $names; do cat "$parts/$name.md"; done | grep -v '^Goal: ' | cat -s
-  [ ! -f docs/performance-window.md ] || cat docs/performance-window.md
 } >"$out"
 cp "$out" docs/performance.md
 goals | sed -E 's/^\| (.*) \| (.*) \| (.*) \| (.*) \|$/\4\t\1: \3 (\2)/; s/\*\*not met\*\*/MISSED/' | awk -F'\t' '{ printf "%-7s %s\n", $1, $2 }'

@@ -4,4 +4,4 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install.sh window
 scripts/build.sh windows Quenlar window_bench
-QUENLAR_PROGRAM=$PWD/build/windows/Quenlar.exe scripts/screen.sh scripts/wine.sh build/windows/window_bench.exe
+QUENLAR_PROGRAM=$PWD/build/windows/Quenlar.exe scripts/screen.sh scripts/wine.sh build/windows/window_bench.exe | tr -d '\r'
