@@ -18,7 +18,6 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Site 
       dialog(engine.settings, platform.shell, engine.site, [this] { End(); }),
       about(platform.shell),
       help(platform.shell),
-      platform_(platform),
       system_(std::move(system)) {
   engine.OnNewerVersion([this] { dialog.Show(); });
   for (ui::Form* form : Windows()) {
@@ -32,16 +31,16 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Site 
 
 bool Program::Start() {
   if (system_.another_instance_runs && system_.another_instance_runs()) return false;
-  auto lock = LockHome(platform_.files, engine.site);
+  auto lock = LockHome(engine.platform.files, engine.site);
   if (lock.ok()) {
     lock_ = lock.take();
   } else if (lock.status().kind() == StatusKind::kBusy) {
-    platform_.boxes.Show(SentenceOf(lock.status()), kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
+    engine.platform.boxes.Show(SentenceOf(lock.status()), kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
     return false;
   }
   const Engine::StartNotes notes = engine.Start();
   for (ui::Timer* timer : {&tray.tmrExtract, &tray.tmrFormatFlux, &tray.tmrFlux, &tray.tmrAlarm, &extract.tmrText}) {
-    timers_.push_back(std::make_unique<ui::TimerBinding>(*timer, platform_.loop));
+    timers_.push_back(std::make_unique<ui::TimerBinding>(*timer, engine.platform.loop));
   }
   tray.EnsureLoaded();
   tray.mnuExtractor.SetEnabled(false);  // for as long as the main window is shown

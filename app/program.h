@@ -62,7 +62,6 @@ class Program {
   frmHelp help;
 
  private:
-  Platform platform_;
   System system_;
   std::unique_ptr<FolderLock> lock_;
   std::vector<std::unique_ptr<ui::TimerBinding>> timers_;

@@ -112,7 +112,7 @@ std::vector<ui::Control*> frmOption::Controls() {
 // the warnings of the filter switches wait for `loaded`.
 void frmOption::Load() {
   const Settings& settings = context_.settings;
-  tabOption.UserSelect(0);
+  tabOption.Select(0);
   cmbSave.SetItems({std::begin(kIntervals), std::end(kIntervals)});
   cmbSearch.SetItems({std::begin(kLanguages), std::end(kLanguages)});
   ShowEntry(cmbSearch, kLanguages, settings.SearchLanguage);

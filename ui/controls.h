@@ -250,8 +250,8 @@ class TabStrip : public Control {
       : Control(std::move(name)), captions_(std::move(captions)) {}
   [[nodiscard]] const std::vector<std::string>& captions() const { return captions_; }
   [[nodiscard]] std::size_t selected() const { return selected_; }
-  std::function<void()> Click;
-  void UserSelect(std::size_t index) {
+  std::function<void()> Click;  // a page is selected, by the user or by Select, also the one that was selected before
+  void Select(std::size_t index) {
     selected_ = index;
     Notify(Aspect::kSelection);
     if (Click) Click();

@@ -144,9 +144,9 @@ TEST_F(OptionTest, ExactlyThePanelOfTheChosenTabIsVisible) {
     return std::vector<bool>{option.picSearch.visible(), option.picExport.visible(), option.picFilter.visible()};
   };
   EXPECT_THAT(seen(), ElementsAre(true, false, false));
-  option.tabOption.UserSelect(1);
+  option.tabOption.Select(1);
   EXPECT_THAT(seen(), ElementsAre(false, true, false));
-  option.tabOption.UserSelect(2);
+  option.tabOption.Select(2);
   EXPECT_THAT(seen(), ElementsAre(false, false, true));
   option.Close();
   option.Show();

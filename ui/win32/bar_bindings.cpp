@@ -63,7 +63,7 @@ void TabStripBinding::Apply(Aspect aspect) {
 LRESULT TabStripBinding::OnNotify(const NMHDR& header) {
   if (header.code == static_cast<UINT>(TCN_SELCHANGE)) {
     const LRESULT index = Send(TCM_GETCURSEL);
-    if (index >= 0) tabs_.UserSelect(static_cast<std::size_t>(index));
+    if (index >= 0) tabs_.Select(static_cast<std::size_t>(index));
   }
   return 0;
 }
@@ -74,7 +74,7 @@ bool TabStripBinding::ChooseByKey(wchar_t key) {
     const std::size_t mark = tabs_.captions()[i].find('&');
     if (mark == std::string::npos || mark + 1 == tabs_.captions()[i].size()) continue;
     if (ToLower(tabs_.captions()[i][mark + 1]) == ToLower(static_cast<char>(key))) {
-      tabs_.UserSelect(i);
+      tabs_.Select(i);
       return true;
     }
   }
@@ -83,7 +83,7 @@ bool TabStripBinding::ChooseByKey(wchar_t key) {
 
 void TabStripBinding::Step(int direction) {
   const int count = static_cast<int>(tabs_.captions().size());
-  tabs_.UserSelect(static_cast<std::size_t>((static_cast<int>(tabs_.selected()) + direction + count) % count));
+  tabs_.Select(static_cast<std::size_t>((static_cast<int>(tabs_.selected()) + direction + count) % count));
 }
 
 RECT TabStripBinding::PageRoom() const {
