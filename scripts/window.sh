@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 if [ -z "${DISPLAY:-}" ]; then
-  exec scripts/screenshots.sh build/pictures
+  exec scripts/screenshots.sh
 fi
 scripts/install.sh windows
 scripts/build.sh windows Quenlar

@@ -243,6 +243,15 @@ INT_PTR FormWindow::OnWindowMessage(UINT message, WPARAM w, LPARAM l) {
       MakeFonts();
       LayOut();
       return FALSE;
+    case WM_SYSCOLORCHANGE: {
+      // The system tells top-level windows alone, but the common controls keep its colours too.
+      const auto tell = [](HWND child, LPARAM) -> BOOL {
+        SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+        return TRUE;
+      };
+      EnumChildWindows(window_, tell, 0);
+      return FALSE;
+    }
     default:
       return FALSE;
   }

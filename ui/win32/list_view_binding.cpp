@@ -4,7 +4,7 @@
 
 #include "base/ascii.h"
 #include "platform/win32/wide.h"
-#include "ui/win32/high_contrast.h"
+#include "ui/win32/color_scheme.h"
 
 namespace quenlar::ui {
 namespace {

@@ -1,7 +1,7 @@
 #include "ui/win32/simple_bindings.h"
 
 #include "platform/win32/wide.h"
-#include "ui/win32/high_contrast.h"
+#include "ui/win32/color_scheme.h"
 #include "ui/win32/resource.h"
 
 namespace quenlar::ui {
@@ -47,7 +47,7 @@ void LabelBinding::Apply(Aspect aspect) {
 
 HBRUSH LabelBinding::OnColor(HDC context) {
   if (!label_.color() && !is_link()) return nullptr;
-  const bool system_color = !label_.color() || IsHighContrast();
+  const bool system_color = !label_.color() || IsHighContrast() || IsDarkBackground(COLOR_BTNFACE);
   SetTextColor(context, system_color ? GetSysColor(COLOR_HOTLIGHT) : static_cast<COLORREF>(*label_.color()));
   SetBkColor(context, GetSysColor(COLOR_BTNFACE));
   return GetSysColorBrush(COLOR_BTNFACE);

@@ -16,6 +16,8 @@ namespace {
 
 constexpr int kPages = 40;
 constexpr int kPeopleOnAPage = 3;
+constexpr int kPageWithoutText = 3;  // its only address stands in a tag
+constexpr int kRows = (kPages - 1) * kPeopleOnAPage + 1;
 
 void Expect(bool holds, const char* what) {
   if (!holds) throw std::runtime_error(what);
@@ -47,7 +49,8 @@ void FillSite(Site& site) {
   for (int page = 0; page < kPages; ++page) {
     const std::string number = std::to_string(page + 1);
     std::string body = "<title>Chess club, section " + number + "</title>";
-    for (int i = 0; i < kPeopleOnAPage; ++i) {
+    if (page + 1 == kPageWithoutText) body += "<form><input value=\"board@chess.test\"></form>";
+    for (int i = 0; page + 1 != kPageWithoutText && i < kPeopleOnAPage; ++i) {
       body += "<p>Ask " + std::string(kNames[(page * kPeopleOnAPage + i) % 10]) + number + "@chess.test for a game. ";
     }
     body += "<hr>";
@@ -67,7 +70,7 @@ void ShowRun(const Program& program) {
   Picture("main-empty", kCaption);
   main.Control(IDC_CMBURL).Type("www.chess.example");
   main.Control(IDC_CMDEXTRACT).Click();
-  Expect(WaitUntil([&] { return main.Control(IDC_LSTMAIL).Rows() == kPages * kPeopleOnAPage; }), "no rows");
+  Expect(WaitUntil([&] { return main.Control(IDC_LSTMAIL).Rows() == kRows; }), "no rows");
   Picture("main-running", kCaption);
   main.Control(IDC_CMDEXTRACT).Click();
   Expect(WaitUntil([&] { return program.HasBox(kEndStopButton); }), "no end");
@@ -76,6 +79,7 @@ void ShowRun(const Program& program) {
   Expect(WaitUntil([&] { return main.Control(IDC_CMDEXTRACT).Enabled(); }), "not idle");
   const Window list = main.Control(IDC_LSTMAIL);
   list.MarkRow(2);
+  main.Send(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list.handle()), TRUE);
   Picture("main", kCaption);
   list.MouseRightClick(list.RowPlace(2));
   (void)WaitForMenu();
@@ -111,17 +115,25 @@ void ShowTool(const Program& program) {
   program.Main().Control(IDC_CMDTOOL).Click();
   const Window tool = program.WaitForWindow(kTool);
   Expect(static_cast<bool>(tool), "no tool");
-  const auto open = [&](const char* names) {
+  const auto open = [&](const char* names, const char* picture = nullptr) {
     tool.Control(IDC_CMDOPEN).Click();
-    Expect(program.AnswerFileDialog("Open", names), "no file dialog");
+    Expect(static_cast<bool>(program.WaitForWindow("Open")), "no file dialog");
+    if (picture) Picture(picture, "Open");
+    Expect(program.AnswerFileDialog("Open", names), "no answer");
   };
-  open("\"friends.txt\" \"chess_example.rpt\"");
+  open("\"friends.txt\" \"chess_example.rpt\"", "tool-open");
   Expect(WaitUntil([&] { return tool.Control(IDC_CMDEXTRACT).Enabled(); }), "no books");
   tool.Control(IDC_CMDEXTRACT).Click();
   Expect(WaitUntil([&] { return tool.Control(IDC_CMDSAVE).Enabled(); }), "no addresses");
   open("friends.txt");
   Expect(WaitUntil([&] { return tool.Control(IDC_CMDEXTRACT).Enabled(); }), "no books");
   Picture("tool", kTool);
+  tool.Control(IDC_CMDSAVE).Click();
+  const Window save = program.WaitForWindow("Save As");
+  Expect(static_cast<bool>(save), "no file dialog");
+  Picture("tool-save", "Save As");
+  save.Close();
+  Expect(program.Answer("Canceled selection !"), "no answer");
   tool.Close();
   Expect(WaitUntil([&] { return !tool && program.Main().Enabled(); }), "the tool stays");
 }
