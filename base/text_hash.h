@@ -6,8 +6,6 @@
 #include <random>
 #include <string_view>
 
-#include "base/ascii.h"
-
 namespace quenlar {
 
 class TextHash {
@@ -23,9 +21,10 @@ class TextHash {
   [[nodiscard]] std::uint32_t Exact(std::string_view text) const {
     return Run(text, [](std::uint64_t word) { return word; });
   }
-  // Equal for texts that differ in ASCII letter case only.
-  [[nodiscard]] std::uint32_t IgnoringCase(std::string_view text) const {
-    return Run(text, [](std::uint64_t word) { return LowerEight(word); });
+  // Equal for texts that differ in ASCII letter case only. For addresses: the bit that makes a capital small is set in
+  // every character, and no two others that can stand in an address become alike by that.
+  [[nodiscard]] std::uint32_t IgnoringCase(std::string_view address) const {
+    return Run(address, [](std::uint64_t word) { return word | 0x2020202020202020u; });
   }
 
  private:

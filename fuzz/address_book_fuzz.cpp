@@ -22,8 +22,8 @@ QUENLAR_FUZZ_TARGET(address_book) {
   FUZZ_CHECK(books.AddBook("/p/a.txt").ok());
   FUZZ_CHECK(books.Extract(files, code_page, loop).empty());
   std::set<std::string> seen;
-  for (std::uint32_t i = 0; i < books.Addresses.Count(); ++i) {
-    FUZZ_CHECK(seen.insert(Lower(books.Addresses.At(i))).second);
+  for (const std::string_view address : books.Addresses) {
+    FUZZ_CHECK(seen.insert(Lower(address)).second);
   }
   FUZZ_CHECK(books.Save(files, code_page, "/p/b.txt").ok());
   eMailBookMerge again;

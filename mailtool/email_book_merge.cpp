@@ -11,7 +11,6 @@
 #include "base/text_hash.h"
 #include "base/windows1252.h"
 #include "mailtool/book_scanner.h"
-#include "mailtool/text_list.h"
 #include "web/address_scan.h"
 
 namespace quenlar {
@@ -53,11 +52,10 @@ struct AddressList::Impl {
   }
 
   void AddIfNew(const Candidate& candidate) {
-    const auto equal = [&](std::uint32_t at) { return EqualsIgnoreCase(texts.At(at), candidate.text); };
+    const auto equal = [&](TextList::Place at) { return EqualsIgnoreCase(texts.At(at), candidate.text); };
     if (index.Contains(candidate.hash, equal)) return;
     index.MakeRoom();
-    texts.Add(candidate.text);
-    index.Insert(candidate.hash, texts.Count() - 1);
+    index.Insert(candidate.hash, texts.Add(candidate.text));
   }
 };
 
@@ -77,7 +75,8 @@ bool AddressList::AddMatchesToAddressList(std::string_view text) {
 
 std::uint32_t AddressList::Count() const { return impl_->texts.Count(); }
 
-std::string_view AddressList::At(std::uint32_t index) const { return impl_->texts.At(index); }
+TextList::Iterator AddressList::begin() const { return impl_->texts.begin(); }
+TextList::Iterator AddressList::end() const { return impl_->texts.end(); }
 
 void AddressList::Clear() { impl_ = std::make_unique<Impl>(); }
 
@@ -134,19 +133,52 @@ std::vector<std::string> eMailBookMerge::Extract(const Files& files, const CodeP
   return messages;
 }
 
+namespace {
+
+// Gathers the lines of the merged book and writes them a block at a time.
+class LineWriter {
+ public:
+  LineWriter(FileReplacement& file, const CodePage& code_page) : file_(file), code_page_(code_page) {}
+
+  Status Add(std::string_view address) {
+    if (kBlock - used_ < address.size() + kLineEnd.size()) {
+      const Status written = Flush();
+      if (!written.ok()) return written;
+      if (kBlock < address.size() + kLineEnd.size()) return Write(std::string(address).append(kLineEnd));
+    }
+    used_ += address.copy(block_.get() + used_, address.size());
+    used_ += kLineEnd.copy(block_.get() + used_, kLineEnd.size());
+    return Status::Ok();
+  }
+  Status Flush() { return Write({block_.get(), std::exchange(used_, 0)}); }
+
+ private:
+  static constexpr std::size_t kBlock = std::size_t{64} << 10;
+  static constexpr std::string_view kLineEnd = " \r\n";
+
+  Status Write(std::string_view lines) {
+    return file_.Write(IsAscii(lines) ? lines : code_page_.FromUtf8(std::string(lines)));
+  }
+
+  FileReplacement& file_;
+  const CodePage& code_page_;
+  std::unique_ptr<char[]> block_ = std::make_unique_for_overwrite<char[]>(kBlock);
+  std::size_t used_ = 0;
+};
+
+}  // namespace
+
 Status eMailBookMerge::Save(Files& files, const CodePage& code_page, const std::string& path) const {
   Result<std::unique_ptr<FileReplacement>> opened = files.Replace(path);
   if (!opened.ok()) return opened.status();
   FileReplacement& file = *opened.value();
-  constexpr std::size_t kBlock = std::size_t{64} << 10;
-  std::string block;
-  for (std::uint32_t i = 0; i < Addresses.Count(); ++i) {
-    block.append(Addresses.At(i)).append(" \r\n");
-    if (block.size() < kBlock && i + 1 < Addresses.Count()) continue;
-    const Status written = file.Write(code_page.FromUtf8(std::move(block)));
+  LineWriter writer(file, code_page);
+  for (const std::string_view address : Addresses) {
+    const Status written = writer.Add(address);
     if (!written.ok()) return written;
-    block.clear();
   }
+  const Status written = writer.Flush();
+  if (!written.ok()) return written;
   return file.Commit();
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/status.h"
+#include "mailtool/text_list.h"
 #include "platform/code_page.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
@@ -38,7 +39,8 @@ class AddressList {
   // Adds every new address match of the text. True when at least one was added.
   bool AddMatchesToAddressList(std::string_view text);
   [[nodiscard]] std::uint32_t Count() const;
-  [[nodiscard]] std::string_view At(std::uint32_t index) const;
+  [[nodiscard]] TextList::Iterator begin() const;
+  [[nodiscard]] TextList::Iterator end() const;
   void Clear();
 
  private:

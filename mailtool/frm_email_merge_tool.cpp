@@ -129,10 +129,7 @@ void frmEmailMergeTool::cmdExtract_Click() {
     Tell("Overflow !", BoxIcon::kExclamation);
     return;
   }
-  std::vector<std::string> items;
-  items.reserve(addresses.Count());
-  for (std::uint32_t i = 0; i < addresses.Count(); ++i) items.emplace_back(addresses.At(i));
-  lstAddress.SetItems(std::move(items));
+  lstAddress.SetItems({addresses.begin(), addresses.end()});
   cmdSave.SetEnabled(true);
 }
 

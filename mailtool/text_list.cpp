@@ -6,53 +6,56 @@
 namespace quenlar {
 namespace {
 
-// A text is preceded by its length: one byte, or kLong and four bytes.
-constexpr unsigned char kLong = 255;
 constexpr std::size_t kLongHead = 1 + sizeof(std::uint32_t);
-
-std::size_t HeadBytes(std::size_t length) { return length < kLong ? 1 : kLongHead; }
 
 }  // namespace
 
-std::string_view TextList::At(std::uint32_t index) const {
-  const char* const head = Address(places_[index]);
-  const auto length = static_cast<unsigned char>(*head);
-  if (length != kLong) return {head + 1, length};
-  std::uint32_t long_length = 0;
-  std::memcpy(&long_length, head + 1, sizeof long_length);
-  return {head + kLongHead, long_length};
+std::string_view TextList::LongText(const char* head) {
+  std::uint32_t length = 0;
+  std::memcpy(&length, head + 1, sizeof length);
+  return {head + kLongHead, length};
 }
 
-void TextList::Add(std::string_view text) {
+TextList::Place TextList::Add(std::string_view text) {
   if (text.size() > UINT32_MAX) throw std::bad_alloc();
-  const std::size_t head_bytes = HeadBytes(text.size());
-  const std::size_t bytes = (head_bytes + text.size() + kUnit - 1) / kUnit * kUnit;
-  const std::size_t place = Reserve(bytes);
-  places_.push_back(static_cast<std::uint32_t>(place / kUnit));
-  char* const head = blocks_[place / kBlockBytes] + place % kBlockBytes;
-  if (head_bytes == 1) {
-    *head = static_cast<char>(text.size());
-  } else {
+  const bool is_long = text.size() > kLongestShort;
+  const std::size_t head_bytes = is_long ? kLongHead : 1;
+  const std::size_t unit = Reserve((head_bytes + text.size() + kUnit - 1) / kUnit);
+  char* const head = Head(unit);
+  *head = static_cast<char>(is_long ? kLong : text.size());
+  if (is_long) {
     const auto length = static_cast<std::uint32_t>(text.size());
-    *head = static_cast<char>(kLong);
     std::memcpy(head + 1, &length, sizeof length);
   }
   std::memcpy(head + head_bytes, text.data(), text.size());
+  ++count_;
+  return static_cast<Place>(unit);
 }
 
-std::size_t TextList::Reserve(std::size_t bytes) {
-  if (used_ + bytes <= kBlockBytes) {
-    const std::size_t place = (blocks_.size() - 1) * kBlockBytes + used_;
-    used_ += bytes;
-    return place;
+std::size_t TextList::UnitBehind(std::size_t unit) const {
+  const std::string_view text = At(static_cast<Place>(unit));
+  const std::size_t bytes = static_cast<std::size_t>(text.data() - Head(unit)) + text.size();
+  const std::size_t behind = unit + (bytes + kUnit - 1) / kUnit;
+  const bool has_rest = behind % kBlockUnits != 0 && behind != UnitAtEnd();
+  if (!has_rest || static_cast<unsigned char>(*Head(behind)) != kRest) return behind;
+  return (behind / kBlockUnits + 1) * kBlockUnits;
+}
+
+std::size_t TextList::Reserve(std::size_t units) {
+  if (used_units_ + units <= kBlockUnits) {
+    const std::size_t unit = UnitAtEnd();
+    used_units_ += units;
+    return unit;
   }
   const std::size_t first = blocks_.size();
-  const std::size_t count = (bytes + kBlockBytes - 1) / kBlockBytes;
+  const std::size_t count = (units + kBlockUnits - 1) / kBlockUnits;
   if (first + count > kMaxBlocks) throw std::bad_alloc();
+  blocks_.reserve(first + count);
   char* const memory = memory_.emplace_back(std::make_unique_for_overwrite<char[]>(count * kBlockBytes)).get();
+  if (used_units_ < kBlockUnits) *Head(UnitAtEnd()) = static_cast<char>(kRest);
   for (std::size_t i = 0; i < count; ++i) blocks_.push_back(memory + i * kBlockBytes);
-  used_ = bytes - (count - 1) * kBlockBytes;
-  return first * kBlockBytes;
+  used_units_ = units - (count - 1) * kBlockUnits;
+  return first * kBlockUnits;
 }
 
 void TextList::Clear() { *this = TextList(); }

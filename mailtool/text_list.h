@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -11,38 +12,79 @@ namespace quenlar {
 
 class TextList {
  public:
+  // Where a text lies; any number but the largest.
+  using Place = std::uint32_t;
+
   TextList() = default;
   TextList(const TextList&) = delete;
   TextList& operator=(const TextList&) = delete;
   TextList(TextList&&) = default;
   TextList& operator=(TextList&&) = default;
 
-  [[nodiscard]] std::uint32_t Count() const { return static_cast<std::uint32_t>(places_.size()); }
+  [[nodiscard]] std::uint32_t Count() const { return count_; }
   // Valid until Clear.
-  [[nodiscard]] std::string_view At(std::uint32_t index) const;
+  [[nodiscard]] std::string_view At(Place place) const {
+    const char* const head = Head(place);
+    const auto length = static_cast<unsigned char>(*head);
+    return length <= kLongestShort ? std::string_view(head + 1, length) : LongText(head);
+  }
   // Asks the processor to have this text at hand soon.
-  void Prefetch(std::uint32_t index) const { __builtin_prefetch(Address(places_[index])); }
+  void Prefetch(Place place) const { __builtin_prefetch(Head(place)); }
 
   // Throws std::bad_alloc when memory, or the 16 GiB that a place can tell apart, are used up.
-  void Add(std::string_view text);
+  Place Add(std::string_view text);
   // Gives the memory back.
   void Clear();
+
+  // Goes through the texts in the order in which they were added.
+  class Iterator {
+   public:
+    using difference_type = std::ptrdiff_t;
+    using value_type = std::string_view;
+    Iterator() = default;
+    Iterator(const TextList& list, std::size_t unit) : list_(&list), unit_(unit) {}
+    std::string_view operator*() const { return list_->At(static_cast<Place>(unit_)); }
+    Iterator& operator++() {
+      unit_ = list_->UnitBehind(unit_);
+      return *this;
+    }
+    Iterator operator++(int) {
+      Iterator before = *this;
+      ++*this;
+      return before;
+    }
+    bool operator==(const Iterator&) const = default;
+
+   private:
+    const TextList* list_ = nullptr;
+    std::size_t unit_ = 0;
+  };
+  [[nodiscard]] Iterator begin() const { return {*this, 0}; }
+  [[nodiscard]] Iterator end() const { return {*this, UnitAtEnd()}; }
 
  private:
   static constexpr std::size_t kUnit = 4;  // texts begin at multiples of it, so that 32 bits address 16 GiB
   static constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
-  static constexpr std::size_t kMaxBlocks = (std::size_t{1} << 32) / (kBlockBytes / kUnit);
+  static constexpr std::size_t kBlockUnits = kBlockBytes / kUnit;
+  static constexpr std::size_t kMaxBlocks = (std::size_t{1} << 32) / kBlockUnits - 1;
+  // A text is preceded by its length: one byte up to kLongestShort, else kLong and four bytes. kRest stands where a
+  // block has no more texts.
+  static constexpr unsigned char kLongestShort = 253, kRest = 254, kLong = 255;
 
-  [[nodiscard]] const char* Address(std::uint32_t place) const {
-    return blocks_[place / (kBlockBytes / kUnit)] + place % (kBlockBytes / kUnit) * kUnit;
-  }
-  // The place of so many bytes, a multiple of kUnit.
-  std::size_t Reserve(std::size_t bytes);
+  [[nodiscard]] char* Head(std::size_t unit) const { return blocks_[unit / kBlockUnits] + unit % kBlockUnits * kUnit; }
+  [[nodiscard]] std::size_t UnitAtEnd() const { return blocks_.size() * kBlockUnits - (kBlockUnits - used_units_); }
+  // Where the text behind this one begins; UnitAtEnd when it is the last.
+  [[nodiscard]] std::size_t UnitBehind(std::size_t unit) const;
+  static std::string_view LongText(const char* head);
+  // The first of so many units that lie side by side.
+  std::size_t Reserve(std::size_t units);
 
-  std::vector<std::uint32_t> places_;            // of each text, in units
   std::vector<char*> blocks_;                    // a text longer than a block takes several that lie side by side
   std::vector<std::unique_ptr<char[]>> memory_;  // behind them
-  std::size_t used_ = kBlockBytes;               // bytes of the last block
+  std::size_t used_units_ = kBlockUnits;         // of the last block
+  std::uint32_t count_ = 0;
 };
+
+static_assert(std::forward_iterator<TextList::Iterator>);
 
 }  // namespace quenlar

@@ -9,11 +9,15 @@ namespace quenlar {
 
 class AddressBytes {
  public:
-  explicit AddressBytes(const char* data) : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(data))) {
-    const __m128i lower = _mm_or_si128(bytes_, _mm_set1_epi8(0x20));
-    // Letters, digits, "-" and ".": what local parts and domains have in common.
-    common_ = _mm_or_si128(_mm_or_si128(Within(lower, 'a', 'z'), Within(bytes_, '0', '9')), Within(bytes_, '-', '.'));
-  }
+  explicit AddressBytes(const char* data)
+      : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(data))),
+        letters_(Within(_mm_or_si128(bytes_, _mm_set1_epi8(0x20)), 'a', 'z')),
+        letters_and_digits_(_mm_or_si128(letters_, Within(bytes_, '0', '9'))),
+        // What local parts and domains have in common.
+        common_(_mm_or_si128(letters_and_digits_, Within(bytes_, '-', '.'))) {}
+  [[nodiscard]] unsigned Letters() const { return Bits(letters_); }
+  [[nodiscard]] unsigned Word() const { return Bits(_mm_or_si128(letters_and_digits_, Is('_'))); }
+  [[nodiscard]] unsigned Dots() const { return Bits(Is('.')); }
   [[nodiscard]] unsigned Domain() const { return Bits(common_); }
   [[nodiscard]] unsigned Local() const {
     return Bits(_mm_or_si128(_mm_or_si128(common_, Is('_')), _mm_or_si128(Is('%'), Is('+'))));
@@ -27,7 +31,7 @@ class AddressBytes {
     return _mm_cmpeq_epi8(_mm_min_epu8(above_first, _mm_set1_epi8(static_cast<char>(last - first))), above_first);
   }
 
-  __m128i bytes_, common_;
+  __m128i bytes_, letters_, letters_and_digits_, common_;
 };
 
 }  // namespace quenlar

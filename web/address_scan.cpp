@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <optional>
 
 #include "base/ascii.h"
 #include "base/byte_search.h"
@@ -61,6 +62,21 @@ std::size_t LocalRunBegin(std::string_view text, std::size_t from, std::size_t e
 // Where the local part that ends before `sign` begins: the first word boundary in the run of local characters, which
 // reaches back to `from` at most; `sign` itself when there is none.
 std::size_t LocalStart(std::string_view text, std::size_t from, std::size_t sign) {
+#if defined(__SSE2__)
+  // Most local parts are shorter than sixteen characters. Where no word character stands in front of one, the first
+  // word character in it is the boundary.
+  if (sign >= 16) {
+    const std::size_t window = sign - 16;
+    const AddressBytes bytes(text.data() + window);
+    unsigned others = ~bytes.Local() & 0xFFFF;
+    if (from > window) others |= (1u << (from - window)) - 1;
+    const int behind_others = std::bit_width(others);
+    if (behind_others > 0 && (bytes.Word() >> (behind_others - 1) & 1) == 0) {
+      const unsigned word = bytes.Word() >> behind_others << behind_others;
+      return word == 0 ? sign : window + static_cast<std::size_t>(std::countr_zero(word));
+    }
+  }
+#endif
   std::size_t start = LocalRunBegin(text, from, sign);
   bool word_before = start > 0 && Is(text[start - 1], kWord);
   for (; start < sign; ++start) {
@@ -79,8 +95,37 @@ std::size_t TopLevelEnd(std::string_view text, std::size_t dot) {
   return end < text.size() && Is(text[end], kWord) ? 0 : end;
 }
 
+#if defined(__SSE2__)
+
+constexpr std::size_t kShortDomain = 27;  // with the five bytes that decide about a dot at its end: 32
+
+// DomainEnd where thirty-two bytes follow, or nothing when the run of domain characters is longer than kShortDomain.
+inline std::optional<std::size_t> ShortDomainEnd(std::string_view text, std::size_t begin) {
+  const AddressBytes near(text.data() + begin), far(text.data() + begin + 16);
+  const auto both = [](unsigned first, unsigned second) { return first | second << 16; };
+  const auto run = static_cast<std::size_t>(std::countr_one(both(near.Domain(), far.Domain())));
+  if (run > kShortDomain) return std::nullopt;
+  // Bit i of each word tells of the byte behind byte i, and so on: a top-level name is two to four letters and no word
+  // character behind them.
+  const unsigned letters = both(near.Letters(), far.Letters()), no_word = ~both(near.Word(), far.Word());
+  const unsigned top_level =
+      letters >> 1 & letters >> 2 & (no_word >> 3 | (letters >> 3 & (no_word >> 4 | (letters >> 4 & no_word >> 5))));
+  // The run has such a dot, but not as its first character.
+  const unsigned dots = both(near.Dots(), far.Dots()) & top_level & ((1u << run) - 1) & ~1u;
+  if (dots == 0) return 0;
+  const auto behind_dot = static_cast<std::size_t>(std::bit_width(dots));
+  return begin + behind_dot + static_cast<std::size_t>(std::countr_one(letters >> behind_dot));
+}
+
+#endif
+
 // The end of the domain that begins at `begin`: the last dot that is followed by a top-level name wins; 0 without one.
 std::size_t DomainEnd(std::string_view text, std::size_t begin) {
+#if defined(__SSE2__)
+  if (text.size() - begin >= 32) {
+    if (const std::optional<std::size_t> end = ShortDomainEnd(text, begin)) return *end;
+  }
+#endif
   const std::size_t end = DomainRunEnd(text, begin);
   for (std::size_t dot = end; dot-- > begin + 1;) {
     if (text[dot] != '.') continue;

@@ -25,7 +25,7 @@ class MergeTest : public testing::Test {
   std::vector<std::string> Extract() { return merge_.Extract(files_, code_page_, loop_); }
   std::vector<std::string> Addresses() {
     std::vector<std::string> all;
-    for (std::uint32_t i = 0; i < merge_.Addresses.Count(); ++i) all.emplace_back(merge_.Addresses.At(i));
+    for (const std::string_view address : merge_.Addresses) all.emplace_back(address);
     return all;
   }
   std::vector<std::string> ShownBooks() {

@@ -64,7 +64,7 @@ Strings Merged(const Strings& books, std::size_t block_size) {
   }
   EXPECT_TRUE(merge.Extract(files, code_page, loop).empty());
   Strings addresses;
-  for (std::uint32_t i = 0; i < merge.Addresses.Count(); ++i) addresses.emplace_back(merge.Addresses.At(i));
+  for (const std::string_view address : merge.Addresses) addresses.emplace_back(address);
   return addresses;
 }
 

@@ -1,9 +1,12 @@
 #include "web/address_scan.h"
 
+#include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "support/reference_pattern.h"
 
 namespace quenlar {
 namespace {
@@ -64,6 +67,31 @@ TEST(NextAddress, GoesOnWhereTheLastMatchEnded) {
   EXPECT_EQ(NextAddress("ab@c.de", 1), "");  // no word boundary is left before the sign
   EXPECT_EQ(NextAddress("a.b@c.de", 1), ".b@c.de");
   EXPECT_EQ(NextAddress("a@b.de", 6), "");
+}
+
+// Parts of every length, with and without enough text around them to be taken sixteen bytes at a time.
+TEST(NextAddress, FindsWhatThePatternFindsInRandomTexts) {
+  const auto pattern = BoostPattern("\\b[a-z0-9._%+-]+@[a-z0-9.-]+\\.[a-z]{2,4}\\b");
+  std::mt19937 random(20);
+  const auto below = [&](std::size_t count) { return random() % count; };
+  const std::string kBytes = "aZ09.._-%+@@ \xC3<";
+  const std::vector<std::string> kPieces = {".de",  ".info", ".abcde", "@", "@b.org", "@host",
+                                            "name", "x.y",   "1",      "-", "_",      " "};
+  std::size_t found = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::string text(below(40), ' ');
+    for (std::size_t pieces = below(12); pieces > 0; --pieces) {
+      text += kPieces[below(kPieces.size())];
+      for (std::size_t bytes = below(3); bytes > 0; --bytes) text += kBytes[below(kBytes.size())];
+      if (below(8) == 0) text += std::string(below(40), 'k');
+    }
+    text += std::string(below(40), ' ');
+    std::vector<std::string> expected;
+    for (const std::string_view match : pattern->FindAll(text)) expected.emplace_back(match);
+    found += expected.size();
+    ASSERT_EQ(FindAll(text), expected) << text;
+  }
+  EXPECT_GT(found, 2000u);
 }
 
 TEST(FindAddressSign, AsksNothingOfWhatStandsAround) {
