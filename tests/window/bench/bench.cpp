@@ -1,6 +1,7 @@
 // Measures the program with its window: start, idle time, memory. Run by bench/window.sh.
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <stdexcept>
 #include <vector>
 
@@ -8,9 +9,7 @@
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_api.h"
 #include "window/program.h"
-
-// After windows.h, whose types it uses.
-#include <psapi.h>
+#include "window/usage.h"
 
 namespace quenlar::window_test {
 namespace {
@@ -28,23 +27,6 @@ LONGLONG Now() {
   return now.QuadPart;
 }
 
-double ProcessorMilliseconds(const Program& program) {
-  FILETIME created, ended, kernel, user;
-  GetProcessTimes(program.process(), &created, &ended, &kernel, &user);
-  const auto ticks = [](FILETIME time) {
-    return static_cast<double>((static_cast<ULONGLONG>(time.dwHighDateTime) << 32) | time.dwLowDateTime);
-  };
-  return (ticks(kernel) + ticks(user)) / 1e4;
-}
-
-// What the program alone holds; Wine does not tell that, and there it is all that is in memory of the process.
-double Megabytes(const Program& program) {
-  PROCESS_MEMORY_COUNTERS_EX counters{};
-  GetProcessMemoryInfo(program.process(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
-  const SIZE_T bytes = counters.PrivateUsage != 0 ? counters.PrivateUsage : counters.WorkingSetSize;
-  return static_cast<double>(bytes) / (1 << 20);
-}
-
 // As bench.sh reads it.
 void PrintGoal(const char* name, double most, double measured) {
   std::printf("Goal: %s (at most %.2f). Measured: %.2f, %s.\n", name, most, measured,
@@ -53,30 +35,53 @@ void PrintGoal(const char* name, double most, double measured) {
 
 void MeasureStart() {
   std::vector<double> shown, worked;
-  double megabytes = 0;
+  Memory most;
   for (int i = 0; i < 9; ++i) {
     Program program;
     const LONGLONG begun = Now();
     program.Start();
     shown.push_back(MillisecondsSince(begun));
-    worked.push_back(ProcessorMilliseconds(program) / 1000);
-    megabytes = std::max(megabytes, Megabytes(program));
+    worked.push_back(ProcessorTimeOf(program.process()).program);
+    const Memory memory = MemoryOf(program.process());
+    if (memory.alone > most.alone) most = memory;
   }
   std::sort(shown.begin(), shown.end());
   std::sort(worked.begin(), worked.end());
   std::printf("From the start to the visible window, of nine: median %.0f ms, worst %.0f ms.\n\n", shown[4], shown[8]);
+  std::printf("| memory with an empty list, the most of nine | MB |\n|---|---|\n");
+  std::printf("| the program's alone, shared with no other process | %.1f |\n", most.alone);
+  std::printf("| with its part of what processes share | %.1f |\n", most.proportional);
+  std::printf("| all that is in memory, with everything that is shared | %.1f |\n\n", most.resident);
   PrintGoal("window: seconds of processor time until it is there, median of nine", 0.5, worked[4]);
-  PrintGoal("window: megabytes with an empty list", 30, megabytes);
+  PrintGoal("window: megabytes of its own with an empty list", 30, most.alone);
 }
 
-void MeasureIdle() {
+// The program in use, with what Wine's services do for it: per cent of a core.
+double MeasureIdle(const char* table) {
   Program program;
   program.Start();
-  const double used = ProcessorMilliseconds(program);
+  const ProcessorTime before = ProcessorTimeOf(program.process());
   const LONGLONG begun = Now();
   (void)WaitUntil([&] { return MillisecondsSince(begun) > 10000; });
-  PrintGoal("window: share of a core while idle for ten seconds, %", 2,
-            100 * (ProcessorMilliseconds(program) - used) / MillisecondsSince(begun));
+  const ProcessorTime after = ProcessorTimeOf(program.process());
+  const double percent = 100 * 1000 / MillisecondsSince(begun);
+  const double own = (after.program - before.program) * percent;
+  const double services = (after.services - before.services) * percent;
+  std::printf("| %s | %.1f | %.1f |\n", table, own, services);
+  return own + services;
+}
+
+void MeasureIdleBothWays() {
+  std::printf("| idle for ten seconds with this interface table | the program, %% of a core | Wine's services, %% |\n");
+  std::printf("|---|---|---|\n");
+  const double real = MeasureIdle("the system's");
+  const std::filesystem::path program = _wgetenv(L"QUENLAR_PROGRAM");
+  _wputenv_s(L"QUENLAR_PROGRAM", (program.parent_path() / "Quenlar_idle.exe").c_str());
+  const double made_up = MeasureIdle("one that is made up, at no cost");
+  _wputenv_s(L"QUENLAR_PROGRAM", program.c_str());
+  std::printf("\n");
+  PrintGoal("window: share of a core while idle, Wine's services included, the system's interface table, %", 2, real);
+  PrintGoal("window: share of a core while idle, Wine's services included, a made-up interface table, %", 2, made_up);
 }
 
 struct Rows {
@@ -98,13 +103,13 @@ Rows MeasureRows(int rows) {
   }
   program.WriteFile("report/cars_example.rpt", report);
   program.Start();
-  const double before = Megabytes(program);
+  const double before = MemoryOf(program.process()).alone;
   const LONGLONG begun = Now();
   program.Main().Control(IDC_CMBURL).Type("www.cars.example");
   const Window list = program.Main().Control(IDC_LSTMAIL);
   if (!WaitUntil([&] { return list.Rows() == rows; })) throw std::runtime_error("the rows do not come");
   const double opened = MillisecondsSince(begun);
-  return {opened, ((Megabytes(program) - before) * (1 << 20) - text) / rows};
+  return {opened, ((MemoryOf(program.process()).alone - before) * (1 << 20) - text) / rows};
 }
 
 void MeasureTables() {
@@ -126,7 +131,7 @@ int main() {
   try {
     std::printf("\n## The window, under Wine\n\n");
     MeasureStart();
-    MeasureIdle();
+    MeasureIdleBothWays();
     MeasureTables();
     return 0;
   } catch (const std::exception& error) {
