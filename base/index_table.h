@@ -7,6 +7,8 @@
 #include <optional>
 #include <vector>
 
+#include "base/prefetch.h"
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -42,7 +44,7 @@ class IndexTable {
 
   // Asks the processor to have the row at hand soon in which a search for this hash begins.
   void Prefetch(std::uint32_t hash) const {
-    if (!rows_.empty()) __builtin_prefetch(&rows_[hash & mask_]);
+    if (!rows_.empty()) quenlar::Prefetch(&rows_[hash & mask_]);
   }
   // The first number in that row that was put in with this hash, if there is one.
   [[nodiscard]] std::optional<std::uint32_t> FirstGuess(std::uint32_t hash) const {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/index_table.h"
+#include "base/prefetch.h"
 #include "base/text_arena.h"
 #include "base/text_hash.h"
 
@@ -59,10 +60,10 @@ class FoundAddresses {
   // record in the slot, then the record's text. Each waits for memory where it is not asked some tests ahead.
   void PrefetchSlot(std::uint32_t hash) const { index_.Prefetch(hash); }
   void PrefetchRecord(std::uint32_t hash) const {
-    if (const auto number = index_.FirstGuess(hash)) __builtin_prefetch(&records_[*number]);
+    if (const auto number = index_.FirstGuess(hash)) Prefetch(&records_[*number]);
   }
   void PrefetchText(std::uint32_t hash) const {
-    if (const auto number = index_.FirstGuess(hash)) __builtin_prefetch(records_[*number].text);
+    if (const auto number = index_.FirstGuess(hash)) Prefetch(records_[*number].text);
   }
 
   // No records, memory given back.
