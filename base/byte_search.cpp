@@ -1,5 +1,6 @@
 #include "base/byte_search.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -81,6 +82,31 @@ std::size_t byte_search::FindFar(std::string_view text, char byte, std::size_t f
 #endif
   for (; at < end; ++at) {
     if (data[at] == byte) return at;
+  }
+  return kNone;
+}
+
+std::size_t FindOneOf(std::string_view text, const std::array<char, 3>& bytes, std::size_t from) {
+  std::size_t at = from;
+#if defined(__SSE2__)
+  if (text.size() >= 16) {
+    const __m128i a = _mm_set1_epi8(bytes[0]), b = _mm_set1_epi8(bytes[1]), c = _mm_set1_epi8(bytes[2]);
+    const auto hits_at = [&](std::size_t place) {
+      const __m128i found = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + place));
+      const __m128i either = _mm_or_si128(_mm_cmpeq_epi8(found, a), _mm_cmpeq_epi8(found, b));
+      return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(either, _mm_cmpeq_epi8(found, c))));
+    };
+    for (; at < text.size(); at += 16) {
+      // The last bytes, together with some before them.
+      const std::size_t place = std::min(at, text.size() - 16);
+      const unsigned hits = hits_at(place) >> (at - place);
+      if (hits != 0) return at + static_cast<std::size_t>(std::countr_zero(hits));
+    }
+    return kNone;
+  }
+#endif
+  for (; at < text.size(); ++at) {
+    if (std::find(bytes.begin(), bytes.end(), text[at]) != bytes.end()) return at;
   }
   return kNone;
 }

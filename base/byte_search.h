@@ -1,6 +1,7 @@
 // Searches for single bytes, many of them at a time.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <string_view>
@@ -37,6 +38,9 @@ inline unsigned Hits(const char* data, __m128i wanted) {
 #endif
   return byte_search::FindFar(text, byte, from);
 }
+
+// The position of the first of three bytes in text[from, end), or npos; for short distances.
+[[nodiscard]] std::size_t FindOneOf(std::string_view text, const std::array<char, 3>& bytes, std::size_t from);
 
 // The position of the last `byte` in text[from, end), or npos. `end` is at most text.size().
 [[nodiscard]] std::size_t FindLastByte(std::string_view text, char byte, std::size_t from, std::size_t end);

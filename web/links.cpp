@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "base/ascii.h"
-#include "base/byte_search.h"
+#include "base/letter_pairs.h"
 #include "state/get_host.h"
 
 namespace quenlar {
@@ -39,21 +39,19 @@ bool QueueOtherSite(Project& project, const Settings& settings, std::string_view
   return project.queues[0].AddIfNewHost(address, 1);
 }
 
-// Whether the lower-cased address holds "https://". Nearly every address has one ":", so that is looked for.
-bool HoldsSecureScheme(std::string_view address) {
-  constexpr std::string_view kSecure = "https://";
-  for (std::size_t colon = FindByte(address, ':'); colon != kNone; colon = FindByte(address, ':', colon + 1)) {
-    if (colon >= 5 && StartsWithIgnoreCase(address.substr(colon - 5), kSecure)) return true;
-  }
-  return false;
+constexpr std::string_view kFragment = "/#", kSecureScheme = "https://", kMaker = "microsoft";
+
+// Whether no rule can drop the address: it holds no two neighbouring letters out of any text that one is dropped for.
+bool IsPlain(std::string_view address) {
+  static_assert(kSecureScheme.find("s:") != kNone && kMaker.find("ft") != kNone);
+  static_assert(std::string_view(kEncyclopediaDomain).find("ik") != kNone);
+  return !MayHoldPair<LetterPair{'/', '#'}, LetterPair{'s', ':'}, LetterPair{'f', 't'}, LetterPair{'i', 'k'}>(address);
 }
 
-// Whether the address holds "/#". A "/" stands in every address, a "#" in few.
-bool HoldsFragment(std::string_view address) {
-  for (std::size_t at = FindByte(address, '#'); at != kNone; at = FindByte(address, '#', at + 1)) {
-    if (at > 0 && address[at - 1] == '/') return true;
-  }
-  return false;
+// Only pages of level 0 leave the encyclopedia out.
+bool IsDropped(int level, std::string_view address) {
+  return address.find(kFragment) != kNone || ContainsIgnoreCase(address, kSecureScheme) ||
+         ContainsIgnoreCase(address, kMaker) || (level == 0 && ContainsIgnoreCase(address, kEncyclopediaDomain));
 }
 
 // 1 to 9 for "1" to "9", 10 for "0", 0 for anything else.
@@ -68,6 +66,9 @@ std::string ResolveLink(std::string_view target, std::string_view page) {
   return std::string(LinkResolver(page).Resolve(target));
 }
 
+LinkResolver::LinkResolver(std::string_view page)
+    : page_(std::string(page) + "/"), site_(GetHost(page)), root_(GetHost(page) + "/"), folder_(FolderOf(page)) {}
+
 std::string_view LinkResolver::Resolve(std::string_view target) {
   constexpr std::string_view kUp = "../";
   bool up = false;
@@ -75,40 +76,22 @@ std::string_view LinkResolver::Resolve(std::string_view target) {
     target.remove_prefix(kUp.size());
     up = true;
   }
-  if (target.starts_with('/')) return Joined(kScheme, HostPart(page_), target);
+  if (target.starts_with('/')) return site_.With(target);
   if (StartsWithIgnoreCase(target, "javascript:")) return {};
   // The result holds "/#", so every link builder drops it: fragments are never followed, and that is meant.
-  if (target.starts_with('#')) return Joined(page_, "/", target);
+  if (target.starts_with('#')) return page_.With(target);
   if (StartsWithIgnoreCase(target, "mailto:")) return {};
   if (StartsWithIgnoreCase(target, kScheme)) {
     // It has a "/" behind its host at least.
-    return target.find('/', kScheme.size()) == kNone ? Joined(target, "/", {}) : target;
+    return target.find('/', kScheme.size()) == kNone ? bare_host_.assign(target).append("/") : target;
   }
   if (target.empty()) return {};
   // One "../" or many: the target counts from the root of the site.
-  if (up) {
-    (void)Joined(kScheme, HostPart(page_), "/");
-    return joined_.append(target);
-  }
-  return Joined(Folder(), {}, target);
-}
-
-std::string_view LinkResolver::Joined(std::string_view front, std::string_view middle, std::string_view target) {
-  joined_.assign(front).append(middle).append(target);
-  return joined_;
-}
-
-std::string_view LinkResolver::Folder() {
-  if (!folder_) folder_ = FolderOf(page_);
-  return *folder_;
+  return up ? root_.With(target) : folder_.With(target);
 }
 
 std::optional<std::string_view> FollowedAddress(int level, std::string_view address) {
-  if (HoldsFragment(address) || HoldsSecureScheme(address) || ContainsIgnoreCase(address, "microsoft")) {
-    return std::nullopt;
-  }
-  // Only pages of level 0 leave the encyclopedia out.
-  if (level == 0 && ContainsIgnoreCase(address, kEncyclopediaDomain)) return std::nullopt;
+  if (!IsPlain(address) && IsDropped(level, address)) return std::nullopt;
   if (address.ends_with('/')) address.remove_suffix(1);
   return address;
 }

@@ -1,10 +1,12 @@
 // Turns the targets of anchors and frames into absolute addresses and decides which of them are queued, and where.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "state/run_state.h"
 #include "state/settings.h"
@@ -31,21 +33,31 @@ bool MakeExpandLink(Project& project, const Settings& settings, int level, std::
 // whatever the queues hold.
 [[nodiscard]] std::optional<std::string_view> FollowedAddress(int level, std::string_view address);
 
-// ResolveLink for the many targets of one page. The page's address must stay valid.
+// ResolveLink for the many targets of one page.
 class LinkResolver {
  public:
-  explicit LinkResolver(std::string_view page) : page_(page) {}
+  explicit LinkResolver(std::string_view page);
 
   // A view into `target` or into the resolver, valid until the next call.
   [[nodiscard]] std::string_view Resolve(std::string_view target);
 
  private:
-  std::string_view Joined(std::string_view front, std::string_view middle, std::string_view target);
-  [[nodiscard]] std::string_view Folder();
+  // What targets are put behind, one in place of the other.
+  class Front {
+   public:
+    explicit Front(std::string text) : text_(std::move(text)), length_(text_.size()) {}
+    std::string_view With(std::string_view target) {
+      text_.resize(length_);
+      return text_.append(target);
+    }
 
-  std::string_view page_;
-  std::optional<std::string> folder_;  // what a relative target is put behind; made when first needed
-  std::string joined_;
+   private:
+    std::string text_;
+    std::size_t length_;
+  };
+
+  Front page_, site_, root_, folder_;
+  std::string bare_host_;  // the last target that was a host and nothing else
 };
 
 }  // namespace quenlar

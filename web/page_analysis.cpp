@@ -1,6 +1,5 @@
 #include "web/page_analysis.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -40,16 +39,34 @@ constexpr std::uint32_t Four(std::string_view text) {
   return value;
 }
 
-// Targets that end so name files in which no addresses are looked for.
-constexpr std::array<std::uint32_t, 20> kUnwantedEndings = {
-    Four(".gif"), Four(".jpg"), Four("jpeg"), Four(".bmp"), Four(".png"), Four(".pcx"), Four(".tif"),
-    Four("tiff"), Four(".wmf"), Four(".exe"), Four(".zip"), Four(".pdf"), Four(".doc"), Four(".avi"),
-    Four(".mpg"), Four("mpeg"), Four(".wmv"), Four("rmvb"), Four(".mp3"), Four(".wav")};
-
+// Whether the target ends so that it names a file in which no addresses are looked for.
 bool IsUnwantedFile(std::string_view target) {
   if (target.size() < 4) return false;
-  const std::uint32_t ending = Four(target.substr(target.size() - 4));
-  return std::find(kUnwantedEndings.begin(), kUnwantedEndings.end(), ending) != kUnwantedEndings.end();
+  switch (Four(target.substr(target.size() - 4))) {
+    case Four(".gif"):
+    case Four(".jpg"):
+    case Four("jpeg"):
+    case Four(".bmp"):
+    case Four(".png"):
+    case Four(".pcx"):
+    case Four(".tif"):
+    case Four("tiff"):
+    case Four(".wmf"):
+    case Four(".exe"):
+    case Four(".zip"):
+    case Four(".pdf"):
+    case Four(".doc"):
+    case Four(".avi"):
+    case Four(".mpg"):
+    case Four("mpeg"):
+    case Four(".wmv"):
+    case Four("rmvb"):
+    case Four(".mp3"):
+    case Four(".wav"):
+      return true;
+    default:
+      return false;
+  }
 }
 
 // Whether the tag's name is `name` (in lower case) exactly: it ends at a blank, which may be written as an entity, or
@@ -123,6 +140,7 @@ class TagWalk {
   }
 
   void Queue(std::string_view target) {
+    if (target.starts_with('#')) return;  // what it resolves to is never followed, so it need not be made
     const std::string_view address = resolver_.Resolve(target);
     if (address.empty()) return;
     if (kind_.level == 0) {

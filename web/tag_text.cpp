@@ -1,16 +1,21 @@
 #include "web/tag_text.h"
 
 #include "base/ascii.h"
+#include "base/byte_search.h"
 
 namespace quenlar {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 
-// What lies between the first and the second `quote`; up to the end where there is no second one.
-std::string_view Quoted(std::string_view value, char quote) {
-  value.remove_prefix(1);
-  return value.substr(0, value.find(quote));
+// An attribute's value: up to its closing quote, a blank or a line's end ("\r\n"), whatever comes first. Without a
+// quote `quote` is a blank.
+std::string_view ValueAt(std::string_view tag, std::size_t begin, char quote) {
+  for (std::size_t end = begin;; ++end) {
+    end = FindOneOf(tag, {quote, ' ', '\r'}, end);
+    if (end == kNone) return tag.substr(begin);
+    if (tag[end] != '\r' || tag.substr(end).starts_with("\r\n")) return tag.substr(begin, end - begin);
+  }
 }
 
 // Characters that CleanText keeps: printable ASCII without the blank.
@@ -51,11 +56,10 @@ std::string_view AttributeView(std::string_view tag, std::string_view name, std:
   constexpr std::string_view kEntityRest = "amp;";
   const std::size_t at = FindIgnoreCase(tag, name);
   if (at == kNone) return {};
-  std::string_view value = tag.substr(at + name.size());
-  if (!value.empty() && (value.front() == '"' || value.front() == '\'')) value = Quoted(value, value.front());
-  value = value.substr(0, value.find(' '));
-  value = value.substr(0, value.find("\r\n"));
-  if (value.find(';') == kNone || value.find(kEntityRest) == kNone) return value;  // ";" is rarer than "a"
+  const std::size_t begin = at + name.size();
+  const bool quoted = begin < tag.size() && (tag[begin] == '"' || tag[begin] == '\'');
+  const std::string_view value = quoted ? ValueAt(tag, begin + 1, tag[begin]) : ValueAt(tag, begin, ' ');
+  if (FindByte(value, ';') == kNone || value.find(kEntityRest) == kNone) return value;  // ";" is rarer than "a"
   buffer = ReplaceAll(value, kEntityRest, "");
   return buffer;
 }

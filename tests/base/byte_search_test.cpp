@@ -28,6 +28,16 @@ TEST(FindByte, FindsAByteAtEveryPlaceOfEveryLength) {
   }
 }
 
+TEST(FindOneOf, FindsTheFirstOfItsBytesFromEveryPlace) {
+  for (std::size_t size = 0; size < 70; ++size) {
+    std::string text(size, '.');
+    for (std::size_t i = 5; i < size; i += i % 11 + 3) text[i] = "xyz"[i % 3];
+    for (std::size_t from = 0; from <= size; ++from) {
+      ASSERT_EQ(FindOneOf(text, {'x', 'y', 'z'}, from), text.find_first_of("xyz", from)) << text << ' ' << from;
+    }
+  }
+}
+
 TEST(FindByte, TakesTheNearestOfMany) {
   std::string text(300, '.');
   for (const std::size_t at : {7u, 70u, 71u, 222u}) text[at] = '\xFF';
