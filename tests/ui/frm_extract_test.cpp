@@ -246,18 +246,21 @@ TEST_F(MainWindow, HideLeavesTheWindowLoadedAndTheMenuBringsItBack) {
 
 TEST_F(MainWindow, OptionAndToolAreModalAndTheirButtonsDisabledMeanwhile) {
   Start();
-  const std::pair<ui::Form*, ui::Button*> kRows[] = {{&option, &extract.cmdOption}, {&tool, &extract.cmdTool}};
-  for (const auto& [form, button] : kRows) {
+  const struct {
+    ui::Form& form;
+    ui::Button& button;
+  } kRows[] = {{option, extract.cmdOption}, {tool, extract.cmdTool}};
+  for (const auto& row : kRows) {
     int modal = 0;
-    form->window.run_modal = [&] {
+    row.form.window.run_modal = [&] {
       ++modal;
-      EXPECT_FALSE(button->enabled());
-      EXPECT_TRUE(form->shown());
-      form->Close();
+      EXPECT_FALSE(row.button.enabled());
+      EXPECT_TRUE(row.form.shown());
+      row.form.Close();
     };
-    button->Click();
+    row.button.Click();
     EXPECT_EQ(modal, 1);
-    EXPECT_TRUE(button->enabled());
+    EXPECT_TRUE(row.button.enabled());
   }
 }
 
