@@ -179,6 +179,29 @@ TEST_F(OptionTest, ClosingKeepsTheSettingsButNotTheWords) {
   EXPECT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
 }
 
+TEST_F(OptionTest, AltWithALetterOfATabAndCtrlTabGoFromPageToPage) {
+  Open();
+  const Window tabs = option.Control(IDC_TABOPTION);
+  const auto chosen = [&](LRESULT page) { return WaitUntil([&] { return tabs.Send(TCM_GETCURSEL) == page; }); };
+  constexpr LPARAM kAltHeld = 1 << 29;
+  PostMessageW(option.Control(IDC_CMBSEARCH).handle(), WM_SYSCHAR, 'f', kAltHeld);
+  EXPECT_TRUE(chosen(2));
+  EXPECT_TRUE(WaitUntil([&] { return option.Control(IDC_TXTREMOVEFILTER).Visible(); }));
+  const ControlKeyHeld held(option);
+  option.Control(IDC_TXTREMOVEFILTER).Press(VK_TAB);
+  EXPECT_TRUE(chosen(0)) << "behind the last page comes the first one";
+  option.Control(IDC_CMBSEARCH).Press(VK_PRIOR);
+  EXPECT_TRUE(chosen(2));
+}
+
+TEST_F(OptionTest, EnterIsOk) {
+  Open();
+  option.Control(IDC_TXTREMOVEFILTER).Type("cat");
+  option.Control(IDC_TXTSTOPNUMBER).Press(VK_RETURN);
+  ASSERT_TRUE(WaitUntil([&] { return !option; }));
+  EXPECT_EQ(program.ReadFile("data/ExtractFilter.dat"), HeaderLine() + "\r\n\r\n<r>cat</r>\r\n");
+}
+
 TEST_F(OptionTest, EscClosesTheDialogAndEnterInAListOfWordsDoesNot) {
   Open();
   option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);

@@ -1,0 +1,109 @@
+// The icon in the notification area: the record by which the system knows it, and what the task bar is told.
+#include <gmock/gmock.h>
+
+#include "platform/win32/tray_icon.h"
+#include "platform/win32/tray_record.h"
+
+namespace quenlar {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// A window that the system takes for the task bar. Not beside a real one.
+class FakeTaskBar {
+ public:
+  FakeTaskBar() {
+    WNDCLASSW kind{};
+    kind.lpfnWndProc = Procedure;
+    kind.hInstance = GetModuleHandleW(nullptr);
+    kind.lpszClassName = L"Shell_TrayWnd";
+    RegisterClassW(&kind);
+    window_ = CreateWindowExW(0, kind.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, kind.hInstance, this);
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  }
+  ~FakeTaskBar() { DestroyWindow(window_); }
+  FakeTaskBar(const FakeTaskBar&) = delete;
+  FakeTaskBar& operator=(const FakeTaskBar&) = delete;
+
+  std::vector<ULONG_PTR> asked;  // NIM_...
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
+    auto* self = reinterpret_cast<FakeTaskBar*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (!self || message != WM_COPYDATA) return DefWindowProcW(window, message, w, l);
+    self->asked.push_back(reinterpret_cast<const COPYDATASTRUCT*>(l)->dwData);
+    return TRUE;
+  }
+
+  HWND window_ = nullptr;
+};
+
+HWND WindowOf(const Win32TrayIcon& icon) { return static_cast<HWND>(icon.window()); }
+
+void StartTaskBarAnew(const Win32TrayIcon& icon) {
+  SendMessageW(WindowOf(icon), RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
+}
+
+struct TrayIconTest : testing::Test {
+  FakeTaskBar bar;
+  Win32TrayIcon icon{nullptr};
+};
+
+TEST(TrayRecordTest, TheRecordIsTheOldestFormWithTheIconsHandleAsItsNumber) {
+  const HWND window = GetDesktopWindow();
+  const HICON icon = LoadIconW(nullptr, IDI_APPLICATION);
+  ASSERT_NE(icon, nullptr);
+  const NOTIFYICONDATAA record = win32::TrayRecord(window, icon);
+  EXPECT_EQ(record.cbSize, sizeof(void*) == 4 ? 88u : 104u);
+  EXPECT_EQ(record.hWnd, window);
+  EXPECT_EQ(record.uID, static_cast<UINT>(reinterpret_cast<UINT_PTR>(icon)));
+  EXPECT_EQ(record.uFlags, 7u);
+  EXPECT_EQ(record.uCallbackMessage, 512u);
+  EXPECT_EQ(record.hIcon, icon);
+  EXPECT_STREQ(record.szTip, "");
+}
+
+TEST_F(TrayIconTest, IsAddedAndRemoved) {
+  EXPECT_THAT(bar.asked, IsEmpty());
+  icon.AddTrayIcon();
+  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD));
+  icon.RemoveTrayIcon();
+  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_DELETE));
+  icon.RemoveTrayIcon();
+  EXPECT_EQ(bar.asked.size(), 2u);
+}
+
+TEST_F(TrayIconTest, ComesBackWhenTheTaskBarIsStartedAnew) {
+  icon.AddTrayIcon();
+  StartTaskBarAnew(icon);
+  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_ADD));
+}
+
+TEST_F(TrayIconTest, StaysAwayWhenItHasBeenRemovedOrNeverAdded) {
+  StartTaskBarAnew(icon);
+  EXPECT_THAT(bar.asked, IsEmpty());
+  icon.AddTrayIcon();
+  icon.RemoveTrayIcon();
+  StartTaskBarAnew(icon);
+  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_DELETE));
+}
+
+TEST_F(TrayIconTest, IsRemovedWithItsObject) {
+  {
+    Win32TrayIcon other(nullptr);
+    other.AddTrayIcon();
+  }
+  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_DELETE));
+}
+
+TEST_F(TrayIconTest, TellsWhatTheMouseDoes) {
+  std::vector<int> heard;
+  icon.OnMessage([&](int message) { heard.push_back(message); });
+  for (const LPARAM mouse : {WM_LBUTTONDOWN, WM_RBUTTONDOWN}) SendMessageW(WindowOf(icon), 512, 1, mouse);
+  SendMessageW(WindowOf(icon), WM_RBUTTONDOWN, 0, 0);
+  EXPECT_THAT(heard, ElementsAre(513, 516));
+}
+
+}  // namespace
+}  // namespace quenlar
