@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/prefetch.h"
+
 namespace quenlar {
 
 class TextList {
@@ -29,7 +31,7 @@ class TextList {
     return length <= kLongestShort ? std::string_view(head + 1, length) : LongText(head);
   }
   // Asks the processor to have this text at hand soon.
-  void Prefetch(Place place) const { __builtin_prefetch(Head(place)); }
+  void Prefetch(Place place) const { quenlar::Prefetch(Head(place)); }
 
   // Throws std::bad_alloc when memory, or the 16 GiB that a place can tell apart, are used up.
   Place Add(std::string_view text);
