@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/large_memory.h"
 #include "base/prefetch.h"
 
 #if defined(__SSE2__)
@@ -100,6 +101,8 @@ class IndexTable {
     }
   };
 
+  using Rows = std::vector<Row, LargeAllocator<Row>>;
+
   void Place(std::uint32_t hash, std::uint32_t number_plus_one) {
     std::size_t at = hash & mask_;
     while (!rows_[at].HasRoom()) at = (at + 1) & mask_;
@@ -110,7 +113,7 @@ class IndexTable {
   }
 
   void Grow() {
-    std::vector<Row> old(rows_.empty() ? kFewestRows : rows_.size() * 2);
+    Rows old(rows_.empty() ? kFewestRows : rows_.size() * 2);
     old.swap(rows_);
     mask_ = rows_.size() - 1;
     for (const Row& row : old) {
@@ -120,7 +123,7 @@ class IndexTable {
     }
   }
 
-  std::vector<Row> rows_;
+  Rows rows_;
   std::size_t mask_ = 0;
   std::size_t used_ = 0;
 };
