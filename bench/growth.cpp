@@ -1,9 +1,11 @@
-// Hostile families from 1 KB up: time a byte and the factor per doubling. usage: growth MOST-BYTES
+// Hostile families from 64 KB up: time a byte and the factor per doubling. usage: growth MOST-BYTES
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
+#include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,53 +20,72 @@ namespace {
 constexpr std::size_t kFrom = 64u << 10;
 
 struct Growth {
-  double slowest = 1e12;  // MB/s, of the sizes from 64 KB
-  double worst = 0;       // factor of one doubling from there
+  double slowest = 1e12;  // MB/s
+  double worst = 0;       // factor of one doubling
   double overall = 0;     // factor a doubling over all of them
-  double memory = 0;      // at the largest size: memory used over the page's size
+  double memory = 0;      // of the largest page: memory used over the page's size
 };
 
-double Seconds(const std::string& page) {
-  const std::size_t repeats = page.size() >= (1u << 20) ? 1 : (1u << 20) / page.size();
-  return Best([&] {
-           for (std::size_t i = 0; i < repeats; ++i) {
-             PageBench bench;
-             bench.Analyse(page);
-             CollectResultLinks(page, bench.project.queues[0]);
-           }
-         }) /
-         static_cast<double>(repeats);
+void Analyse(const std::string& page) {
+  PageBench bench;
+  bench.Analyse(page);
+  CollectResultLinks(page, bench.project.queues[0]);
 }
 
-Growth Measure(const Family& family, std::size_t most) {
+// Seconds a page. Small pages are many copies of one, as many as make the largest page or take a tenth of a second, so
+// that they come from memory as large ones do, and not out of a cache that a large one does not fit in.
+double Seconds(const std::string& page, std::size_t most) {
+  const double once = Best([&] { Analyse(page); });
+  const std::size_t count = std::min(static_cast<std::size_t>(0.1 / once), most / page.size());
+  const std::vector<std::string> copies(std::max<std::size_t>(1, count), page);
+  return Best([&] {
+           for (const std::string& copy : copies) Analyse(copy);
+         }) /
+         static_cast<double>(copies.size());
+}
+
+// The system hands out memory by the page, and large blocks anew each time; here what was used once is used again, as
+// a program that has run for a while does.
+void KeepMemory() {
+  mallopt(M_MMAP_MAX, 0);
+  mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+}
+
+Growth Times(const Family& family, std::size_t most) {
+  KeepMemory();
   Growth growth;
   double first = 0, previous = 0;
   int doublings = 0;
-  std::size_t memory_before = 0;
-  for (std::size_t bytes = 1024; bytes <= most; bytes *= 2) {
-    const std::string page = family.make(bytes);
-    memory_before = PeakMemory();
-    const double seconds = Seconds(page);
-    if (bytes >= kFrom) growth.slowest = std::min(growth.slowest, static_cast<double>(bytes) / seconds / 1e6);
-    if (bytes > kFrom) {
+  for (std::size_t bytes = kFrom; bytes <= most; bytes *= 2) {
+    const double seconds = Seconds(family.make(bytes), most);
+    growth.slowest = std::min(growth.slowest, static_cast<double>(bytes) / seconds / 1e6);
+    if (bytes == kFrom) {
+      first = seconds;
+    } else {
       growth.worst = std::max(growth.worst, seconds / previous);
       growth.overall = std::pow(seconds / first, 1.0 / ++doublings);
-    } else {
-      first = seconds;
     }
     previous = seconds;
   }
-  growth.memory = static_cast<double>(PeakMemory() - memory_before) / static_cast<double>(most);
   return growth;
 }
 
-// In a process of its own, so that the peak of its memory is its own too.
-Growth MeasureAlone(const Family& family, std::size_t most) {
+Growth Memory(const Family& family, std::size_t most) {
+  const std::string page = family.make(most);
+  const std::size_t before = PeakMemory();
+  Analyse(page);
+  Growth growth;
+  growth.memory = static_cast<double>(PeakMemory() - before) / static_cast<double>(most);
+  return growth;
+}
+
+// In a process of its own, so that its memory is its own too.
+Growth Alone(Growth (*measure)(const Family&, std::size_t), const Family& family, std::size_t most) {
   int ends[2];
   if (pipe(ends) != 0) std::abort();
   const pid_t child = fork();
   if (child == 0) {
-    const Growth growth = Measure(family, most);
+    const Growth growth = measure(family, most);
     _exit(write(ends[1], &growth, sizeof growth) == sizeof growth ? 0 : 1);
   }
   Growth growth;
@@ -83,15 +104,15 @@ int main(int argc, char** argv) {
   const std::size_t most = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : (8u << 20);
   Heading("Hostile input: growth");
   std::printf(
-      "Pages of 1 KB to %zu MB; the factors are those from 64 KB on. Where a page outgrows a cache of the processor, "
-      "one\n"
-      "doubling costs more than two times; over all of them that evens out.\n\n"
+      "Pages of 64 KB to %zu MB, small ones in copies that make as much, all out of memory that has been used "
+      "before.\n\n"
       "| family | MB/s, slowest size | factor a doubling, all | worst doubling | memory, times the page |\n"
       "|---|---|---|---|---|\n",
       most >> 20);
   double worst = 0, worst_overall = 0, slowest = 1e12;
   for (const Family& family : HostileFamilies()) {
-    const Growth growth = MeasureAlone(family, most);
+    Growth growth = Alone(Times, family, most);
+    growth.memory = Alone(Memory, family, most).memory;
     std::printf("| %s | %.0f | %.2f | %.2f | %.1f |\n", family.name, growth.slowest, growth.overall, growth.worst,
                 growth.memory);
     std::fflush(stdout);

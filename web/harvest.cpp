@@ -1,8 +1,8 @@
 #include "web/harvest.h"
 
+#include <array>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "base/ascii.h"
 #include "web/page_addresses.h"
@@ -20,14 +20,25 @@ PageAddresses::Place PlaceOf(const PageMatch& match) {
   return IsMailLink(match.text) ? PageAddresses::Place::kMailLink : PageAddresses::Place::kTag;
 }
 
-// Pumps at every match.
+// Pumps at every match. Matches are found some ahead, for what is known of their addresses to be at hand by then.
 void Collect(AnalysisContext& context, std::string_view page, PageAddresses& addresses) {
+  constexpr std::size_t kAhead = 16;
+  struct Found {
+    PageMatch match;
+    PageAddresses::Address address;
+  };
+  std::array<Found, kAhead> found;
   PageMatches matches(page);
-  for (PageMatch match; matches.Next(match);) {
-    context.pump();
-    if (match.address.empty()) continue;
-    addresses.Add(PlaceOf(match), match.address,
-                  [&](std::string_view address) { return context.filter.Keeps(address); });
+  for (std::size_t count = kAhead; count == kAhead;) {
+    for (count = 0; count < kAhead && matches.Next(found[count].match); ++count) {
+      found[count].address = addresses.Ready(found[count].match.address);
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+      context.pump();
+      const auto& [match, address] = found[i];
+      if (match.address.empty()) continue;
+      addresses.Add(PlaceOf(match), address, [&](std::string_view text) { return context.filter.Keeps(text); });
+    }
   }
 }
 
@@ -36,36 +47,37 @@ class Inserter {
  public:
   Inserter(const Inserter&) = delete;
   Inserter& operator=(const Inserter&) = delete;
-  Inserter(AnalysisContext& context, std::string_view page, std::string_view page_address)
-      : context_(context), page_(page), texts_{page_address, {}} {}
+  Inserter(AnalysisContext& context, const PageAddresses& addresses, std::string_view page,
+           std::string_view page_address)
+      : context_(context), addresses_(addresses), page_(page), texts_{page_address, {}} {}
 
   // Pumps before every address. Returns how many addresses were dealt with: all of them, or those up to the one that
   // reached the stop number.
-  std::size_t Insert(const std::vector<PageAddresses::Address>& addresses, bool tag_only) {
-    for (std::size_t i = 0; i < addresses.size(); ++i) {
-      LookAhead(addresses, i);
+  std::size_t Insert(const PageAddresses::List& list, bool tag_only) {
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      LookAhead(list, i);
       context_.pump();
       // Tested only now: a harvest inside the pump may have added it.
-      if (!Add(addresses[i], tag_only)) continue;
+      if (!Add(addresses_.At(list[i]), tag_only)) continue;
       if (InRun() >= context_.settings.EffectiveStopNumber()) {
         context_.run.stop_requested = true;
         stopped_ = true;
         return i + 1;
       }
     }
-    return addresses.size();
+    return list.size();
   }
 
   [[nodiscard]] bool stopped() const { return stopped_; }
 
  private:
-  void LookAhead(const std::vector<PageAddresses::Address>& addresses, std::size_t i) const {
+  void LookAhead(const PageAddresses::List& list, std::size_t i) const {
     constexpr std::size_t kStep = 4;
     const FoundAddresses& found = context_.project.found;
-    const std::size_t left = addresses.size() - i;
-    if (left > 3 * kStep) found.PrefetchSlot(addresses[i + 3 * kStep].hash);
-    if (left > 2 * kStep) found.PrefetchRecord(addresses[i + 2 * kStep].hash);
-    if (left > kStep) found.PrefetchText(addresses[i + kStep].hash);
+    const std::size_t left = list.size() - i;
+    if (left > 3 * kStep) found.PrefetchSlot(addresses_.At(list[i + 3 * kStep]).hash);
+    if (left > 2 * kStep) found.PrefetchRecord(addresses_.At(list[i + 2 * kStep]).hash);
+    if (left > kStep) found.PrefetchText(addresses_.At(list[i + kStep]).hash);
   }
 
   // Addresses of this run, without those that the project brought along.
@@ -89,6 +101,7 @@ class Inserter {
   }
 
   AnalysisContext& context_;
+  const PageAddresses& addresses_;
   std::string_view page_;
   std::optional<std::string> title_;
   FoundAddresses::PageTexts texts_;
@@ -104,7 +117,7 @@ HarvestEnd ExtractAddresses(AnalysisContext& context, std::string_view page, std
   context.pump();
   const auto text = addresses.TextList(), tag = addresses.TagList();
   std::size_t left = text.size() + tag.size();
-  Inserter inserter(context, page, page_address);
+  Inserter inserter(context, addresses, page, page_address);
   left -= inserter.Insert(text, false);
   if (!inserter.stopped()) left -= inserter.Insert(tag, tag.size() == 1);
   return left == 0 ? HarvestEnd::kWholePage : HarvestEnd::kStopNumberReached;

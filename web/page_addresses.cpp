@@ -9,45 +9,51 @@ constexpr std::size_t kSeveral = 16;  // a page with an address often has severa
 
 }  // namespace
 
-std::vector<PageAddresses::Address> PageAddresses::TextList() const {
-  std::vector<Address> list;
+PageAddresses::List PageAddresses::TextList() const {
+  List list;
   list.reserve(mail_.size() + between_.size());
   TakeUnless(0, mail_, list);
   TakeUnless(Bit(Place::kMailLink), between_, list);
   return list;
 }
 
-std::vector<PageAddresses::Address> PageAddresses::TagList() const {
-  std::vector<Address> list;
+PageAddresses::List PageAddresses::TagList() const {
+  List list;
   TakeUnless(Bit(Place::kMailLink) | Bit(Place::kBetweenTags), tag_, list);
   return list;
 }
 
-void PageAddresses::TakeUnless(std::uint8_t places, const std::vector<Item>& list, std::vector<Address>& to) const {
-  for (const Item& item : list) {
-    const Entry& entry = entries_[item.entry];
-    if ((entry.places & places) == 0) to.push_back({item.text, entry.hash});
+void PageAddresses::TakeUnless(std::uint8_t places, const List& list, List& to) const {
+  for (const std::uint32_t number : list) {
+    const std::uint8_t own = entries_[number].places;
+    const std::uint8_t all = own != 0 ? own : entries_[Find(At(number))].places;
+    if ((all & places) == 0) to.push_back(number);
   }
 }
 
-std::uint32_t PageAddresses::Find(std::string_view address, std::uint32_t hash) const {
-  return index_.Find(hash, [&](std::uint32_t number) { return EqualsIgnoreCase(entries_[number].text, address); });
+std::uint32_t PageAddresses::Find(const Address& address) const {
+  return index_.Find(address.hash,
+                     [&](std::uint32_t number) { return EqualsIgnoreCase(entries_[number].text, address.text); });
 }
 
-void PageAddresses::Append(Place place, std::string_view address, std::uint32_t hash, std::uint32_t known) {
-  if (known == IndexTable::kNone) {
-    known = static_cast<std::uint32_t>(entries_.size());
-    if (known == 0) entries_.reserve(kSeveral);
-    entries_.push_back({address, hash, 0});
-    index_.Insert(hash, known);
-  }
-  entries_[known].places |= Bit(place);
-  std::vector<Item>& list = ListOf(place);
+void PageAddresses::Append(Place place, const Address& address, std::uint32_t known) {
+  List& list = ListOf(place);
   if (list.empty()) list.reserve(kSeveral);
-  list.push_back({address, known});
+  if (entries_.empty()) entries_.reserve(kSeveral);
+  const auto next = static_cast<std::uint32_t>(entries_.size());
+  if (known == IndexTable::kNone) {
+    entries_.push_back({address.text, address.hash, Bit(place)});
+    index_.Insert(address.hash, next);
+    list.push_back(next);
+  } else {
+    entries_[known].places |= Bit(place);
+    const bool same = entries_[known].text == address.text;
+    if (!same) entries_.push_back({address.text, address.hash, 0});
+    list.push_back(same ? known : next);
+  }
 }
 
-std::vector<PageAddresses::Item>& PageAddresses::ListOf(Place place) {
+PageAddresses::List& PageAddresses::ListOf(Place place) {
   switch (place) {
     case Place::kTag:
       return tag_;

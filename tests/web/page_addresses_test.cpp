@@ -10,9 +10,10 @@ namespace {
 
 using Place = PageAddresses::Place;
 
-std::vector<std::string> Texts(const std::vector<PageAddresses::Address>& list) {
+std::vector<std::string> Texts(const PageAddresses& addresses, const PageAddresses::List& list) {
   std::vector<std::string> texts;
-  for (const auto& address : list) {
+  for (const std::uint32_t number : list) {
+    const auto address = addresses.At(number);
     EXPECT_EQ(address.hash, TextHash(1).IgnoringCase(address.text));
     texts.emplace_back(address.text);
   }
@@ -22,11 +23,13 @@ std::vector<std::string> Texts(const std::vector<PageAddresses::Address>& list) 
 TEST(PageAddresses, KeepTheFirstSpellingOfEachList) {
   PageAddresses addresses(TextHash(1));
   const auto all = [](std::string_view) { return true; };
-  for (const char* address : {"B@x.de", "a@x.de", "A@X.DE", "c@x.de"}) addresses.Add(Place::kBetweenTags, address, all);
-  for (const char* address : {"t@x.de", "C@x.de", "T@x.de", "b@X.de"}) addresses.Add(Place::kTag, address, all);
-  for (const char* address : {"A@x.De", "m@x.de"}) addresses.Add(Place::kMailLink, address, all);
-  EXPECT_EQ(Texts(addresses.TextList()), (std::vector<std::string>{"A@x.De", "m@x.de", "B@x.de", "c@x.de"}));
-  EXPECT_EQ(Texts(addresses.TagList()), (std::vector<std::string>{"t@x.de"}));
+  for (const char* address : {"B@x.de", "a@x.de", "A@X.DE", "c@x.de"})
+    addresses.Add(Place::kBetweenTags, addresses.Ready(address), all);
+  for (const char* address : {"t@x.de", "C@x.de", "T@x.de", "b@X.de"})
+    addresses.Add(Place::kTag, addresses.Ready(address), all);
+  for (const char* address : {"A@x.De", "m@x.de"}) addresses.Add(Place::kMailLink, addresses.Ready(address), all);
+  EXPECT_EQ(Texts(addresses, addresses.TextList()), (std::vector<std::string>{"A@x.De", "m@x.de", "B@x.de", "c@x.de"}));
+  EXPECT_EQ(Texts(addresses, addresses.TagList()), (std::vector<std::string>{"t@x.de"}));
 }
 
 TEST(PageAddresses, AskTheFilterForNewOnesOnlyAndTakeItsWord) {
@@ -36,11 +39,12 @@ TEST(PageAddresses, AskTheFilterForNewOnesOnlyAndTakeItsWord) {
     asked.emplace_back(address);
     return address.front() != 's';
   };
-  for (const char* address : {"s@x.de", "a@x.de", "A@x.de", "s@x.de"}) addresses.Add(Place::kTag, address, keeps);
-  addresses.Add(Place::kBetweenTags, "a@x.de", keeps);
+  for (const char* address : {"s@x.de", "a@x.de", "A@x.de", "s@x.de"})
+    addresses.Add(Place::kTag, addresses.Ready(address), keeps);
+  addresses.Add(Place::kBetweenTags, addresses.Ready("a@x.de"), keeps);
   EXPECT_EQ(asked, (std::vector<std::string>{"s@x.de", "a@x.de", "s@x.de", "a@x.de"}));
-  EXPECT_EQ(Texts(addresses.TextList()), std::vector<std::string>{"a@x.de"});
-  EXPECT_EQ(Texts(addresses.TagList()), std::vector<std::string>{});
+  EXPECT_EQ(Texts(addresses, addresses.TextList()), std::vector<std::string>{"a@x.de"});
+  EXPECT_EQ(Texts(addresses, addresses.TagList()), std::vector<std::string>{});
 }
 
 }  // namespace
