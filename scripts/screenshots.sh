@@ -87,13 +87,13 @@ while IFS= read -r line <&"${TOUR[0]}"; do
   # A picture is right when it looks the same twice: everything has been drawn.
   before=
   for _ in $(seq 100); do
-    DISPLAY=$QUENLAR_WINE_DISPLAY import "${part[@]}" "png:build/picture.png"
-    now=$(convert build/picture.png rgba:- | md5sum)
+    DISPLAY=$QUENLAR_WINE_DISPLAY import "${part[@]}" ppm:build/picture.ppm
+    now=$(md5sum <build/picture.ppm)
     [ "$now" != "$before" ] || break
     before=$now
     sleep 0.2
   done
-  convert build/picture.png -strip +dither -colors 128 "png8:$images/$name$suffix.png"
+  convert build/picture.ppm -strip +dither -colors 128 "png8:$images/$name$suffix.png"
   echo "$images/$name$suffix.png"
   echo >&"${TOUR[1]}"
 done

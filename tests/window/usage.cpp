@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr double kTicksASecond = 100;
 
-std::string Read(const fs::path& path) {
+std::string ReadAll(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -44,12 +44,12 @@ std::string PrefixIn(const std::string& environment) {
 std::vector<HostProcess> HostProcesses() {
   std::vector<HostProcess> processes;
   const fs::path all = "Z:\\proc";
-  const std::string here = PrefixIn(Read(all / "self" / "environ"));
+  const std::string here = PrefixIn(ReadAll(all / "self" / "environ"));
   if (here.empty()) return processes;
   for (const fs::directory_entry& entry : fs::directory_iterator(all)) {
     if (entry.path().filename().string().find_first_not_of("0123456789") != std::string::npos) continue;
-    if (PrefixIn(Read(entry.path() / "environ")) != here) continue;
-    std::string name = Read(entry.path() / "comm");
+    if (PrefixIn(ReadAll(entry.path() / "environ")) != here) continue;
+    std::string name = ReadAll(entry.path() / "comm");
     name.resize(std::min(name.size(), name.find('\n')));
     processes.push_back({entry.path(), name});
   }
@@ -63,8 +63,8 @@ bool IsService(const HostProcess& process) {
 }
 
 // User and system time are the 14th and 15th field; the 2nd one may hold blanks.
-double Seconds(const HostProcess& process) {
-  const std::string stat = Read(process.folder / "stat");
+double Seconds(const fs::path& process) {
+  const std::string stat = ReadAll(process / "stat");
   std::istringstream fields(stat.substr(std::min(stat.size(), stat.rfind(')') + 1)));
   std::string passed_over;
   for (int i = 3; i < 14; ++i) fields >> passed_over;
@@ -75,7 +75,7 @@ double Seconds(const HostProcess& process) {
 
 Memory HostMemory(const HostProcess& process) {
   Memory memory;
-  std::istringstream lines(Read(process.folder / "smaps_rollup"));
+  std::istringstream lines(ReadAll(process.folder / "smaps_rollup"));
   for (std::string line; std::getline(lines, line);) {
     std::istringstream words(line);
     std::string name;
@@ -101,16 +101,20 @@ Memory MemoryOf(HANDLE program) {
   return memory;
 }
 
-ProcessorTime ProcessorTimeOf(HANDLE program) {
-  ProcessorTime time;
-  const std::vector<HostProcess> processes = HostProcesses();
-  for (const HostProcess& process : processes) {
-    if (IsProgram(process)) time.program += Seconds(process);
-    if (IsService(process)) time.services += Seconds(process);
+ProcessorClock::ProcessorClock(HANDLE program) : program_(program) {
+  for (const HostProcess& process : HostProcesses()) {
+    if (IsProgram(process)) own_.push_back(process.folder);
+    if (IsService(process)) services_.push_back(process.folder);
   }
-  if (!processes.empty()) return time;
+}
+
+ProcessorTime ProcessorClock::Read() const {
+  ProcessorTime time;
+  for (const fs::path& process : own_) time.program += Seconds(process);
+  for (const fs::path& process : services_) time.services += Seconds(process);
+  if (!own_.empty()) return time;
   FILETIME created, ended, kernel, user;
-  GetProcessTimes(program, &created, &ended, &kernel, &user);
+  GetProcessTimes(program_, &created, &ended, &kernel, &user);
   const auto ticks = [](FILETIME value) {
     return static_cast<double>((static_cast<ULONGLONG>(value.dwHighDateTime) << 32) | value.dwLowDateTime);
   };

@@ -2,6 +2,9 @@
 // another one are the caller's own. There Linux is asked, whose files about processes Wine shows on drive Z:.
 #pragma once
 
+#include <filesystem>
+#include <vector>
+
 #include "ui/win32/windows_api.h"
 
 namespace quenlar::window_test {
@@ -21,6 +24,16 @@ struct ProcessorTime {
   double services = 0;  // what Wine's own processes have taken, which work for every program; 0 on Windows
 };
 
-[[nodiscard]] ProcessorTime ProcessorTimeOf(HANDLE program);
+// Tells the time that the program with this handle has taken so far. The looking for processes, which Wine's server
+// has to work for, is done at the start and not counted.
+class ProcessorClock {
+ public:
+  explicit ProcessorClock(HANDLE program);
+  [[nodiscard]] ProcessorTime Read() const;
+
+ private:
+  HANDLE program_;
+  std::vector<std::filesystem::path> own_, services_;  // Linux's folders about the processes; none on Windows
+};
 
 }  // namespace quenlar::window_test

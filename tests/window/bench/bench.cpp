@@ -41,7 +41,7 @@ void MeasureStart() {
     const LONGLONG begun = Now();
     program.Start();
     shown.push_back(MillisecondsSince(begun));
-    worked.push_back(ProcessorTimeOf(program.process()).program);
+    worked.push_back(ProcessorClock(program.process()).Read().program);
     const Memory memory = MemoryOf(program.process());
     if (memory.alone > most.alone) most = memory;
   }
@@ -60,10 +60,11 @@ void MeasureStart() {
 double MeasureIdle(const char* table) {
   Program program;
   program.Start();
-  const ProcessorTime before = ProcessorTimeOf(program.process());
+  const ProcessorClock clock(program.process());
+  const ProcessorTime before = clock.Read();
   const LONGLONG begun = Now();
   (void)WaitUntil([&] { return MillisecondsSince(begun) > 10000; });
-  const ProcessorTime after = ProcessorTimeOf(program.process());
+  const ProcessorTime after = clock.Read();
   const double percent = 100 * 1000 / MillisecondsSince(begun);
   const double own = (after.program - before.program) * percent;
   const double services = (after.services - before.services) * percent;
