@@ -1,8 +1,8 @@
 #include "web/harvest.h"
 
-#include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/ascii.h"
 #include "web/page_addresses.h"
@@ -27,19 +27,19 @@ void Collect(AnalysisContext& context, std::string_view page, PageAddresses& add
     PageMatch match;
     PageAddresses::Address address;
   };
-  std::array<Found, kAhead> found;
+  std::vector<Found> found;
   PageMatches matches(page);
-  for (std::size_t count = kAhead; count == kAhead;) {
-    for (count = 0; count < kAhead && matches.Next(found[count].match); ++count) {
-      found[count].address = addresses.Ready(found[count].match.address);
+  do {
+    found.clear();
+    for (PageMatch match; found.size() < kAhead && matches.Next(match);) {
+      found.push_back({match, addresses.Ready(match.address)});
     }
-    for (std::size_t i = 0; i < count; ++i) {
+    for (const auto& [match, address] : found) {
       context.pump();
-      const auto& [match, address] = found[i];
       if (match.address.empty()) continue;
       addresses.Add(PlaceOf(match), address, [&](std::string_view text) { return context.filter.Keeps(text); });
     }
-  }
+  } while (found.size() == kAhead);
 }
 
 // Puts addresses into the found-address table.
