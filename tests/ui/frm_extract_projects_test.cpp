@@ -104,6 +104,30 @@ TEST_F(MainWindowProjects, APickedProjectGoesToTheTopAndIsOpenedByTheTimer) {
   EXPECT_EQ(Panel(1), "Ready now !");
 }
 
+TEST_F(MainWindowProjects, ExtractRightAfterAPickRunsThePickedProject) {
+  PutFiles("b_test");
+  StartWith({"www.a.test", "www.b.test"});
+  extract.cmbURL.UserPick(1);
+  extract.cmdExtract.Click();
+  EXPECT_EQ(extract.cmbURL.text(), "www.b.test");
+  EXPECT_EQ(engine.project.StartURL, "http://www.b.test");
+  EXPECT_EQ(extract.lstMail.rows(), 1u);
+  EXPECT_FALSE(extract.tmrText.enabled());
+  EXPECT_TRUE(tray.tmrExtract.enabled());
+  EXPECT_EQ(extract.cmdExtract.text(), "&Stop");
+}
+
+TEST_F(MainWindowProjects, DeleteRightAfterAPickDeletesThePickedProject) {
+  PutFiles("a_test");
+  PutFiles("b_test");
+  StartWith({"www.a.test", "www.b.test"});
+  extract.cmbURL.UserPick(1);
+  Delete();
+  EXPECT_FALSE(files.FileExists("/home/data/b_test.dat"));
+  EXPECT_TRUE(files.FileExists("/home/data/a_test.dat"));
+  EXPECT_THAT(Entries(), ElementsAre("www.a.test"));
+}
+
 TEST_F(MainWindowProjects, TheTimerOfAnEmptyListOnlyStops) {
   StartWith({});
   extract.tmrText.SetEnabled(true);

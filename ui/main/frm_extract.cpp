@@ -105,7 +105,9 @@ bool frmExtract::RunGoesOn() const { return context_.engine.run.running || conte
 void frmExtract::cmdExtract_Click() {
   if (cmdExtract.text() == kStopCaption) {
     StopRun();
-  } else if (cmdExtract.enabled() && !RunGoesOn() && !std::exchange(starting_, true)) {
+  } else if (cmdExtract.enabled() && !RunGoesOn() && !starting_) {
+    OpenPicked();
+    starting_ = true;
     StartRun();
     starting_ = false;
   }
@@ -185,6 +187,12 @@ void frmExtract::tmrText_Tick() {
   if (!entries.empty() && !starting_ && !RunGoesOn()) OpenText(entries.front());
 }
 
+// What works on the chosen project does not wait for the timer: until its tick, another project is open than the box
+// shows.
+void frmExtract::OpenPicked() {
+  while (tmrText.enabled()) tmrText_Tick();
+}
+
 // Opens the project also when the box shows this text already, as it does after a pick.
 void frmExtract::OpenText(const std::string& text) {
   if (cmbURL.text() == text) {
@@ -195,6 +203,7 @@ void frmExtract::OpenText(const std::string& text) {
 }
 
 void frmExtract::DeleteProject() {
+  OpenPicked();
   Engine& engine = context_.engine;
   const BoxAnswer answer = engine.platform.boxes.Show("Are you sure to delete it ?", kProductCaption,
                                                       BoxIcon::kExclamation, BoxButtons::kYesNo);

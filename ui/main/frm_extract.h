@@ -89,6 +89,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void cmbURL_Change();
   void OpenText(const std::string& text);
   void tmrText_Tick();
+  void OpenPicked();
   void OpenReportInEditor();
   void OpenPage(std::uint32_t row);
   void ShowModalFrom(ui::Button& button, ui::Form& form);
