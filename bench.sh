@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what Quenlar is compared with, fetches the corpus, runs every comparison, writes docs/performance.md and
-# prints how each measured value stands to its goal. Full takes about seven minutes on an idle machine, and the corpus to fetch.
+# prints how each measured value stands to its goal. Full takes about ten minutes on an idle machine, and the corpus to fetch.
 # usage: ./bench.sh [quick|full]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"

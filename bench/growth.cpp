@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <vector>
 
 #include <malloc.h>
 #include <sys/wait.h>
@@ -32,11 +33,11 @@ void Analyse(const std::string& page) {
   CollectResultLinks(page, bench.project.queues[0]);
 }
 
-// Seconds a page. Small pages are many copies of one, as many as make the largest page or take a tenth of a second, so
-// that they come from memory as large ones do, and not out of a cache that a large one does not fit in.
-double Seconds(const std::string& page, std::size_t most) {
+// Seconds a page. A small page is many copies of one, as many as make the largest page or take a tenth of a second, so
+// that it comes from memory as a large one does, and not out of a cache that a large one does not fit in.
+double Seconds(const std::string& page, std::size_t most_copies) {
   const double once = Best([&] { Analyse(page); });
-  const std::size_t count = std::min(static_cast<std::size_t>(0.1 / once), most / page.size());
+  const std::size_t count = std::min(static_cast<std::size_t>(0.1 / once), most_copies);
   const std::vector<std::string> copies(std::max<std::size_t>(1, count), page);
   return Best([&] {
            for (const std::string& copy : copies) Analyse(copy);
@@ -51,21 +52,24 @@ void KeepMemory() {
   mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
 }
 
+// Goes through the sizes several times over, so that what slows the machine for a while slows no single size.
 Growth Times(const Family& family, std::size_t most) {
+  constexpr int kRounds = 3;
   KeepMemory();
-  Growth growth;
-  double first = 0, previous = 0;
-  int doublings = 0;
-  for (std::size_t bytes = kFrom; bytes <= most; bytes *= 2) {
-    const double seconds = Seconds(family.make(bytes), most);
-    growth.slowest = std::min(growth.slowest, static_cast<double>(bytes) / seconds / 1e6);
-    if (bytes == kFrom) {
-      first = seconds;
-    } else {
-      growth.worst = std::max(growth.worst, seconds / previous);
-      growth.overall = std::pow(seconds / first, 1.0 / ++doublings);
+  std::vector<double> seconds;
+  for (int round = 0; round < kRounds; ++round) {
+    std::size_t at = 0;
+    for (std::size_t bytes = kFrom; bytes <= most; bytes *= 2, ++at) {
+      if (round == 0) seconds.push_back(1e9);
+      seconds[at] = std::min(seconds[at], Seconds(family.make(bytes), most / bytes));
     }
-    previous = seconds;
+  }
+  Growth growth;
+  for (std::size_t i = 0; i < seconds.size(); ++i) {
+    growth.slowest = std::min(growth.slowest, static_cast<double>(kFrom << i) / seconds[i] / 1e6);
+    if (i == 0) continue;
+    growth.worst = std::max(growth.worst, seconds[i] / seconds[i - 1]);
+    growth.overall = std::pow(seconds[i] / seconds[0], 1.0 / static_cast<double>(i));
   }
   return growth;
 }

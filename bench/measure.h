@@ -25,7 +25,7 @@ struct Timing {
 // Runs all sides in turn (A B C, A B C, ...) for `rounds` rounds after one round that is thrown away.
 [[nodiscard]] std::vector<Timing> Compare(const std::vector<Side>& sides, int rounds);
 
-// One run, in seconds of processor time; the best of five.
+// One run, in seconds of processor time; the better of two.
 [[nodiscard]] double Best(const std::function<void()>& run);
 
 // The peak of this process's memory so far, in bytes.
