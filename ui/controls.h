@@ -79,7 +79,7 @@ class Label : public Control {
   using Control::Control;
   void SetText(std::string text) { Set(text_, std::move(text), Aspect::kText); }
 
-  // A label that behaves like a link: the pointer comes over it, leaves it, clicks it.
+  // A label that behaves like a link: the pointer moves over it, leaves it, clicks it.
   std::function<void()> MouseMove, MouseLeave, Click;
   [[nodiscard]] std::optional<Color> color() const { return color_; }
   [[nodiscard]] bool underlined() const { return underlined_; }

@@ -64,6 +64,15 @@ TEST_F(BoxesTest, ClickingTheAboutLinkOpensTheHomePageAndLeavesTheBoxOpen) {
   EXPECT_TRUE(about.loaded());
 }
 
+TEST_F(BoxesTest, TheNextMoveAfterAClickUnderlinesTheLinkAgain) {
+  about.Show();
+  about.lblWebPage.MouseMove();
+  about.lblWebPage.Click();
+  about.lblWebPage.MouseMove();
+  EXPECT_EQ(about.lblWebPage.color(), 0xFF00FFu);
+  EXPECT_TRUE(about.lblWebPage.underlined());
+}
+
 TEST_F(BoxesTest, ClickingTheHelpLinkOpensTheHomePageAndClosesTheBox) {
   help.Show();
   help.lblHelp.MouseMove();

@@ -99,8 +99,8 @@ LRESULT CALLBACK LabelBinding::LinkProcedure(HWND window, UINT message, WPARAM w
         binding.pointer_inside_ = true;
         TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, window, 0};
         TrackMouseEvent(&track);
-        if (binding.label_.MouseMove) binding.label_.MouseMove();
       }
+      if (binding.label_.MouseMove) binding.label_.MouseMove();  // every time: a click has changed how the link looks
       break;
     case WM_MOUSELEAVE:
       binding.pointer_inside_ = binding.pressed_ = false;
