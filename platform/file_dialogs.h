@@ -19,7 +19,8 @@ class FileDialogs {
   virtual ~FileDialogs() = default;
 
   struct Choice {
-    // One file: its full path. Several: the folder, NUL, a name, NUL, a name ... (no final NUL).
+    // One file: its full path. Several: the folder, NUL, a name, NUL, a name ... (no final NUL). Empty where more was
+    // chosen than the dialog can hand over.
     std::string names;
     // The process's current directory at the moment at which the dialog closed: the folder that was shown.
     std::string current_folder;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include <cderr.h>
+
 #include "platform/win32/wide.h"
 #include "platform/win32/windows_api.h"
 
@@ -49,7 +51,10 @@ std::optional<FileDialogs::Choice> Win32FileDialogs::Open(const FileDialogReques
   // Shortcuts are not followed and the read-only box is hidden; names of missing files are accepted.
   const DWORD several = request.several ? OFN_ALLOWMULTISELECT : 0;
   DialogInput input(request, OFN_HIDEREADONLY | OFN_EXPLORER | OFN_NODEREFERENCELINKS | several);
-  if (!GetOpenFileNameW(&input.record)) return std::nullopt;
+  if (!GetOpenFileNameW(&input.record)) {
+    if (CommDlgExtendedError() != FNERR_BUFFERTOOSMALL) return std::nullopt;
+    return Choice{"", win32::CurrentFolder()};
+  }
   // The names end at the first of two NULs.
   const std::size_t end = request.several ? input.names.find(std::wstring_view(L"\0\0", 2)) : input.names.find(L'\0');
   return Choice{win32::FromWide(std::wstring_view(input.names).substr(0, end)), win32::CurrentFolder()};

@@ -148,6 +148,13 @@ TEST_F(MergeToolTest, AnAnswerThatCannotBeSplitIsAnError) {
   EXPECT_THAT(books.BookList, IsEmpty());
 }
 
+TEST_F(MergeToolTest, MoreBooksThanTheDialogCanHandOverAreAnErrorAndNoSilentCancel) {
+  tool.Show();
+  Open("");
+  EXPECT_THAT(boxes.texts(), ElementsAre("GetDlgSelectFileInfo error !"));
+  EXPECT_THAT(books.BookList, IsEmpty());
+}
+
 TEST_F(MergeToolTest, MoreBooksThanA16BitCountAreAnOverflowAndTheOthersStay) {
   for (int i = 0; i < 32766; ++i) books.BookList.push_back({"C:\\other\\" + std::to_string(i), ""});
   tool.Show();
