@@ -187,6 +187,7 @@ class ComboBox : public Control {
     text_ = std::move(text);
     if (Change) Change();
   }
+  void MoveCaretToEnd() { Notify(Aspect::kCaret); }
   // Picking an entry changes the text without a Change event; Click follows.
   void UserPick(std::size_t index);
 

@@ -166,6 +166,14 @@ TEST_F(MainWindow, ACutSuffixIsToldAndTheTextBecomesTheKeyword) {
   EXPECT_TRUE(extract.cmdExtract.enabled());
 }
 
+TEST_F(MainWindow, ACutSuffixLeavesTheCaretAtTheEnd) {
+  Start();
+  std::vector<ui::Aspect> aspects;
+  extract.cmbURL.changed = [&](ui::Aspect aspect) { aspects.push_back(aspect); };
+  Type("cars_jp");
+  EXPECT_THAT(aspects, ElementsAre(ui::Aspect::kText, ui::Aspect::kCaret));
+}
+
 TEST_F(MainWindow, WhileAProjectIsBeingLoadedNoRunCanBegin) {
   Start();
   files.AddFolder("/home/report");

@@ -178,6 +178,18 @@ TEST_F(RunTest, ExtractWithNothingTypedSaysSo) {
   EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Extract");
 }
 
+TEST_F(RunTest, AfterACutSuffixTypingGoesOnAtTheEnd) {
+  program.Start();
+  Control(IDC_CMBURL).Type("cars");
+  const Window edit(FindWindowExW(Control(IDC_CMBURL).handle(), nullptr, L"Edit", nullptr));
+  edit.PressLetter('_');
+  ASSERT_TRUE(
+      program.Answer("We will delete any lettes behind \"_\", except \"_en\",\"_fr\",\"_de\",\"_it\",\"_es\",\"_ja\""));
+  ASSERT_TRUE(WaitUntil([&] { return edit.Text() == "cars"; })) << edit.Text();
+  edit.PressLetter('x');
+  EXPECT_TRUE(WaitUntil([&] { return edit.Text() == "carsx"; })) << edit.Text();
+}
+
 TEST_F(RunTest, DeletingAProjectAsksAndThenTakesItsFilesAndItsEntry) {
   program.Start();
   Begin("www.cars.example");

@@ -326,7 +326,11 @@ void frmExtract::EnableExtract() {
   if (!starting_) cmdExtract.SetEnabled(true);
 }
 
-void frmExtract::SetInputText(const std::string& text) { cmbURL.SetText(text); }
+// Whoever goes on typing goes on at the end.
+void frmExtract::SetInputText(const std::string& text) {
+  cmbURL.SetText(text);
+  cmbURL.MoveCaretToEnd();
+}
 
 std::vector<ui::Control*> frmExtract::Inputs() { return {&cmbURL, &cmdOption, &cmdTool}; }
 

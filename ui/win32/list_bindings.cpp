@@ -73,6 +73,10 @@ void ComboBoxBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
   if (aspect == Aspect::kItems) FillItems();
   if (aspect == Aspect::kText) ShowText();
+  if (aspect == Aspect::kCaret) {
+    const int end = GetWindowTextLengthW(window());
+    Send(CB_SETEDITSEL, 0, MAKELPARAM(end, end));
+  }
 }
 
 // Emptying a combo box empties its text as well, which is not meant: the text is the model's.
