@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -45,7 +46,7 @@ int RunChosen(System& system, const CommandLine& line) {
   return line.chosen(invocation);
 }
 
-int Run(System& system, std::vector<std::string> arguments) {
+int ParseAndRun(System& system, std::vector<std::string> arguments) {
   Console& console = system.console();
   if (!std::all_of(arguments.begin(), arguments.end(), IsUtf8)) {
     Invocation::SayOn(console, "quenlar: the arguments must be UTF-8 text");
@@ -58,13 +59,19 @@ int Run(System& system, std::vector<std::string> arguments) {
   } catch (const CLI::ParseError& error) {
     return TellParseOutcome(console, *line.root, error);
   }
+  return RunChosen(system, line);
+}
+
+// Files are replaced in one step, so each is whole whatever happens.
+int Run(System& system, std::vector<std::string> arguments) {
   try {
-    return RunChosen(system, line);
+    return ParseAndRun(system, std::move(arguments));
+  } catch (const std::bad_alloc&) {
+    system.console().WriteError("quenlar: There is not enough memory !\n");  // in one piece, which takes none
   } catch (const std::exception& error) {
-    // Memory that cannot be had, before all. Files are replaced in one step, so each is whole.
-    Invocation::SayOn(console, std::string("quenlar: ") + error.what());
-    return kExitFailed;
+    Invocation::SayOn(system.console(), std::string("quenlar: ") + error.what());
   }
+  return kExitFailed;
 }
 
 }  // namespace

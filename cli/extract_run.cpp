@@ -40,9 +40,9 @@ class ExtractRun final : public CommandFrontEnd {
       : console_(console),
         options_(options),
         assumed_(place.platform.interfaces),
+        progress_(console),
         engine_(WithInterfaces(place.platform, options.assume_online ? assumed_ : place.platform.interfaces),
-                place.site, AsFrontEnd()),
-        progress_(console) {}
+                place.site, AsFrontEnd()) {}
 
   ExtractResult Run();
 
@@ -79,7 +79,6 @@ class ExtractRun final : public CommandFrontEnd {
   Console& console_;
   const ExtractOptions& options_;
   AssumedOnline assumed_;
-  Engine engine_;
   ProgressLine progress_;
   ExtractResult result_;
   std::string stage_;
@@ -87,6 +86,7 @@ class ExtractRun final : public CommandFrontEnd {
   bool stop_pressed_ = false;
   bool nobody_reads_ = false;
   bool save_failed_ = false;
+  Engine engine_;  // dies first: what it cancels then is still shown
 };
 
 ExtractResult ExtractRun::Run() {
@@ -174,7 +174,7 @@ void ExtractRun::RunToTheEnd() {
 }
 
 int ExtractRun::StatusOfEnd() const {
-  if (save_failed_) return kExitFailed;
+  if (save_failed_ || result_.reason == kEndNoMemory) return kExitFailed;
   if (result_.reason == kEndOffLine) return kExitOffLine;
   if (result_.reason == kEndStopButton) return kExitStopped;
   return kExitDone;

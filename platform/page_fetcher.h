@@ -15,6 +15,7 @@ enum class FetchCode {
 };
 
 // Who hears of downloads. Every call is made inside EventLoop::Yield or Wait, never inside a member of PageFetcher.
+// `key` outlives the call, whatever the call does.
 class FetchListener {
  public:
   virtual ~FetchListener() = default;

@@ -18,6 +18,7 @@ class Registry {
 
   virtual void DeleteRegKey(const std::string& key) = 0;
 
+  // Also true where nobody can tell: what is there must not be taken for a first start and written over.
   [[nodiscard]] virtual bool KeyExists(const std::string& key) const = 0;
   // Tells a missing value from a blank one.
   [[nodiscard]] virtual bool ValueExists(const std::string& key, const std::string& name) const = 0;

@@ -5,6 +5,18 @@
 
 namespace quenlar {
 
+// Says that a tick goes on, also one that ends by an exception: its timer ticks again.
+class TimerList::Ticking {
+ public:
+  explicit Ticking(State& state) : state_(state) { state_.ticking = true; }
+  ~Ticking() { state_.ticking = false; }
+  Ticking(const Ticking&) = delete;
+  Ticking& operator=(const Ticking&) = delete;
+
+ private:
+  State& state_;
+};
+
 class TimerList::Timer : public LoopTimer {
  public:
   explicit Timer(std::shared_ptr<State> state) : state_(std::move(state)) {}
@@ -44,9 +56,8 @@ bool TimerList::RunDue() {
   for (const auto& state : due) {
     if (!state->enabled || state->ticking || state->due > now) continue;  // changed by an earlier tick
     state->due = now_() + state->interval;
-    state->ticking = true;
+    const Ticking ticking(*state);
     state->tick();
-    state->ticking = false;
     ticked = true;
   }
   return ticked;

@@ -38,6 +38,7 @@ class TimerList {
     bool enabled = false;
     bool ticking = false;
   };
+  class Ticking;
   class Timer;
 
   std::function<Time()> now_;

@@ -1,5 +1,6 @@
 #include "project/project_store.h"
 
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -13,6 +14,7 @@ namespace quenlar {
 namespace {
 
 constexpr std::uint64_t kMaxReportBytes = 2u << 30;
+constexpr const char* kNoMemory = "not enough memory";
 constexpr const char* kUnknownSuffixText =
     "We will delete any lettes behind \"_\", except \"_en\",\"_fr\",\"_de\",\"_it\",\"_es\",\"_ja\"";
 
@@ -31,7 +33,7 @@ Result<std::string> ReadReportText(const Platform& platform, const std::string& 
     if (!bytes.ok()) return bytes;
     return platform.code_page.ToUtf8(bytes.take());
   } catch (const std::bad_alloc&) {
-    return Status(StatusKind::kLimit, path + ": not enough memory");
+    return Status(StatusKind::kLimit, path + ": " + kNoMemory);
   }
 }
 
@@ -49,8 +51,19 @@ ProjectStore::ProjectStore(const Platform& platform, Project& project, const Set
 
 // ---- opening ----
 
+// A project that memory does not hold is not open: what it lacks must not replace what its files hold.
 void ProjectStore::OpenProject(std::string_view text) {
-  const std::string typed(text);
+  try {
+    Open(std::string(text));
+  } catch (const std::bad_alloc&) {
+    reader_ = nullptr;
+    project_.DataFile.clear();
+    project_.ReportFile.clear();
+    throw;
+  }
+}
+
+void ProjectStore::Open(const std::string& typed) {
   const std::uint64_t opening = ++openings_;
   project_view_.EnableDelete(false);
   project_.ProjectLoaded = false;
@@ -187,21 +200,33 @@ Status ProjectStore::Write(Save& save) {
   return status;
 }
 
+// A save that memory does not hold has failed, and the run goes on, as with one that the disk does not hold.
 Status ProjectStore::WriteOnce(Save& save) {
-  const std::string path = PathOf(save);
-  const std::uint32_t count = project_.found.Count();
-  auto started = Start(save);
-  if (!started.ok()) return Sentence(started.status(), path, "saved");
-  RecordWriter& writer = *started.value();
-  save.under_way = &writer;
+  try {
+    const std::string path = PathOf(save);
+    const std::uint32_t count = project_.found.Count();
+    auto started = Start(save);
+    if (!started.ok()) return Sentence(started.status(), path, "saved");
+    RecordWriter& writer = *started.value();
+    Advance(save, writer);
+    const Status committed = Commit(save, writer, path);
+    if (committed.ok() && save.file == File::kReport) reported_ = count;
+    return committed;
+  } catch (const std::bad_alloc&) {
+    return Sentence({StatusKind::kFailed, kNoMemory}, PathOf(save), "saved");
+  }
+}
+
+// Pumps. Whatever ends it, what is said to be under way is.
+void ProjectStore::Advance(Save& save, RecordWriter& writer) {
+  const auto over = [&save](RecordWriter* mine) {
+    if (save.under_way == mine) save.under_way = nullptr;
+  };
+  const std::unique_ptr<RecordWriter, decltype(over)> under_way(save.under_way = &writer, over);
   while (writer.Advance()) {
     pump_();
     writer.Write();
   }
-  if (save.under_way == &writer) save.under_way = nullptr;
-  const Status committed = Commit(save, writer, path);
-  if (committed.ok() && save.file == File::kReport) reported_ = count;
-  return committed;
 }
 
 Result<std::unique_ptr<RecordWriter>> ProjectStore::Start(Save& save) {

@@ -41,7 +41,7 @@ class ProjectStore final : public PeriodicSaver {
 
   // The change handler of the input box: names the project and loads it. Pumps. Called again while it pumps, the
   // later call wins and the earlier one returns without touching the project any more. A save that is under way is
-  // finished first, without pumping.
+  // finished first, without pumping. Throws std::bad_alloc where memory does not hold it; then no project is open.
   void OpenProject(std::string_view text);
 
   // Write the data file and the report; do nothing while no project is open. Pump. A call during a save of the same
@@ -77,6 +77,7 @@ class ProjectStore final : public PeriodicSaver {
   [[nodiscard]] const std::string& PathOf(const Save& save) const;
   Status Write(Save& save);
   Status WriteOnce(Save& save);
+  void Advance(Save& save, RecordWriter& writer);
   [[nodiscard]] Result<std::unique_ptr<RecordWriter>> Start(Save& save);
   Status Commit(Save& save, RecordWriter& writer, const std::string& path);
   void FinishSave(Save& save);
@@ -85,6 +86,7 @@ class ProjectStore final : public PeriodicSaver {
   void Show(const Status& failure);
   [[nodiscard]] bool ReportIsBehind() const;
 
+  void Open(const std::string& typed);
   void Clear();
   [[nodiscard]] bool LoadLinks(std::uint64_t opening);
   [[nodiscard]] bool LoadReport(std::uint64_t opening);

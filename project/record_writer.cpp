@@ -1,5 +1,7 @@
 #include "project/record_writer.h"
 
+#include <utility>
+
 #include "base/ascii.h"
 
 namespace quenlar {
@@ -20,13 +22,19 @@ std::string_view WithoutLineEnds(std::string_view text, std::string& storage, co
 }  // namespace
 
 bool RecordWriter::Advance() {
-  found_ = !done() && status_.ok() && Find();
+  found_ = false;
+  if (done() || torn_ || !status_.ok()) return false;
+  torn_ = true;
+  found_ = Find();
+  torn_ = false;
   return found_;
 }
 
 void RecordWriter::Write() {
-  if (found_ && !done()) Print();
-  found_ = false;
+  if (!std::exchange(found_, false) || done()) return;
+  torn_ = true;
+  Print();
+  torn_ = false;
 }
 
 void RecordWriter::FinishNow() {
@@ -36,8 +44,14 @@ void RecordWriter::FinishNow() {
 
 Status RecordWriter::Commit() {
   if (done()) return status_;
+  if (torn_) {
+    file_.reset();
+    return status_ = {StatusKind::kFailed, "not enough memory"};
+  }
+  torn_ = true;
   Flush();
   if (status_.ok()) status_ = file_->Commit();
+  torn_ = false;
   file_.reset();
   return status_;
 }

@@ -57,6 +57,7 @@ class RecordWriter {
   std::string buffer_;  // UTF-8, whole lines when flushed
   Status status_;
   bool found_ = false;
+  bool torn_ = false;  // memory ran out in the middle of a line; such a file replaces none
 };
 
 // The whole of a web address or a title as it stands in one line: a line end inside an address is percent-encoded as

@@ -54,6 +54,7 @@ class ReportReader {
 
   bool FindInPass();
   void NextPass();
+  void AddRow(FoundAddresses& found) const;
   [[nodiscard]] bool RowAt(Match& match);
   [[nodiscard]] bool PaddedLineAt(Match& match) const;
   [[nodiscard]] bool PlainLineAt(Match& match) const;

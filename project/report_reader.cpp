@@ -173,7 +173,11 @@ bool ReportReader::PlainLineAt(Match& match) const {
 
 void ReportReader::Take(FoundAddresses& found) {
   if (!held_) return;
+  AddRow(found);
   held_ = false;
+}
+
+void ReportReader::AddRow(FoundAddresses& found) const {
   const std::string_view whole = text_.substr(match_.from, match_.end - match_.from);
   if (match_.url == kNone) {
     const std::string line = ReplaceAll(whole, kLineEnd, "");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <chrono>
+#include <new>
 #include <utility>
 
 namespace quenlar {
@@ -30,11 +31,18 @@ RunDriver::RunDriver(EventLoop& loop, RunState& run, Project& project, SearchAdd
       saver_(saver),
       host_(host) {}
 
+// A run that memory does not hold ends in order, with what it has found saved. (A page that memory does not hold ends
+// alone, in ocxParseWeb.)
 void RunDriver::Run() {
-  if (project_.IsKeywordProject) {
-    KeywordRun();
-  } else {
-    LinkRun();
+  try {
+    if (project_.IsKeywordProject) {
+      KeywordRun();
+    } else {
+      LinkRun();
+    }
+  } catch (const std::bad_alloc&) {
+    CancelAll();
+    End(kEndNoMemory);
   }
 }
 
@@ -45,10 +53,9 @@ void RunDriver::KeywordRun() {
   LinkQueue& sites = project_.queues[0];
   // A data file of another kind left the project new, with its search page still to be fetched.
   if (!files_.FileExists(project_.DataFile) || OnlySearchPageQueued()) {
-    if (const char* reason = Search()) {
-      End(reason, Phase::kSearch);
-      return;
-    }
+    phase_ = Phase::kSearch;
+    if (const char* reason = Search()) return End(reason);
+    phase_ = Phase::kLinks;
     sites.Reverse();
   }
   if (sites.Next() < sites.Count()) saver_.SaveProjectData();
@@ -70,6 +77,7 @@ void RunDriver::Begin() {
   run_.off_line = false;
   run_.ScanCount = 0;
   requests_.clear();
+  phase_ = Phase::kLinks;
   for (LinkQueue& queue : project_.queues) queue.RestartInFlight();
 }
 
@@ -150,7 +158,7 @@ void RunDriver::Crawl() {
     if (AllVisited()) break;
   }
   CancelAll();
-  End(run_.stop_requested ? StopReason() : kEndAllParsed, Phase::kLinks);
+  End(run_.stop_requested ? StopReason() : kEndAllParsed);
 }
 
 // An address project without a link left to visit begins anew at its start address.
@@ -276,14 +284,14 @@ const char* RunDriver::StopReason() const {
   return host_.StopButtonShown() ? kEndStopNumber : kEndStopButton;
 }
 
-void RunDriver::End(const char* reason, Phase phase) {
+void RunDriver::End(const char* reason) {
   host_.ShowEnd(reason);
-  if (phase == Phase::kLinks) {
+  if (phase_ == Phase::kLinks) {
     const auto unvisited = [](const LinkQueue& queue) { return queue.HasUnvisited(); };
     if (std::any_of(project_.queues.begin(), project_.queues.end(), unvisited)) host_.SaveDataAtEnd();
     if (project_.found.Count() >= 1) host_.SaveReportAtEnd();
   }
-  host_.RestoreIdle(phase == Phase::kLinks);  // a run that ends in its search phase leaves export disabled: meant
+  host_.RestoreIdle(phase_ == Phase::kLinks);  // a run that ends in its search phase leaves export disabled: meant
   host_.ShowEndTime();
   run_.running = false;
   host_.EnableExit();

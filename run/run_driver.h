@@ -47,7 +47,7 @@ class RunDriver final : public WebEvents {
             Files& files, PeriodicSaver& saver, RunHost& host);
 
   // What tmrExtract's tick does after it has disabled itself: KeywordRun for a keyword project, else LinkRun.
-  // Pumps until the run has ended. Not to be called while a run goes on.
+  // Pumps until the run has ended. Not to be called while a run goes on. Memory that cannot be had ends it in order.
   void Run();
   void KeywordRun();
   void LinkRun();
@@ -85,7 +85,7 @@ class RunDriver final : public WebEvents {
   void CancelAll();
   void CountRequests();
   [[nodiscard]] const char* StopReason() const;
-  void End(const char* reason, Phase phase);
+  void End(const char* reason);
 
   EventLoop& loop_;
   RunState& run_;
@@ -96,6 +96,7 @@ class RunDriver final : public WebEvents {
   PeriodicSaver& saver_;
   RunHost& host_;
   std::vector<Request> requests_;
+  Phase phase_ = Phase::kLinks;
   bool may_start_site_ = false;
 };
 

@@ -97,6 +97,8 @@ Result<FilterExpression> FilterExpression::Compile(const std::string& pattern) {
     compiled->regex.assign(pattern, flags);
     compiled->length = static_cast<std::int64_t>(pattern.size());
     return FilterExpression(std::move(compiled));
+  } catch (const std::bad_alloc&) {
+    throw;  // no fault of the pattern
   } catch (const std::exception& error) {
     return Status(StatusKind::kFormat, Reason(error));
   }
@@ -113,6 +115,8 @@ FilterAnswer FilterExpression::Find(std::string_view text) const {
                                                                            : FilterAnswer::kNoMatch;
   } catch (const StepLimit&) {
     return FilterAnswer::kTooManySteps;
+  } catch (const std::bad_alloc&) {
+    throw;  // an answer would keep or drop an address that nothing was found out about
   } catch (const std::exception&) {
     return FilterAnswer::kTooManySteps;  // the engine's own limits of steps and memory
   }

@@ -1,5 +1,6 @@
 #include "settings/filter_words.h"
 
+#include <iterator>
 #include <optional>
 
 #include "base/ascii.h"
@@ -70,27 +71,36 @@ class WordFilter {
  private:
   static constexpr std::size_t kMostWordsDivided = 10'000;
 
+  // Memory that cannot be had leaves the expression as it was, here and in Divide.
   void Join() {
-    together_.reset();
-    if (words_.empty()) return;
-    auto rest = FilterExpression::Compile(JoinPattern(words_));
-    if (rest.ok()) together_.emplace(rest.take());
+    std::optional<FilterExpression> joined;
+    if (!words_.empty()) {
+      auto rest = FilterExpression::Compile(JoinPattern(words_));
+      if (rest.ok()) joined.emplace(rest.take());
+    }
+    together_ = std::move(joined);
   }
 
   // Sets the words apart that take too many steps for this address. False when there is none.
   bool Divide(std::string_view address) {
-    const std::size_t before = apart_.size();
-    if (divisible_) {
-      std::erase_if(words_, [&](const std::string& word) {
-        auto alone = FilterExpression::Compile(PatternOf(word));
-        if (!alone.ok() || alone.value().Find(address) != FilterAnswer::kTooManySteps) return false;
-        apart_.push_back(alone.take());
-        return true;
-      });
+    if (!divisible_) return false;
+    std::vector<std::string> rest;
+    std::vector<FilterExpression> apart;
+    for (const std::string& word : words_) {
+      auto alone = FilterExpression::Compile(PatternOf(word));
+      if (alone.ok() && alone.value().Find(address) == FilterAnswer::kTooManySteps) {
+        apart.push_back(alone.take());
+      } else {
+        rest.push_back(word);
+      }
     }
-    divisible_ = apart_.size() > before;
-    if (divisible_) Join();
-    return divisible_;
+    divisible_ = !apart.empty();
+    if (!divisible_) return false;
+    apart_.reserve(apart_.size() + apart.size());
+    words_ = std::move(rest);
+    apart_.insert(apart_.end(), std::make_move_iterator(apart.begin()), std::make_move_iterator(apart.end()));
+    Join();
+    return true;
   }
 
   std::vector<std::string> words_;  // those of together_

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 #include <utility>
 
 #include "web/links.h"
@@ -11,6 +12,7 @@ namespace quenlar {
 namespace {
 
 constexpr char kSearchPage = 'G', kUpgradeCheck = 'U';
+constexpr const char* kFailedText = "Some errors occured ...";
 
 char LetterOf(const std::string& request_name) { return request_name.empty() ? '\0' : request_name.front(); }
 
@@ -29,13 +31,17 @@ ocxParseWeb::ocxParseWeb(PageFetcher& fetcher, const CodePage& code_page, Analys
 }
 
 ocxParseWeb::~ocxParseWeb() {
-  if (!pending_.empty()) CancelAllDownload();
+  try {
+    if (!pending_.empty()) CancelAllDownload();
+  } catch (const std::bad_alloc&) {
+    // What memory keeps from being cancelled has nobody left to tell.
+  }
   fetcher_.SetListener(nullptr);
 }
 
 void ocxParseWeb::BeginDownload(const std::string& address, const std::string& request_name) {
+  pending_.push_back(request_name);  // before it starts, so that none is under way that no cancel reaches
   fetcher_.Start(address, request_name);
-  pending_.push_back(request_name);
   context_.view.ShowStage("Connecting: " + address);
 }
 
@@ -53,8 +59,9 @@ void ocxParseWeb::CollectResultLinks(std::string_view page) {
 }
 
 void ocxParseWeb::CancelAllDownload() {
-  context_.view.ShowStage("Canceling ...");
-  for (const std::string& name : std::exchange(pending_, {})) fetcher_.Cancel(name);
+  ShowStage("Canceling ...");
+  for (const std::string& name : pending_) fetcher_.Cancel(name);
+  pending_.clear();
 }
 
 void ocxParseWeb::MakeLink(std::string& address, std::string_view page, std::string_view level_digit) {
@@ -67,33 +74,45 @@ void ocxParseWeb::MakeExpandLink(int level, std::string& address, std::string_vi
   if (const auto followed = FollowedAddress(level, address)) address.resize(followed->size());
 }
 
-ocxParseWeb::Outcome ocxParseWeb::Complete(std::string request_name, std::string body) {
-  std::string text;
-  try {
-    text = code_page_.ToUtf8(std::move(body));
-  } catch (const std::exception&) {
-    text.clear();  // the page is handled as an empty one, so that its event is raised
-  }
-  return CompleteText(std::move(request_name), text);
+ocxParseWeb::Outcome ocxParseWeb::Complete(const std::string& request_name, std::string body) {
+  return Analyze(request_name, [&] { return Parse(request_name, code_page_.ToUtf8(std::move(body))); });
 }
 
-ocxParseWeb::Outcome ocxParseWeb::CompleteText(std::string request_name, const std::string& text) {
+ocxParseWeb::Outcome ocxParseWeb::CompleteText(const std::string& request_name, const std::string& text) {
+  return Analyze(request_name, [&] { return Parse(request_name, text); });
+}
+
+// The one place where a fault inside a parser (no memory for what a page holds) ends: the host must hear of every
+// finished page, or a run would wait for ever. A page that was not analysed to its end is still to be visited.
+template <typename Parser>
+ocxParseWeb::Outcome ocxParseWeb::Analyze(const std::string& request_name, Parser parse) {
   RemovePending(request_name);
-  context_.view.ShowStage("Download complete ...");
+  ShowStage("Download complete ...");
   Outcome outcome;
   outcome.level = EventLevel(LetterOf(request_name));
-  bool whole = true;
-  // The one place where a fault inside a parser (no memory for what a page holds) ends: the host must hear of every
-  // finished page, or a run would wait for ever.
+  bool whole = false;
   try {
-    const Parsed parsed = Parse(request_name, text);
+    const Parsed parsed = parse();
     outcome.parsed = outcome.level >= 0 || LetterOf(request_name) == kUpgradeCheck;
     outcome.result = parsed.result;
     whole = parsed.whole;
   } catch (const std::exception&) {
-    outcome.parsed = false;
+    if (!context_.run.stop_requested) ShowStage(kFailedText);
+    if (LetterOf(request_name) == kUpgradeCheck) EndUpgradeCheck();
   }
   return Finish(request_name, outcome, whole);
+}
+
+// A text that memory does not hold is not shown; the page that it tells of is dealt with all the same.
+void ocxParseWeb::ShowStage(const char* text) {
+  try {
+    context_.view.ShowStage(text);
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+void ocxParseWeb::EndUpgradeCheck() {
+  if (upgrade_.upgrade_failed) upgrade_.upgrade_failed();
 }
 
 void ocxParseWeb::Redirect(const std::string& request_name, std::string new_address) {
@@ -112,10 +131,10 @@ void ocxParseWeb::Redirect(const std::string& request_name, std::string new_addr
   context_.view.ShowStage("Redirecting ...");
 }
 
-ocxParseWeb::Outcome ocxParseWeb::Fail(std::string request_name) {
-  if (!context_.run.stop_requested) context_.view.ShowStage("Some errors occured ...");
+ocxParseWeb::Outcome ocxParseWeb::Fail(const std::string& request_name) {
+  if (!context_.run.stop_requested) ShowStage(kFailedText);
   RemovePending(request_name);
-  if (LetterOf(request_name) == kUpgradeCheck && upgrade_.upgrade_failed) upgrade_.upgrade_failed();
+  if (LetterOf(request_name) == kUpgradeCheck) EndUpgradeCheck();
   Outcome outcome;
   outcome.level = EventLevel(LetterOf(request_name));
   return Finish(request_name, outcome, true);

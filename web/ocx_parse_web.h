@@ -19,8 +19,8 @@ class WebEvents {
  public:
   virtual ~WebEvents() = default;
   // The event of a level: 0 is DownloadTovasperComplete, 1 to 10 are DownloadTovasperExpand1Complete to
-  // DownloadTovasperExpand10Complete. `request_name` is the request that ended; `whole` is false when a stop dropped
-  // a part of its page.
+  // DownloadTovasperExpand10Complete. `request_name` is the request that ended; `whole` is false when a stop, or
+  // memory that could not be had, dropped a part of its page.
   virtual void DownloadComplete(int level, const std::string& request_name, bool whole) = 0;
 };
 
@@ -90,11 +90,11 @@ class ocxParseWeb final : private FetchListener {
     bool result = false;  // its result
   };
   // The completion, redirect and failure of a request as the transport reports them. Pump (Redirect does not). A
-  // completion that comes as text has already been converted from the code page.
-  Outcome Complete(std::string request_name, std::string body);
-  Outcome CompleteText(std::string request_name, const std::string& text);
+  // completion that comes as text has already been converted from the code page. `request_name` must outlive the call.
+  Outcome Complete(const std::string& request_name, std::string body);
+  Outcome CompleteText(const std::string& request_name, const std::string& text);
   void Redirect(const std::string& request_name, std::string new_address);
-  Outcome Fail(std::string request_name);
+  Outcome Fail(const std::string& request_name);
 
  private:
   struct Parsed {
@@ -102,6 +102,10 @@ class ocxParseWeb final : private FetchListener {
     bool whole;
   };
   Parsed Parse(const std::string& request_name, const std::string& text);
+  template <typename Parser>
+  Outcome Analyze(const std::string& request_name, Parser parse);
+  void ShowStage(const char* text);
+  void EndUpgradeCheck();
   Outcome Finish(const std::string& request_name, Outcome outcome, bool whole);
   void RemovePending(const std::string& request_name);
   void OnFetchProgress(const std::string& key, FetchCode code, const std::string& text) override;

@@ -80,6 +80,7 @@ class CurlPageFetcher::Engine : public IoSource {
 
 CurlPageFetcher::Engine::Engine(PosixEventLoop& loop, Options options) : loop_(loop), options_(std::move(options)) {
   curl_global_init(CURL_GLOBAL_DEFAULT);
+  spare_.reserve(kSpareTransfers);  // a cancel takes no memory
   multi_ = curl_multi_init();
   headers_ = curl_slist_append(nullptr, "Accept-Encoding: gzip, deflate");
   if (multi_ != nullptr) {

@@ -1,11 +1,24 @@
 #include "platform/posix/curl_transfer.h"
 
+#include <new>
+
 namespace quenlar {
 namespace {
 
 constexpr std::size_t kMaxRedirectBody = 64 * 1024;  // beyond it the connection is given up rather than read empty
 constexpr long kReceiveBytes = 16 * 1024;
 constexpr long kIdleSeconds = 60;  // connections that were idle for longer are not used again
+
+// What curl calls lets no exception out: what memory does not hold is not added, and spoils the answer.
+template <typename Add>
+bool AddWithinMemory(bool& malformed, Add add) {
+  try {
+    return add();
+  } catch (const std::bad_alloc&) {
+    malformed = true;
+    return false;
+  }
+}
 
 }  // namespace
 
@@ -60,12 +73,15 @@ CurlTransfer::Outcome CurlTransfer::Finish(CURLcode result) const {
 
 std::size_t CurlTransfer::OnHeader(char* bytes, std::size_t size, std::size_t count, void* self) {
   auto& transfer = *static_cast<CurlTransfer*>(self);
-  transfer.malformed_ = transfer.malformed_ || !transfer.head_.AddLine(std::string_view(bytes, size * count));
+  const auto add = [&] { return transfer.head_.AddLine(std::string_view(bytes, size * count)); };
+  transfer.malformed_ = transfer.malformed_ || !AddWithinMemory(transfer.malformed_, add);
   return transfer.malformed_ ? 0 : size * count;
 }
 
 std::size_t CurlTransfer::OnBody(char* bytes, std::size_t size, std::size_t count, void* self) {
-  return static_cast<CurlTransfer*>(self)->AddBody(std::string_view(bytes, size * count)) ? size * count : 0;
+  auto& transfer = *static_cast<CurlTransfer*>(self);
+  const auto add = [&] { return transfer.AddBody(std::string_view(bytes, size * count)); };
+  return AddWithinMemory(transfer.malformed_, add) ? size * count : 0;
 }
 
 bool CurlTransfer::AddBody(std::string_view bytes) {

@@ -1,5 +1,6 @@
 #include "platform/posix/file_registry.h"
 
+#include <new>
 #include <utility>
 
 #include <poll.h>
@@ -52,6 +53,7 @@ FileRegistry::FileRegistry(Files& files, EventLoop& loop, std::string path)
       name_(path_.substr(path_.rfind('/') + 1)) {
   const auto text = ReadWhole(files_, path_, kMaxFileBytes);
   if (text.ok()) contents_ = RegistryContents::Parse(text.value()).contents;
+  unread_ = !text.ok() && text.status().kind() != StatusKind::kNotFound;
 }
 
 FileRegistry::~FileRegistry() { Flush(); }
@@ -68,7 +70,7 @@ std::string FileRegistry::GetRegValue(const std::string& key, const std::string&
 
 void FileRegistry::DeleteRegKey(const std::string& key) { Make({.deletes_key = true, .key = key}); }
 
-bool FileRegistry::KeyExists(const std::string& key) const { return contents_.HasKey(key); }
+bool FileRegistry::KeyExists(const std::string& key) const { return unread_ || contents_.HasKey(key); }
 
 bool FileRegistry::ValueExists(const std::string& key, const std::string& name) const {
   return contents_.Find(key, name) != nullptr;
@@ -87,16 +89,24 @@ void FileRegistry::Make(Change change) {
 void FileRegistry::Flush() {
   flush_posted_ = false;
   if (changes_.empty()) return;
+  try {
+    WriteChanges();
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+void FileRegistry::WriteChanges() {
   MakeFolders(files_, folder_);
   const auto lock = LockPatiently(files_, folder_, name_ + ".lock");
   if (!lock.ok()) return;
   const auto text = ReadWhole(files_, path_, kMaxFileBytes);
   if (!text.ok() && text.status().kind() != StatusKind::kNotFound) return;
   auto [contents, damaged] = RegistryContents::Parse(text.ok() ? text.value() : "");
-  if (damaged && !WriteWhole(files_, path_ + ".bak", text.value()).ok()) return;
+  if ((damaged || (unread_ && text.ok())) && !WriteWhole(files_, path_ + ".bak", text.value()).ok()) return;
   for (const Change& change : changes_) Apply(change, contents);
   if (!WriteWhole(files_, path_, contents.Format()).ok()) return;
   contents_ = std::move(contents);
+  unread_ = false;
   changes_.clear();
 }
 

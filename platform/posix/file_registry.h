@@ -16,7 +16,7 @@ namespace quenlar {
 // Read when it is made. Changes hold at once here; the file takes all of them in one step in the next pump, or when the
 // registry dies, so that a key that is deleted and written anew is never seen half done. They are made in what the file
 // holds by then, under a lock: two programs do not lose each other's values. A file with lines that cannot be
-// understood is kept under its name with ".bak" before it is replaced.
+// understood, or that could not be read at first, is kept under its name with ".bak" before it is replaced.
 class FileRegistry : public Registry {
  public:
   // The folders of `path` are made when something is written.
@@ -38,6 +38,7 @@ class FileRegistry : public Registry {
   };
   void Make(Change change);
   void Flush();
+  void WriteChanges();
   static void Apply(const Change& change, RegistryContents& contents);
 
   Files& files_;
@@ -46,6 +47,7 @@ class FileRegistry : public Registry {
   RegistryContents contents_;
   std::vector<Change> changes_;  // not yet in the file
   bool flush_posted_ = false;
+  bool unread_ = false;  // the file could not be read, so that nobody knows what it holds
   std::shared_ptr<char> alive_ = std::make_shared<char>();  // posted flushes hold it weakly
 };
 

@@ -28,7 +28,8 @@ class Win32Registry::OpenKey {
  public:
   OpenKey(const Win32Registry& registry, const std::string& key) {
     const std::string path = registry.code_page_.FromUtf8(key);
-    if (RegOpenKeyExA(RootKey(registry.root_), path.c_str(), 0, KEY_READ, &key_) != ERROR_SUCCESS) key_ = nullptr;
+    outcome_ = RegOpenKeyExA(RootKey(registry.root_), path.c_str(), 0, KEY_READ, &key_);
+    if (outcome_ != ERROR_SUCCESS) key_ = nullptr;
   }
   ~OpenKey() {
     if (key_) RegCloseKey(key_);
@@ -37,10 +38,12 @@ class Win32Registry::OpenKey {
   OpenKey& operator=(const OpenKey&) = delete;
 
   [[nodiscard]] bool open() const { return key_ != nullptr; }
+  [[nodiscard]] bool missing() const { return outcome_ == ERROR_FILE_NOT_FOUND || outcome_ == ERROR_PATH_NOT_FOUND; }
   [[nodiscard]] HKEY get() const { return key_; }
 
  private:
   HKEY key_ = nullptr;
+  LONG outcome_ = ERROR_SUCCESS;
 };
 
 Win32Registry::Root Win32Registry::WritableRoot(const std::string& key) { return WritableRoot(key, MachineAccess); }
@@ -95,7 +98,7 @@ void Win32Registry::DeleteRegKey(const std::string& key) {
   if (open.open()) RegDeleteKeyA(open.get(), "");  // the empty name is the open key itself
 }
 
-bool Win32Registry::KeyExists(const std::string& key) const { return OpenKey(*this, key).open(); }
+bool Win32Registry::KeyExists(const std::string& key) const { return !OpenKey(*this, key).missing(); }
 
 bool Win32Registry::ValueExists(const std::string& key, const std::string& name) const {
   const OpenKey open(*this, key);

@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <numeric>
 #include <thread>
 #include <vector>
 
+#include "platform/timer_list.h"
 #include "platform_under_test.h"
 
 namespace quenlar {
@@ -214,6 +216,21 @@ TEST_P(EventLoopContract, TicksComeAlthoughTasksNeverEnd) {
   timer->SetEnabled(true);
   if (!platform_->LoopSleeps()) return;  // time stands still while tasks are waiting
   EXPECT_TRUE(PumpUntil(loop_, [&] { return ticks > 0; }));
+}
+
+TEST(TimerListTest, ATickThatEndsByAnExceptionIsNotTheLast) {
+  TimerList::Time now{};
+  TimerList timers([&now] { return now; });
+  int ticks = 0;
+  const auto timer = timers.Make(std::chrono::milliseconds(1), [&ticks] {
+    if (++ticks == 1) throw std::bad_alloc();
+  });
+  timer->SetEnabled(true);
+  now += std::chrono::milliseconds(1);
+  EXPECT_THROW((void)timers.RunDue(), std::bad_alloc);
+  now += std::chrono::milliseconds(1);
+  EXPECT_TRUE(timers.RunDue());
+  EXPECT_EQ(ticks, 2);
 }
 
 }  // namespace

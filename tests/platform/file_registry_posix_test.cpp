@@ -40,6 +40,21 @@ TEST_F(FileRegistryTest, WritesAFileThatPeopleCanRead) {
       << text;
 }
 
+TEST_F(FileRegistryTest, AFileThatCannotBeReadAtFirstIsNoFirstStartAndIsKeptAside) {
+  const std::string old = "[Software\\Quenlar\\Project]\nProjectNum=1\nProject1=www.a.test\n";
+  files_.Put(kPath, old);
+  files_.FailCall(1, StatusKind::kDenied);
+  {
+    FileRegistry registry(files_, loop_, kPath);
+    EXPECT_TRUE(registry.KeyExists(kKey));
+    EXPECT_EQ(registry.GetRegValue(kKey, "Project1"), "");
+    registry.DeleteRegKey(kKey);
+    registry.SaveRegValue(kKey, "Project1", "www.b.test");
+  }
+  EXPECT_EQ(files_.Contents(kPath + ".bak").value_or("(none)"), old);
+  EXPECT_EQ(FileRegistry(files_, loop_, kPath).GetRegValue(kKey, "Project1"), "www.b.test");
+}
+
 TEST_F(FileRegistryTest, ChangesHoldAtOnceAndAreInTheFileAfterThePump) {
   FileRegistry registry(files_, loop_, kPath);
   registry.SaveRegValue(kKey, "Save", "1");

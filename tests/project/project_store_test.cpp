@@ -492,6 +492,11 @@ TEST_F(ProjectStoreTest, UnreadableFilesAreKeptAsideToo) {
   fakes.files.FailCall(1, StatusKind::kDenied);  // the data file
   store.OpenProject("cars");
   EXPECT_THAT(All(project.queues[0]), ElementsAre(project.StartURL));
+  fakes.files.FailCall(0);
+  const std::string data = Contents(kCarsData);
+  ASSERT_TRUE(store.WriteData().ok());
+  EXPECT_EQ(Contents(std::string(kCarsData) + ".bak"), data);
+  fakes.files.Put(kCarsData, data);
   fakes.files.FailCall(2, StatusKind::kDenied);  // the report
   store.OpenProject("cars");
   EXPECT_THAT(All(project.queues[0]), ElementsAre("http://m"));

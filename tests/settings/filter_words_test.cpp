@@ -1,6 +1,5 @@
 #include "settings/filter_words.h"
 
-#include <chrono>
 #include <random>
 
 #include <gmock/gmock.h>
@@ -145,11 +144,11 @@ TEST_F(FilterWordsTest, BrokenPatternLeavesTheOtherWordsAtWork) {
   EXPECT_EQ(filter.RemoveFilterPattern, "(cat)|(()|(dog)");
 }
 
+// Without a limit of steps the next three would take years; that they come to their end is what they show.
 TEST_F(FilterWordsTest, PatternThatBacktracksForEverCountsAsNoMatchAndIsReportedOnce) {
   Words reports;
   filter.OnStepLimit([&](const std::string& message) { reports.push_back(message); });
   const std::string address = std::string(200, 'a') + "@x.com";
-  const auto start = std::chrono::steady_clock::now();
   for (const char* word :
        {"(a+)+$", "(a|a)+$", "(a*)*b", "([a-z]+)*[0-9]", "(?=(a+)+$)b", "(((a{1,9}){1,9}){1,9}){1,9}b"}) {
     reports.clear();
@@ -162,7 +161,6 @@ TEST_F(FilterWordsTest, PatternThatBacktracksForEverCountsAsNoMatchAndIsReported
   EXPECT_TRUE(filter.Keeps(address));
   EXPECT_TRUE(filter.Keeps(address));
   EXPECT_THAT(reports, ElementsAre(HasSubstr("remove filter")));
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));  // unlimited: years
 }
 
 TEST_F(FilterWordsTest, PatternThatBacktracksForEverStillMatchesWhereItIsQuick) {
@@ -177,26 +175,24 @@ TEST_F(FilterWordsTest, PatternThatBacktracksForEverLeavesAThousandOtherWordsAtW
   for (int i = 0; i < 1000; ++i) words.push_back("word" + std::to_string(i) + "x");
   Remove(words);
   const std::string address = std::string(100, 'a') + "@word77x.com";
-  const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(filter.Keeps(address));
   EXPECT_TRUE(filter.Keeps(std::string(100, 'a') + "@other.com"));
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
 }
 
 TEST_F(FilterWordsTest, LongAddressesAndLongPatternsStayWithinBounds) {
   const std::string address = std::string(1 << 20, 'a') + "@x.com";
-  const auto start = std::chrono::steady_clock::now();
-  for (const char* word : {"(a+)+$", "a*a*a*q", "[ab]*[ac]*q", "(a|b|ab)*q", "x.com"}) {
+  for (const char* word : {"(a+)+$", "a*a*a*q", "[ab]*[ac]*q", "(a|b|ab)*q"}) {
     Remove({word});
-    (void)filter.Keeps(address);
+    EXPECT_TRUE(filter.Keeps(address)) << word;
   }
+  Remove({"x.com"});
+  EXPECT_FALSE(filter.Keeps(address));
   EXPECT_THAT(Remove({std::string(100'000, '(') + std::string(100'000, ')')}).size(), 1u);
   EXPECT_THAT(Remove({std::string(100'000, '[')}).size(), 1u);
   std::string optional;
   for (int i = 0; i < 50'000; ++i) optional += "a?";
   EXPECT_THAT(Remove({optional}), IsEmpty());
   (void)filter.Keeps("aaa@x.com");
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
 }
 
 TEST_F(FilterWordsTest, FiftyThousandWordsWork) {

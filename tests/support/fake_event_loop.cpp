@@ -53,10 +53,11 @@ bool FakeEventLoop::Pump() {
     std::abort();
   }
   deepest_ = std::max(deepest_, ++depth_);
+  const auto leave = [](int* depth) { --*depth; };
+  const std::unique_ptr<int, decltype(leave)> left(&depth_, leave);  // also by an exception
   if (const auto source = source_) source();
   const bool ran_tasks = RunTasks();
   const bool ran_timers = timers_.RunDue();
-  --depth_;
   return ran_tasks || ran_timers;
 }
 

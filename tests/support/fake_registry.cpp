@@ -20,7 +20,7 @@ std::string FirstCharacters(const std::string& text) {
 
 void FakeRegistry::SaveRegValue(const std::string& key, const std::string& name, const std::string& text) {
   ++changes_;
-  if (read_only_) return;
+  if (CallFails() || read_only_) return;
   const std::string lower = Lower(key);
   for (std::size_t at = lower.find('\\'); at != std::string::npos; at = lower.find('\\', at + 1)) {
     keys_[lower.substr(0, at)];  // the keys above come into being too
@@ -29,23 +29,35 @@ void FakeRegistry::SaveRegValue(const std::string& key, const std::string& name,
 }
 
 std::string FakeRegistry::GetRegValue(const std::string& key, const std::string& name) const {
-  if (!KeyExists(key)) return "";
+  if (CallFails() || !keys_.contains(Lower(key))) return "";
   const auto text = Stored(key, name);
   return text ? FirstCharacters(*text) : std::string(kMaxCharacters, ' ');
 }
 
 void FakeRegistry::DeleteRegKey(const std::string& key) {
   ++changes_;
+  if (CallFails()) return;
   const std::string lower = Lower(key);
   const auto below = keys_.lower_bound(lower + "\\");
   const bool has_keys_below = below != keys_.end() && below->first.starts_with(lower + "\\");
   if (!read_only_ && !has_keys_below) keys_.erase(lower);
 }
 
-bool FakeRegistry::KeyExists(const std::string& key) const { return keys_.contains(Lower(key)); }
+bool FakeRegistry::KeyExists(const std::string& key) const { return CallFails() || keys_.contains(Lower(key)); }
 
 bool FakeRegistry::ValueExists(const std::string& key, const std::string& name) const {
-  return Stored(key, name).has_value();
+  return !CallFails() && Stored(key, name).has_value();
+}
+
+void FakeRegistry::FailCall(int n, Fails fails) {
+  failing_call_ = n;
+  fails_ = fails;
+  calls_ = 0;
+}
+
+bool FakeRegistry::CallFails() const {
+  ++calls_;
+  return failing_call_ != 0 && (fails_ == Fails::kOnce ? calls_ == failing_call_ : calls_ >= failing_call_);
 }
 
 std::optional<std::string> FakeRegistry::Stored(const std::string& key, const std::string& name) const {

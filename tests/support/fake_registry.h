@@ -9,7 +9,8 @@
 
 namespace quenlar {
 
-// Key paths and value names ignore the case of letters, as the system's registry does. Can be made read-only.
+// Key paths and value names ignore the case of letters, as the system's registry does. Can be made read-only, and fails
+// on demand.
 class FakeRegistry : public Registry {
  public:
   FakeRegistry() = default;
@@ -22,6 +23,13 @@ class FakeRegistry : public Registry {
   [[nodiscard]] bool KeyExists(const std::string& key) const override;
   [[nodiscard]] bool ValueExists(const std::string& key, const std::string& name) const override;
 
+  // The n-th call of a member above from now on (1 is the next one) fails, or that one and all after it: a change is
+  // without effect, a read gives no text, a value is not there, of a key nobody knows that it is missing. 0 fails none.
+  // Also sets calls() to 0.
+  enum class Fails { kOnce, kForGood };
+  void FailCall(int n, Fails fails);
+  [[nodiscard]] int calls() const { return calls_; }
+
   // From now on every write and delete is silently without effect.
   void SetReadOnly(bool read_only) { read_only_ = read_only; }
   // The whole stored text, not cut to 254 characters.
@@ -31,7 +39,12 @@ class FakeRegistry : public Registry {
 
  private:
   std::map<std::string, std::map<std::string, std::string>> keys_;  // all in lower case
+  [[nodiscard]] bool CallFails() const;
+
   bool read_only_ = false;
+  mutable int calls_ = 0;
+  int failing_call_ = 0;
+  Fails fails_ = Fails::kOnce;
   int changes_ = 0;
 };
 

@@ -138,8 +138,10 @@ Result<std::unique_ptr<FolderLock>> InMemoryFiles::Lock(const std::string& folde
   const std::string path = Plain(Plain(folder) + "/" + lock_name);
   if (const Status call = CountCall("lock", path); !call.ok()) return call;
   if (const Status place = CheckPlace(path); !place.ok()) return place;
-  if (!locks_.insert(path).second) return Status(StatusKind::kBusy, folder + ": in use");
-  return std::unique_ptr<FolderLock>(std::make_unique<InMemoryLock>(*this, path));
+  if (locks_.contains(path)) return Status(StatusKind::kBusy, folder + ": in use");
+  std::unique_ptr<FolderLock> lock = std::make_unique<InMemoryLock>(*this, path);
+  locks_.insert(path);
+  return lock;
 }
 
 void InMemoryFiles::AddFolder(const std::string& path) {

@@ -48,6 +48,7 @@ TEST(NextAddress, FindsWhatThePatternFinds) {
       {"a@b.c0m x@y.zz", "x@y.zz"},
       {"a@b@c.de", "b@c.de"},
       {"pic@2x.png", "pic@2x.png"},
+      {"v@1.0.0.css", "v@1.0.0.css"},
       {"..a@b.de", "a@b.de"},
       {"...@b.de", ""},
       {"a..@b.de", "a..@b.de"},

@@ -31,6 +31,8 @@ TEST(ResolveLink, MakesTargetsAbsolute) {
       {"#top", "http://h/a/page.html", "http://h/a/page.html/#top"},
       {"#top", "http://h/", "http://h//#top"},
       {"", "http://h/a", ""},
+      {"?q", "http://h/a/page.html", "http://h/a/?q"},
+      {"../../..", "http://h/a/b/c/page.html", "http://h/.."},
       {"HTTP://OtherHost", "http://h", "HTTP://OtherHost/"},
       {"http://other/x", "http://h", "http://other/x"},
       {"http://other?x", "http://h", "http://other?x/"},

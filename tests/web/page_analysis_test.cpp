@@ -84,8 +84,9 @@ TEST_F(PageAnalysis, PassesOverTargetsThatNameUnwantedFiles) {
 }
 
 TEST_F(PageAnalysis, AnAnchorWithoutAClosingTagBehindItEndsTheWalk) {
-  EXPECT_TRUE(Parse("<frame src=1><a href=2>x</a><a href=3>x<frame src=4><a href=5>").result);
+  EXPECT_TRUE(Parse("<frame src=1><a href=2>x</a><a href=3>x<frame src=4><p>a@x.de</p><a href=5>").result);
   EXPECT_EQ(Queue(1), (Strings{"http://h/a/1", "http://h/a/2"}));
+  EXPECT_EQ(Addresses(), Strings{"a@x.de"});
   EXPECT_EQ(view.last_stage(), "Completed analysis ...");
 }
 
