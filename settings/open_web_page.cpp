@@ -27,7 +27,7 @@ void OpenWebPage(Shell& shell, std::string_view address) {
   if (!command) return;
   const std::string program = BrowserProgram(*command);
   if (program.empty()) return;
-  if (ContainsIgnoreCase(address, "http://")) {
+  if (ContainsIgnoreCase(address, "http://") || ContainsIgnoreCase(address, "https://")) {
     shell.Open(program, AsOneArgument(address));
   } else {
     shell.Open(program, "file:///" + AsOneArgument(ReplaceAll(address, "\\", "/")));

@@ -35,7 +35,9 @@ TEST(BrowserProgram, IsTheQuotedPathOrTheTextBeforeTheFirstHyphen) {
 }
 
 TEST(OpenWebPage, HandsAWebAddressOverAsItIs) {
-  EXPECT_THAT(Open("http://x.de/a?b=c&d=%20#e").opened, ElementsAre(Opened{"C:\\b.exe", "http://x.de/a?b=c&d=%20#e"}));
+  for (const char* const address : {"http://x.de/a?b=c&d=%20#e", "https://x.de/a?b=c&d=%20#e"}) {
+    EXPECT_THAT(Open(address).opened, ElementsAre(Opened{"C:\\b.exe", address}));
+  }
 }
 
 TEST(OpenWebPage, AddressInUpperCaseLettersIsAWebAddress) {
