@@ -59,6 +59,14 @@ TEST_F(MainWindowRun, ARunByAddressFillsListPanelsAndFiles) {
   EXPECT_THAT(files.Contents(kReportFile).value_or(""), HasSubstr("first@cars.test\r\n"));
 }
 
+TEST_F(MainWindowRun, AnotherRunCountsItsPagesFromNought) {
+  Start();
+  RunProject("www.cars.test");
+  ASSERT_EQ(Panel(3), "Scan 2");
+  extract.cmdExtract.Click();
+  EXPECT_EQ(Panel(3), "Scan 0");
+}
+
 TEST_F(MainWindowRun, TheEndOfALinkRunRestoresIdle) {
   Start();
   RunProject("www.cars.test");

@@ -131,6 +131,7 @@ void frmExtract::StartRun() {
   cmdExport.SetEnabled(false);
   cmdDelete.SetEnabled(false);
   ShowStage("Started to extract email address process at " + context_.engine.platform.clock.TimeText());
+  ShowScanCount(0);
   context_.tmrExtract.SetEnabled(true);
   context_.mnuExit.SetEnabled(false);
 }
