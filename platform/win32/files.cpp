@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cwchar>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "platform/win32/handle.h"
@@ -106,11 +108,33 @@ class HeldLock final : public FolderLock {
   Handle file_;
 };
 
-// A name beside the target that nothing else has, not even after another run of this program was cut off.
-std::wstring TemporaryName(const std::wstring& target, unsigned number) {
-  const std::size_t separator = target.find_last_of(L"\\:");
-  const std::wstring folder = separator == std::wstring::npos ? L"" : target.substr(0, separator + 1);
-  return folder + L"~quenlar-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(number) + L".tmp";
+// With its last separator; "" for the current folder.
+std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\:") + 1); }
+
+constexpr std::wstring_view kTemporary = L"~quenlar-";
+
+// A name in the folder that nothing else has. It tells which process the file belongs to.
+std::wstring TemporaryName(const std::wstring& folder, unsigned number) {
+  return std::wstring(folder).append(kTemporary) + std::to_wstring(GetCurrentProcessId()) + L"-" +
+         std::to_wstring(number) + L".tmp";
+}
+
+bool IsRunning(DWORD process) {
+  const Handle running(OpenProcess(SYNCHRONIZE, FALSE, process));
+  if (!running.valid()) return GetLastError() != ERROR_INVALID_PARAMETER;  // anything else says that there is one
+  return WaitForSingleObject(running.get(), 0) == WAIT_TIMEOUT;
+}
+
+// Deletes the temporary files of processes that were cut off.
+void RemoveLeftovers(const std::wstring& folder) {
+  WIN32_FIND_DATAW found;
+  const HANDLE search = FindFirstFileW(std::wstring(folder).append(kTemporary).append(L"*.tmp").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return;
+  do {
+    const DWORD owner = std::wcstoul(found.cFileName + kTemporary.size(), nullptr, 10);
+    if (owner != 0 && !IsRunning(owner)) DeleteFileW((folder + found.cFileName).c_str());
+  } while (FindNextFileW(search, &found));
+  FindClose(search);
 }
 
 }  // namespace
@@ -151,8 +175,10 @@ Result<std::unique_ptr<FileReplacement>> Win32Files::Replace(const std::string& 
   static std::atomic<unsigned> next_number = 0;  // of the process, as its id is
   const std::wstring target = NativePath(path);
   if (IsFolder(target)) return FolderInTheWay(path);
+  const std::wstring folder = FolderOf(target);
+  if (swept_.insert(folder).second) RemoveLeftovers(folder);
   for (;;) {
-    const std::wstring temporary = TemporaryName(target, next_number++);
+    const std::wstring temporary = TemporaryName(folder, next_number++);
     Handle file(CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (file.valid()) {
       return std::unique_ptr<FileReplacement>(std::make_unique<Replacement>(path, target, temporary, std::move(file)));

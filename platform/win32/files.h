@@ -1,6 +1,9 @@
 // Files and folders of Windows.
 #pragma once
 
+#include <set>
+#include <string>
+
 #include "platform/files.h"
 
 namespace quenlar {
@@ -17,6 +20,9 @@ class Win32Files final : public Files {
   Status Rename(const std::string& from, const std::string& to) override;
   [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder,
                                                          const std::string& lock_name) override;
+
+ private:
+  std::set<std::wstring> swept_;  // folders in which no temporary file of a process that was cut off is left
 };
 
 }  // namespace quenlar
