@@ -53,12 +53,15 @@ ProjectStore::ProjectStore(const Platform& platform, Project& project, const Set
 
 // A project that memory does not hold is not open: what it lacks must not replace what its files hold.
 void ProjectStore::OpenProject(std::string_view text) {
+  const std::uint64_t opening = openings_ + 1;
   try {
     Open(std::string(text));
   } catch (const std::bad_alloc&) {
-    reader_ = nullptr;
-    project_.DataFile.clear();
-    project_.ReportFile.clear();
+    if (openings_ == opening) {  // not taken over by another
+      reader_ = nullptr;
+      project_.DataFile.clear();
+      project_.ReportFile.clear();
+    }
     throw;
   }
 }

@@ -52,7 +52,7 @@ class WordFilter {
       return "The words of the " + name + " filter make no valid pattern (" + whole.status().message() +
              ") and match nothing !";
     }
-    Join();
+    together_ = Join(words_);
     return message;
   }
 
@@ -71,17 +71,16 @@ class WordFilter {
  private:
   static constexpr std::size_t kMostWordsDivided = 10'000;
 
-  // Memory that cannot be had leaves the expression as it was, here and in Divide.
-  void Join() {
-    std::optional<FilterExpression> joined;
-    if (!words_.empty()) {
-      auto rest = FilterExpression::Compile(JoinPattern(words_));
-      if (rest.ok()) joined.emplace(rest.take());
-    }
-    together_ = std::move(joined);
+  // The expression of all these words; none where there are no words, or too many for one.
+  static std::optional<FilterExpression> Join(const std::vector<std::string>& words) {
+    if (words.empty()) return std::nullopt;
+    auto joined = FilterExpression::Compile(JoinPattern(words));
+    if (!joined.ok()) return std::nullopt;
+    return joined.take();
   }
 
-  // Sets the words apart that take too many steps for this address. False when there is none.
+  // Sets the words apart that take too many steps for this address. False when there is none. Memory that cannot be had
+  // leaves everything as it was.
   bool Divide(std::string_view address) {
     if (!divisible_) return false;
     std::vector<std::string> rest;
@@ -96,10 +95,11 @@ class WordFilter {
     }
     divisible_ = !apart.empty();
     if (!divisible_) return false;
+    std::optional<FilterExpression> joined = Join(rest);
     apart_.reserve(apart_.size() + apart.size());
     words_ = std::move(rest);
     apart_.insert(apart_.end(), std::make_move_iterator(apart.begin()), std::make_move_iterator(apart.end()));
-    Join();
+    together_ = std::move(joined);
     return true;
   }
 

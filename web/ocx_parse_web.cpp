@@ -31,11 +31,7 @@ ocxParseWeb::ocxParseWeb(PageFetcher& fetcher, const CodePage& code_page, Analys
 }
 
 ocxParseWeb::~ocxParseWeb() {
-  try {
-    if (!pending_.empty()) CancelAllDownload();
-  } catch (const std::bad_alloc&) {
-    // What memory keeps from being cancelled has nobody left to tell.
-  }
+  if (!pending_.empty()) CancelAllDownload();
   fetcher_.SetListener(nullptr);
 }
 
@@ -60,7 +56,13 @@ void ocxParseWeb::CollectResultLinks(std::string_view page) {
 
 void ocxParseWeb::CancelAllDownload() {
   ShowStage("Canceling ...");
-  for (const std::string& name : pending_) fetcher_.Cancel(name);
+  for (const std::string& name : pending_) {
+    try {
+      fetcher_.Cancel(name);
+    } catch (const std::bad_alloc&) {
+      // What fails keeps no other from being cancelled.
+    }
+  }
   pending_.clear();
 }
 

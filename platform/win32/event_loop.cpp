@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <memory>
 #include <set>
 
 #include "platform/win32/windows_api.h"
@@ -174,9 +175,10 @@ void Win32EventLoop::Tick(std::uintptr_t timer) {
   const auto found = timers_.find(timer);
   if (found == timers_.end() || found->second->ticking) return;
   const auto state = found->second;  // the tick may destroy its timer
+  const auto tick_ends = [](TimerState* ticked) { ticked->ticking = false; };
+  const std::unique_ptr<TimerState, decltype(tick_ends)> ticking(state.get(), tick_ends);  // by an exception, too
   state->ticking = true;
   state->tick();
-  state->ticking = false;
 }
 
 }  // namespace quenlar

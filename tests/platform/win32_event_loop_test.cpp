@@ -1,4 +1,6 @@
 // What the message loop of Windows adds to the contract of event loops.
+#include <new>
+
 #include <gtest/gtest.h>
 
 #include "platform/win32/event_loop.h"
@@ -118,6 +120,20 @@ TEST(Win32EventLoop, TimersTickWhileTasksKeepPostingThemselves) {
   while (ticks < 3) loop.Yield();
   stop = true;
   loop.Yield();
+}
+
+TEST(Win32EventLoop, ATickThatEndsByAnExceptionIsNotTheLast) {
+  Win32EventLoop loop;
+  int ticks = 0;
+  const auto timer = loop.MakeTimer(milliseconds(10), [&] {
+    if (++ticks == 1) throw std::bad_alloc();
+  });
+  timer->SetEnabled(true);
+  const auto wait_for = [&](int wanted) {
+    while (ticks < wanted) loop.Yield();
+  };
+  EXPECT_THROW(wait_for(1), std::bad_alloc);
+  wait_for(2);
 }
 
 TEST(Win32EventLoop, WaitingTakesNoProcessorTime) {
