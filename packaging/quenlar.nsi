@@ -90,6 +90,8 @@ Section "Uninstall"
   Delete "$INSTDIR\LICENSE.txt"
   Delete "$INSTDIR\Uninstall.exe"
   Delete "$SMPROGRAMS\${NAME}.lnk"
+  RMDir "$INSTDIR\data"  ; every start makes these two; what is in them keeps them
+  RMDir "$INSTDIR\report"
   RMDir "$INSTDIR"
   DeleteRegKey HKCU "${UNINSTALL_KEY}"
 SectionEnd

@@ -45,10 +45,11 @@ std::string ProgramFolder() {
   return win32::FromWide(path.substr(0, path.find_last_of(L'\\')));
 }
 
-// True when the mutex is somebody else's already. It is held until the process ends.
+// True when the mutex is somebody else's already. It is held until the process ends. Another user's, an administrator's
+// for one, cannot even be opened.
 bool AnotherInstanceRuns() {
   const HANDLE mutex = CreateMutexW(nullptr, FALSE, kInstanceName);
-  return mutex && GetLastError() == ERROR_ALREADY_EXISTS;
+  return GetLastError() == (mutex ? ERROR_ALREADY_EXISTS : ERROR_ACCESS_DENIED);
 }
 
 // "http://host:port" of the environment variable that other programs that download use as well; empty without it.
