@@ -23,6 +23,12 @@ const std::wstring& SettingsKey() {
   return key;
 }
 
+fs::path FolderOfTheTest() {
+  std::wstring path(32768, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return fs::path(path).parent_path();
+}
+
 fs::path ProgramUnderTest() {
   const wchar_t* path = _wgetenv(L"QUENLAR_PROGRAM");
   if (!path) throw std::runtime_error("QUENLAR_PROGRAM names no program to test");
@@ -114,6 +120,10 @@ void Program::WriteFile(const std::string& name, const std::string& bytes) const
   std::ofstream(folder_ / name, std::ios::binary) << bytes;
 }
 
+void Program::TakeIn(const std::string& tool, const std::string& name) const {
+  fs::copy_file(FolderOfTheTest() / tool, folder_ / name);
+}
+
 std::string Program::ReadFile(const std::string& name) const {
   std::ifstream file(folder_ / name, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
@@ -150,6 +160,12 @@ int Program::StartSecond() {
 bool Program::Running() const { return process_.hProcess && WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT; }
 
 bool Program::WaitForEnd() const { return WaitForSingleObject(process_.hProcess, 60000) == WAIT_OBJECT_0; }
+
+DWORD Program::ExitStatus() const {
+  DWORD status = 0;
+  if (!GetExitCodeProcess(process_.hProcess, &status)) throw std::runtime_error("the program has no exit status");
+  return status;
+}
 
 std::vector<Window> Program::Windows() const {
   struct Search {

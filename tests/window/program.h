@@ -41,7 +41,9 @@ class Program {
   // Downloads from other hosts go through this proxy. Before Start.
   void SetProxy(const Site& proxy);
   void WriteFile(const std::string& name, const std::string& bytes) const;  // below the program folder
-  [[nodiscard]] std::string ReadFile(const std::string& name) const;        // empty when there is none
+  // Copies a program that lies beside the test into the program folder, under a name of its own there.
+  void TakeIn(const std::string& tool, const std::string& name) const;
+  [[nodiscard]] std::string ReadFile(const std::string& name) const;  // empty when there is none
   [[nodiscard]] bool HasFile(const std::string& name) const { return std::filesystem::exists(folder_ / name); }
 
   // Starts the program and waits for its main window.
@@ -50,6 +52,7 @@ class Program {
   [[nodiscard]] int StartSecond();
   [[nodiscard]] bool Running() const;
   [[nodiscard]] bool WaitForEnd() const;
+  [[nodiscard]] DWORD ExitStatus() const;  // after its end
   [[nodiscard]] DWORD process_id() const { return process_.dwProcessId; }
   [[nodiscard]] HANDLE process() const { return process_.hProcess; }
 

@@ -39,11 +39,23 @@ TEST_F(UpgradeTest, UpgradeNextTimeClosesTheDialogAndStoresNothing) {
   EXPECT_EQ(StoredSettings()["NeverUpgrade"], "0");
 }
 
-TEST_F(UpgradeTest, UpgradeNowEndsTheProgram) {
+TEST_F(UpgradeTest, UpgradeNowStartsTheUpgraderAndEndsTheProgram) {
+  program.TakeIn(QUENLAR_UPGRADER, "Upgrade.exe");
   StartWithPublished("4\r\n");
   WaitForDialog();
   dialog.Control(IDOK).Click();
-  EXPECT_TRUE(program.WaitForEnd());
+  ASSERT_TRUE(program.WaitForEnd());
+  EXPECT_EQ(program.ExitStatus(), 0u);
+  ASSERT_TRUE(WaitUntil([&] { return program.HasFile("Upgrade.txt"); }));
+  EXPECT_EQ(program.ReadFile("Upgrade.txt"), std::string(kInstallerPage) + "\n");
+}
+
+TEST_F(UpgradeTest, UpgradeNowEndsTheProgramWithoutAnUpgraderToo) {
+  StartWithPublished("4\r\n");
+  WaitForDialog();
+  dialog.Control(IDOK).Click();
+  ASSERT_TRUE(program.WaitForEnd());
+  EXPECT_EQ(program.ExitStatus(), 0u);
 }
 
 TEST_F(UpgradeTest, TheOwnVersionShowsNoDialog) {
