@@ -1,5 +1,5 @@
 // What most tests include, for the presets that precompile it (QUENLAR_PRECOMPILE). A test still includes what it uses:
-// the linux preset precompiles nothing, so that a missing include is noticed there.
+// the presets bench and fuzz precompile nothing, so that a missing include is noticed there.
 #pragma once
 
 #include <algorithm>
