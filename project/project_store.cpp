@@ -57,7 +57,7 @@ void ProjectStore::OpenProject(std::string_view text) {
   try {
     Open(std::string(text));
   } catch (const std::bad_alloc&) {
-    if (openings_ == opening) {  // not taken over by another
+    if (openings_ <= opening) {  // not taken over by another
       reader_ = nullptr;
       project_.DataFile.clear();
       project_.ReportFile.clear();

@@ -102,11 +102,14 @@ void frmExtract::Unload() {
 
 bool frmExtract::RunGoesOn() const { return context_.engine.run.running || context_.tmrExtract.enabled(); }
 
+bool frmExtract::MayStart() const { return cmdExtract.enabled() && !RunGoesOn() && !starting_; }
+
 void frmExtract::cmdExtract_Click() {
   if (cmdExtract.text() == kStopCaption) {
     StopRun();
-  } else if (cmdExtract.enabled() && !RunGoesOn() && !starting_) {
+  } else if (MayStart()) {
     OpenPicked();
+    if (!MayStart()) return;  // it pumps
     starting_ = true;
     StartRun();
     starting_ = false;

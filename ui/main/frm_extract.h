@@ -97,6 +97,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
 
   // A run is under way, or about to begin with the next tick of its timer.
   [[nodiscard]] bool RunGoesOn() const;
+  [[nodiscard]] bool MayStart() const;
   // What can be used only while no run goes on.
   [[nodiscard]] std::vector<ui::Control*> Inputs();
   void Warn(const std::string& text);
