@@ -130,9 +130,8 @@ const CInterfaces& CIpHelper::Interfaces() {
 
 std::int32_t TrafficMeter::Tick(std::int32_t bytes_received) {
   if (previous_ == 0) previous_ = bytes_received;
-  const std::int64_t difference = std::int64_t{bytes_received} - previous_;
-  // A difference beyond 32 bits gives no new rate: the last one stays.
-  if (FitsInt32(difference)) rate_ = static_cast<std::int32_t>(difference) / 128 / 8;
+  // In 64 bits, since a total that wraps makes a difference below all 32-bit numbers: one negative rate.
+  rate_ = static_cast<std::int32_t>((std::int64_t{bytes_received} - previous_) / 128 / 8);
   previous_ = bytes_received;
   return rate_;
 }

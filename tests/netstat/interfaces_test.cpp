@@ -152,6 +152,9 @@ TEST(PropertyDescription, IsWordForWordWithTheBlanksAtTheEnd) {
   EXPECT_STREQ(PropertyDescription("speed"), "");
 }
 
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+
 TEST(TrafficMeter, ShowsZeroAtTheFirstTick) {
   TrafficMeter meter;
   EXPECT_EQ(meter.Tick(1'000'000), 0);
@@ -168,10 +171,16 @@ TEST(TrafficMeter, ShowsFiftyFor51200BytesBetweenTwoTicksAndZeroFor1023) {
 
 TEST(TrafficMeter, IsNegativeForOneTickWhenACounterWraps) {
   TrafficMeter meter;
+  meter.Tick(kHighest - 1'023);
+  EXPECT_EQ(meter.Tick(kLowest + 1'024), -4'194'302);
+  EXPECT_EQ(meter.Tick(kLowest + 3'072), 2);
+}
+
+TEST(TrafficMeter, TruncatesANegativeRateTowardZero) {
+  TrafficMeter meter;
   meter.Tick(2'000'000);
-  EXPECT_EQ(meter.Tick(1'000'000), -976);  // truncated toward zero, like a positive one
-  EXPECT_EQ(meter.Tick(1'002'048), 2);
-  EXPECT_EQ(meter.Tick(1'002'048 - 1'000), 0);
+  EXPECT_EQ(meter.Tick(1'000'000), -976);
+  EXPECT_EQ(meter.Tick(1'000'000 - 1'000), 0);
 }
 
 TEST(TrafficMeter, TakesAZeroTotalForNoneYet) {
@@ -181,13 +190,11 @@ TEST(TrafficMeter, TakesAZeroTotalForNoneYet) {
   EXPECT_EQ(meter.Tick(8192), 4);
 }
 
-TEST(TrafficMeter, KeepsItsRateWhereTheDifferenceDoesNotFit) {
-  constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+TEST(TrafficMeter, HoldsTheWidestDifferences) {
   TrafficMeter meter;
-  meter.Tick(2'000'000'000);
-  EXPECT_EQ(meter.Tick(2'000'010'240), 10);
-  EXPECT_EQ(meter.Tick(kLowest), 10);
-  EXPECT_EQ(meter.Tick(kLowest + 2'048), 2);
+  meter.Tick(kLowest);
+  EXPECT_EQ(meter.Tick(kHighest), 4'194'303);
+  EXPECT_EQ(meter.Tick(kLowest), -4'194'303);
 }
 
 }  // namespace
