@@ -208,12 +208,13 @@ Status ProjectStore::WriteOnce(Save& save) {
   try {
     const std::string path = PathOf(save);
     const std::uint32_t count = project_.found.Count();
+    const std::uint64_t opening = openings_;
     auto started = Start(save);
     if (!started.ok()) return Sentence(started.status(), path, "saved");
     RecordWriter& writer = *started.value();
     Advance(save, writer);
     const Status committed = Commit(save, writer, path);
-    if (committed.ok() && save.file == File::kReport) reported_ = count;
+    if (committed.ok() && save.file == File::kReport && opening == openings_) reported_ = count;
     return committed;
   } catch (const std::bad_alloc&) {
     return Sentence({StatusKind::kFailed, kNoMemory}, PathOf(save), "saved");

@@ -44,6 +44,9 @@ class ProjectStore final : public PeriodicSaver {
   // finished first, without pumping. Throws std::bad_alloc where memory does not hold it; then no project is open.
   void OpenProject(std::string_view text);
 
+  // Loads at once what is left of the report that is being loaded, if one is. Does not pump.
+  void FinishLoading();
+
   // Write the data file and the report; do nothing while no project is open. Pump. A call during a save of the same
   // file succeeds at once and the save happens once more, after the one that is under way. A call while the project
   // is being loaded loads the rest first. A failure leaves the previous file whole; its message is complete
@@ -82,7 +85,6 @@ class ProjectStore final : public PeriodicSaver {
   Status Commit(Save& save, RecordWriter& writer, const std::string& path);
   void FinishSave(Save& save);
   void WriteWithoutPumping(Save& save);
-  void FinishLoading();
   void Show(const Status& failure);
   [[nodiscard]] bool ReportIsBehind() const;
 

@@ -372,6 +372,19 @@ TEST_F(ProjectStoreTest, ProjectOpenedDuringASaveLetsTheSaveFinishWhole) {
   EXPECT_THAT(Contents("/q/data/x_de.dat"), HasSubstr("[A]\r\na\r\nb\r\nc\r\n[B]"));
 }
 
+TEST_F(ProjectStoreTest, ASaveThatAnotherProjectOvertookSaysNothingOfThatProjectsReport) {
+  PutCars(2);
+  store.OpenProject("x.de");
+  for (int i = 0; i < 4; ++i) project.found.Add({"http://x.de", std::to_string(i) + "@x.de", "T", false});
+  settings.ExportMode = 1;
+  AtPump(2, [this] { store.OpenProject("cars"); });
+  EXPECT_TRUE(store.WriteReport().ok());
+  ASSERT_EQ(project.found.Count(), 2u);
+  for (const char* address : {"2@cars.com", "3@cars.com"}) project.found.Add({"http://x.de", address, "T", false});
+  store.SaveProjectReport();  // as many addresses as the other project's report held
+  EXPECT_THAT(Contents(kCarsReport), HasSubstr("3@cars.com"));
+}
+
 TEST_F(ProjectStoreTest, SavingAtOnceInTheMiddleOfASaveHoldsAllAndPumpsNoMore) {
   store.OpenProject("x.de");
   for (const char* url : {"a", "b", "c"}) project.queues[1].AddIfNew(url);

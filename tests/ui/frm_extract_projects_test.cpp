@@ -117,6 +117,24 @@ TEST_F(MainWindowProjects, ExtractRightAfterAPickRunsThePickedProject) {
   EXPECT_EQ(extract.cmdExtract.text(), "&Stop");
 }
 
+TEST_F(MainWindowProjects, AnExtractThatARunOvertookWhileThePickedProjectWasLoadedIsPassedOver) {
+  PutFiles("b_test");
+  StartWith({"www.a.test", "www.b.test"});
+  extract.cmbURL.UserPick(1);
+  loop.OnPump([this] {
+    loop.OnPump({});
+    Type("www.c.test");
+    extract.cmdExtract.Click();
+    ASSERT_EQ(extract.cmdExtract.text(), "&Stop");
+    extract.cmdExtract.Click();
+  });
+  extract.cmdExtract.Click();
+  EXPECT_EQ(engine.project.StartURL, "http://www.c.test");
+  EXPECT_EQ(extract.cmdExtract.text(), "&Extract") << "its stop holds";
+  EXPECT_TRUE(engine.run.stop_requested);
+  EXPECT_THAT(Entries(), ElementsAre("www.c.test", "www.b.test", "www.a.test"));
+}
+
 TEST_F(MainWindowProjects, DeleteRightAfterAPickDeletesThePickedProject) {
   PutFiles("a_test");
   PutFiles("b_test");
@@ -197,7 +215,10 @@ TEST_F(MainWindowProjects, DeletingWhenTheListHasOneEntryEmptiesTheListAndRewrit
   EXPECT_EQ(Stored("ProjectNum"), "0");
   EXPECT_EQ(Stored("Project1"), "(none)");
   EXPECT_FALSE(extract.cmdDelete.enabled());
+  EXPECT_FALSE(extract.cmdExport.enabled());
   EXPECT_EQ(extract.lstMail.rows(), 0u);
+  EXPECT_EQ(Panel(2), "0 Address");
+  EXPECT_EQ(extract.cmbURL.text(), "www.a.test") << "no entry takes its place";
   EXPECT_EQ(engine.project.found.Count(), 0u) << "nothing of it comes back with the next run";
 }
 
@@ -319,6 +340,22 @@ TEST_F(MainWindowProjects, AnEditorThatCannotBeStartedIsTold) {
   shell.start_status = Status(StatusKind::kNotFound, "notepad.exe: not there");
   extract.cmdExport.Click();
   EXPECT_THAT(boxes.texts(), ElementsAre("notepad.exe: not there !"));
+}
+
+TEST_F(MainWindowProjects, ExportingAProjectThatIsBeingLoadedHoldsAllOfIt) {
+  PutFiles("a_test");
+  PutFiles("b_test");
+  StartWith({"www.a.test"});
+  loop.OnPump([this] {
+    loop.OnPump({});
+    ASSERT_EQ(engine.project.found.Count(), 0u);
+    extract.cmdExport.Click();
+  });
+  Type("www.b.test");
+  EXPECT_THAT(boxes.shown, IsEmpty());
+  EXPECT_EQ(files.Contents("/home/report/b_test.rpt"), HeaderLine() + "\r\n\r\nb_test@kept.test\r\n");
+  ASSERT_EQ(shell.started.size(), 1u);
+  EXPECT_THAT(shell.started[0].command_line, testing::EndsWith("/home/report/b_test.rpt"));
 }
 
 TEST_F(MainWindowProjects, ASecondClickWhileTheReportIsWrittenIsPassedOver) {

@@ -216,7 +216,7 @@ void frmExtract::DeleteProject() {
   engine.project_list.Remove(cmbURL.text());
   const std::vector<std::string> entries = engine.project_list.entries();
   cmbURL.SetItems(entries);
-  OpenText(entries.empty() ? "" : entries.front());
+  OpenText(entries.empty() ? cmbURL.text() : entries.front());  // without files, the text's project is an empty one
   engine.project_list.WriteProjectKey(false);
   if (engine.project_list.entries().empty()) {
     cmdDelete.SetEnabled(false);
@@ -239,6 +239,7 @@ void frmExtract::ExportReport() {
 // The command line is the editor and the path with no quotes around it: meant.
 void frmExtract::OpenReportInEditor() {
   Engine& engine = context_.engine;
+  engine.projects.FinishLoading();
   if (engine.project.found.Count() < 1) {
     Warn("No eMail address found");
     return;
