@@ -3,41 +3,13 @@
 
 #include "platform/win32/tray_icon.h"
 #include "platform/win32/tray_record.h"
+#include "support/fake_task_bar_win32.h"
 
 namespace quenlar {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-// A window that the system takes for the task bar. Not beside a real one.
-class FakeTaskBar {
- public:
-  FakeTaskBar() {
-    WNDCLASSW kind{};
-    kind.lpfnWndProc = Procedure;
-    kind.hInstance = GetModuleHandleW(nullptr);
-    kind.lpszClassName = L"Shell_TrayWnd";
-    RegisterClassW(&kind);
-    window_ = CreateWindowExW(0, kind.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, kind.hInstance, this);
-    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-  }
-  ~FakeTaskBar() { DestroyWindow(window_); }
-  FakeTaskBar(const FakeTaskBar&) = delete;
-  FakeTaskBar& operator=(const FakeTaskBar&) = delete;
-
-  std::vector<ULONG_PTR> asked;  // NIM_...
-
- private:
-  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
-    auto* self = reinterpret_cast<FakeTaskBar*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (!self || message != WM_COPYDATA) return DefWindowProcW(window, message, w, l);
-    self->asked.push_back(reinterpret_cast<const COPYDATASTRUCT*>(l)->dwData);
-    return TRUE;
-  }
-
-  HWND window_ = nullptr;
-};
 
 HWND WindowOf(const Win32TrayIcon& icon) { return static_cast<HWND>(icon.window()); }
 
@@ -65,28 +37,28 @@ TEST(TrayRecordTest, TheRecordIsTheOldestFormWithTheIconsHandleAsItsNumber) {
 }
 
 TEST_F(TrayIconTest, IsAddedAndRemoved) {
-  EXPECT_THAT(bar.asked, IsEmpty());
+  EXPECT_THAT(bar.asked(), IsEmpty());
   icon.AddTrayIcon();
-  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD));
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD));
   icon.RemoveTrayIcon();
-  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_DELETE));
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_DELETE));
   icon.RemoveTrayIcon();
-  EXPECT_EQ(bar.asked.size(), 2u);
+  EXPECT_EQ(bar.asked().size(), 2u);
 }
 
 TEST_F(TrayIconTest, ComesBackWhenTheTaskBarIsStartedAnew) {
   icon.AddTrayIcon();
   StartTaskBarAnew(icon);
-  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_ADD));
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_ADD));
 }
 
 TEST_F(TrayIconTest, StaysAwayWhenItHasBeenRemovedOrNeverAdded) {
   StartTaskBarAnew(icon);
-  EXPECT_THAT(bar.asked, IsEmpty());
+  EXPECT_THAT(bar.asked(), IsEmpty());
   icon.AddTrayIcon();
   icon.RemoveTrayIcon();
   StartTaskBarAnew(icon);
-  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_DELETE));
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_DELETE));
 }
 
 TEST_F(TrayIconTest, IsRemovedWithItsObject) {
@@ -94,7 +66,7 @@ TEST_F(TrayIconTest, IsRemovedWithItsObject) {
     Win32TrayIcon other(nullptr);
     other.AddTrayIcon();
   }
-  EXPECT_THAT(bar.asked, ElementsAre(NIM_ADD, NIM_DELETE));
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_DELETE));
 }
 
 TEST_F(TrayIconTest, TellsWhatTheMouseDoes) {

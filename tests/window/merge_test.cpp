@@ -43,6 +43,21 @@ TEST_F(MergeToolTest, OpensWithNothingToDoButOpen) {
   EXPECT_FALSE(program.Main().Enabled());
 }
 
+TEST_F(MergeToolTest, TheListsHaveAccessKeys) {
+  Open();
+  const DWORD thread = GetWindowThreadProcessId(tool.handle(), nullptr);
+  const auto focus = [thread] {
+    GUITHREADINFO state{};
+    state.cbSize = sizeof state;
+    return GetGUIThreadInfo(thread, &state) ? GetDlgCtrlID(state.hwndFocus) : 0;
+  };
+  constexpr LPARAM kAltHeld = 1 << 29;
+  for (const auto& [key, list] : {std::pair{'m', IDC_LSTADDRESS}, std::pair{'b', IDC_LSTBOOK}}) {
+    PostMessageW(Control(IDC_CMDOPEN).handle(), WM_SYSCHAR, static_cast<WPARAM>(key), kAltHeld);
+    EXPECT_TRUE(WaitUntil([&] { return focus() == list; })) << key;
+  }
+}
+
 TEST_F(MergeToolTest, MergesSeveralBooksAndSavesThem) {
   Open();
   OpenBooks("\"b c.rpt\" \"a.txt\"");

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/fake_task_bar_win32.h"
 #include "ui/win32/resource.h"
 #include "window/program.h"
 #include "window/usage.h"
@@ -57,6 +58,27 @@ TEST(WindowStart, SavedProjectsStandInTheListAndTheFirstIsOpened) {
   EXPECT_EQ(main.Control(IDC_TXTSEARCH).Text(), "de");
 }
 
+TEST(WindowStart, WalkingThroughTheOpenListWithoutAChoiceChangesNothing) {
+  Program program;
+  StoreSetting("ProjectNum", "2");
+  StoreSetting("Project1", "www.first.example");
+  StoreSetting("Project2", "www.second.example");
+  program.Start();
+  const Window combo = program.Main().Control(IDC_CMBURL);
+  const Window edit(FindWindowExW(combo.handle(), nullptr, L"Edit", nullptr));
+  ASSERT_EQ(edit.Text(), "www.first.example");
+  for (const int leave : {VK_ESCAPE, VK_TAB}) {
+    edit.Press(VK_F4);
+    ASSERT_TRUE(WaitUntil([&] { return combo.Send(CB_GETDROPPEDSTATE) != 0; }));
+    edit.Press(VK_DOWN);
+    ASSERT_TRUE(WaitUntil([&] { return edit.Text() == "www.second.example"; })) << edit.Text();
+    edit.Press(leave);
+    ASSERT_TRUE(WaitUntil([&] { return combo.Send(CB_GETDROPPEDSTATE) == 0; })) << leave;
+    EXPECT_TRUE(WaitUntil([&] { return edit.Text() == "www.first.example"; })) << leave << edit.Text();
+  }
+  EXPECT_THAT(combo.Items(), ElementsAre("www.first.example", "www.second.example"));
+}
+
 TEST(WindowStart, ASecondStartEndsAndLeavesTheFirstAlone) {
   Program program;
   program.Start();
@@ -73,6 +95,19 @@ TEST(WindowStart, ARightClickOnTheIconOpensTheMenuAndExitEndsTheProgram) {
   DWORD status = 1;
   GetExitCodeProcess(program.process(), &status);
   EXPECT_EQ(status, 0u);
+}
+
+TEST(WindowStart, TheIconStandsInTheNotificationAreaUntilTheExit) {
+  const FakeTaskBar bar;
+  Program program;
+  program.Start();
+  EXPECT_TRUE(WaitUntil([&] { return bar.asked() == std::vector<ULONG_PTR>{NIM_ADD}; }));
+  program.Main().Close();
+  ASSERT_TRUE(WaitUntil([&] { return !program.Main(); }));
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD)) << "the program goes on";
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kExit));
+  ASSERT_TRUE(program.WaitForEnd());
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_DELETE));
 }
 
 TEST(WindowStart, ALeftOrDoubleClickOnTheIconDoesNothing) {

@@ -97,14 +97,16 @@ void ComboBoxBinding::ShowText() {
 }
 
 // An entry counts as picked when the user has decided: by a click, by Enter, or by an arrow key while the list is
-// closed. Walking through the open list decides nothing yet. The model may fill the list anew when it hears of the
-// choice, so it hears of it after the control has done with the message.
+// closed. Walking through the open list decides nothing yet, though it changes the text that is shown; where it ends
+// without a choice (Esc, Tab), the model's text comes back. Both wait until the control has done with the message: it
+// writes its text itself, and the model may fill the list anew.
 void ComboBoxBinding::OnCommand(UINT code) {
   const bool walked = code == CBN_SELCHANGE && !Send(CB_GETDROPPEDSTATE);
   if ((code == CBN_SELENDOK || walked) && !pick_posted_) {
     pick_posted_ = true;
     host().Post([this] { Picked(); });
   }
+  if (code == CBN_SELENDCANCEL) host().Post([this] { ShowText(); });
   if (code == CBN_EDITCHANGE) combo_.UserText(NativeText());
   if (code == CBN_SETFOCUS && combo_.GotFocus && !host().restoring_focus()) combo_.GotFocus();
 }
