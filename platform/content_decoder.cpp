@@ -2,7 +2,6 @@
 
 #include <array>
 #include <bit>
-#include <new>
 
 #include <zlib.h>
 
@@ -46,15 +45,10 @@ bool ContentDecoder::Add(std::string_view bytes, std::string& out) {
   taken_ += bytes.size();
   failed_ = failed_ || taken_ > max_bytes_;  // also of what decodes to nothing, or follows the end
   if (failed_ || bytes.empty()) return !failed_;
-  // The callers are libraries that no exception must cross.
-  try {
-    if (coding_ == ContentCoding::kIdentity) {
-      Append(bytes, out);
-    } else {
-      failed_ = !Inflate(bytes, out);
-    }
-  } catch (const std::bad_alloc&) {
-    failed_ = true;
+  if (coding_ == ContentCoding::kIdentity) {
+    Append(bytes, out);
+  } else {
+    failed_ = !Inflate(bytes, out);
   }
   return !failed_;
 }

@@ -19,9 +19,9 @@ class ContentDecoder {
   ContentDecoder(const ContentDecoder&) = delete;
   ContentDecoder& operator=(const ContentDecoder&) = delete;
 
-  // Appends what `bytes` decode to. False, for this and every later call, when they are not of the coding, when
-  // there are more than `max_bytes`, or when memory does not hold them. What follows the end of the compressed data is
-  // passed over.
+  // Appends what `bytes` decode to. False, for this and every later call, when they are not of the coding or there are
+  // more than `max_bytes`. What follows the end of the compressed data is passed over. Throws std::bad_alloc when
+  // memory does not hold it; then nothing more can be added.
   [[nodiscard]] bool Add(std::string_view bytes, std::string& out);
 
   // True when the data has come to its end; no data at all is an empty body.

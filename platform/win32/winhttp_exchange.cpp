@@ -1,6 +1,7 @@
 #include "platform/win32/winhttp_exchange.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "platform/page_fetcher.h"
@@ -134,7 +135,13 @@ void Exchange::Work() {
       event = events_.front();
       events_.pop_front();
     }
-    Handle(event);
+    // The system lets no exception out: what memory does not hold spoils the answer.
+    try {
+      Handle(event);
+    } catch (const std::bad_alloc&) {
+      std::string().swap(body_);
+      Report(ExchangeReport::Kind::kFailed);
+    }
   }
   CloseHandles();
 }
@@ -226,9 +233,11 @@ void Exchange::Report(ExchangeReport::Kind kind, std::string text) {
   {
     const std::lock_guard lock(mutex_);
     if (finished_) return;
-    finished_ = kind != ExchangeReport::Kind::kFirstBytes;
   }
   sink_({kind, std::move(text)});
+  if (kind == ExchangeReport::Kind::kFirstBytes) return;
+  const std::lock_guard lock(mutex_);
+  finished_ = true;
 }
 
 }  // namespace quenlar::win32

@@ -50,7 +50,7 @@ without decoded-limit platform/content_decoder.cpp platform_test '*ContentDecode
   's/if \(given_ > max_bytes_\) return false;//'
 without announced-limit platform/answer_head.cpp platform_test 'AnswerHead.RefusesImpossibleLengths' \
   's/return length <= kMaxBodyBytes;/return true;/'
-without memory-for-a-page platform/content_decoder.cpp platform_test 'HostileServer.APageThatMemoryDoesNotHold*' \
+without memory-for-a-page platform/posix/curl_transfer.cpp platform_test 'HostileServer.APageThatMemoryDoesNotHold*' \
   's/catch \(const std::bad_alloc&\)/catch (const char*)/'
 without redirect-limit platform/redirect_chain.cpp platform_test 'HostileServer.ARedirectToItself*:HostileServer.TwentyHops*' \
   's/if \(\+\+redirects_ > kMaxRedirects\) return false;/++redirects_;/'
