@@ -1,21 +1,22 @@
-// Attribute values, texts between delimiters, cleaned texts and titles.
-#include "base/ascii.h"
+// Attribute values and cleaned texts against their literal references, texts between delimiters, and titles.
 #include "fuzz/target.h"
+#include "support/reference_links.h"
 #include "web/tag_text.h"
 
 using namespace quenlar;
 
 QUENLAR_FUZZ_TARGET(attributes) {
   fuzz::Feed feed(bytes);
-  const std::string_view tag = feed.Text();
+  const std::string tag(feed.Text());
   for (const char* name : {"href=", "src="}) {
     const std::string value = GetAttributeValue(tag, name);
+    FUZZ_CHECK(value == ReferenceAttribute(tag, name));
     FUZZ_CHECK(value.find(' ') == value.npos);
-    FUZZ_CHECK(value.find("\r\n") == value.npos);
-    FUZZ_CHECK(value.empty() || ContainsIgnoreCase(tag, name));
   }
-  const std::string cleaned = CleanText(feed.Rest());
-  FUZZ_CHECK(cleaned.size() <= feed.Rest().size());
+  const std::string text(feed.Rest());
+  const std::string cleaned = CleanText(text);
+  FUZZ_CHECK(cleaned == ReferenceClean(text));
+  FUZZ_CHECK(cleaned.size() <= text.size());
   FUZZ_CHECK(cleaned.empty() || (cleaned.front() != ' ' && cleaned.back() != ' '));
   const std::string title = GetPageTitle(bytes);
   FUZZ_CHECK(title.find_first_of("\r\n\t") == title.npos);
