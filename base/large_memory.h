@@ -14,6 +14,10 @@ inline constexpr std::size_t kLargePage = std::size_t{2} << 20;
 // nothing is promised and nothing can fail. Each platform has its own.
 void WishForLargePages(void* memory, std::size_t bytes) noexcept;
 
+// Tells the system that all of this memory will soon be written, so that it can give its pages at once instead of one
+// by one as each is first touched. A wish, like the one above.
+void WishForAllPages(void* memory, std::size_t bytes) noexcept;
+
 // For containers. Throws std::bad_alloc.
 template <typename T>
 class LargeAllocator {

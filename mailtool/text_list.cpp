@@ -3,6 +3,8 @@
 #include <cstring>
 #include <new>
 
+#include "base/large_memory.h"
+
 namespace quenlar {
 namespace {
 
@@ -16,7 +18,7 @@ std::string_view TextList::LongText(const char* head) {
   return {head + kLongHead, length};
 }
 
-TextList::Place TextList::Add(std::string_view text) {
+TextList::Place TextList::AddSlowly(std::string_view text) {
   if (text.size() > UINT32_MAX) throw std::bad_alloc();
   const bool is_long = text.size() > kLongestShort;
   const std::size_t head_bytes = is_long ? kLongHead : 1;
@@ -32,15 +34,6 @@ TextList::Place TextList::Add(std::string_view text) {
   return static_cast<Place>(unit);
 }
 
-std::size_t TextList::UnitBehind(std::size_t unit) const {
-  const std::string_view text = At(static_cast<Place>(unit));
-  const std::size_t bytes = static_cast<std::size_t>(text.data() - Head(unit)) + text.size();
-  const std::size_t behind = unit + (bytes + kUnit - 1) / kUnit;
-  const bool has_rest = behind % kBlockUnits != 0 && behind != UnitAtEnd();
-  if (!has_rest || static_cast<unsigned char>(*Head(behind)) != kRest) return behind;
-  return (behind / kBlockUnits + 1) * kBlockUnits;
-}
-
 std::size_t TextList::Reserve(std::size_t units) {
   if (used_units_ + units <= kBlockUnits) {
     const std::size_t unit = UnitAtEnd();
@@ -52,6 +45,7 @@ std::size_t TextList::Reserve(std::size_t units) {
   if (first + count > kMaxBlocks) throw std::bad_alloc();
   blocks_.reserve(first + count);
   char* const memory = memory_.emplace_back(std::make_unique_for_overwrite<char[]>(count * kBlockBytes)).get();
+  WishForAllPages(memory, count * kBlockBytes);
   if (used_units_ < kBlockUnits) *Head(UnitAtEnd()) = static_cast<char>(kRest);
   for (std::size_t i = 0; i < count; ++i) blocks_.push_back(memory + i * kBlockBytes);
   used_units_ = units - (count - 1) * kBlockUnits;

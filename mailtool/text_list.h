@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <memory>
 #include <string_view>
@@ -34,7 +35,17 @@ class TextList {
   void Prefetch(Place place) const { quenlar::Prefetch(Head(place)); }
 
   // Throws std::bad_alloc when memory, or the 16 GiB that a place can tell apart, are used up.
-  Place Add(std::string_view text);
+  Place Add(std::string_view text) {
+    const std::size_t units = (1 + text.size() + kUnit - 1) / kUnit;
+    if (text.size() > kLongestShort || units > kBlockUnits - used_units_) return AddSlowly(text);
+    const std::size_t unit = UnitAtEnd();
+    char* const head = Head(unit);
+    *head = static_cast<char>(text.size());
+    std::memcpy(head + 1, text.data(), text.size());
+    used_units_ += units;
+    ++count_;
+    return static_cast<Place>(unit);
+  }
   // Gives the memory back.
   void Clear();
 
@@ -76,8 +87,17 @@ class TextList {
   [[nodiscard]] char* Head(std::size_t unit) const { return blocks_[unit / kBlockUnits] + unit % kBlockUnits * kUnit; }
   [[nodiscard]] std::size_t UnitAtEnd() const { return blocks_.size() * kBlockUnits - (kBlockUnits - used_units_); }
   // Where the text behind this one begins; UnitAtEnd when it is the last.
-  [[nodiscard]] std::size_t UnitBehind(std::size_t unit) const;
+  [[nodiscard]] std::size_t UnitBehind(std::size_t unit) const {
+    const std::string_view text = At(static_cast<Place>(unit));
+    const std::size_t bytes = static_cast<std::size_t>(text.data() - Head(unit)) + text.size();
+    const std::size_t behind = unit + (bytes + kUnit - 1) / kUnit;
+    const bool has_rest = behind % kBlockUnits != 0 && behind != UnitAtEnd();
+    if (!has_rest || static_cast<unsigned char>(*Head(behind)) != kRest) return behind;
+    return (behind / kBlockUnits + 1) * kBlockUnits;
+  }
   static std::string_view LongText(const char* head);
+  // A long text, or one that needs a block of its own.
+  Place AddSlowly(std::string_view text);
   // The first of so many units that lie side by side.
   std::size_t Reserve(std::size_t units);
 

@@ -5,4 +5,6 @@ namespace quenlar {
 
 void WishForLargePages(void*, std::size_t) noexcept {}
 
+void WishForAllPages(void*, std::size_t) noexcept {}
+
 }  // namespace quenlar
