@@ -70,8 +70,8 @@ void ProjectStore::Open(const std::string& typed) {
   const std::uint64_t opening = ++openings_;
   project_view_.EnableDelete(false);
   project_.ProjectLoaded = false;
-  FinishSave(data_);
   FinishSave(report_);
+  FinishSave(data_);
   if (NameProject(project_, typed, settings_, site_) == NamingOutcome::kUnknownSuffix) {
     platform_.boxes.Show(kUnknownSuffixText, kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
     if (opening == openings_) project_view_.SetInputText(typed.substr(0, typed.find('_')));
@@ -159,14 +159,20 @@ void ProjectStore::ProgressTick() {
 
 // ---- saving ----
 
-// The report first: a data file drops the links of pages whose addresses must be on the disk by then, so that a program
-// that dies between the two visits a page again instead of losing what it found there.
-Status ProjectStore::WriteData() {
-  if (ReportIsBehind()) WriteReport().Ignore("the report's own save follows, and tells it");
-  return Write(data_);
-}
+Status ProjectStore::WriteData() { return Write(data_); }
 
 Status ProjectStore::WriteReport() { return Write(report_); }
+
+// Pumps, unless a save of the report is under way: that one began too early, so it is ended and the next one made.
+void ProjectStore::BringReportUpToDate() {
+  if (!ReportIsBehind()) return;
+  if (report_.under_way == nullptr) {
+    WriteReport().Ignore("the report's own save follows, and tells it");
+  } else {
+    report_.again = true;
+    FinishSave(report_);
+  }
+}
 
 bool ProjectStore::ReportIsBehind() const {
   const std::uint32_t count = project_.found.Count();
@@ -205,28 +211,29 @@ Status ProjectStore::Write(Save& save) {
 
 // A save that memory does not hold has failed, and the run goes on, as with one that the disk does not hold.
 Status ProjectStore::WriteOnce(Save& save) {
+  std::string path;
   try {
-    const std::string path = PathOf(save);
-    const std::uint32_t count = project_.found.Count();
-    const std::uint64_t opening = openings_;
+    path = PathOf(save);
     auto started = Start(save);
     if (!started.ok()) return Sentence(started.status(), path, "saved");
     RecordWriter& writer = *started.value();
     Advance(save, writer);
-    const Status committed = Commit(save, writer, path);
-    if (committed.ok() && save.file == File::kReport && opening == openings_) reported_ = count;
-    return committed;
+    return Commit(save, writer, path);
   } catch (const std::bad_alloc&) {
-    return Sentence({StatusKind::kFailed, kNoMemory}, PathOf(save), "saved");
+    return Sentence({StatusKind::kFailed, kNoMemory}, path, "saved");
   }
 }
 
 // Pumps. Whatever ends it, what is said to be under way is.
+//
+// A data file drops the links of the pages that were done when its save began. Their addresses must be on the disk
+// before it is, so that a program that dies between the two visits a page again instead of losing what it found there.
 void ProjectStore::Advance(Save& save, RecordWriter& writer) {
   const auto over = [&save](RecordWriter* mine) {
     if (save.under_way == mine) save.under_way = nullptr;
   };
   const std::unique_ptr<RecordWriter, decltype(over)> under_way(save.under_way = &writer, over);
+  if (save.file == File::kData) BringReportUpToDate();
   while (writer.Advance()) {
     pump_();
     writer.Write();
@@ -235,6 +242,7 @@ void ProjectStore::Advance(Save& save, RecordWriter& writer) {
 
 Result<std::unique_ptr<RecordWriter>> ProjectStore::Start(Save& save) {
   const std::string& path = PathOf(save);
+  save.addresses = project_.found.Count();
   if (save.keep_old && platform_.files.FolderExists(path)) {
     auto kept = KeepAside(platform_.files, path);
     if (!kept.ok()) return kept.status();
@@ -244,7 +252,14 @@ Result<std::unique_ptr<RecordWriter>> ProjectStore::Start(Save& save) {
 }
 
 Status ProjectStore::Commit(Save& save, RecordWriter& writer, const std::string& path) {
-  if (writer.done() || !save.keep_old) return Sentence(writer.Commit(), path, "saved");
+  if (writer.done()) return Sentence(writer.Commit(), path, "saved");  // whoever was run by a pump has ended it
+  const Status committed = Replace(save, writer, path);
+  if (committed.ok() && save.file == File::kReport) reported_ = save.addresses;
+  return committed;
+}
+
+Status ProjectStore::Replace(Save& save, RecordWriter& writer, const std::string& path) {
+  if (!save.keep_old) return Sentence(writer.Commit(), path, "saved");
   auto kept = KeepAside(platform_.files, path);
   if (!kept.ok()) {
     writer.Discard();

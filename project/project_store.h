@@ -73,6 +73,7 @@ class ProjectStore final : public PeriodicSaver {
     File file;
     RecordWriter* under_way = nullptr;
     bool again = false;
+    std::uint32_t addresses = 0;  // known when the latest save began
     // The file on disk holds what could not be loaded; the first save keeps it under another name.
     bool keep_old = false;
   };
@@ -83,9 +84,11 @@ class ProjectStore final : public PeriodicSaver {
   void Advance(Save& save, RecordWriter& writer);
   [[nodiscard]] Result<std::unique_ptr<RecordWriter>> Start(Save& save);
   Status Commit(Save& save, RecordWriter& writer, const std::string& path);
+  Status Replace(Save& save, RecordWriter& writer, const std::string& path);
   void FinishSave(Save& save);
   void WriteWithoutPumping(Save& save);
   void Show(const Status& failure);
+  void BringReportUpToDate();
   [[nodiscard]] bool ReportIsBehind() const;
 
   void Open(const std::string& typed);

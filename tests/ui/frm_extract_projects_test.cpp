@@ -358,6 +358,35 @@ TEST_F(MainWindowProjects, ExportingAProjectThatIsBeingLoadedHoldsAllOfIt) {
   EXPECT_THAT(shell.started[0].command_line, testing::EndsWith("/home/report/b_test.rpt"));
 }
 
+TEST_F(MainWindowProjects, NoRunBeginsInsideAnExport) {
+  PutFiles("a_test");
+  StartWith({"www.a.test"});
+  engine.settings.ExportMode = 1;
+  bool asked = false;
+  loop.OnPump([&] {
+    if (!std::exchange(asked, true)) extract.cmdExtract.Click();
+  });
+  extract.cmdExport.Click();
+  EXPECT_TRUE(asked);
+  EXPECT_FALSE(tray.tmrExtract.enabled());
+  EXPECT_EQ(extract.cmdExtract.text(), "&Extract");
+  EXPECT_EQ(shell.started.size(), 1u);
+}
+
+TEST_F(MainWindowProjects, AProjectThatIsDeletedWhileItIsExportedIsNotShown) {
+  PutFiles("a_test");
+  StartWith({"www.a.test", "www.b.test"});
+  engine.settings.ExportMode = 1;
+  loop.OnPump([this] {
+    loop.OnPump({});
+    Delete();
+  });
+  extract.cmdExport.Click();
+  EXPECT_FALSE(files.FileExists("/home/report/a_test.rpt"));
+  EXPECT_THAT(Entries(), ElementsAre("www.b.test"));
+  EXPECT_THAT(shell.started, IsEmpty());
+}
+
 TEST_F(MainWindowProjects, ASecondClickWhileTheReportIsWrittenIsPassedOver) {
   PutFiles("a_test");
   StartWith({"www.a.test"});

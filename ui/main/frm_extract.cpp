@@ -102,7 +102,7 @@ void frmExtract::Unload() {
 
 bool frmExtract::RunGoesOn() const { return context_.engine.run.running || context_.tmrExtract.enabled(); }
 
-bool frmExtract::MayStart() const { return cmdExtract.enabled() && !RunGoesOn() && !starting_; }
+bool frmExtract::MayStart() const { return cmdExtract.enabled() && !RunGoesOn() && !starting_ && !exporting_; }
 
 void frmExtract::cmdExtract_Click() {
   if (cmdExtract.text() == kStopCaption) {
@@ -247,7 +247,7 @@ void frmExtract::OpenReportInEditor() {
   const std::string report = engine.project.ReportFile;
   const Status saved = engine.projects.WriteReport();
   WarnOnFailure(saved);
-  if (!saved.ok()) return;
+  if (!saved.ok() || !engine.platform.files.FileExists(report)) return;  // it pumps, and the project may be deleted
   const Shell& shell = engine.platform.shell;
   WarnOnFailure(engine.platform.shell.Start(shell.SystemDirectory() + "\\notepad.exe " + report,
                                             Shell::WindowMode::kNormalWithoutFocus));
