@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <mutex>
 #include <utility>
-#include <vector>
 
 #include "base/ascii.h"
 #include "platform/redirect_chain.h"
@@ -94,14 +93,13 @@ void WinHttpPageFetcher::Start(const std::string& address, const std::string& ke
   Begin(number, downloads_.emplace(number, Download{key, RedirectChain(address), nullptr}).first->second);
 }
 
+// Takes no memory, so that nothing keeps a cancel from happening.
 void WinHttpPageFetcher::Cancel(const std::string& key) {
-  std::vector<std::shared_ptr<Exchange>> abandoned;
-  std::erase_if(downloads_, [&](auto& entry) {
+  std::erase_if(downloads_, [&](const auto& entry) {
     if (entry.second.key != key) return false;
-    if (entry.second.exchange) abandoned.push_back(std::move(entry.second.exchange));
+    if (entry.second.exchange) entry.second.exchange->Abandon();
     return true;
   });
-  for (const auto& exchange : abandoned) exchange->Abandon();
 }
 
 // Starts the hop to the download's address. The download may fail, but only in a later pump.
