@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cwchar>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -43,10 +44,34 @@ bool IsFolder(const std::wstring& path) {
 
 Status FolderInTheWay(const std::string& path) { return {StatusKind::kFailed, path + ": It is a folder"}; }
 
+// Whether another program may be in the way that looks at the file only for a moment, as virus scanners do.
+bool MayPass(DWORD error, const std::wstring& target) {
+  if (error == ERROR_SHARING_VIOLATION) return true;
+  if (error != ERROR_ACCESS_DENIED) return false;
+  const DWORD attributes = GetFileAttributesW(target.c_str());
+  return attributes == INVALID_FILE_ATTRIBUTES ||
+         (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) == 0;
+}
+
+// Renames over an existing target, with several tries. The error of the last one; ERROR_SUCCESS.
+DWORD MoveOver(const std::wstring& from, const std::wstring& to, const std::function<void()>& pause) {
+  constexpr int kTries = 10;
+  for (int tries = 1;; ++tries) {
+    if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return ERROR_SUCCESS;
+    const DWORD error = GetLastError();
+    if (tries == kTries || !MayPass(error, to)) return error;
+    pause();
+  }
+}
+
 class Replacement final : public FileReplacement {
  public:
-  Replacement(std::string path, std::wstring target, std::wstring temporary, Handle file)
-      : path_(std::move(path)), target_(std::move(target)), temporary_(std::move(temporary)), file_(std::move(file)) {
+  Replacement(std::string path, std::wstring target, std::wstring temporary, Handle file, std::function<void()> pause)
+      : path_(std::move(path)),
+        target_(std::move(target)),
+        temporary_(std::move(temporary)),
+        file_(std::move(file)),
+        pause_(std::move(pause)) {
     buffer_.reserve(kBlock);
   }
   ~Replacement() override {
@@ -70,9 +95,9 @@ class Replacement final : public FileReplacement {
     Flush();
     if (status_.ok() && (!FlushFileBuffers(file_.get()) || !file_.Close())) status_ = LastError(path_);
     if (!status_.ok() || committed_) return status_;
-    committed_ =
-        MoveFileExW(temporary_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-    if (!committed_) status_ = LastError(path_);
+    const DWORD error = MoveOver(temporary_, target_, pause_);
+    committed_ = error == ERROR_SUCCESS;
+    if (!committed_) status_ = SystemError(path_, error);
     return status_;
   }
 
@@ -95,6 +120,7 @@ class Replacement final : public FileReplacement {
   const std::string path_;
   const std::wstring target_, temporary_;
   Handle file_;
+  const std::function<void()> pause_;
   std::string buffer_;
   Status status_;
   bool committed_ = false;
@@ -137,7 +163,13 @@ void RemoveLeftovers(const std::wstring& folder) {
   FindClose(search);
 }
 
+void PauseBetweenTries() {
+  Sleep(20);  // check: sleeping the system tells nobody when another program lets go of a file
+}
+
 }  // namespace
+
+Win32Files::Win32Files() : Win32Files(PauseBetweenTries) {}
 
 bool Win32Files::FileExists(const std::string& path) const {
   const auto attributes = Attributes(NativePath(path));
@@ -181,7 +213,8 @@ Result<std::unique_ptr<FileReplacement>> Win32Files::Replace(const std::string& 
     const std::wstring temporary = TemporaryName(folder, next_number++);
     Handle file(CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (file.valid()) {
-      return std::unique_ptr<FileReplacement>(std::make_unique<Replacement>(path, target, temporary, std::move(file)));
+      return std::unique_ptr<FileReplacement>(
+          std::make_unique<Replacement>(path, target, temporary, std::move(file), pause_));
     }
     if (GetLastError() != ERROR_FILE_EXISTS) return LastError(path);
   }
@@ -195,11 +228,8 @@ Status Win32Files::Delete(const std::string& path) {
 }
 
 Status Win32Files::Rename(const std::string& from, const std::string& to) {
-  if (MoveFileExW(NativePath(from).c_str(), NativePath(to).c_str(),
-                  MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    return {};
-  }
-  return LastError(from);
+  const DWORD error = MoveOver(NativePath(from), NativePath(to), pause_);
+  return error == ERROR_SUCCESS ? Status() : SystemError(from, error);
 }
 
 Result<std::unique_ptr<FolderLock>> Win32Files::Lock(const std::string& folder, const std::string& lock_name) {

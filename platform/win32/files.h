@@ -1,16 +1,22 @@
 // Files and folders of Windows.
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "platform/files.h"
 
 namespace quenlar {
 
-// Wide paths throughout, of any length. A replacement is written through to the medium before it takes the name.
+// Wide paths throughout, of any length. A replacement is written through to the medium before it takes the name. A file
+// that another program holds is waited for, 0.2 s at most, when it is to be renamed or replaced.
 class Win32Files final : public Files {
  public:
+  Win32Files();
+  // `pause` is called between two tries, nine times at most.
+  explicit Win32Files(std::function<void()> pause) : pause_(std::move(pause)) {}
   [[nodiscard]] bool FileExists(const std::string& path) const override;
   [[nodiscard]] bool FolderExists(const std::string& path) const override;
   Status MakeFolder(const std::string& path) override;
@@ -22,6 +28,7 @@ class Win32Files final : public Files {
                                                          const std::string& lock_name) override;
 
  private:
+  const std::function<void()> pause_;
   std::set<std::wstring> swept_;  // folders in which no temporary file of a process that was cut off is left
 };
 
