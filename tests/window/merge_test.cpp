@@ -45,16 +45,10 @@ TEST_F(MergeToolTest, OpensWithNothingToDoButOpen) {
 
 TEST_F(MergeToolTest, TheListsHaveAccessKeys) {
   Open();
-  const DWORD thread = GetWindowThreadProcessId(tool.handle(), nullptr);
-  const auto focus = [thread] {
-    GUITHREADINFO state{};
-    state.cbSize = sizeof state;
-    return GetGUIThreadInfo(thread, &state) ? GetDlgCtrlID(state.hwndFocus) : 0;
-  };
   constexpr LPARAM kAltHeld = 1 << 29;
   for (const auto& [key, list] : {std::pair{'m', IDC_LSTADDRESS}, std::pair{'b', IDC_LSTBOOK}}) {
     PostMessageW(Control(IDC_CMDOPEN).handle(), WM_SYSCHAR, static_cast<WPARAM>(key), kAltHeld);
-    EXPECT_TRUE(WaitUntil([&] { return focus() == list; })) << key;
+    EXPECT_TRUE(WaitUntil([&] { return tool.FocusedControl() == list; })) << key;
   }
 }
 

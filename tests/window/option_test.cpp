@@ -83,6 +83,21 @@ TEST_F(OptionTest, TabWalksOverThePageInSightThenOkThenTheTabs) {
                                              IDC_TXTEXTRACTFILTER, IDOK, IDC_TABOPTION));
 }
 
+TEST_F(OptionTest, TabLeavesTheListsOfWords) {
+  Open();
+  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
+  const Window words = option.Control(IDC_TXTREMOVEFILTER);
+  ASSERT_TRUE(WaitUntil([&] { return words.Visible(); }));
+  words.MouseClick({5, 5});
+  int last = IDC_TXTREMOVEFILTER;
+  ASSERT_TRUE(WaitUntil([&] { return option.FocusedControl() == last; }));
+  for (const int next : {IDC_CHKEXTRACTFILTER, IDC_TXTEXTRACTFILTER, IDOK, IDC_TABOPTION}) {
+    option.Control(last).Press(VK_TAB);
+    ASSERT_TRUE(WaitUntil([&] { return option.FocusedControl() == next; })) << option.FocusedControl();
+    last = next;
+  }
+}
+
 TEST_F(OptionTest, TheLanguageIsStoredAndMentioned) {
   Open();
   EXPECT_THAT(option.Control(IDC_CMBSEARCH).Items(),

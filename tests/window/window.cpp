@@ -86,6 +86,13 @@ RECT Window::Place() const {
   return place;
 }
 
+int Window::FocusedControl() const {
+  GUITHREADINFO state{};
+  state.cbSize = sizeof state;
+  if (!GetGUIThreadInfo(GetWindowThreadProcessId(handle_, nullptr), &state)) return 0;
+  return state.hwndFocus ? GetDlgCtrlID(state.hwndFocus) : 0;
+}
+
 void Window::Type(const std::string& text) const {
   const HWND edit = IsCombo() ? FindWindowExW(handle_, nullptr, L"Edit", nullptr) : handle_;
   Window(edit).Send(EM_SETSEL, 0, -1);

@@ -32,6 +32,8 @@ class Window {
   [[nodiscard]] bool Enabled() const { return IsWindowEnabled(handle_); }
   [[nodiscard]] bool Visible() const { return IsWindowVisible(handle_); }
   [[nodiscard]] RECT Place() const;  // on the screen
+  // The number of the control that has the keyboard, in whichever window of the program; 0 when none has.
+  [[nodiscard]] int FocusedControl() const;
 
   // As if typed over: the control tells its window about the change.
   void Type(const std::string& text) const;

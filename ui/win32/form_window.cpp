@@ -284,6 +284,11 @@ INT_PTR FormWindow::OnControlMessage(HWND window, UINT message, WPARAM w, LPARAM
       binding->OnContextMenu({GET_X_LPARAM(l), GET_Y_LPARAM(l)});
       return TRUE;
     }
+    case WM_NEXTDLGCTL:
+      // A box of several lines asks its page, which would look no further than its own controls.
+      if (window == window_) return FALSE;
+      SendMessageW(window_, message, w, l);
+      return TRUE;
     default:
       return FALSE;
   }
