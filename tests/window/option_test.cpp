@@ -209,6 +209,30 @@ TEST_F(OptionTest, AltWithALetterOfATabAndCtrlTabGoFromPageToPage) {
   EXPECT_TRUE(chosen(2));
 }
 
+TEST_F(OptionTest, TheTabsTakeTheKeyboardFromAPageThatGoes) {
+  Open();
+  const Window tabs = option.Control(IDC_TABOPTION), words = option.Control(IDC_TXTREMOVEFILTER);
+  const auto go_into_the_words = [&] {
+    tabs.Send(TCM_SETCURFOCUS, 2);
+    words.MouseClick({5, 5});
+    return WaitUntil([&] { return option.FocusedControl() == IDC_TXTREMOVEFILTER; });
+  };
+  const auto tabs_have_the_keyboard = [&] {
+    return WaitUntil([&] { return !words.Visible() && option.FocusedControl() == IDC_TABOPTION; });
+  };
+  constexpr LPARAM kAltHeld = 1 << 29;
+  ASSERT_TRUE(go_into_the_words());
+  PostMessageW(words.handle(), WM_SYSCHAR, 's', kAltHeld);
+  EXPECT_TRUE(tabs_have_the_keyboard()) << option.FocusedControl();
+  ASSERT_TRUE(go_into_the_words());
+  tabs.Send(TCM_SETCURFOCUS, 1);
+  EXPECT_TRUE(tabs_have_the_keyboard()) << option.FocusedControl();
+  ASSERT_TRUE(go_into_the_words());
+  const ControlKeyHeld held(option);
+  words.Press(VK_TAB);
+  EXPECT_TRUE(tabs_have_the_keyboard()) << option.FocusedControl();
+}
+
 TEST_F(OptionTest, EnterIsOk) {
   Open();
   option.Control(IDC_TXTREMOVEFILTER).Type("cat");

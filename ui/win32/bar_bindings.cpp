@@ -63,7 +63,7 @@ void TabStripBinding::Apply(Aspect aspect) {
 LRESULT TabStripBinding::OnNotify(const NMHDR& header) {
   if (header.code == static_cast<UINT>(TCN_SELCHANGE)) {
     const LRESULT index = Send(TCM_GETCURSEL);
-    if (index >= 0) tabs_.Select(static_cast<std::size_t>(index));
+    if (index >= 0) UserSelect(static_cast<std::size_t>(index));
   }
   return 0;
 }
@@ -74,7 +74,7 @@ bool TabStripBinding::ChooseByKey(wchar_t key) {
     const std::size_t mark = tabs_.captions()[i].find('&');
     if (mark == std::string::npos || mark + 1 == tabs_.captions()[i].size()) continue;
     if (ToLower(tabs_.captions()[i][mark + 1]) == ToLower(static_cast<char>(key))) {
-      tabs_.Select(i);
+      UserSelect(i);
       return true;
     }
   }
@@ -83,7 +83,14 @@ bool TabStripBinding::ChooseByKey(wchar_t key) {
 
 void TabStripBinding::Step(int direction) {
   const int count = static_cast<int>(tabs_.captions().size());
-  tabs_.Select(static_cast<std::size_t>((static_cast<int>(tabs_.selected()) + direction + count) % count));
+  UserSelect(static_cast<std::size_t>((static_cast<int>(tabs_.selected()) + direction + count) % count));
+}
+
+// A page that goes would keep the keyboard, unseen.
+void TabStripBinding::UserSelect(std::size_t index) {
+  const HWND focus = GetFocus();
+  tabs_.Select(index);
+  if (focus && !IsWindowVisible(focus)) host().FocusOn(window());
 }
 
 RECT TabStripBinding::PageRoom() const {

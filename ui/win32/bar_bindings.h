@@ -38,6 +38,8 @@ class TabStripBinding final : public ControlBinding {
   void Apply(Aspect aspect) override;
 
  private:
+  void UserSelect(std::size_t index);
+
   TabStrip& tabs_;
 };
 
