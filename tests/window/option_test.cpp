@@ -98,6 +98,17 @@ TEST_F(OptionTest, TabLeavesTheListsOfWords) {
   }
 }
 
+TEST_F(OptionTest, UnseenLabelsNameTheListsOfWords) {
+  Open();
+  for (const auto& [box, name] :
+       {std::pair{IDC_TXTREMOVEFILTER, "Words to remove"}, std::pair{IDC_TXTEXTRACTFILTER, "Words to extract"}}) {
+    const Window label(GetWindow(option.Control(box).handle(), GW_HWNDPREV));
+    EXPECT_EQ(label.ClassName(), "Static");
+    EXPECT_EQ(label.Text(), name);
+    EXPECT_FALSE(GetWindowLongPtrW(label.handle(), GWL_STYLE) & WS_VISIBLE);
+  }
+}
+
 TEST_F(OptionTest, TheLanguageIsStoredAndMentioned) {
   Open();
   EXPECT_THAT(option.Control(IDC_CMBSEARCH).Items(),
