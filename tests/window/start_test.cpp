@@ -79,6 +79,17 @@ TEST(WindowStart, WalkingThroughTheOpenListWithoutAChoiceChangesNothing) {
   EXPECT_THAT(combo.Items(), ElementsAre("www.first.example", "www.second.example"));
 }
 
+TEST(WindowStart, AListThatClosesWithNothingPickedLeavesTheTextAsItWas) {
+  Program program;
+  StoreSetting("ProjectNum", "1");
+  StoreSetting("Project1", "www.first.example");
+  program.Start();
+  const Window combo = program.Main().Control(IDC_CMBURL);
+  ASSERT_TRUE(WaitUntil([&] { return combo.Text() == "www.first.example"; }));
+  combo.Pick(-1);
+  EXPECT_TRUE(WaitUntil([&] { return combo.Text() == "www.first.example"; })) << combo.Text();
+}
+
 TEST(WindowStart, ASecondStartEndsAndLeavesTheFirstAlone) {
   Program program;
   program.Start();

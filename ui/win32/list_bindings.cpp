@@ -120,7 +120,11 @@ bool ComboBoxBinding::OnKey(WPARAM key) {
 void ComboBoxBinding::Picked() {
   pick_posted_ = false;
   const LRESULT index = Send(CB_GETCURSEL);
-  if (index != CB_ERR) combo_.UserPick(static_cast<std::size_t>(index));
+  if (index == CB_ERR) {
+    ShowText();  // the opening list may have completed what was typed, without a word to us
+  } else {
+    combo_.UserPick(static_cast<std::size_t>(index));
+  }
 }
 
 }  // namespace quenlar::ui
