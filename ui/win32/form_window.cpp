@@ -112,6 +112,8 @@ void FormWindow::Show() {
     ShowWindow(window_, SW_RESTORE);
   } else {
     ShowWindow(window_, SW_SHOW);
+    // The first time the system puts the wish of the program that started this one in its place, which may be "hidden".
+    if (!IsWindowVisible(window_)) ShowWindow(window_, SW_SHOW);
   }
   SetForegroundWindow(window_);
 }
