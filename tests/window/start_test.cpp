@@ -143,6 +143,17 @@ TEST(WindowStart, TheHiddenWindowComesBackByTheMenuAsItWas) {
   EXPECT_TRUE(main.Control(IDC_CMDHIDE).Enabled());
 }
 
+TEST(WindowStart, HidingTheWindowLeavesTheMessageInTheStatusBar) {
+  Program program;
+  StoreDefaultsWithoutUpgradeCheck();
+  program.Start();
+  const Window main = program.Main();
+  main.Control(IDC_CMDHIDE).Click();
+  ASSERT_TRUE(WaitUntil([&] { return !main.Visible() && main.Control(IDC_CMDHIDE).Enabled(); }));
+  main.Send(WM_TIMER, 1);  // what the status bar is to show in a moment, it shows now
+  EXPECT_EQ(main.Control(IDC_STSEXTRACT).Panel(1), "Waiting ...");
+}
+
 TEST(WindowStart, TheMinimisedWindowComesBackAsItWas) {
   Program program;
   program.Start();

@@ -24,8 +24,9 @@ class BindingHost {
   // Moves the keyboard focus the way dialogs do, so that the default button follows.
   virtual void FocusOn(HWND control) = 0;
   virtual void FocusNext() = 0;
-  // Whether the window is just getting back the focus that it had, or its first: nobody has gone to a control then.
-  [[nodiscard]] virtual bool restoring_focus() const = 0;
+  // Whether the focus moves without the user's going to a control: the window gets back the focus that it had, or its
+  // first, or the program moves it.
+  [[nodiscard]] virtual bool moving_focus() const = 0;
 };
 
 class ControlBinding {

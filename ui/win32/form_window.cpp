@@ -157,11 +157,15 @@ void FormWindow::RunPosted() {
   task();
 }
 
-void FormWindow::FocusOn(HWND control) {
-  SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
-}
+void FormWindow::FocusOn(HWND control) { MoveFocus(reinterpret_cast<WPARAM>(control), TRUE); }
 
-void FormWindow::FocusNext() { SendMessageW(window_, WM_NEXTDLGCTL, 0, FALSE); }
+void FormWindow::FocusNext() { MoveFocus(0, FALSE); }
+
+void FormWindow::MoveFocus(WPARAM w, LPARAM l) {
+  const bool before = std::exchange(moving_focus_, true);
+  SendMessageW(window_, WM_NEXTDLGCTL, w, l);
+  moving_focus_ = before;
+}
 
 ControlBinding* FormWindow::BindingOf(HWND control) const {
   const auto found = by_window_.find(control);
@@ -228,9 +232,9 @@ INT_PTR FormWindow::OnWindowMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_ACTIVATE:
     case WM_SETFOCUS:
       // The system's own handling gives the focus back; it asks here again, for a change of it.
-      if (std::exchange(restoring_focus_, true)) return FALSE;
+      if (std::exchange(moving_focus_, true)) return FALSE;
       DefDlgProcW(window_, message, w, l);
-      restoring_focus_ = false;
+      moving_focus_ = false;
       return TRUE;
     case WM_GETMINMAXINFO: {
       const SIZE minimum = MinimumSize();

@@ -41,7 +41,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
   void Post(std::function<void()> task) override;
   void FocusOn(HWND control) override;
   void FocusNext() override;
-  [[nodiscard]] bool restoring_focus() const override { return restoring_focus_; }
+  [[nodiscard]] bool moving_focus() const override { return moving_focus_; }
 
  private:
   struct PageWindow {
@@ -67,6 +67,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
   void LayOut();
   void LayOutPages();
   void PlaceItems(HWND parent, const DialogTemplate& layout, SIZE grown);
+  void MoveFocus(WPARAM w, LPARAM l);  // parameters of WM_NEXTDLGCTL
   void FlushAll();
   void RunPosted();
   void Close();
@@ -87,7 +88,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
   TabStripBinding* tabs_ = nullptr;
   std::deque<std::function<void()>> posted_;
   bool flush_requested_ = false;
-  bool restoring_focus_ = false;
+  bool moving_focus_ = false;
 };
 
 }  // namespace quenlar::ui

@@ -108,7 +108,7 @@ void ComboBoxBinding::OnCommand(UINT code) {
   }
   if (code == CBN_SELENDCANCEL) host().Post([this] { ShowText(); });
   if (code == CBN_EDITCHANGE) combo_.UserText(NativeText());
-  if (code == CBN_SETFOCUS && combo_.GotFocus && !host().restoring_focus()) combo_.GotFocus();
+  if (code == CBN_SETFOCUS && combo_.GotFocus && !host().moving_focus()) combo_.GotFocus();
 }
 
 bool ComboBoxBinding::OnKey(WPARAM key) {
