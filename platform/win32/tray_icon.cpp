@@ -23,12 +23,29 @@ NOTIFYICONDATAA TrayRecord(HWND window, HICON icon) {
 
 }  // namespace win32
 
+namespace {
+
+constexpr UINT_PTR kAddTimer = 1;
+constexpr UINT kAddAgainMs = 2000;
+
+}  // namespace
+
 struct Win32TrayIcon::Implementation {
   NOTIFYICONDATAA record;
   HWND window = nullptr;
   UINT taskbar_created = 0;
   bool added = false;
   std::function<void(int message)> callback;
+
+  // A task bar that is too busy, as it is while somebody logs on, does not take the icon, so it is asked again.
+  void Add() {
+    if (!Shell_NotifyIconA(NIM_ADD, &record)) SetTimer(window, kAddTimer, kAddAgainMs, nullptr);
+  }
+
+  // It may have taken the icon too late for an answer, and then takes it no second time.
+  void AddAgain() {
+    if (Shell_NotifyIconA(NIM_MODIFY, &record) || Shell_NotifyIconA(NIM_ADD, &record)) KillTimer(window, kAddTimer);
+  }
 
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
     auto* self = reinterpret_cast<Implementation*>(GetWindowLongPtrW(window, GWLP_USERDATA));
@@ -38,7 +55,8 @@ struct Win32TrayIcon::Implementation {
       if (callback) callback(static_cast<int>(l));
       return 0;
     }
-    if (message == self->taskbar_created && self->added) Shell_NotifyIconA(NIM_ADD, &self->record);
+    if (message == self->taskbar_created && self->added) self->Add();
+    if (message == WM_TIMER && w == kAddTimer) self->AddAgain();
     return DefWindowProcW(window, message, w, l);
   }
 };
@@ -67,14 +85,14 @@ Win32TrayIcon::~Win32TrayIcon() {
   DestroyWindow(implementation_->window);
 }
 
-// Without a task bar this fails, and "TaskbarCreated" makes up for it.
 void Win32TrayIcon::AddTrayIcon() {
   implementation_->added = true;
-  Shell_NotifyIconA(NIM_ADD, &implementation_->record);
+  implementation_->Add();
 }
 
 void Win32TrayIcon::RemoveTrayIcon() {
   if (!std::exchange(implementation_->added, false)) return;
+  KillTimer(implementation_->window, kAddTimer);
   Shell_NotifyIconA(NIM_DELETE, &implementation_->record);
 }
 

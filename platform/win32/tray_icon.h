@@ -7,7 +7,8 @@
 
 namespace quenlar {
 
-// Owns a hidden window, which the icon reports to. Comes back by itself when the task bar is started anew.
+// Owns a hidden window, which the icon reports to. Comes back by itself when the task bar is started anew, and comes
+// later, inside a pump, where the task bar is too busy at first or is not there.
 class Win32TrayIcon final : public TrayIcon {
  public:
   // `icon` is an HICON, which stays the caller's; null takes the system's icon for programs.

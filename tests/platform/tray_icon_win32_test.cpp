@@ -1,6 +1,7 @@
 // The icon in the notification area: the record by which the system knows it, and what the task bar is told.
 #include <gmock/gmock.h>
 
+#include "platform/win32/event_loop.h"
 #include "platform/win32/tray_icon.h"
 #include "platform/win32/tray_record.h"
 #include "support/fake_task_bar_win32.h"
@@ -20,6 +21,12 @@ void StartTaskBarAnew(const Win32TrayIcon& icon) {
 struct TrayIconTest : testing::Test {
   FakeTaskBar bar;
   Win32TrayIcon icon{nullptr};
+
+  void DeliverMessagesUntilAsked(std::size_t times) const {
+    Win32EventLoop loop;
+    const ULONGLONG begun = GetTickCount64();
+    while (bar.asked().size() < times && GetTickCount64() - begun < 60000) loop.Wait(std::chrono::milliseconds(100));
+  }
 };
 
 TEST(TrayRecordTest, TheRecordIsTheOldestFormWithTheIconsHandleAsItsNumber) {
@@ -59,6 +66,36 @@ TEST_F(TrayIconTest, StaysAwayWhenItHasBeenRemovedOrNeverAdded) {
   icon.RemoveTrayIcon();
   StartTaskBarAnew(icon);
   EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_DELETE));
+}
+
+TEST_F(TrayIconTest, IsAddedLaterWhenTheTaskBarIsTooBusy) {
+  bar.SetBusy(true);
+  icon.AddTrayIcon();
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD));
+  DeliverMessagesUntilAsked(3);
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_MODIFY, NIM_ADD));
+  bar.SetBusy(false);
+  DeliverMessagesUntilAsked(5);
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_MODIFY, NIM_ADD, NIM_MODIFY, NIM_ADD));
+  EXPECT_FALSE(KillTimer(WindowOf(icon), 1)) << "asks no more";
+}
+
+TEST_F(TrayIconTest, IsNotAddedTwiceWhenTheTaskBarTookItTooLateForAnAnswer) {
+  icon.AddTrayIcon();
+  bar.SetBusy(true);
+  icon.AddTrayIcon();
+  bar.SetBusy(false);
+  DeliverMessagesUntilAsked(3);
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_ADD, NIM_MODIFY));
+  EXPECT_FALSE(KillTimer(WindowOf(icon), 1)) << "asks no more";
+}
+
+TEST_F(TrayIconTest, IsNotAddedLaterWhenItHasBeenRemovedMeanwhile) {
+  bar.SetBusy(true);
+  icon.AddTrayIcon();
+  icon.RemoveTrayIcon();
+  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_DELETE));
+  EXPECT_FALSE(KillTimer(WindowOf(icon), 1)) << "asks no more";
 }
 
 TEST_F(TrayIconTest, IsRemovedWithItsObject) {

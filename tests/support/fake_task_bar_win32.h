@@ -27,6 +27,16 @@ class FakeTaskBar {
   FakeTaskBar(const FakeTaskBar&) = delete;
   FakeTaskBar& operator=(const FakeTaskBar&) = delete;
 
+  // While it is busy it takes no icon.
+  void SetBusy(bool busy) {
+    const std::lock_guard lock(mutex_);
+    busy_ = busy;
+  }
+
+  [[nodiscard]] bool has_icon() const {
+    const std::lock_guard lock(mutex_);
+    return has_icon_;
+  }
   // NIM_ADD, NIM_DELETE ..., in the order of the calls. A call returns to its caller after it has been written down.
   [[nodiscard]] std::vector<ULONG_PTR> asked() const {
     const std::lock_guard lock(mutex_);
@@ -53,13 +63,18 @@ class FakeTaskBar {
     if (message == WM_DESTROY) PostQuitMessage(0);
     if (!self || message != WM_COPYDATA) return DefWindowProcW(window, message, w, l);
     const std::lock_guard lock(self->mutex_);
-    self->asked_.push_back(reinterpret_cast<const COPYDATASTRUCT*>(l)->dwData);
-    return TRUE;
+    const ULONG_PTR asked = reinterpret_cast<const COPYDATASTRUCT*>(l)->dwData;
+    self->asked_.push_back(asked);
+    if (asked == NIM_ADD && !self->busy_) self->has_icon_ = true;
+    if (asked == NIM_DELETE) self->has_icon_ = false;
+    return self->has_icon_ && !self->busy_;
   }
 
   std::thread thread_;
   HWND window_ = nullptr;
   mutable std::mutex mutex_;
+  bool busy_ = false;
+  bool has_icon_ = false;
   std::vector<ULONG_PTR> asked_;
 };
 

@@ -121,6 +121,16 @@ TEST(WindowStart, TheIconStandsInTheNotificationAreaUntilTheExit) {
   EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_DELETE));
 }
 
+TEST(WindowStart, TheIconComesLaterWhereTheTaskBarIsTooBusyAtFirst) {
+  FakeTaskBar bar;
+  bar.SetBusy(true);
+  Program program;
+  program.Start();
+  ASSERT_TRUE(WaitUntil([&] { return !bar.asked().empty(); }));
+  bar.SetBusy(false);
+  EXPECT_TRUE(WaitUntil([&] { return bar.has_icon(); }));
+}
+
 TEST(WindowStart, ALeftOrDoubleClickOnTheIconDoesNothing) {
   Program program;
   program.Start();
