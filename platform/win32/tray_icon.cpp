@@ -75,7 +75,9 @@ Win32TrayIcon::Win32TrayIcon(void* icon) : implementation_(std::make_unique<Impl
   self.taskbar_created = RegisterWindowMessageW(L"TaskbarCreated");
   SetWindowLongPtrW(self.window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&self));
   // The task bar runs with fewer rights than a program started as administrator.
-  ChangeWindowMessageFilterEx(self.window, self.taskbar_created, MSGFLT_ALLOW, nullptr);
+  for (const UINT message : {self.taskbar_created, win32::kTrayCallbackMessage}) {
+    ChangeWindowMessageFilterEx(self.window, message, MSGFLT_ALLOW, nullptr);
+  }
   self.record = win32::TrayRecord(self.window, icon ? static_cast<HICON>(icon) : LoadIconW(nullptr, IDI_APPLICATION));
 }
 
