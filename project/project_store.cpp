@@ -70,8 +70,7 @@ void ProjectStore::Open(const std::string& typed) {
   const std::uint64_t opening = ++openings_;
   project_view_.EnableDelete(false);
   project_.ProjectLoaded = false;
-  FinishSave(report_);
-  FinishSave(data_);
+  FinishSaves();
   if (NameProject(project_, typed, settings_, site_) == NamingOutcome::kUnknownSuffix) {
     platform_.boxes.Show(kUnknownSuffixText, kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
     if (opening == openings_) project_view_.SetInputText(typed.substr(0, typed.find('_')));
@@ -164,15 +163,16 @@ Status ProjectStore::WriteData() { return Write(data_); }
 Status ProjectStore::WriteReport() { return Write(report_); }
 
 // Pumps, unless a save of the report is under way: that one began too early, so it is ended and the next one made.
-void ProjectStore::BringReportUpToDate() {
-  if (!ReportIsBehind()) return;
-  if (report_.under_way == nullptr) {
-    WriteReport().Ignore("the report's own save follows, and tells it");
-  } else {
-    report_.again = true;
-    FinishSave(report_);
-  }
+Status ProjectStore::BringReportUpToDate() {
+  if (!ReportIsBehind()) return Status::Ok();
+  if (report_.under_way == nullptr) return WriteReport();
+  report_.again = true;
+  return FinishSave(report_);
 }
+
+// Without its addresses on the disk no page may leave the data file, save where the report can never hold them: a run
+// with more of them than a report takes could not be continued then.
+bool ProjectStore::KeepsDataBack(const Status& report) { return !report.ok() && report.kind() != StatusKind::kLimit; }
 
 bool ProjectStore::ReportIsBehind() const {
   const std::uint32_t count = project_.found.Count();
@@ -217,8 +217,8 @@ Status ProjectStore::WriteOnce(Save& save) {
     auto started = Start(save);
     if (!started.ok()) return Sentence(started.status(), path, "saved");
     RecordWriter& writer = *started.value();
-    Advance(save, writer);
-    return Commit(save, writer, path);
+    const Status advanced = Advance(save, writer);
+    return advanced.ok() ? Commit(save, writer, path) : advanced;
   } catch (const std::bad_alloc&) {
     return Sentence({StatusKind::kFailed, kNoMemory}, path, "saved");
   }
@@ -228,16 +228,23 @@ Status ProjectStore::WriteOnce(Save& save) {
 //
 // A data file drops the links of the pages that were done when its save began. Their addresses must be on the disk
 // before it is, so that a program that dies between the two visits a page again instead of losing what it found there.
-void ProjectStore::Advance(Save& save, RecordWriter& writer) {
+Status ProjectStore::Advance(Save& save, RecordWriter& writer) {
   const auto over = [&save](RecordWriter* mine) {
     if (save.under_way == mine) save.under_way = nullptr;
   };
   const std::unique_ptr<RecordWriter, decltype(over)> under_way(save.under_way = &writer, over);
-  if (save.file == File::kData) BringReportUpToDate();
+  if (save.file == File::kData) {
+    const Status report = BringReportUpToDate();
+    if (KeepsDataBack(report)) {
+      writer.Discard();
+      return report;
+    }
+  }
   while (writer.Advance()) {
     pump_();
     writer.Write();
   }
+  return Status::Ok();
 }
 
 Result<std::unique_ptr<RecordWriter>> ProjectStore::Start(Save& save) {
@@ -274,33 +281,37 @@ Status ProjectStore::Replace(Save& save, RecordWriter& writer, const std::string
   return Sentence(status, path, "saved");
 }
 
-// Brings the save that is under way to its end, and the one that was asked for meanwhile, without pumping.
-void ProjectStore::FinishSave(Save& save) {
-  if (save.under_way == nullptr) return;
+// Brings the save that is under way to its end, or makes the one that was asked for meanwhile, without pumping.
+Status ProjectStore::FinishSave(Save& save) {
+  if (save.under_way == nullptr) return Status::Ok();
   RecordWriter& writer = *std::exchange(save.under_way, nullptr);
   writer.FinishNow();
-  Show(Commit(save, writer, PathOf(save)));
-  if (std::exchange(save.again, false)) WriteWithoutPumping(save);
+  const Status committed = Commit(save, writer, PathOf(save));
+  return std::exchange(save.again, false) ? WriteWithoutPumping(save) : committed;
 }
 
-void ProjectStore::WriteWithoutPumping(Save& save) {
+void ProjectStore::FinishSaves() {
+  const Status report = FinishSave(report_);
+  Show(report);
+  if (KeepsDataBack(report) && data_.under_way != nullptr) std::exchange(data_.under_way, nullptr)->Discard();
+  Show(FinishSave(data_));
+}
+
+Status ProjectStore::WriteWithoutPumping(Save& save) {
   auto started = Start(save);
-  if (started.ok()) {
-    started.value()->FinishNow();
-    Show(Commit(save, *started.value(), PathOf(save)));
-  } else {
-    Show(Sentence(started.status(), PathOf(save), "saved"));
-  }
+  if (!started.ok()) return Sentence(started.status(), PathOf(save), "saved");
+  started.value()->FinishNow();
+  return Commit(save, *started.value(), PathOf(save));
 }
 
 void ProjectStore::SaveAtOnce() {
   if (project_.DataFile.empty()) return;
   FinishLoading();
   report_.again = data_.again = false;
-  FinishSave(report_);
-  if (ReportIsBehind()) WriteWithoutPumping(report_);
-  FinishSave(data_);
-  WriteWithoutPumping(data_);
+  FinishSaves();
+  const Status report = ReportIsBehind() ? WriteWithoutPumping(report_) : Status::Ok();
+  Show(report);
+  if (!KeepsDataBack(report)) Show(WriteWithoutPumping(data_));
 }
 
 Status ProjectStore::DeleteFiles() {

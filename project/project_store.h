@@ -81,14 +81,16 @@ class ProjectStore final : public PeriodicSaver {
   [[nodiscard]] const std::string& PathOf(const Save& save) const;
   Status Write(Save& save);
   Status WriteOnce(Save& save);
-  void Advance(Save& save, RecordWriter& writer);
+  [[nodiscard]] Status Advance(Save& save, RecordWriter& writer);
   [[nodiscard]] Result<std::unique_ptr<RecordWriter>> Start(Save& save);
   Status Commit(Save& save, RecordWriter& writer, const std::string& path);
   Status Replace(Save& save, RecordWriter& writer, const std::string& path);
-  void FinishSave(Save& save);
-  void WriteWithoutPumping(Save& save);
+  Status FinishSave(Save& save);
+  void FinishSaves();
+  Status WriteWithoutPumping(Save& save);
   void Show(const Status& failure);
-  void BringReportUpToDate();
+  Status BringReportUpToDate();
+  [[nodiscard]] static bool KeepsDataBack(const Status& report);
   [[nodiscard]] bool ReportIsBehind() const;
 
   void Open(const std::string& typed);

@@ -84,11 +84,37 @@ TEST_F(ReportBeforeData, AProjectWithoutAddressesGetsNoReport) {
   EXPECT_EQ(Report(), "(none)");
 }
 
-TEST_F(ReportBeforeData, AReportThatCannotBeWrittenDoesNotKeepTheDataFileBack) {
-  Find("a@h.example.org");
+TEST_F(ReportBeforeData, AReportThatCannotBeWrittenKeepsTheDataFileAsItWas) {
+  AddLinksInFlight({"http://first", "http://second"});
+  store_.SaveProjectData();
+  const std::string before = Data();
+  Visit(0, "first@h.example.org");
   fakes_.files.Protect("/home/report");
+  const Status saved = store_.WriteData();
+  EXPECT_FALSE(saved.ok());
+  EXPECT_NE(saved.message().find("h_example.rpt cannot be saved"), std::string::npos) << saved.message();
+  EXPECT_EQ(Data(), before);
+  EXPECT_EQ(fakes_.files.AllFiles().size(), 1u) << "nothing is left of a save that was given up";
+}
+
+TEST_F(ReportBeforeData, AReportThatCannotBeWrittenAtTheProgramsEndKeepsTheDataFileAsItWas) {
+  AddLinksInFlight({"http://first", "http://second"});
+  store_.SaveProjectData();
+  const std::string before = Data();
+  Visit(0, "first@h.example.org");
+  fakes_.files.Protect("/home/report");
+  store_.SaveAtOnce();
+  EXPECT_EQ(Data(), before);
+}
+
+TEST_F(ReportBeforeData, ARunWithMoreAddressesThanAReportHoldsCanBeContinued) {
+  AddLinksInFlight({"http://first", "http://second"});
+  Visit(0, "first@h.example.org");
+  for (int i = 0; i < 32768; ++i) Find((std::to_string(i) + "@h.example.org").c_str());
   EXPECT_TRUE(store_.WriteData().ok());
-  EXPECT_TRUE(fakes_.files.FileExists(project_.DataFile));
+  EXPECT_EQ(store_.WriteReport().message(), "Overflow !");
+  EXPECT_EQ(Data().find("http://first"), std::string::npos);
+  EXPECT_NE(Data().find("http://second"), std::string::npos);
 }
 
 // --- Pages that end while something is saved ---

@@ -97,6 +97,18 @@ TEST_F(MainWindowRun, ARunThatEndsInsideTheSearchPhaseLeavesExportDisabled) {
   EXPECT_TRUE(extract.cmdDelete.enabled()) << "a project is saved";
 }
 
+TEST_F(MainWindowRun, AReportThatCannotBeSavedAtTheEndIsToldOnceAndKeepsTheLinksOfItsPages) {
+  Start();
+  Type("www.cars.test");
+  engine.settings.StopNumber = 1;
+  files.Protect("/home/report");
+  extract.cmdExtract.Click();
+  FinishRun();
+  ASSERT_EQ(boxes.shown.size(), 2u) << testing::PrintToString(boxes.texts());
+  EXPECT_THAT(boxes.shown[1].text, HasSubstr("cars_test.rpt cannot be saved"));
+  EXPECT_FALSE(files.FileExists("/home/data/cars_test.dat")) << "a later run begins anew";
+}
+
 // --- Stopping ---
 
 TEST_F(MainWindowRun, PressingStopEndsTheRunAndKeepsItsLinks) {

@@ -297,9 +297,17 @@ void frmExtract::ShowEnd(const std::string& reason) {
   for (const std::string& message : std::exchange(after_run_, {})) Warn(message);
 }
 
-void frmExtract::SaveDataAtEnd() { WarnOnFailure(context_.engine.projects.WriteData()); }
+void frmExtract::SaveDataAtEnd() {
+  const Status saved = context_.engine.projects.WriteData();
+  WarnOnFailure(saved);
+  data_failure_ = saved.message();
+}
 
-void frmExtract::SaveReportAtEnd() { WarnOnFailure(context_.engine.projects.WriteReport()); }
+// The data file fails with the report before it; that is told once.
+void frmExtract::SaveReportAtEnd() {
+  const Status saved = context_.engine.projects.WriteReport();
+  if (saved.message() != data_failure_) WarnOnFailure(saved);
+}
 
 void frmExtract::RestoreIdle(bool enable_export) {
   cmdExtract.SetText(kExtractCaption);

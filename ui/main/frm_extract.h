@@ -109,6 +109,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   bool exporting_ = false;  // the report is being written for the editor
   int opening_ = 0;         // projects being opened, one inside the other
   std::vector<std::string> after_run_;
+  std::string data_failure_;  // of the data file's save at the end of the run
 };
 
 }  // namespace quenlar
