@@ -148,6 +148,28 @@ TEST_F(ListTest, TheWindowKeepsItsSmallestSizeAndThePlacesFollow) {
   }
 }
 
+TEST_F(ListTest, AColumnStaysWideEnoughToBeSeenAndGetsItsWidthBackWithTheWindow) {
+  OpenWith({"b@x.test"});
+  const Window main = program.Main();
+  const auto resize = [&](int width) {
+    SetWindowPos(main.handle(), nullptr, 0, 0, width, 500, SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
+    ASSERT_TRUE(WaitUntil([&] { return main.Place().right - main.Place().left == width; }));
+    main.Send(WM_NULL);
+  };
+  const auto widths = [&] { return std::vector{list.ColumnWidth(1), list.ColumnWidth(2), list.ColumnWidth(3)}; };
+  resize(700);
+  const std::vector<int> narrow = widths();
+  resize(1200);
+  list.Send(LVM_SETCOLUMNWIDTH, 2, 50);
+  list.Send(LVM_SETCOLUMNWIDTH, 3, 5);
+  const std::vector<int> wide = widths();
+  resize(700);
+  EXPECT_THAT(widths(), ElementsAre(narrow[0], 40, 5));
+  resize(602);
+  resize(1200);
+  EXPECT_EQ(widths(), wide);
+}
+
 TEST_F(ListTest, AnotherResolutionScalesTheWindowAndItsPlaces) {
   OpenWith({"b@x.test"});
   const Window main = program.Main();

@@ -12,6 +12,9 @@ namespace {
 // The native list shows no more of a cell than this.
 constexpr std::size_t kShownUnits = 259;
 
+// A column becomes no narrower with the window, at 96 dots per inch, unless the user has made it so.
+constexpr int kLeastWidth = 40;
+
 }  // namespace
 
 ListViewBinding::ListViewBinding(ListView& list, HWND window, BindingHost& host)
@@ -39,20 +42,25 @@ void ListViewBinding::AddColumns() {
     column.cx = Scaled(list_.columns[i].width);
     column.iSubItem = static_cast<int>(i);
     Send(LVM_INSERTCOLUMNW, i, &column);
+    widths_.push_back({column.cx, std::min(column.cx, Scaled(kLeastWidth)), column.cx});
   }
 }
 
 // What the window is wider than at its smallest goes to all columns but the first, in equal shares; what the user has
-// made of the widths by hand stays, and grows with the resolution.
+// made of the widths by hand stays, and grows with the resolution. A width comes back with the window's.
 void ListViewBinding::OnPlaced(int grown) {
-  const int columns = static_cast<int>(list_.columns.size());
+  const int columns = static_cast<int>(widths_.size());
   for (int i = 0; i < columns; ++i) {
     const auto share = [&](int pixels) {
       return i == 0 ? 0 : pixels * i / (columns - 1) - pixels * (i - 1) / (columns - 1);
     };
+    ColumnWidth& width = widths_[static_cast<std::size_t>(i)];
     const int now = static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
-    const int own = MulDiv(now - share(grown_), host().dpi(), dpi_);
-    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(i), std::max(own + share(grown), 0));
+    if (now != width.shown) width = {now - share(grown_), std::min(now, MulDiv(kLeastWidth, dpi_, 96)), now};
+    width.own = MulDiv(width.own, host().dpi(), dpi_);
+    width.least = MulDiv(width.least, host().dpi(), dpi_);
+    width.shown = std::max(width.own + share(grown), width.least);
+    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(i), width.shown);
   }
   grown_ = grown;
   dpi_ = host().dpi();

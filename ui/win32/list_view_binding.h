@@ -1,6 +1,9 @@
 // Binding of a virtual report list: it keeps no cell, it asks the model for those that are seen.
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "ui/row_order.h"
 #include "ui/win32/control_binding.h"
 
@@ -35,6 +38,12 @@ class ListViewBinding final : public ControlBinding {
 
   ListView& list_;
   RowOrder order_;
+  struct ColumnWidth {
+    int own;    // without the share of what the window has grown; negative for one made narrower than that share
+    int least;  // it is shown no narrower
+    int shown;  // as last set; another width is the user's
+  };
+  std::vector<ColumnWidth> widths_;
   int grown_ = 0;
   int dpi_;  // for which the columns have their widths
 };
