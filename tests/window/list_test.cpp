@@ -32,6 +32,7 @@ struct ListTest : testing::Test {
     list = program.Main().Control(IDC_LSTMAIL);
     ASSERT_TRUE(WaitUntil([&] { return list.Rows() == static_cast<int>(addresses.size()); })) << list.Rows();
   }
+  [[nodiscard]] static Window Menu() { return Window(FindWindowW(L"#32768", nullptr)); }
   void ClickColumn(int column) const {
     const Window header(reinterpret_cast<HWND>(list.Send(LVM_GETHEADER)));
     int left = 0;
@@ -85,14 +86,37 @@ TEST_F(ListTest, TheContextMenuCopiesTheMarkedAddressesAsTheyAreShown) {
   ASSERT_THAT(list.MarkedRows(), ElementsAre(0, 2));
   ClearClipboard();
   list.MouseRightClick(list.RowPlace(0));
-  const auto menu = [] {
-    const HWND found = FindWindowW(L"#32768", nullptr);
-    return found && IsWindowVisible(found);
-  };
-  ASSERT_TRUE(WaitUntil(menu));
+  ASSERT_TRUE(WaitUntil([] { return Menu().Visible(); }));
   program.Main().PressLetter('a');
-  ASSERT_TRUE(WaitUntil([&] { return !menu(); }));
+  ASSERT_TRUE(WaitUntil([] { return !Menu().Visible(); }));
   EXPECT_TRUE(WaitUntil([] { return ClipboardText() == "a@x.test\r\nc@x.test"; })) << ClipboardText();
+}
+
+TEST_F(ListTest, TheContextMenuOfTheKeyboardOpensAtTheFocusedRowOrAtTheEdgeNearestToIt) {
+  constexpr int kRows = 200;
+  std::vector<std::string> addresses;
+  for (int i = 0; i < kRows; ++i) addresses.push_back("user" + std::to_string(i) + "@x.test");
+  OpenWith(addresses);
+  const auto opens_at = [&](POINT place) {
+    ClientToScreen(list.handle(), &place);
+    PostMessageW(list.handle(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list.handle()), MAKELPARAM(-1, -1));
+    ASSERT_TRUE(WaitUntil([] { return Menu().Visible(); }));
+    const RECT menu = Menu().Place();
+    program.Main().Press(VK_ESCAPE);
+    ASSERT_TRUE(WaitUntil([] { return !Menu().Visible(); }));
+    EXPECT_NEAR(menu.left, place.x, 4);
+    EXPECT_NEAR(menu.top, place.y, 4);
+  };
+  const int row = kRows - 9;
+  list.MarkRow(1);
+  list.MarkRow(row);
+  list.Send(LVM_ENSUREVISIBLE, kRows - 1, FALSE);
+  const POINT middle = list.RowPlace(row), next = list.RowPlace(row + 1);
+  opens_at({middle.x, (middle.y + next.y) / 2});
+  list.MarkRow(0);
+  list.Send(LVM_ENSUREVISIBLE, kRows - 1, FALSE);
+  ASSERT_LT(list.RowPlace(0).y, 0) << "above what is seen";
+  opens_at({middle.x, 0});
 }
 
 TEST_F(ListTest, CtrlAMarksEveryRowAndCtrlCCopiesTheirAddresses) {

@@ -221,10 +221,15 @@ bool ListViewBinding::OnKey(WPARAM key) {
 
 void ListViewBinding::SelectAll() { ListView_SetItemState(window(), -1, LVIS_SELECTED, LVIS_SELECTED); }
 
-// The model knows one row: the one with the focus mark, as long as it is marked, else the first that is.
+// The row with the focus mark, as long as it is marked, else the first that is; below 0 without any.
+int ListViewBinding::SelectedPosition() const {
+  const LRESULT focused = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED | LVNI_FOCUSED);
+  return static_cast<int>(focused >= 0 ? focused : Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+// The model knows one row.
 void ListViewBinding::TellSelection() {
-  int position = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED | LVNI_FOCUSED));
-  if (position < 0) position = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+  const int position = SelectedPosition();
   if (position < 0 || static_cast<std::uint32_t>(position) >= order_.rows()) {
     list_.UserSelect(std::nullopt);
   } else {
@@ -247,14 +252,15 @@ void ListViewBinding::Run(const ListView::Command& command) {
   if (!rows.empty() && command.run) command.run(rows);
 }
 
-// Without marked rows there is nothing to do and no menu. From the keyboard the menu opens at the focused row.
+// Without marked rows there is nothing to do and no menu. From the keyboard the menu opens at the row that the model
+// knows, or at the edge of the list that is nearest to it.
 void ListViewBinding::OnContextMenu(POINT place) {
   if (list_.commands.empty() || Send(LVM_GETSELECTEDCOUNT) == 0) return;
   if (place.x == -1 && place.y == -1) {
-    RECT row{};
-    const auto focused = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-    ListView_GetItemRect(window(), focused, &row, LVIR_LABEL);
-    place = {row.left, row.bottom};
+    RECT row{}, inside{};
+    ListView_GetItemRect(window(), SelectedPosition(), &row, LVIR_LABEL);
+    GetClientRect(window(), &inside);
+    place = {std::clamp(row.left, inside.left, inside.right), std::clamp(row.bottom, inside.top, inside.bottom)};
     ClientToScreen(window(), &place);
   }
   const HMENU menu = CreatePopupMenu();

@@ -30,6 +30,7 @@ class ListViewBinding final : public ControlBinding {
   LRESULT Draw(NMLVCUSTOMDRAW& draw) const;
   int FindText(const NMLVFINDITEMW& wanted) const;
   void OnMouseButton(const NMITEMACTIVATE& click);
+  [[nodiscard]] int SelectedPosition() const;
   void TellSelection();
   void SelectAll();
   [[nodiscard]] std::vector<std::uint32_t> MarkedRows() const;
