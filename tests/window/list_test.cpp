@@ -77,6 +77,27 @@ TEST_F(ListTest, MarkedRowsStayMarkedWhenARunAddsRowsToASortedList) {
   EXPECT_TRUE(WaitUntil([&] { return list.MarkedRows() == std::vector<int>{2}; }));
 }
 
+TEST_F(ListTest, TheFocusMarkAndTheAnchorFollowTheirRowsWhenARunAddsRowsToASortedList) {
+  Site site;
+  for (const char* root : {"http://www.cars.example", "http://www.cars.example/"}) {
+    site.SetPage(root, "<title>Cars</title> Write to a@x.test <p>");
+  }
+  StoreDefaultsWithoutUpgradeCheck();
+  program.SetProxy(site);
+  OpenWith({"d@x.test", "c@x.test", "b@x.test"});
+  ClickColumn(1);
+  ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "b@x.test"; }));
+  list.MarkRow(2);
+  list.MarkRow(0);
+  list.Send(LVM_SETSELECTIONMARK, 0, 1);
+  program.Main().Control(IDC_CMDEXTRACT).Click();
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 4; }));
+  EXPECT_TRUE(WaitUntil([&] { return list.MarkedRows() == std::vector<int>{1, 3}; }));
+  EXPECT_TRUE(WaitUntil([&] { return list.Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED) == 1; }));
+  EXPECT_TRUE(WaitUntil([&] { return list.Send(LVM_GETSELECTIONMARK) == 2; }));
+}
+
 TEST_F(ListTest, TheContextMenuCopiesTheMarkedAddressesAsTheyAreShown) {
   OpenWith({"b@x.test", "c@x.test", "a@x.test"});
   ClickColumn(1);

@@ -85,22 +85,34 @@ void ListViewBinding::Flush() {
   if (list_.rows() == before) return;
   const bool grew = list_.rows() > before;
   const bool grew_at_end = grew && !order_.key();
-  const std::vector<std::uint32_t> marked = grew && !grew_at_end ? MarkedRows() : std::vector<std::uint32_t>();
+  const Marks marks = grew && !grew_at_end ? TakeMarks() : Marks();
   order_.SetRows(list_.rows());
   Send(LVM_SETITEMCOUNT, list_.rows(),
        static_cast<LPARAM>(grew_at_end ? LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL : LVSICF_NOSCROLL));
-  if (!grew_at_end) MarkOnly(marked);
+  if (!grew_at_end) MarkOnly(marks);
+}
+
+ListViewBinding::Marks ListViewBinding::TakeMarks() const {
+  const auto row_at = [&](LRESULT position) {
+    const auto place = static_cast<std::uint32_t>(position);
+    return position >= 0 && place < order_.rows() ? std::optional(order_.RowAt(place)) : std::nullopt;
+  };
+  return {MarkedRows(), row_at(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED)),
+          row_at(Send(LVM_GETSELECTIONMARK))};
 }
 
 // A few marked rows stay marked at their new places; following very many would take long and show little.
-void ListViewBinding::MarkOnly(const std::vector<std::uint32_t>& rows) {
+void ListViewBinding::MarkOnly(const Marks& marks) {
   constexpr std::size_t kFollowed = 32;
+  const auto position_of = [&](std::uint32_t row) { return static_cast<int>(order_.PositionOf(row)); };
   ListView_SetItemState(window(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-  if (rows.size() > kFollowed) return;
-  for (const std::uint32_t row : rows) {
-    const int position = static_cast<int>(order_.PositionOf(row));
-    ListView_SetItemState(window(), position, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  if (marks.rows.size() <= kFollowed) {
+    for (const std::uint32_t row : marks.rows) {
+      ListView_SetItemState(window(), position_of(row), LVIS_SELECTED, LVIS_SELECTED);
+    }
   }
+  if (marks.focused) ListView_SetItemState(window(), position_of(*marks.focused), LVIS_FOCUSED, LVIS_FOCUSED);
+  Send(LVM_SETSELECTIONMARK, 0, marks.anchor ? position_of(*marks.anchor) : -1);
 }
 
 LRESULT ListViewBinding::OnNotify(const NMHDR& header) {
@@ -174,11 +186,11 @@ int ListViewBinding::FindText(const NMLVFINDITEMW& wanted) const {
 
 void ListViewBinding::SortBy(int column) {
   Flush();
-  const std::vector<std::uint32_t> marked = MarkedRows();
+  const Marks marks = TakeMarks();
   order_.SortBy(column);
   ShowSortArrow();
-  MarkOnly(marked);
-  if (Send(LVM_GETSELECTEDCOUNT) > 0) Send(LVM_ENSUREVISIBLE, order_.PositionOf(marked.front()), FALSE);
+  MarkOnly(marks);
+  if (Send(LVM_GETSELECTEDCOUNT) > 0) Send(LVM_ENSUREVISIBLE, order_.PositionOf(marks.rows.front()), FALSE);
   InvalidateRect(window(), nullptr, TRUE);
 }
 

@@ -34,7 +34,14 @@ class ListViewBinding final : public ControlBinding {
   void TellSelection();
   void SelectAll();
   [[nodiscard]] std::vector<std::uint32_t> MarkedRows() const;
-  void MarkOnly(const std::vector<std::uint32_t>& rows);
+  // What the user has done with the rows, by the table's rows, not by their places in the list.
+  struct Marks {
+    std::vector<std::uint32_t> rows;
+    std::optional<std::uint32_t> focused;
+    std::optional<std::uint32_t> anchor;  // from which Shift marks
+  };
+  [[nodiscard]] Marks TakeMarks() const;
+  void MarkOnly(const Marks& marks);
   void Run(const ListView::Command& command);
 
   ListView& list_;
