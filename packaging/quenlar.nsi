@@ -1,5 +1,6 @@
 ; The installer: for one user, without administrator's rights, since projects and reports lie below the program's
-; folder. Silent with /S; another folder with /D=C:\folder as the last argument. Exit status 2: Quenlar is running.
+; folder. Silent with /S; another folder with /D=C:\folder as the last argument. Exit status 2: Quenlar is running, or a
+; file to be replaced is in use.
 ;
 ; Given on the command line: VERSION, SOURCE (folder of the files to install), OUTPUT (the installer to write).
 
@@ -8,6 +9,7 @@ Target amd64-unicode
 ManifestDPIAware true
 SetCompressor /SOLID lzma
 RequestExecutionLevel user
+AllowSkipFiles off  ; a silent installation would leave a file that is in use as it is and end with 0
 
 !include MUI2.nsh
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/win32/handle.h"
 #include "run/end_reasons.h"
 #include "ui/win32/resource.h"
 #include "window/program.h"
@@ -92,6 +93,16 @@ TEST_F(InstallerTest, InstallingAgainReplacesTheProgramAndKeepsTheProjects) {
   EXPECT_EQ(program.ReadFile("data/mine.dat"), "mine");
   program.Start();
   EXPECT_TRUE(program.Main().Visible());
+}
+
+TEST_F(InstallerTest, AFileThatIsInUseStopsTheInstallation) {
+  ASSERT_EQ(RunAndWait(installer), 0);
+  win32::Handle in_use(CreateFileW((folder / "quenlar-cli.exe").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                   OPEN_EXISTING, 0, nullptr));
+  ASSERT_TRUE(in_use.valid());
+  EXPECT_EQ(RunAndWait(installer), 2);
+  in_use.Close();
+  EXPECT_EQ(RunAndWait(installer), 0);
 }
 
 }  // namespace
