@@ -41,11 +41,14 @@ VIAddVersionKey "LegalCopyright" "See LICENSE.txt"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
-; The program holds a named mutex for as long as it runs, also while it is only an icon in the notification area.
+; The program holds a named mutex for as long as it runs, also while it is only an icon in the notification area. Who may
+; not open it (5, access denied) sees the program of an administrator or of another user.
 !macro RefuseWhileRunning UN
 Function ${UN}RefuseWhileRunning
-  System::Call 'kernel32::OpenMutexW(i 0x100000, i 0, w "Local\QuenlarInstance") p .r0'
+  System::Call 'kernel32::OpenMutexW(i 0x100000, i 0, w "Local\QuenlarInstance") p .r0 ?e'
+  Pop $1
   ${If} $0 P<> 0
+  ${OrIf} $1 = 5
     System::Call 'kernel32::CloseHandle(p r0)'
     MessageBox MB_OK|MB_ICONEXCLAMATION "Quenlar is running. Please choose Exit in the menu of its icon first." /SD IDOK
     SetErrorLevel 2

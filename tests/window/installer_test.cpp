@@ -105,5 +105,26 @@ TEST_F(InstallerTest, AFileThatIsInUseStopsTheInstallation) {
   EXPECT_EQ(RunAndWait(installer), 0);
 }
 
+// As that of a program that the system or an administrator has started.
+TEST_F(InstallerTest, AProgramOfAnotherUserCountsAsRunning) {
+  alignas(SID) std::byte system[SECURITY_MAX_SID_SIZE];
+  DWORD bytes = sizeof system;
+  ASSERT_TRUE(CreateWellKnownSid(WinLocalSystemSid, nullptr, system, &bytes));
+  SECURITY_DESCRIPTOR others;
+  ACL nobody;
+  ASSERT_TRUE(InitializeSecurityDescriptor(&others, SECURITY_DESCRIPTOR_REVISION));
+  ASSERT_TRUE(SetSecurityDescriptorOwner(&others, system, FALSE));
+  ASSERT_TRUE(SetSecurityDescriptorGroup(&others, system, FALSE));
+  ASSERT_TRUE(InitializeAcl(&nobody, sizeof nobody, ACL_REVISION));
+  ASSERT_TRUE(SetSecurityDescriptorDacl(&others, TRUE, &nobody, FALSE));
+  SECURITY_ATTRIBUTES attributes{sizeof attributes, &others, FALSE};
+  const win32::Handle running(CreateMutexW(&attributes, FALSE, L"Local\\QuenlarInstance"));
+  ASSERT_TRUE(running.valid());
+  const win32::Handle opened(OpenMutexW(SYNCHRONIZE, FALSE, L"Local\\QuenlarInstance"));
+  ASSERT_FALSE(opened.valid());
+  EXPECT_EQ(RunAndWait(installer), 2);
+  EXPECT_FALSE(fs::exists(folder / "Quenlar.exe"));
+}
+
 }  // namespace
 }  // namespace quenlar::window_test
