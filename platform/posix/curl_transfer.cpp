@@ -24,14 +24,30 @@ bool AddWithinMemory(bool& malformed, Add add) {
 
 CurlTransfer::CurlTransfer(const CurlPageFetcher::Options& options, curl_slist* headers,
                            std::vector<std::uint64_t>& arrivals)
-    : handle_(curl_easy_init()), arrivals_(arrivals) {
-  if (handle_ == nullptr) return;
+    : handle_(curl_easy_init()), options_(options), headers_(headers), arrivals_(arrivals) {}
+
+CurlTransfer::~CurlTransfer() { curl_easy_cleanup(handle_); }
+
+bool CurlTransfer::Prepare(const WireAddress& address, std::uint64_t download) {
+  head_ = AnswerHead();
+  decoder_.reset();
+  body_.clear();
+  redirect_bytes_ = 0;
+  malformed_ = false;
+  download_ = download;
+  if (handle_ == nullptr) return false;
+  curl_easy_reset(handle_);
+  SetOptions();
+  return curl_easy_setopt(handle_, CURLOPT_URL, address.Url().c_str()) == CURLE_OK;
+}
+
+void CurlTransfer::SetOptions() {
   curl_easy_setopt(handle_, CURLOPT_PRIVATE, this);
   curl_easy_setopt(handle_, CURLOPT_HEADERFUNCTION, &OnHeader);
   curl_easy_setopt(handle_, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(handle_, CURLOPT_WRITEFUNCTION, &OnBody);
   curl_easy_setopt(handle_, CURLOPT_WRITEDATA, this);
-  curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, headers);
+  curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, headers_);
   curl_easy_setopt(handle_, CURLOPT_USERAGENT, "Mozilla/5.0 (compatible; Quenlar/3.0)");
   curl_easy_setopt(handle_, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(handle_, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
@@ -45,24 +61,12 @@ CurlTransfer::CurlTransfer(const CurlPageFetcher::Options& options, curl_slist* 
   curl_easy_setopt(handle_, CURLOPT_MAXAGE_CONN, kIdleSeconds);
   curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYHOST, 2L);
-  if (!options.authorities.empty()) curl_easy_setopt(handle_, CURLOPT_CAINFO, options.authorities.c_str());
-  if (options.proxy_source != CurlPageFetcher::ProxySource::kEnvironment) {
-    const bool given = options.proxy_source == CurlPageFetcher::ProxySource::kGiven;
-    curl_easy_setopt(handle_, CURLOPT_PROXY, given ? options.proxy.c_str() : "");
+  if (!options_.authorities.empty()) curl_easy_setopt(handle_, CURLOPT_CAINFO, options_.authorities.c_str());
+  if (options_.proxy_source != CurlPageFetcher::ProxySource::kEnvironment) {
+    const bool given = options_.proxy_source == CurlPageFetcher::ProxySource::kGiven;
+    curl_easy_setopt(handle_, CURLOPT_PROXY, given ? options_.proxy.c_str() : "");
     curl_easy_setopt(handle_, CURLOPT_NOPROXY, given ? "" : "*");
   }
-}
-
-CurlTransfer::~CurlTransfer() { curl_easy_cleanup(handle_); }
-
-bool CurlTransfer::Prepare(const WireAddress& address, std::uint64_t download) {
-  head_ = AnswerHead();
-  decoder_.reset();
-  body_.clear();
-  redirect_bytes_ = 0;
-  malformed_ = false;
-  download_ = download;
-  return handle_ != nullptr && curl_easy_setopt(handle_, CURLOPT_URL, address.Url().c_str()) == CURLE_OK;
 }
 
 CurlTransfer::Outcome CurlTransfer::Finish(CURLcode result) const {

@@ -17,12 +17,13 @@
 
 namespace quenlar {
 
-// Keeps its curl handle from hop to hop and from download to download. Nothing of the program runs inside curl's
-// callbacks: they fill in what stands here.
+// Keeps its curl handle from hop to hop and from download to download; each time the handle is set anew, for curl
+// counts over all of a handle's requests how many it has repeated on a fresh connection, and stops at five. Nothing of
+// the program runs inside curl's callbacks: they fill in what stands here.
 class CurlTransfer {
  public:
   // `headers` are sent with every request. The number of a download is added to `arrivals` when the first bytes of its
-  // page have come. Both must outlive the transfer.
+  // page have come. All three must outlive the transfer.
   CurlTransfer(const CurlPageFetcher::Options& options, curl_slist* headers, std::vector<std::uint64_t>& arrivals);
   CurlTransfer(const CurlTransfer&) = delete;
   CurlTransfer& operator=(const CurlTransfer&) = delete;
@@ -42,11 +43,14 @@ class CurlTransfer {
   [[nodiscard]] std::uint64_t download() const { return download_; }
 
  private:
+  void SetOptions();
   static std::size_t OnHeader(char* bytes, std::size_t size, std::size_t count, void* self);
   static std::size_t OnBody(char* bytes, std::size_t size, std::size_t count, void* self);
   [[nodiscard]] bool AddBody(std::string_view bytes);
 
   CURL* const handle_;
+  const CurlPageFetcher::Options& options_;
+  curl_slist* const headers_;
   AnswerHead head_;
   std::optional<ContentDecoder> decoder_;
   std::string body_;

@@ -73,6 +73,10 @@ TEST_F(HostileServer, AKeptConnectionThatClosesAsTheRequestLeavesIsReplacedByAFr
   }
 }
 
+TEST_F(HostileServer, EveryKeptConnectionThatClosesIsReplacedHoweverManyThereAre) {
+  for (int i = 0; i < 20; ++i) ExpectPage("/closed-on-next", "first");
+}
+
 TEST_F(HostileServer, AKeptConnectionThatIsClosedInTheMeantimeIsReplacedByAFreshOne) {
   for (int i = 0; i < 5; ++i) {
     ExpectPage("/closed-after", "first");
