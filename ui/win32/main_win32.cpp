@@ -7,10 +7,10 @@
 #include "platform/win32/files.h"
 #include "platform/win32/interface_table.h"
 #include "platform/win32/message_boxes.h"
+#include "platform/win32/process.h"
 #include "platform/win32/registry.h"
 #include "platform/win32/shell.h"
 #include "platform/win32/tray_icon.h"
-#include "platform/win32/wide.h"
 #include "platform/win32/winhttp_page_fetcher.h"
 #include "ui/win32/binder.h"
 #include "ui/win32/popup_menu.h"
@@ -35,27 +35,11 @@ void RegisterMainWindowClass(HINSTANCE program) {
   RegisterClassExW(&kind);
 }
 
-std::string ProgramFolder() {
-  std::wstring path(MAX_PATH, L'\0');
-  DWORD length = 0;
-  while ((length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) == path.size()) {
-    path.resize(path.size() * 2);
-  }
-  path.resize(length);
-  return win32::FromWide(path.substr(0, path.find_last_of(L'\\')));
-}
-
 // True when the mutex is somebody else's already. It is held until the process ends. Another user's, an administrator's
 // for one, cannot even be opened.
 bool AnotherInstanceRuns() {
   const HANDLE mutex = CreateMutexW(nullptr, FALSE, kInstanceName);
   return GetLastError() == (mutex ? ERROR_ALREADY_EXISTS : ERROR_ACCESS_DENIED);
-}
-
-// "http://host:port" of the environment variable that other programs that download use as well; empty without it.
-std::string ProxyOfEnvironment() {
-  const wchar_t* proxy = _wgetenv(L"http_proxy");
-  return proxy ? win32::FromWide(proxy) : std::string();
 }
 
 // At once: everything has been written, and the pumps that lie above are not to go on.
@@ -65,7 +49,8 @@ int Run(HINSTANCE program_handle) {
   Win32EventLoop loop;
   Win32CodePage code_page;
   Win32Registry registry(code_page, Win32Registry::WritableRoot(kProjectKey));
-  WinHttpPageFetcher fetcher(loop, {.proxy = ProxyOfEnvironment()});
+  // The variable that other programs that download use as well.
+  WinHttpPageFetcher fetcher(loop, {.proxy = win32::EnvironmentValue("http_proxy").value_or("")});
   Win32InterfaceTable interfaces;
   Win32Files files;
   Win32Clock clock;
@@ -75,7 +60,7 @@ int Run(HINSTANCE program_handle) {
   Win32TrayIcon tray(LoadImageW(program_handle, MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON,
                                 GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), LR_SHARED));
   Site site;
-  site.program_folder = ProgramFolder();
+  site.program_folder = win32::ProgramFolder();
   site.separator = '\\';
 
   Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes}, {dialogs, tray}, site,
