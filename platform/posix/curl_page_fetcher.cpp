@@ -205,6 +205,7 @@ void CurlPageFetcher::Engine::EndHop(CurlTransfer& transfer, CURLcode result) {
 // Also of a hop that is not over: its connection is closed then.
 void CurlPageFetcher::Engine::EndTransfer(std::unique_ptr<CurlTransfer> transfer) {
   curl_multi_remove_handle(multi_, transfer->handle());
+  static_cast<void>(transfer->TakeBody());  // of a page that failed or is no longer wanted: a spare one keeps no memory
   if (spare_.size() < kSpareTransfers) spare_.push_back(std::move(transfer));
 }
 

@@ -65,6 +65,18 @@ TEST_F(HostileServer, AnEndlessChunkedBodyFailsAtTheLimitWithinBoundedMemory) {
   ExpectMemoryBelow(kMegabytesForAPage, [&] { ExpectFailure("/chunks/endless"); });
 }
 
+TEST_F(HostileServer, PagesThatFailedTogetherKeepNoMemory) {
+  constexpr std::size_t kPages = 8;
+  ExpectMemoryBelow(kMegabytesForNothing, [&] {
+    const std::size_t finished = log_.Finished();
+    for (std::size_t i = 0; i < kPages; ++i) fetcher_->Start(Address("/endless"), "page" + std::to_string(i));
+    ASSERT_TRUE(PumpUntil(loop_, [&] { return log_.Finished() == finished + kPages; }));
+    platform_->ForgetPeakMemory();  // what they held while they came is not the question
+    ExpectOrdinaryService();
+  });
+  for (std::size_t i = 0; i < kPages; ++i) EXPECT_EQ(log_.Count("0 page" + std::to_string(i)), 1u);
+}
+
 TEST_F(HostileServer, APageOfTwoGigabytesFailsBeforeItIsRead) {
   ExpectMemoryBelow(kMegabytesForNothing, [&] { ExpectFailure("/two-gigabytes"); });
 }
