@@ -19,7 +19,13 @@ char32_t LowerCode(char32_t code) {
   if (code >= 0xC0 && code <= 0xDE && code != 0xD7) return code + 0x20;  // Latin-1
   if (code >= 0x100 && code <= 0x137 && code != 0x130) return code | 1;  // Latin Extended-A, by pairs
   if (code >= 0x14A && code <= 0x177) return code | 1;
-  if (code >= 0x391 && code <= 0x3A9) return code + 0x20;  // Greek
+  if ((code >= 0x139 && code <= 0x148) || (code >= 0x179 && code <= 0x17E)) return code + (code & 1);
+  if (code == 0x178) return 0xFF;
+  if (code >= 0x391 && code <= 0x3AB) return code + 0x20;  // Greek
+  if (code == 0x386) return 0x3AC;                         // and its letters with an accent
+  if (code >= 0x388 && code <= 0x38A) return code + 0x25;
+  if (code == 0x38C) return 0x3CC;
+  if (code == 0x38E || code == 0x38F) return code + 0x3F;
   if (code >= 0x410 && code <= 0x42F) return code + 0x20;  // Cyrillic
   if (code >= 0x400 && code <= 0x40F) return code + 0x50;
   return code;

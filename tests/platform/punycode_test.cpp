@@ -38,6 +38,27 @@ TEST(Punycode, MakesLettersSmall) {
   EXPECT_EQ(PunycodeLabel("\xC4\x8C"), PunycodeLabel("\xC4\x8D"));
 }
 
+TEST(Punycode, MakesLettersSmallThatDoNotStandInPairsOfEvenAndOdd) {
+  const struct {
+    const char* capital;
+    const char* small;
+    const char* coded;
+  } kCases[] = {
+      {"\xC5\x81\xC3\x93"
+       "D\xC5\xB9",
+       "\xC5\x82\xC3\xB3"
+       "d\xC5\xBA",
+       "xn--d-uga0v4h"},
+      {"\xC4\xB9\xC4\xBD\xC5\x87\xC5\xBD\xC5\xB8", "\xC4\xBA\xC4\xBE\xC5\x88\xC5\xBE\xC3\xBF", "xn--wda1jma4b6r"},
+      {"\xCE\x86\xCE\x88\xCE\x89\xCE\x8A", "\xCE\xAC\xCE\xAD\xCE\xAE\xCE\xAF", "xn--hxacde"},
+      {"\xCE\x8C\xCE\x8E\xCE\x8F\xCE\xAA\xCE\xAB", "\xCF\x8C\xCF\x8D\xCF\x8E\xCF\x8A\xCF\x8B", "xn--cyacbef"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(PunycodeLabel(c.capital), c.coded) << c.coded;
+    EXPECT_EQ(PunycodeLabel(c.small), c.coded) << c.coded;
+  }
+}
+
 TEST(Punycode, RefusesWhatIsNoLabel) {
   EXPECT_FALSE(PunycodeLabel("\xFF"));
   EXPECT_FALSE(PunycodeLabel("a\xC3"));
