@@ -7,6 +7,7 @@
 #include "cli/exit_status.h"
 #include "cli/workplace.h"
 #include "platform/message_boxes.h"
+#include "platform/registry.h"
 
 namespace quenlar {
 namespace {
@@ -24,6 +25,7 @@ std::string NameInList(const Engine& engine, const std::string& text) {
 }
 
 int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArguments& arguments) {
+  if (const Status read = place.platform.registry.Flush(); !read.ok()) return invocation.Fail(read);
   CommandFrontEnd front_end;
   Engine engine(place.platform, place.site, front_end.AsFrontEnd());
   const Engine::StartNotes notes = engine.Start();
@@ -46,7 +48,8 @@ int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArgumen
   if (!deleted.ok()) return invocation.Fail(deleted);
   engine.project_list.Remove(name);
   engine.project_list.WriteProjectKey(/*with_filters=*/false);
-  return kExitDone;
+  const Status stored = place.platform.registry.Flush();
+  return stored.ok() ? kExitDone : invocation.Fail(stored);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "platform/event_loop.h"
 #include "platform/interface_table.h"
 #include "platform/message_boxes.h"
+#include "platform/registry.h"
 #include "run/end_reasons.h"
 
 namespace quenlar {
@@ -122,6 +123,8 @@ bool ExtractRun::Prepare() {
   const Settings overridden = std::exchange(engine_.settings, stored);
   RecordInProjectList();
   engine_.settings = overridden;
+  const Status recorded = engine_.platform.registry.Flush();
+  if (!recorded.ok()) TellSave({recorded.kind(), SentenceOf(recorded)});
   engine_.projects.OnSaveFailure([this](const Status& failure) { TellSave(failure); });
   // The command line fetches nothing that nobody has asked for.
   engine_.settings.NeverUpgradeFlag = 1;

@@ -48,6 +48,8 @@ int SetOption(Invocation& invocation, const SettingRow& row, const std::string& 
   (void)store.LoadOrInit();  // the project names are of no interest here
   Set(settings, row, value);
   store.Save(row.value_name);
+  const Status stored = registry.Flush();
+  if (!stored.ok()) return invocation.Fail(stored.WithContext(std::string(row.value_name) + " could not be stored"));
   if (registry.GetRegValue(kProjectKey, row.value_name) == SettingText(settings, row)) return kExitDone;
   invocation.Say(fmt::format("{} could not be stored !", row.value_name));
   return kExitFailed;
@@ -66,7 +68,8 @@ int Options(Invocation& invocation, const OptionsArguments& arguments) {
   const Result<Platform> platform = OpenHome(invocation);
   if (!platform.ok()) return invocation.Fail(platform.status());
   Settings settings;
-  LoadStored(platform.value().registry, settings);
+  const auto loaded = LoadStored(platform.value().registry, settings);
+  if (!loaded.ok()) return invocation.Fail(loaded.status());
   if (named != nullptr) {
     invocation.Print(SettingText(settings, *named));
     return kExitDone;

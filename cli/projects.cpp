@@ -9,7 +9,9 @@ int Projects(Invocation& invocation) {
   const Result<Platform> platform = OpenHome(invocation);
   if (!platform.ok()) return invocation.Fail(platform.status());
   Settings settings;
-  for (const std::string& name : LoadStored(platform.value().registry, settings)) {
+  const auto names = LoadStored(platform.value().registry, settings);
+  if (!names.ok()) return invocation.Fail(names.status());
+  for (const std::string& name : names.value()) {
     if (!invocation.Print(name)) break;
   }
   return kExitDone;

@@ -5,11 +5,13 @@
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/workplace.h"
+#include "platform/registry.h"
 
 namespace quenlar {
 namespace {
 
 int ReportIn(Invocation& invocation, const Workplace& place, const std::string& text) {
+  if (const Status read = place.platform.registry.Flush(); !read.ok()) return invocation.Fail(read);
   CommandFrontEnd front_end;
   Engine engine(place.platform, place.site, front_end.AsFrontEnd());
   const Engine::StartNotes notes = engine.Start();

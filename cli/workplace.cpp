@@ -32,8 +32,9 @@ Result<Workplace> TakeWorkplace(Invocation& invocation) {
   return place;
 }
 
-std::vector<std::string> LoadStored(Registry& registry, Settings& settings) {
-  if (!registry.KeyExists(kProjectKey)) return {};
+Result<std::vector<std::string>> LoadStored(Registry& registry, Settings& settings) {
+  if (Status read = registry.Flush(); !read.ok()) return read;
+  if (!registry.KeyExists(kProjectKey)) return std::vector<std::string>();
   return SettingsStore(registry, settings).LoadSettings();
 }
 

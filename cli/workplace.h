@@ -27,7 +27,8 @@ struct Workplace {
 // The same for a whole command.
 [[nodiscard]] Result<Workplace> TakeWorkplace(Invocation& invocation);
 
-// The stored settings and the project list as they are, without writing anything on a first start.
-std::vector<std::string> LoadStored(Registry& registry, Settings& settings);
+// The stored settings and the project list as they are, without writing anything on a first start. Fails where they
+// cannot be read.
+[[nodiscard]] Result<std::vector<std::string>> LoadStored(Registry& registry, Settings& settings);
 
 }  // namespace quenlar

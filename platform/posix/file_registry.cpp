@@ -53,10 +53,10 @@ FileRegistry::FileRegistry(Files& files, EventLoop& loop, std::string path)
       name_(path_.substr(path_.rfind('/') + 1)) {
   const auto text = ReadWhole(files_, path_, kMaxFileBytes);
   if (text.ok()) contents_ = RegistryContents::Parse(text.value()).contents;
-  unread_ = !text.ok() && text.status().kind() != StatusKind::kNotFound;
+  if (text.status().kind() != StatusKind::kNotFound) unread_ = text.status();
 }
 
-FileRegistry::~FileRegistry() { Flush(); }
+FileRegistry::~FileRegistry() { FileRegistry::Flush().Ignore("there is nobody left to tell it"); }
 
 void FileRegistry::SaveRegValue(const std::string& key, const std::string& name, const std::string& text) {
   Make({.key = key, .name = name, .text = text});
@@ -70,7 +70,7 @@ std::string FileRegistry::GetRegValue(const std::string& key, const std::string&
 
 void FileRegistry::DeleteRegKey(const std::string& key) { Make({.deletes_key = true, .key = key}); }
 
-bool FileRegistry::KeyExists(const std::string& key) const { return unread_ || contents_.HasKey(key); }
+bool FileRegistry::KeyExists(const std::string& key) const { return !unread_.ok() || contents_.HasKey(key); }
 
 bool FileRegistry::ValueExists(const std::string& key, const std::string& name) const {
   return contents_.Find(key, name) != nullptr;
@@ -81,33 +81,35 @@ void FileRegistry::Make(Change change) {
   changes_.push_back(std::move(change));
   if (std::exchange(flush_posted_, true)) return;
   loop_.Post([this, alive = std::weak_ptr(alive_)] {
-    if (!alive.expired()) Flush();
+    if (!alive.expired()) Flush().Ignore("who must know asks for himself");
   });
 }
 
-// Failures are silent: the values hold for this program, and the next flush tries again.
-void FileRegistry::Flush() {
+Status FileRegistry::Flush() {
   flush_posted_ = false;
-  if (changes_.empty()) return;
   try {
-    WriteChanges();
+    return changes_.empty() ? unread_ : WriteChanges();
   } catch (const std::bad_alloc&) {
+    return {StatusKind::kFailed, "no memory left"};  // so short that it takes none
   }
 }
 
-void FileRegistry::WriteChanges() {
+Status FileRegistry::WriteChanges() {
   MakeFolders(files_, folder_);
   const auto lock = LockPatiently(files_, folder_, name_ + ".lock");
-  if (!lock.ok()) return;
+  if (!lock.ok()) return lock.status();
   const auto text = ReadWhole(files_, path_, kMaxFileBytes);
-  if (!text.ok() && text.status().kind() != StatusKind::kNotFound) return;
+  if (!text.ok() && text.status().kind() != StatusKind::kNotFound) return text.status();
   auto [contents, damaged] = RegistryContents::Parse(text.ok() ? text.value() : "");
-  if ((damaged || (unread_ && text.ok())) && !WriteWhole(files_, path_ + ".bak", text.value()).ok()) return;
+  if (damaged || (!unread_.ok() && text.ok())) {
+    if (Status kept = WriteWhole(files_, path_ + ".bak", text.value()); !kept.ok()) return kept;
+  }
   for (const Change& change : changes_) Apply(change, contents);
-  if (!WriteWhole(files_, path_, contents.Format()).ok()) return;
+  if (Status written = WriteWhole(files_, path_, contents.Format()); !written.ok()) return written;
   contents_ = std::move(contents);
-  unread_ = false;
+  unread_ = Status::Ok();
   changes_.clear();
+  return Status::Ok();
 }
 
 void FileRegistry::Apply(const Change& change, RegistryContents& contents) {

@@ -30,6 +30,8 @@ class FileRegistry : public Registry {
   void DeleteRegKey(const std::string& key) override;
   [[nodiscard]] bool KeyExists(const std::string& key) const override;
   [[nodiscard]] bool ValueExists(const std::string& key, const std::string& name) const override;
+  // The values hold for this program whatever comes of it, and the next flush tries again.
+  Status Flush() override;
 
  private:
   struct Change {
@@ -37,8 +39,7 @@ class FileRegistry : public Registry {
     std::string key = {}, name = {}, text = {};
   };
   void Make(Change change);
-  void Flush();
-  void WriteChanges();
+  Status WriteChanges();
   static void Apply(const Change& change, RegistryContents& contents);
 
   Files& files_;
@@ -47,7 +48,7 @@ class FileRegistry : public Registry {
   RegistryContents contents_;
   std::vector<Change> changes_;  // not yet in the file
   bool flush_posted_ = false;
-  bool unread_ = false;  // the file could not be read, so that nobody knows what it holds
+  Status unread_;  // why the file could not be read, if so: nobody knows then what it holds
   std::shared_ptr<char> alive_ = std::make_shared<char>();  // posted flushes hold it weakly
 };
 

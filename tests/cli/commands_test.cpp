@@ -149,6 +149,29 @@ TEST_F(CommandTest, AnOptionThatCannotBeStoredIsAFailure) {
   EXPECT_EQ(system.errors(), "Search could not be stored !\n");
 }
 
+TEST_F(CommandTest, SettingsThatCannotBeReadAreAFailureAndNothingIsDeletedOrRewritten) {
+  AddTwoProjects();
+  system.fake.registry.FailFlush(1, {StatusKind::kDenied, "/user/quenlar/quenlar.conf: Permission denied"});
+  const std::vector<std::string> kCommands[] = {
+      {"options"}, {"options", "Search"}, {"projects"}, {"delete", "roses_en", "--yes"}, {"report", "roses_en"}};
+  for (const auto& arguments : kCommands) {
+    EXPECT_EQ(system.Run(arguments), kExitFailed) << arguments[0];
+    EXPECT_EQ(system.output(), "");
+    EXPECT_EQ(system.errors(), "/user/quenlar/quenlar.conf: Permission denied !\n") << arguments[0];
+  }
+  EXPECT_EQ(system.Run({"options", "Search", "1"}), kExitFailed);
+  EXPECT_EQ(system.errors(), "Search could not be stored: /user/quenlar/quenlar.conf: Permission denied !\n");
+  EXPECT_EQ(system.FileText("report/roses_en.rpt"), "b@roses.test\r\n");
+  EXPECT_NE(system.FileText("data/roses_en.dat"), "(no file)");
+}
+
+TEST_F(CommandTest, DeleteSaysThatTheListCannotBeStored) {
+  AddTwoProjects();
+  system.fake.registry.FailFlush(2, {StatusKind::kFull, "quenlar.conf: No space left"});
+  EXPECT_EQ(system.Run({"delete", "roses_en", "--yes"}), kExitFailed);
+  EXPECT_EQ(system.errors(), "quenlar.conf: No space left !\n");
+}
+
 TEST_F(CommandTest, FilterWordsAreReplacedListByListAndShown) {
   EXPECT_EQ(system.Run({"filter"}), kExitDone);
   EXPECT_EQ(system.output(), "");

@@ -108,6 +108,13 @@ TEST_F(ExtractTest, RefusesAnEmptyText) {
   EXPECT_EQ(system.errors(), "Please enter keyword or URL !\n");
 }
 
+TEST_F(ExtractTest, SaysOnceThatItCannotBeRecordedInTheProjectListAndRunsAllTheSame) {
+  system.fake.registry.FailFlush(1, {StatusKind::kDenied, "quenlar.conf: Permission denied"});
+  EXPECT_EQ(Extract(), kExitFailed);
+  EXPECT_EQ(Printed(), all);
+  EXPECT_EQ(system.errors(), "quenlar.conf: Permission denied !\nAll links have been parsed !\n");
+}
+
 TEST_F(ExtractTest, EndsAtTheStopNumberWithStatus0) {
   system.fake.fetcher.Serve("http://www.shop.example",
                             "<p>a@shop.test b@shop.test</p><p>c@shop.test</p><p>d@shop.test</p>");

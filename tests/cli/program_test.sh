@@ -145,6 +145,20 @@ if [ -z "$windows" ]; then
   expect "setting of the other folder" 3 "$(at "$work/calm" options Search)"
 fi
 
+if [ -z "$windows" ]; then
+  begin "settings that cannot be read or stored are a failure"
+  mkdir -p "$work/unstored/quenlar.conf"
+  for arguments in options projects "options Search 1" "delete a.example --yes"; do
+    at "$work/unstored" $arguments >"$work/out" 2>"$work/err"
+    expect "exit status of $arguments" 1 $?
+    expect "results of $arguments" "" "$(cat "$work/out")"
+    expect_in "message of $arguments" "$work/unstored/quenlar.conf" "$(cat "$work/err")"
+  done
+  at "$work/unstored" "${run[@]}" >/dev/null 2>"$work/err"
+  expect "exit status of the run" 1 $?
+  expect_in "message of the run" "$work/unstored/quenlar.conf" "$(cat "$work/err")"
+fi
+
 begin "the other formats hold the same addresses"
 at "$work/csv" "${run[@]}" --format csv 2>/dev/null | sed 's/^"\([^"]*\)".*/\1/' | sorted_lines |
   cmp -s - "$work/expected" || fail "csv differs"

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/posix/file_registry.h"
+#include "platform/posix/posix_files.h"
 #include "platform/posix/registry_text.h"
+#include "posix_folder.h"
 #include "support/fake_event_loop.h"
 #include "support/in_memory_files.h"
 
@@ -146,6 +148,44 @@ TEST_F(FileRegistryTest, AFileThatCannotBeReadIsNotReplaced) {
   registry.SaveRegValue(kKey, "Search", "1");
   loop_.Yield();
   EXPECT_TRUE(files_.FolderExists(kPath));
+}
+
+TEST_F(FileRegistryTest, AFlushSaysWhatBecameOfTheChanges) {
+  FileRegistry registry(files_, loop_, kPath);
+  EXPECT_TRUE(registry.Flush().ok());
+  EXPECT_FALSE(files_.FileExists(kPath));
+  files_.SetFreeSpace(0);
+  registry.SaveRegValue(kKey, "Search", "1");
+  EXPECT_EQ(registry.Flush().kind(), StatusKind::kFull);
+  loop_.Yield();
+  EXPECT_EQ(registry.Flush().kind(), StatusKind::kFull);
+  files_.SetFreeSpace(std::nullopt);
+  EXPECT_TRUE(registry.Flush().ok());
+  EXPECT_EQ(FileRegistry(files_, loop_, kPath).GetRegValue(kKey, "Search"), "1");
+}
+
+TEST_F(FileRegistryTest, AFlushOfAnUnreadFileFailsUntilItHasBeenReplaced) {
+  files_.Put(kPath, "[Software\\Quenlar\\Project]\nSearch=1\n");
+  files_.FailCall(1, StatusKind::kDenied);
+  FileRegistry registry(files_, loop_, kPath);
+  EXPECT_EQ(registry.Flush().kind(), StatusKind::kDenied);
+  registry.SaveRegValue(kKey, "Search", "2");
+  EXPECT_TRUE(registry.Flush().ok());
+  EXPECT_TRUE(registry.Flush().ok());
+}
+
+TEST_F(FileRegistryTest, OnTheDiskAFolderInTheFilesPlaceFailsAFlush) {
+  const PosixFolder folder;
+  const std::string path = folder.path() + "/quenlar.conf";
+  std::filesystem::create_directory(path);
+  PosixFiles files;
+  FileRegistry registry(files, loop_, path);
+  EXPECT_NE(registry.Flush().message().find(path), std::string::npos);
+  registry.SaveRegValue(kKey, "Search", "1");
+  EXPECT_NE(registry.Flush().message().find(path), std::string::npos);
+  std::filesystem::remove(path);
+  EXPECT_TRUE(registry.Flush().ok());
+  EXPECT_EQ(FileRegistry(files, loop_, path).GetRegValue(kKey, "Search"), "1");
 }
 
 TEST(RegistryText, EveryTextComesBack) {

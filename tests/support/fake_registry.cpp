@@ -49,6 +49,12 @@ bool FakeRegistry::ValueExists(const std::string& key, const std::string& name) 
   return !CallFails() && Stored(key, name).has_value();
 }
 
+Status FakeRegistry::Flush() {
+  if (failing_flush_ <= 1) return flush_failure_;
+  --failing_flush_;
+  return Status::Ok();
+}
+
 void FakeRegistry::FailCall(int n, Fails fails) {
   failing_call_ = n;
   fails_ = fails;

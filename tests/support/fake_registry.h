@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/registry.h"
 
@@ -22,6 +23,7 @@ class FakeRegistry : public Registry {
   void DeleteRegKey(const std::string& key) override;
   [[nodiscard]] bool KeyExists(const std::string& key) const override;
   [[nodiscard]] bool ValueExists(const std::string& key, const std::string& name) const override;
+  Status Flush() override;
 
   // The n-th call of a member above from now on (1 is the next one) fails, or that one and all after it: a change is
   // without effect, a read gives no text, a value is not there, of a key nobody knows that it is missing. 0 fails none.
@@ -32,6 +34,11 @@ class FakeRegistry : public Registry {
 
   // From now on every write and delete is silently without effect.
   void SetReadOnly(bool read_only) { read_only_ = read_only; }
+  // From now on Flush gives this: for the n-th time (1 is the next one), and ever after.
+  void FailFlush(int n, Status why) {
+    failing_flush_ = n;
+    flush_failure_ = std::move(why);
+  }
   // The whole stored text, not cut to 254 characters.
   [[nodiscard]] std::optional<std::string> Stored(const std::string& key, const std::string& name) const;
   // Writes and deletes so far, those without effect included.
@@ -46,6 +53,8 @@ class FakeRegistry : public Registry {
   int failing_call_ = 0;
   Fails fails_ = Fails::kOnce;
   int changes_ = 0;
+  int failing_flush_ = 0;
+  Status flush_failure_;
 };
 
 }  // namespace quenlar
