@@ -15,6 +15,27 @@ std::wstring UniqueName() {
   return L"QuenlarTest-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number);
 }
 
+// With all that is in it. `folder` has the prefix that lets a path be of any length.
+void RemoveTree(const std::wstring& folder) {
+  WIN32_FIND_DATAW entry;
+  const HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &entry);
+  if (search == INVALID_HANDLE_VALUE) return;
+  do {
+    const std::wstring name = entry.cFileName, path = folder + L"\\" + name;
+    if (name == L"." || name == L"..") continue;
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+      RemoveTree(path);
+    } else {
+      SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+      DeleteFileW(path.c_str());
+    }
+  } while (FindNextFileW(search, &entry));
+  FindClose(search);
+  RemoveDirectoryW(folder.c_str());
+}
+
+void RemoveAll(std::filesystem::path folder) { RemoveTree(L"\\\\?\\" + folder.make_preferred().native()); }
+
 }  // namespace
 
 std::vector<std::string> NamesIn(const std::string& folder) {
@@ -28,15 +49,12 @@ std::vector<std::string> NamesIn(const std::string& folder) {
 
 ScratchFolder::ScratchFolder() {
   const auto folder = std::filesystem::temp_directory_path() / UniqueName();
-  std::filesystem::remove_all(folder);  // of a process with the same number that was cut off
+  RemoveAll(folder);  // of a process with the same number that was cut off
   std::filesystem::create_directory(folder);
   path_ = win32::FromWide(folder.generic_wstring());
 }
 
-ScratchFolder::~ScratchFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(win32::NativePath(path_), ignored);
-}
+ScratchFolder::~ScratchFolder() { RemoveAll(win32::ToWide(path_)); }
 
 ScratchRegistry::ScratchRegistry() : name_(L"Software\\" + UniqueName()) {
   // The system finds its cryptography in the real registry, and keeps what it has found.
