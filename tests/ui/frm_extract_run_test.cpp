@@ -107,6 +107,12 @@ TEST_F(MainWindowRun, AReportThatCannotBeSavedAtTheEndIsToldOnceAndKeepsTheLinks
   ASSERT_EQ(boxes.shown.size(), 2u) << testing::PrintToString(boxes.texts());
   EXPECT_THAT(boxes.shown[1].text, HasSubstr("cars_test.rpt cannot be saved"));
   EXPECT_FALSE(files.FileExists("/home/data/cars_test.dat")) << "a later run begins anew";
+
+  engine.settings.StopNumber = 99999;  // a run without a link left saves the report alone
+  extract.cmdExtract.Click();
+  FinishRun();
+  ASSERT_EQ(boxes.shown.size(), 4u) << testing::PrintToString(boxes.texts());
+  EXPECT_EQ(boxes.shown[3].text, boxes.shown[1].text);
 }
 
 // --- Stopping ---

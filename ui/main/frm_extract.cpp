@@ -1,6 +1,7 @@
 #include "ui/main/frm_extract.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "platform/clock.h"
@@ -102,14 +103,16 @@ void frmExtract::Unload() {
 
 bool frmExtract::RunGoesOn() const { return context_.engine.run.running || context_.tmrExtract.enabled(); }
 
-bool frmExtract::MayStart() const { return cmdExtract.enabled() && !RunGoesOn() && !starting_ && !exporting_; }
+// Not inside an opening or an export, whose pumps the whole run would be nested in.
+bool frmExtract::MayStart() const {
+  return cmdExtract.enabled() && opening_ == 0 && !exporting_ && !starting_ && !RunGoesOn();
+}
 
 void frmExtract::cmdExtract_Click() {
   if (cmdExtract.text() == kStopCaption) {
     StopRun();
   } else if (MayStart()) {
     OpenPicked();
-    if (!MayStart()) return;  // it pumps
     starting_ = true;
     StartRun();
     starting_ = false;
@@ -129,6 +132,10 @@ void frmExtract::StartRun() {
   if (!CanWriteProject()) return;
   cmbURL.SetEnabled(false);  // what is opened now is what the run works on
   AddCurrentProject();
+  if (context_.engine.project.DataFile.empty()) {  // memory did not hold it, which has been told
+    cmbURL.SetEnabled(true);
+    return;
+  }
   cmdExtract.SetText(kStopCaption);
   for (ui::Control* control : Inputs()) control->SetEnabled(false);
   cmdExport.SetEnabled(false);
@@ -164,7 +171,11 @@ void frmExtract::cmbURL_Change() {
   if (RunGoesOn()) return;
   ++opening_;
   cmdExtract.SetEnabled(false);
-  context_.engine.projects.OpenProject(cmbURL.text());
+  try {
+    context_.engine.projects.OpenProject(cmbURL.text());
+  } catch (const std::bad_alloc&) {
+    Warn(kEndNoMemory);
+  }
   if (--opening_ == 0) cmdExtract.SetEnabled(true);
 }
 
@@ -293,6 +304,7 @@ void frmExtract::ClearRows() { lstMail.SetRows(0); }
 bool frmExtract::StopButtonShown() const { return cmdExtract.text() == kStopCaption; }
 
 void frmExtract::ShowEnd(const std::string& reason) {
+  data_failure_.clear();
   Warn(reason);
   for (const std::string& message : std::exchange(after_run_, {})) Warn(message);
 }
