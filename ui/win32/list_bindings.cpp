@@ -30,7 +30,7 @@ void ListBoxBinding::FillItems() {
 }
 
 void ListBoxBinding::OnCommand(UINT code) {
-  if (code == LBN_SELCHANGE) TellSelection();
+  if (code == LBN_SELCHANGE || code == LBN_SELCANCEL) TellSelection();
 }
 
 bool ListBoxBinding::OnKey(WPARAM key) {
