@@ -47,9 +47,7 @@ std::shared_ptr<Exchange> Exchange::Start(HINTERNET session, const WireAddress& 
 }
 
 bool Exchange::Open(HINTERNET session, const WireAddress& address, std::chrono::milliseconds response_limit) {
-  std::wstring host = ToWide(address.host);
-  if (host.starts_with(L'[')) host = host.substr(1, host.size() - 2);
-  connection_ = WinHttpConnect(session, host.c_str(), address.port, 0);
+  connection_ = WinHttpConnect(session, ToWide(address.host).c_str(), address.port, 0);
   if (!connection_) return false;
   const wchar_t* types[] = {L"*/*", nullptr};
   const DWORD secure = address.secure ? WINHTTP_FLAG_SECURE : 0;

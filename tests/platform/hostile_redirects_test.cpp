@@ -165,6 +165,13 @@ TEST_F(HostileServer, AProxyIsAskedForEveryHost) {
   EXPECT_EQ(RequestLine(Fetch("http://127.0.0.2:1/echo").body), "GET http://127.0.0.2:1/echo HTTP/1.1");
 }
 
+TEST_F(HostileServer, ANumberOfIpVersion6GoesOverTheWireInItsBrackets) {
+  UseProxy();
+  const std::string head = Fetch("http://[2001:DB8::1]:8080/echo").body;
+  EXPECT_EQ(RequestLine(head), "GET http://[2001:db8::1]:8080/echo HTTP/1.1");
+  EXPECT_NE(head.find("\r\nHost: [2001:db8::1]:8080\r\n"), std::string::npos) << head;
+}
+
 TEST_F(HostileServer, ADeadProxyIsNotGoneAround) {
   const std::string dead = "http://127.0.0.1:" + Fetch("/closed-port").body;
   UseFetcher(platform_->MakeFetcher(dead, ""));
