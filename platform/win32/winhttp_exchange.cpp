@@ -63,6 +63,11 @@ bool Exchange::Open(HINTERNET session, const WireAddress& address, std::chrono::
   SetOption(request_, WINHTTP_OPTION_DISABLE_FEATURE, WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_AUTHENTICATION);
   SetOption(request_, WINHTTP_OPTION_AUTOLOGON_POLICY, WINHTTP_AUTOLOGON_SECURITY_LEVEL_HIGH);
   SetOption(request_, WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, static_cast<DWORD>(response_limit.count()));
+  // A server that would like a certificate of the client's and can do without is told that there is none; without a
+  // word the request fails.
+  if (address.secure) {
+    WinHttpSetOption(request_, WINHTTP_OPTION_CLIENT_CERT_CONTEXT, WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
+  }
   return true;
 }
 

@@ -117,6 +117,10 @@ TEST_F(SecureServer, ACertificateOfATrustedAuthorityIsAccepted) { ExpectPage(Sec
 
 TEST_F(SecureServer, ACertificateOfAnUnknownAuthorityFails) { ExpectFailure(Secure("stranger")); }
 
+TEST_F(SecureServer, AServerThatAsksForACertificateAndCanDoWithoutIsAccepted) {
+  ExpectPage(Secure("asks"), "secure page");
+}
+
 TEST_F(SecureServer, AnExpiredCertificateFails) { ExpectFailure(Secure("expired")); }
 
 TEST_F(SecureServer, ACertificateForAnotherNameFails) { ExpectFailure(Secure("wrong-name")); }

@@ -75,6 +75,7 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
     return [body = std::move(body)](Connection& connection, const Request&) { return connection.SendPage(body); };
   };
   endpoints["/tls/right"] = text(std::to_string(ports.right));
+  endpoints["/tls/asks"] = text(std::to_string(ports.asks));
   endpoints["/tls/expired"] = text(std::to_string(ports.expired));
   endpoints["/tls/wrong-name"] = text(std::to_string(ports.wrong_name));
   endpoints["/tls/stranger"] = text(std::to_string(ports.stranger));

@@ -73,10 +73,12 @@ void Answer(SSL_CTX* context, int socket, const std::string& answer) {
   close(socket);
 }
 
-int Serve(const Identity& identity, const std::string& answer) {
+// `asks`: for a certificate of the client's, of whatever kind, or none.
+int Serve(const Identity& identity, const std::string& answer, bool asks = false) {
   SSL_CTX* context = SSL_CTX_new(TLS_server_method());
   SSL_CTX_use_certificate(context, identity.certificate);
   SSL_CTX_use_PrivateKey(context, identity.key);
+  if (asks) SSL_CTX_set_verify(context, SSL_VERIFY_PEER, [](int, X509_STORE_CTX*) { return 1; });
   const Listener listener = Listen();
   std::thread([context, listener, answer] {
     while (true) {
@@ -97,6 +99,7 @@ TlsPorts ServeTls(int plain_port) {
   TlsPorts ports;
   ports.authority = Pem(authority.certificate);
   ports.right = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), page);
+  ports.asks = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), page, true);
   ports.expired = Serve(Certify("localhost", here, &authority, -10 * kDay, -kDay), page);
   ports.wrong_name = Serve(Certify("other.example", "DNS:other.example", &authority, -kDay, 365 * kDay), page);
   const Identity stranger = Certify("Unknown Authority", nullptr, nullptr, -kDay, 365 * kDay);

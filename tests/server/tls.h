@@ -8,6 +8,7 @@ namespace quenlar::hostile {
 // Serves on ports of its own, from now to the end of the process.
 struct TlsPorts {
   int right = 0;          // for 127.0.0.1 and localhost
+  int asks = 0;           // a right one, and the client is asked for his, which he need not have
   int expired = 0;        // a right one, until yesterday
   int wrong_name = 0;     // for other.example
   int stranger = 0;       // a right one, but signed by an authority that nobody knows
