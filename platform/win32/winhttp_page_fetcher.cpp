@@ -66,6 +66,9 @@ class WinHttpPageFetcher::Outlet : public std::enable_shared_from_this<Outlet> {
     });
   }
 
+  // On the fetcher's own thread.
+  [[nodiscard]] bool IsCut() const { return !fetcher_; }
+
   void Cut() {
     const std::lock_guard lock(mutex_);
     fetcher_ = nullptr;
@@ -139,7 +142,9 @@ void WinHttpPageFetcher::OnRedirect(std::uint64_t number, const std::string& loc
   Download& download = downloads_.at(number);
   if (!download.chain.Follow(location)) return Fail(number);
   const std::string key = download.key, address = download.chain.address();
+  const auto outlet = outlet_;
   if (listener_) listener_->OnFetchProgress(key, FetchCode::kRedirecting, address);
+  if (outlet->IsCut()) return;
   // The listener may have cancelled it.
   if (const auto found = downloads_.find(number); found != downloads_.end()) Begin(number, found->second);
 }

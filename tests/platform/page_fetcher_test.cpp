@@ -197,6 +197,14 @@ TEST_P(FetcherContract, AFetcherMayDieWithDownloadsInFlight) {
   EXPECT_EQ(log_.calls.size(), told);
 }
 
+TEST_P(FetcherContract, AFetcherMayDieInARedirect) {
+  log_.on_progress = [&](const std::string&, FetchCode) { fetcher_.reset(); };
+  Start("/from", "k");
+  ASSERT_TRUE(PumpUntil(loop_, [&] { return !fetcher_; }));
+  for (int i = 0; i < 20; ++i) loop_.Wait(std::chrono::milliseconds(1));
+  EXPECT_EQ(log_.calls, Calls{"3 k " + platform_->ServerAddress() + "/to"});
+}
+
 TEST_P(FetcherContract, AKeyIsOnlyText) {
   const std::string key("X1http://a/\r\n\0 x", 16);
   Start("/a", key);
