@@ -19,14 +19,24 @@ bool LinkQueue::AddIfNewHost(std::string_view url, std::int16_t number) {
   return AddIfNew(hosts_, HostPart, url, number);
 }
 
+bool LinkQueue::HasHost(std::string_view url) {
+  Cover(hosts_, HostPart);
+  const std::string_view wanted = HostPart(url);
+  return Contains(hosts_, HostPart, wanted, hash_.Exact(wanted));
+}
+
+void LinkQueue::Append(std::string_view url, std::int16_t number) {
+  const std::string_view kept = texts_.Keep(url);
+  records_.push_back({kept.data(), static_cast<std::uint32_t>(kept.size()), number});
+}
+
 bool LinkQueue::AddIfNew(Index& index, Key key, std::string_view url, std::int16_t number) {
   if (index.covered < Count()) Cover(index, key);
   const std::string_view wanted = key(url);
   const std::uint32_t hash = hash_.Exact(wanted);
   if (Contains(index, key, wanted, hash)) return false;
   index.table.MakeRoom();
-  const std::string_view kept = texts_.Keep(url);
-  records_.push_back({kept.data(), static_cast<std::uint32_t>(kept.size()), number});
+  Append(url, number);
   index.table.Insert(hash, index.covered);
   index.covered = Count();
   return true;

@@ -39,6 +39,12 @@ class LinkQueue {
   // Appends unless a record of the same site is there (GetHost of both equal, exact comparison). True when appended.
   bool AddIfNewHost(std::string_view url, std::int16_t number = 1);
 
+  // Whether a record of the same site is there, as AddIfNewHost asks it.
+  [[nodiscard]] bool HasHost(std::string_view url);
+
+  // Appends, whatever is there.
+  void Append(std::string_view url, std::int16_t number = 1);
+
   // Takes the record at Next(), moves Next() on by one and counts the record as in flight. Only while Next() < Count().
   std::uint32_t StartNext();
 

@@ -30,8 +30,11 @@ void QueueResult(std::string_view match, LinkQueue& level_zero) {
   std::string_view target = match.substr(FindIgnoreCase(match, kTarget) + kTarget.size());
   target.remove_suffix(1);
   if (target.find(kSearchEngineDomain) != kNone) return;
+  // The site is asked for before the slash is cut. That tells only for "http://" alone, whose site changes with it:
+  // meant.
+  if (level_zero.HasHost(target)) return;
   if (target.ends_with('/')) target.remove_suffix(1);
-  level_zero.AddIfNewHost(target, 1);
+  level_zero.Append(target);
 }
 
 }  // namespace

@@ -121,8 +121,9 @@ void ReferenceQueues::MakeExpandLink(int level, std::string address, const std::
 
 void ReferenceQueues::AddResult(std::string target) {
   if (Holds(target, "google.")) return;
+  if (HasHost(target)) return;
   if (!target.empty() && target.back() == '/') target.pop_back();
-  if (!HasHost(target)) levels[0].push_back({target, 1});
+  levels[0].push_back({target, 1});
 }
 
 bool ReferenceQueues::HasHost(const std::string& address) const {

@@ -66,6 +66,12 @@ TEST(CollectResultLinks, ASiteOfAnEarlierPageIsNotAddedAgain) {
             (Links{"http://a/1", "http://b/1", "http://c"}));
 }
 
+TEST(CollectResultLinks, TheSiteIsThatOfTheTargetBeforeItsSlashIsCut) {
+  EXPECT_EQ(Collect(Result("http://") + Result("http://")), (Links{"http:/", "http:/"}));
+  EXPECT_EQ(Collect(Result("http:") + Result("http://")), (Links{"http:", "http:/"}));
+  EXPECT_EQ(Collect(Result("/x") + Result("http://")), Links{"/x"});
+}
+
 TEST(CollectResultLinks, TheEnginesOwnPagesAreNeverQueued) {
   EXPECT_EQ(Collect(Result("http://maps.google.de/x") + Result("http://a/?u=http://www.google.com/") +
                     Result("http://b/google")),
