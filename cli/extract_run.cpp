@@ -15,6 +15,7 @@
 #include "platform/interface_table.h"
 #include "platform/message_boxes.h"
 #include "platform/registry.h"
+#include "project/save_check.h"
 #include "run/end_reasons.h"
 
 namespace quenlar {
@@ -120,6 +121,10 @@ bool ExtractRun::Prepare() {
   const Settings stored = engine_.settings;
   OverrideSettings();
   Open(engine_, options_.text);
+  if (const Status can = CheckCanBeSaved(engine_.platform.files, engine_.project); !can.ok()) {
+    Refuse(kExitFailed, SentenceOf(can));
+    return false;
+  }
   const Settings overridden = std::exchange(engine_.settings, stored);
   RecordInProjectList();
   engine_.settings = overridden;

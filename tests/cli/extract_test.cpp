@@ -115,6 +115,24 @@ TEST_F(ExtractTest, SaysOnceThatItCannotBeRecordedInTheProjectListAndRunsAllTheS
   EXPECT_EQ(system.errors(), "quenlar.conf: Permission denied !\nAll links have been parsed !\n");
 }
 
+TEST_F(ExtractTest, RefusesAKeywordWithoutALanguage) {
+  system.fake.registry.SaveRegValue(kProjectKey, "Search", "9");
+  EXPECT_EQ(system.Run({"extract", "red roses"}), kExitFailed);
+  EXPECT_EQ(system.errors(), "Please choose a search language in the options !\n");
+  system.Run({"projects"});
+  EXPECT_EQ(system.output(), "");
+}
+
+TEST_F(ExtractTest, RefusesAProjectThatCannotBeSaved) {
+  system.fake.files.AddFolder("/user/quenlar/data");
+  system.fake.files.Protect("/user/quenlar/data");
+  EXPECT_EQ(Extract(), kExitFailed);
+  EXPECT_NE(system.errors().find("/user/quenlar/data/shop_example.dat"), std::string::npos) << system.errors();
+  EXPECT_TRUE(system.fake.fetcher.started().empty());
+  system.Run({"projects"});
+  EXPECT_EQ(system.output(), "");
+}
+
 TEST_F(ExtractTest, EndsAtTheStopNumberWithStatus0) {
   system.fake.fetcher.Serve("http://www.shop.example",
                             "<p>a@shop.test b@shop.test</p><p>c@shop.test</p><p>d@shop.test</p>");

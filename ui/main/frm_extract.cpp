@@ -9,6 +9,7 @@
 #include "platform/interface_table.h"
 #include "platform/message_boxes.h"
 #include "platform/shell.h"
+#include "project/save_check.h"
 #include "run/end_reasons.h"
 #include "settings/open_web_page.h"
 #include "ui/main/address_rows.h"
@@ -152,17 +153,10 @@ void frmExtract::StopRun() {
   context_.engine.run.stop_requested = true;
 }
 
-// A run whose links could not be saved would be lost, so it does not begin.
 bool frmExtract::CanWriteProject() {
-  const std::string path = context_.engine.project.DataFile;
-  if (path.empty()) {  // a keyword without a language
-    Warn("Please choose a search language in the options !");
-    return false;
-  }
-  const auto replacement = context_.engine.platform.files.Replace(path);
-  if (replacement.ok()) return true;  // nothing has been written
-  WarnOnFailure(replacement.status());
-  return false;
+  const Status can = CheckCanBeSaved(context_.engine.platform.files, context_.engine.project);
+  WarnOnFailure(can);
+  return can.ok();
 }
 
 // --- Projects ---
