@@ -1,6 +1,7 @@
 // quenlar extract: runs a project to its end and prints the addresses as they are found.
 #include "cli/commands.h"
 #include "cli/exit_status.h"
+#include "cli/option_checks.h"
 #include "cli/paths.h"
 #include "platform/files.h"
 #include "platform/message_boxes.h"
@@ -25,6 +26,8 @@ ExtractOptions OptionsOf(const ExtractArguments& arguments) {
   options.save_interval = IndexOf(arguments.save_interval, {"30", "50", "100"});
   options.other_sites = IndexOf(arguments.other_sites, {"no", "yes"});
   options.export_mode = IndexOf(arguments.export_mode, {"addresses", "all"});
+  options.remove_words = TidyWords(options.remove_words);
+  options.extract_words = TidyWords(options.extract_words);
   if (arguments.stop_number != 0) options.stop_number = arguments.stop_number;
   return options;
 }

@@ -5,6 +5,7 @@
 #include "base/ascii.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
+#include "cli/option_checks.h"
 #include "cli/workplace.h"
 #include "settings/filter_file.h"
 
@@ -13,16 +14,6 @@ namespace {
 
 void Tell(Invocation& invocation, const std::vector<std::string>& messages) {
   for (const std::string& message : messages) invocation.Say(message);
-}
-
-// As the options dialog tidies its boxes: trimmed, without empty and repeated words.
-std::vector<std::string> Tidy(const std::vector<std::string>& words) {
-  std::vector<std::string> tidy;
-  for (const std::string& word : words) {
-    const std::string trimmed(TrimBlanks(word));
-    if (!trimmed.empty() && std::find(tidy.begin(), tidy.end(), trimmed) == tidy.end()) tidy.push_back(trimmed);
-  }
-  return tidy;
 }
 
 // A word has one line of the filter file to itself, between its two tags.
@@ -63,8 +54,8 @@ int Replace(Invocation& invocation, const FilterArguments& arguments) {
   const Settings settings;
   FilterWords words(settings);
   (void)ReadFilterFile(platform.files, platform.code_page, path, words);  // what is wrong with it is told below
-  if (arguments.remove) words.RemoveFilterWords = Tidy(*arguments.remove);
-  if (arguments.extract) words.ExtractFilterWords = Tidy(*arguments.extract);
+  if (arguments.remove) words.RemoveFilterWords = TidyWords(*arguments.remove);
+  if (arguments.extract) words.ExtractFilterWords = TidyWords(*arguments.extract);
   Status written = MakeFolders(platform.files, site.program_folder + site.separator + "data", site.separator);
   if (written.ok()) written = WriteFilterFile(platform.files, platform.code_page, path, words);
   if (!written.ok()) return invocation.Fail(written);

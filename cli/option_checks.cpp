@@ -1,5 +1,6 @@
 #include "cli/option_checks.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "base/ascii.h"
@@ -39,6 +40,15 @@ bool IsHostAndPort(std::string_view text) {
 }
 
 }  // namespace
+
+std::vector<std::string> TidyWords(const std::vector<std::string>& words) {
+  std::vector<std::string> tidy;
+  for (const std::string& word : words) {
+    const std::string trimmed(TrimBlanks(word));
+    if (!trimmed.empty() && std::find(tidy.begin(), tidy.end(), trimmed) == tidy.end()) tidy.push_back(trimmed);
+  }
+  return tidy;
+}
 
 std::string WithoutTrailingSlash(const std::string& value) {
   return value.ends_with('/') ? value.substr(0, value.size() - 1) : value;

@@ -1,7 +1,8 @@
-// Checks of the values of options. A check returns what is wrong, or "".
+// Checks of the values of options, and what becomes of them. A check returns what is wrong, or "".
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace quenlar {
 
@@ -12,6 +13,10 @@ namespace quenlar {
 
 // "1" to "99999".
 [[nodiscard]] std::string CheckStopNumber(const std::string& value);
+
+// Filter words as the options dialog tidies its boxes: trimmed, without empty and repeated ones. (An empty word would
+// match every address.)
+[[nodiscard]] std::vector<std::string> TidyWords(const std::vector<std::string>& words);
 
 [[nodiscard]] std::string WithoutTrailingSlash(const std::string& value);
 

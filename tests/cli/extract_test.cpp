@@ -133,6 +133,15 @@ TEST_F(ExtractTest, RefusesAProjectThatCannotBeSaved) {
   EXPECT_EQ(system.output(), "");
 }
 
+TEST_F(ExtractTest, AnEmptyFilterWordIsNoWord) {
+  EXPECT_EQ(Extract({"--remove", "", "--remove=  ", "--extract", ""}), kExitDone);
+  EXPECT_EQ(Printed(), all);
+  CommandSystem other;
+  other.fake.fetcher.Serve("http://www.shop.example", "<p>a@shop.test</p><p>b@shop.test</p>");
+  EXPECT_EQ(other.Run({"extract", "shop.example", "--remove", "", "--remove", " b@ "}), kExitDone);
+  EXPECT_EQ(other.output(), "a@shop.test\n");
+}
+
 TEST_F(ExtractTest, EndsAtTheStopNumberWithStatus0) {
   system.fake.fetcher.Serve("http://www.shop.example",
                             "<p>a@shop.test b@shop.test</p><p>c@shop.test</p><p>d@shop.test</p>");
