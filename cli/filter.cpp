@@ -7,6 +7,7 @@
 #include "cli/exit_status.h"
 #include "cli/option_checks.h"
 #include "cli/workplace.h"
+#include "platform/code_page.h"
 #include "settings/filter_file.h"
 
 namespace quenlar {
@@ -16,14 +17,15 @@ void Tell(Invocation& invocation, const std::vector<std::string>& messages) {
   for (const std::string& message : messages) invocation.Say(message);
 }
 
-// A word has one line of the filter file to itself, between its two tags.
-bool CanBeStored(const std::string& word) {
+// A word has one line of the filter file to itself, between its two tags, in the system's code page.
+bool CanBeStored(const CodePage& code_page, const std::string& word) {
   return word.find_first_of("\r\n") == std::string::npos && !ContainsIgnoreCase(word, "</r>") &&
-         !ContainsIgnoreCase(word, "</e>");
+         !ContainsIgnoreCase(word, "</e>") && code_page.ToUtf8(code_page.FromUtf8(word)) == word;
 }
 
-bool CanBeStored(const std::optional<std::vector<std::string>>& words) {
-  return !words || std::all_of(words->begin(), words->end(), [](const auto& word) { return CanBeStored(word); });
+bool CanBeStored(const CodePage& code_page, const std::optional<std::vector<std::string>>& words) {
+  return !words || std::all_of(words->begin(), words->end(),
+                               [&](const std::string& word) { return CanBeStored(code_page, word); });
 }
 
 int Show(Invocation& invocation) {
@@ -43,8 +45,11 @@ int Show(Invocation& invocation) {
 }
 
 int Replace(Invocation& invocation, const FilterArguments& arguments) {
-  if (!CanBeStored(arguments.remove) || !CanBeStored(arguments.extract)) {
-    invocation.Say("A filter word is one line, and holds no </r> or </e> !");
+  const Result<Platform> opened = OpenHome(invocation);
+  if (!opened.ok()) return invocation.Fail(opened.status());
+  const CodePage& code_page = opened.value().code_page;
+  if (!CanBeStored(code_page, arguments.remove) || !CanBeStored(code_page, arguments.extract)) {
+    invocation.Say("A filter word is one line of characters of the system's code page, and holds no </r> or </e> !");
     return kExitUsage;
   }
   const Result<Workplace> place = TakeWorkplace(invocation);

@@ -206,7 +206,15 @@ TEST_F(CommandTest, MoreFilterWordsThanAreCountedAreAnOverflowAndTheFileStays) {
 TEST_F(CommandTest, AFilterWordThatTheFileCannotHoldIsWrongUsage) {
   EXPECT_EQ(system.Run({"filter", "--remove", "a\nb"}), kExitUsage);
   EXPECT_EQ(system.Run({"filter", "--extract", "a</E>b"}), kExitUsage);
+  EXPECT_EQ(system.Run({"filter", "--extract", "\xC3\xBC\xE6\xBC\xA2"}), kExitUsage);
+  EXPECT_TRUE(system.errors().ends_with(" !\n")) << system.errors();
   EXPECT_TRUE(system.fake.files.AllFiles().empty());
+}
+
+TEST_F(CommandTest, AFilterWordMayHoldWhatTheCodePageHolds) {
+  EXPECT_EQ(system.Run({"filter", "--extract", "\xC3\xBC\xE2\x82\xAC"}), kExitDone);
+  EXPECT_EQ(system.Run({"filter"}), kExitDone);
+  EXPECT_EQ(system.output(), "extract\t\xC3\xBC\xE2\x82\xAC\n");
 }
 
 class MergeTest : public CommandTest {
