@@ -297,7 +297,8 @@ Json AnalyzeSession::Answering::operator()(ResolveRequest request) const {
 Json AnalyzeSession::Answering::operator()(HostRequest request) const { return {{"host", GetHost(request.address)}}; }
 
 Json AnalyzeSession::Answering::operator()(SaveRequest) const {
-  if (!session.state_->opened()) return AnalyzeError("no project is open");
+  // A keyword without a language has no files.
+  if (!session.state_->opened() || session.state_->project.DataFile.empty()) return AnalyzeError("no project is open");
   const Status data = session.state_->store.WriteData();
   const Status report = session.state_->store.WriteReport();
   for (const Status& status : {data, report}) {

@@ -160,6 +160,14 @@ TEST(Analyze, TellsWhyAProjectCannotBeSaved) {
   EXPECT_TRUE(Json::parse(answers[1]).contains("error")) << answers[1];
 }
 
+TEST(Analyze, SavesNothingWhereTheProjectHasNoFiles) {
+  CommandSystem system;
+  const Strings answers =
+      LinesOf(Answers(system, "{\"settings\":{\"SearchLanguage\":9}}\n{\"open\":\"roses\"}\n{\"save\":true}\n"));
+  EXPECT_EQ(Json::parse(answers[1])["DataFile"], "");
+  EXPECT_EQ(answers[2], "{\"error\":\"no project is open\"}");
+}
+
 TEST(Analyze, EndsQuietlyWhenNobodyReadsTheAnswers) {
   CommandSystem system;
   system.streams.input = "{\"host\":\"a\"}\n{\"host\":\"b\"}\n{\"host\":\"c\"}\n";
