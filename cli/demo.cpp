@@ -48,7 +48,7 @@ int Demo(Invocation& invocation) {
   PlatformChoice& choice = invocation.choice();
   choice.proxy = fmt::format("http://127.0.0.1:{}", server.value()->port());
   if (!choice.home_given) {
-    choice.home = FreeTemporaryPath("quenlar-demo");
+    choice.home = MakeTemporaryFolder("quenlar-demo");
     choice.home_given = true;
   }
   Result<Workplace> place = TakeWorkplace(invocation);

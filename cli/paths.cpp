@@ -45,13 +45,14 @@ std::string AbsolutePath(const std::string& path) {
   return ToUtf8(absolute);
 }
 
-std::string FreeTemporaryPath(const std::string& name) {
+std::string MakeTemporaryFolder(const std::string& name) {
   std::error_code error;
   const fs::path folder = fs::temp_directory_path(error);
   if (error) return "";
   for (int number = 1;; ++number) {
     const fs::path path = folder / (name + "-" + std::to_string(number));
-    if (!fs::exists(fs::symlink_status(path, error))) return ToUtf8(path);
+    const bool made = fs::create_directory(path, error);  // also false where another program was quicker
+    if (made || !fs::exists(fs::symlink_status(path, error))) return ToUtf8(path);
   }
 }
 

@@ -9,7 +9,8 @@ namespace quenlar {
 // where the system cannot tell.
 [[nodiscard]] std::string AbsolutePath(const std::string& path);
 
-// A path in the system's folder for temporary files that nothing stands at: `name`-1, `name`-2 and so on.
-[[nodiscard]] std::string FreeTemporaryPath(const std::string& name);
+// Makes a new folder in the system's folder for temporary files: `name`-1, `name`-2 and so on. Where none can be made,
+// the path of one that is not there; empty where the system has no such place.
+[[nodiscard]] std::string MakeTemporaryFolder(const std::string& name);
 
 }  // namespace quenlar

@@ -1,5 +1,6 @@
 // The command line as a whole: usage, help, the program folder, and the files made from the declarations.
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -140,6 +141,15 @@ TEST(CommandLine, SaysThatResultsAreLostOnAFullDiskAndEndsWithStatus1) {
     system.streams.output_is_full = true;
     EXPECT_EQ(system.Run(arguments), kExitFailed) << arguments[0];
     EXPECT_EQ(system.errors(), "quenlar: no space is left for the results\n") << arguments[0];
+  }
+}
+
+TEST(TemporaryFolder, BelongsToWhoeverHasMadeIt) {
+  const std::string one = MakeTemporaryFolder("quenlar-cli-test"), two = MakeTemporaryFolder("quenlar-cli-test");
+  EXPECT_NE(one, two);
+  for (const std::string& folder : {one, two}) {
+    EXPECT_TRUE(std::filesystem::is_directory(folder)) << folder;
+    std::filesystem::remove(folder);
   }
 }
 
