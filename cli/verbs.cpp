@@ -121,9 +121,9 @@ void DeclareDelete(CLI::App& root, Command& chosen) {
   verb->add_option("TEXT", arguments->text, "The project, as `quenlar projects` lists it")->type_name("")->required();
   verb->add_flag("-y,--yes", arguments->yes, "Do not ask");
   verb->footer(
-      "Asks on the terminal, and deletes nothing unless the answer is yes. A keyword may be given without its\n"
-      "language. A project that has files but stands nowhere in the list takes the oldest entry of the list with it;\n"
-      "that entry's files stay.\n\n"
+      "Asks on the terminal, and deletes nothing unless the answer is yes. A keyword without its language is taken in\n"
+      "that of the setting Search. A project that has files but stands nowhere in the list takes the oldest entry of\n"
+      "the list with it; that entry's files stay.\n\n"
       "Examples:\n"
       "  quenlar delete gardening_en\n"
       "  quenlar delete --yes www.example.org");

@@ -76,6 +76,14 @@ TEST_F(CommandTest, DeleteTakesAKeywordWithoutItsLanguage) {
   EXPECT_EQ(system.FileText("data/roses_en.dat"), "(no file)");
 }
 
+TEST_F(CommandTest, DeleteTakesAKeywordInTheLanguageOfTheSettingAlone) {
+  AddTwoProjects();
+  system.fake.registry.SaveRegValue(kProjectKey, "Search", "2");
+  EXPECT_EQ(system.Run({"delete", "roses", "--yes"}), kExitFailed);
+  EXPECT_EQ(system.errors(), "There is no project roses !\n");
+  EXPECT_EQ(Projects(), "roses_en\nshop.example\n");
+}
+
 TEST_F(CommandTest, DeletingTheLastProjectEmptiesTheList) {
   AddProject("shop.example", "shop_example", "");
   EXPECT_EQ(system.Run({"delete", "shop.example", "-y"}), kExitDone);
