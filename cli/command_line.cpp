@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/exit_status.h"
+#include "cli/option_checks.h"
 #include "cli/paths.h"
 #include "cli/terminal_text.h"
 
@@ -20,12 +21,16 @@ constexpr const char* kHomeVariable = "QUENLAR_HOME";
 int TellParseOutcome(Console& console, const CLI::App& root, const CLI::ParseError& error) {
   const CLI::App* app = &root;
   while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
-  if (error.get_name() == "CallForHelp") return console.Write(root.help()) ? kExitDone : kExitFailed;
-  if (error.get_name() == "CallForVersion") {
-    return console.Write(std::string(kVersionText) + "\n") ? kExitDone : kExitFailed;
+  const bool help = error.get_name() == "CallForHelp";
+  if (help || error.get_name() == "CallForVersion") {
+    (void)console.Write(help ? root.help() : std::string(kVersionText) + "\n");  // a reader may be gone
+    return kExitDone;
   }
   const std::string command = app == &root ? "quenlar" : "quenlar " + app->get_name();
-  Invocation::SayOn(console, std::string("quenlar: ") + error.what());
+  // Of a word that names no command CLI11 says only that a command is missing.
+  const std::vector<std::string> unknown = app == &root ? root.remaining() : std::vector<std::string>();
+  Invocation::SayOn(console, unknown.empty() ? std::string("quenlar: ") + error.what()
+                                             : "quenlar: there is no command or option " + unknown.front());
   Invocation::SayOn(console, "Try: " + command + " --help");
   return kExitUsage;
 }
@@ -82,7 +87,8 @@ CommandLine::CommandLine()
   root->require_subcommand(1);
   root->fallthrough();
   root->add_option("--home", home, "The program folder: data and report lie below it, settings in it")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(CheckNotEmpty);
   DeclareCommands(*root, chosen);
   root->set_version_flag("--version", kVersionText, "Print the version and exit");
   for (CLI::App* verb : root->get_subcommands([](CLI::App*) { return true; })) {

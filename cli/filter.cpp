@@ -35,6 +35,7 @@ int Show(Invocation& invocation) {
   FilterWords words(settings);
   const Platform& p = platform.value();
   Tell(invocation, ReadFilterFile(p.files, p.code_page, FilterFilePath(invocation.site()), words));
+  if (words.keep_old_file) return kExitFailed;  // it could not be read
   for (const std::string& word : words.RemoveFilterWords) {
     if (!invocation.Print("remove\t" + word)) return kExitDone;
   }

@@ -73,6 +73,12 @@ std::string CheckProxyUrl(const std::string& value) {
   return wrong.empty() && is_http ? "" : "must be an HTTP proxy, such as http://127.0.0.1:8080";
 }
 
+std::string CheckNotEmpty(const std::string& value) { return value.empty() ? "must not be empty" : ""; }
+
+std::string CheckOneLine(const std::string& value) {
+  return value.find_first_of("\r\n") == std::string::npos ? "" : "must be one line";
+}
+
 std::string CheckStopNumber(const std::string& value) {
   const double number = LeadingNumber(value);
   const bool digits = value.find_first_not_of("0123456789") == std::string::npos;

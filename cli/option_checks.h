@@ -11,6 +11,11 @@ namespace quenlar {
 // "http://host:port".
 [[nodiscard]] std::string CheckProxyUrl(const std::string& value);
 
+// Anything but "".
+[[nodiscard]] std::string CheckNotEmpty(const std::string& value);
+// A text without line ends.
+[[nodiscard]] std::string CheckOneLine(const std::string& value);
+
 // "1" to "99999".
 [[nodiscard]] std::string CheckStopNumber(const std::string& value);
 

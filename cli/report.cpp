@@ -5,6 +5,7 @@
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/workplace.h"
+#include "platform/files.h"
 #include "platform/registry.h"
 
 namespace quenlar {
@@ -17,6 +18,8 @@ int ReportIn(Invocation& invocation, const Workplace& place, const std::string& 
   const Engine::StartNotes notes = engine.Start();
   if (!notes.folders.ok()) return invocation.Fail(notes.folders);
   front_end.Open(engine, text);
+  const Status read = place.platform.files.Read(engine.project.ReportFile, [](std::string_view) { return false; });
+  if (!read.ok() && read.kind() != StatusKind::kNotFound) return invocation.Fail(read);
   if (engine.project.found.Count() < 1) {
     invocation.Say("No eMail address found");
     return kExitFailed;

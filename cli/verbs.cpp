@@ -63,7 +63,8 @@ void DeclareExtract(CLI::App& root, Command& chosen) {
   CLI::App* verb = root.add_subcommand("extract", "Run the project of a keyword or an address to its end");
   verb->add_option("TEXT", arguments->options.text, "A keyword, or an address (a text with a dot)")
       ->type_name("")
-      ->required();
+      ->required()
+      ->check(CheckOneLine);
   DeclareChoice(*verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
                 "How a new address is printed: the address alone; address, page, title and tag-only flag as csv; a "
                 "JSON object");
@@ -77,7 +78,8 @@ void DeclareExtract(CLI::App& root, Command& chosen) {
       ->check(CheckProxyUrl);
   verb->add_flag("--assume-online", arguments->options.assume_online, "Do not ask the system whether it is on line");
   verb->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(CheckNotEmpty);
   verb->footer(
       "Each new address is printed as it is found; the same command continues a project that was stopped. Ctrl-C ends\n"
       "the run in order, with everything saved; a second Ctrl-C ends it at once. Options hold for this run alone.\n"

@@ -58,7 +58,7 @@ Status WriteFilterFile(Files& files, const CodePage& code_page, const std::strin
 
 std::vector<std::string> ReadFilterFile(const Files& files, const CodePage& code_page, const std::string& path,
                                         FilterWords& words) {
-  if (!files.FileExists(path)) return {};
+  if (!files.FileExists(path) && !files.FolderExists(path)) return {};
   auto bytes = ReadWhole(files, path, kMaxFileBytes);
   words.keep_old_file = !bytes.ok();
   if (!bytes.ok()) return {"The filter words cannot be read: " + bytes.status().message() + " !"};

@@ -32,6 +32,12 @@ TEST(CommandLine, AnswersWrongUsageWithStatus2AndAHint) {
                               {"extract", "a", "--search-engine", "search.example"},
                               {"extract", "a", "--proxy", "nowhere"},
                               {"extract", "a", "--summary"},
+                              {"extract", "a", "--summary", ""},
+                              {"extract", "a", "--summary="},
+                              {"extract", "a\nb"},
+                              {"extract", "a\rb"},
+                              {"--home", "", "options", "Search", "4"},
+                              {"options", "Search", "4", "--home="},
                               {"analyze"},
                               {"delete"},
                               {"report"},
@@ -47,6 +53,26 @@ TEST(CommandLine, AnswersWrongUsageWithStatus2AndAHint) {
     EXPECT_EQ(system.output(), "");
     EXPECT_EQ(system.errors().substr(0, 9), "quenlar: ") << system.errors();
     EXPECT_TRUE(system.fake.files.AllFiles().empty());
+  }
+}
+
+TEST(CommandLine, NamesTheWordThatIsNoCommand) {
+  for (const char* word : {"nope", "help", "--nope"}) {
+    CommandSystem system;
+    EXPECT_EQ(system.Run({word}), kExitUsage);
+    EXPECT_EQ(system.errors(),
+              std::string("quenlar: there is no command or option ") + word + "\nTry: quenlar --help\n");
+  }
+  CommandSystem system;
+  system.Run({});
+  EXPECT_EQ(system.errors(), "quenlar: A subcommand is required\nTry: quenlar --help\n");
+}
+
+TEST(CommandLine, EndsWithStatus0WhenNobodyReadsTheHelp) {
+  for (const Arguments& arguments : {Arguments{"--help"}, {"--version"}, {"describe", "man"}, {"options"}}) {
+    CommandSystem system;
+    system.streams.readers_patience = 0;
+    EXPECT_EQ(system.Run(arguments), kExitDone) << arguments[0];
   }
 }
 

@@ -121,6 +121,14 @@ TEST_F(CommandTest, ReportOfAProjectWithoutAddressesIsNoReport) {
   EXPECT_EQ(system.FileText("report/nobody_example.rpt"), "(no file)");
 }
 
+TEST_F(CommandTest, AReportThatCannotBeReadIsNotTakenForAnEmptyOne) {
+  AddTwoProjects();
+  ASSERT_TRUE(system.fake.files.Delete("/user/quenlar/report/roses_en.rpt").ok());
+  system.fake.files.AddFolder("/user/quenlar/report/roses_en.rpt");
+  EXPECT_EQ(system.Run({"report", "roses_en"}), kExitFailed);
+  EXPECT_NE(system.errors().find("/user/quenlar/report/roses_en.rpt"), std::string::npos) << system.errors();
+}
+
 TEST_F(CommandTest, OptionsAreListedWithTheirDefaultsBeforeAnythingIsStored) {
   EXPECT_EQ(system.Run({"options"}), kExitDone);
   for (const char* line : {"Search        0      ", "StopNumber    99999  ", "Correlation   1      "}) {
@@ -217,6 +225,12 @@ TEST_F(CommandTest, AFilterWordThatTheFileCannotHoldIsWrongUsage) {
   EXPECT_EQ(system.Run({"filter", "--extract", "\xC3\xBC\xE6\xBC\xA2"}), kExitUsage);
   EXPECT_TRUE(system.errors().ends_with(" !\n")) << system.errors();
   EXPECT_TRUE(system.fake.files.AllFiles().empty());
+}
+
+TEST_F(CommandTest, FilterWordsThatCannotBeReadAreAFailure) {
+  system.fake.files.AddFolder("/user/quenlar/data/ExtractFilter.dat");
+  EXPECT_EQ(system.Run({"filter"}), kExitFailed);
+  EXPECT_NE(system.errors().find("cannot be read"), std::string::npos) << system.errors();
 }
 
 TEST_F(CommandTest, AFilterWordMayHoldWhatTheCodePageHolds) {

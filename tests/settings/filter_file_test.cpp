@@ -46,6 +46,12 @@ TEST_F(FilterFileTest, HoldsTheBannerThenOneWordALine) {
   EXPECT_EQ(files.Contents(path), kBanner + std::string("<r>cat</r>\r\n<r>dog</r>\r\n<e>m\xFCller</e>\r\n"));
 }
 
+TEST_F(FilterFileTest, AFolderInItsPlaceCannotBeReadAndIsKept) {
+  files.AddFolder(path);
+  EXPECT_THAT(ReadFilterFile(files, code_page, path, words), ElementsAre(HasSubstr("cannot be read")));
+  EXPECT_TRUE(words.keep_old_file);
+}
+
 TEST_F(FilterFileTest, EmptyListsLeaveTheBannerAndTheEmptyLine) {
   ASSERT_TRUE(Write().ok());
   EXPECT_EQ(files.Contents(path), kBanner);
