@@ -290,10 +290,15 @@ Status ProjectStore::FinishSave(Save& save) {
   return std::exchange(save.again, false) ? WriteWithoutPumping(save) : committed;
 }
 
+void ProjectStore::GiveUp(Save& save) {
+  if (save.under_way != nullptr) std::exchange(save.under_way, nullptr)->Discard();
+  save.again = false;
+}
+
 void ProjectStore::FinishSaves() {
   const Status report = FinishSave(report_);
   Show(report);
-  if (KeepsDataBack(report) && data_.under_way != nullptr) std::exchange(data_.under_way, nullptr)->Discard();
+  if (KeepsDataBack(report)) GiveUp(data_);
   Show(FinishSave(data_));
 }
 
@@ -317,8 +322,7 @@ void ProjectStore::SaveAtOnce() {
 Status ProjectStore::DeleteFiles() {
   Status first;
   for (Save* save : {&data_, &report_}) {
-    if (save->under_way != nullptr) std::exchange(save->under_way, nullptr)->Discard();
-    save->again = false;
+    GiveUp(*save);
     const std::string& path = PathOf(*save);
     if (!platform_.files.FileExists(path)) continue;
     const Status deleted = Sentence(platform_.files.Delete(path), path, "deleted");

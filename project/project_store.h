@@ -86,6 +86,7 @@ class ProjectStore final : public PeriodicSaver {
   Status Commit(Save& save, RecordWriter& writer, const std::string& path);
   Status Replace(Save& save, RecordWriter& writer, const std::string& path);
   Status FinishSave(Save& save);
+  static void GiveUp(Save& save);
   void FinishSaves();
   Status WriteWithoutPumping(Save& save);
   void Show(const Status& failure);

@@ -124,6 +124,7 @@ TEST_F(MainWindowProjects, NoRunBeginsInsideTheOpeningOfAPickedProject) {
   loop.OnPump([this] {
     loop.OnPump({});
     Type("www.c.test");  // takes the opening over, and ends it
+    EXPECT_FALSE(extract.cmdExtract.enabled());
     extract.cmdExtract.Click();
     EXPECT_EQ(extract.cmdExtract.text(), "&Extract");
     EXPECT_FALSE(tray.tmrExtract.enabled());
@@ -133,6 +134,16 @@ TEST_F(MainWindowProjects, NoRunBeginsInsideTheOpeningOfAPickedProject) {
   EXPECT_EQ(extract.cmdExtract.text(), "&Stop");
   EXPECT_TRUE(extract.cmdExtract.enabled());
   EXPECT_THAT(Entries(), ElementsAre("www.c.test", "www.b.test", "www.a.test"));
+}
+
+TEST_F(MainWindowProjects, ReportRightAfterAPickShowsThePickedProject) {
+  PutFiles("a_test");
+  PutFiles("b_test");
+  StartWith({"www.a.test", "www.b.test"});
+  extract.cmbURL.UserPick(1);
+  extract.cmdExport.Click();
+  ASSERT_EQ(shell.started.size(), 1u);
+  EXPECT_THAT(shell.started[0].command_line, testing::EndsWith("/home/report/b_test.rpt"));
 }
 
 TEST_F(MainWindowProjects, DeleteRightAfterAPickDeletesThePickedProject) {

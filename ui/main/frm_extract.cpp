@@ -154,7 +154,8 @@ void frmExtract::StopRun() {
 }
 
 bool frmExtract::CanWriteProject() {
-  const Status can = CheckCanBeSaved(context_.engine.platform.files, context_.engine.project);
+  const Engine& engine = context_.engine;
+  const Status can = CheckCanBeSaved(engine.platform.files, engine.project, engine.settings);
   WarnOnFailure(can);
   return can.ok();
 }
@@ -232,6 +233,7 @@ void frmExtract::DeleteProject() {
 
 void frmExtract::ExportReport() {
   if (std::exchange(exporting_, true)) return;
+  OpenPicked();
   // The focus leaves a button that is disabled for a moment; a window that would give it back gives it to the list.
   const bool enabled = cmdExport.enabled();
   cmdExport.SetEnabled(!enabled);
@@ -342,7 +344,7 @@ void frmExtract::EnableDelete(bool enabled) { cmdDelete.SetEnabled(enabled); }
 void frmExtract::EnableExport(bool enabled) { cmdExport.SetEnabled(enabled); }
 
 void frmExtract::EnableExtract() {
-  if (!starting_) cmdExtract.SetEnabled(true);
+  if (!starting_ && opening_ <= 1) cmdExtract.SetEnabled(true);
 }
 
 // Whoever goes on typing goes on at the end.
