@@ -137,7 +137,7 @@ bool ProjectStore::LoadReport(std::uint64_t opening) {
   }
   reader_ = nullptr;
   reported_ = taken;
-  // A run that began in one of the pumps has added rows of its own: then the list starts anew.
+  // Where one of the pumps has loaded the rest, the list starts anew.
   if (taken != project_.found.Count()) view_.ClearRows();
   for (std::uint32_t i = 0; i < project_.found.Count(); ++i) view_.AddRow(i, false);
   project_view_.EnableExport(true);
@@ -234,7 +234,9 @@ Status ProjectStore::Advance(Save& save, RecordWriter& writer) {
   };
   const std::unique_ptr<RecordWriter, decltype(over)> under_way(save.under_way = &writer, over);
   if (save.file == File::kData) {
+    save.waits_for_report = true;
     const Status report = BringReportUpToDate();
+    save.waits_for_report = false;
     if (KeepsDataBack(report)) {
       writer.Discard();
       return report;
@@ -298,7 +300,7 @@ void ProjectStore::GiveUp(Save& save) {
 void ProjectStore::FinishSaves() {
   const Status report = FinishSave(report_);
   Show(report);
-  if (KeepsDataBack(report)) GiveUp(data_);
+  if (KeepsDataBack(report) && data_.waits_for_report) GiveUp(data_);
   Show(FinishSave(data_));
 }
 

@@ -41,7 +41,8 @@ class ProjectStore final : public PeriodicSaver {
 
   // The change handler of the input box: names the project and loads it. Pumps. Called again while it pumps, the
   // later call wins and the earlier one returns without touching the project any more. A save that is under way is
-  // finished first, without pumping. Throws std::bad_alloc where memory does not hold it; then no project is open.
+  // finished first, or fails, without pumping. Throws std::bad_alloc where memory does not hold it; then no project is
+  // open.
   void OpenProject(std::string_view text);
 
   // Loads at once what is left of the report that is being loaded, if one is. Does not pump.
@@ -50,12 +51,14 @@ class ProjectStore final : public PeriodicSaver {
   // Write the data file and the report; do nothing while no project is open. Pump. A call during a save of the same
   // file succeeds at once and the save happens once more, after the one that is under way. A call while the project
   // is being loaded loads the rest first. A failure leaves the previous file whole; its message is complete
-  // ("Overflow !", or a sentence ending in " !").
+  // ("Overflow !", or a sentence ending in " !"). A data file comes behind a report that holds all addresses of the
+  // pages it drops: WriteData writes that first and fails with it, save where it fails with "Overflow !".
   Status WriteData();
   Status WriteReport();
 
-  // Writes both files of the project at hand without pumping, after what is being saved or loaded has been finished.
-  // For the end of the program. Failures go where those of SaveProjectData go.
+  // Writes both files of the project at hand, in the same order and with the same condition, without pumping, after
+  // what is being saved or loaded has been finished. For the end of the program. Failures go where those of
+  // SaveProjectData go.
   void SaveAtOnce();
 
   // PeriodicSaver: the same as Write..., with a failure shown in panel 1 and told to whoever has asked.
@@ -74,6 +77,7 @@ class ProjectStore final : public PeriodicSaver {
     RecordWriter* under_way = nullptr;
     bool again = false;
     std::uint32_t addresses = 0;  // known when the latest save began
+    bool waits_for_report = false;
     // The file on disk holds what could not be loaded; the first save keeps it under another name.
     bool keep_old = false;
   };

@@ -34,8 +34,8 @@ inline constexpr const char* kProjectKey = "Software\\Quenlar\\Project";
 // Fixed or configured by a builder; not stored.
 struct Site {
   std::string search_engine = "http://www.google.com";  // scheme, host and port of the search engine
-  std::string program_folder;                           // no trailing separator; `data` and `report` lie below it
-  char separator = '/';                                 // between folders in paths: "\\" on Windows
+  std::string program_folder;  // `data` and `report` lie below it; ends in a separator in a drive's root alone
+  char separator = '/';        // between folders in paths: "\\" on Windows
 };
 
 inline constexpr const char* kSearchEngineDomain = "google.";        // results on it are not crawled

@@ -11,7 +11,7 @@
 namespace quenlar {
 
 // Wide paths throughout, of any length. A replacement is written through to the medium before it takes the name. A file
-// that another program holds is waited for, 0.2 s at most, when it is to be renamed or replaced.
+// that another program holds is waited for, about 0.3 s at most, when it is to be renamed or replaced.
 class Win32Files final : public Files {
  public:
   Win32Files();

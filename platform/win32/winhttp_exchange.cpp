@@ -118,7 +118,11 @@ void Exchange::Take(Event event) {
   const auto self = shared_from_this();
   {
     const std::lock_guard lock(mutex_);
-    events_.push_back(event);
+    try {
+      events_.push_back(event);
+    } catch (const std::bad_alloc&) {
+      finished_ = true;  // in silence; nothing is left to tell it with
+    }
     if (std::exchange(working_, true)) return;
   }
   Work();
@@ -138,12 +142,11 @@ void Exchange::Work() {
       event = events_.front();
       events_.pop_front();
     }
-    // The system lets no exception out: what memory does not hold spoils the answer.
+    // No exception may reach the system: what memory does not hold spoils the answer.
     try {
       Handle(event);
     } catch (const std::bad_alloc&) {
-      std::string().swap(body_);
-      Report(ExchangeReport::Kind::kFailed);
+      FailForWantOfMemory();
     }
   }
   CloseHandles();
@@ -230,6 +233,16 @@ void Exchange::OnError(DWORD error) {
   const bool never_answered = head_.status() == 0;
   if (connection_gone && never_answered && !connected_afresh_ && sends_ < kMostSends && Send()) return;
   Report(ExchangeReport::Kind::kFailed);
+}
+
+void Exchange::FailForWantOfMemory() {
+  std::string().swap(body_);
+  try {
+    Report(ExchangeReport::Kind::kFailed);
+  } catch (const std::bad_alloc&) {
+    const std::lock_guard lock(mutex_);
+    finished_ = true;  // in silence
+  }
 }
 
 void Exchange::Report(ExchangeReport::Kind kind, std::string text) {

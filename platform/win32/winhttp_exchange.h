@@ -66,6 +66,8 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
   void End();
   // Every kind but kFirstBytes ends the exchange.
   void Report(ExchangeReport::Kind kind, std::string text = {});
+  // A download that falls silent because not even its failure can be told is for the watchdog to cancel.
+  void FailForWantOfMemory();
   void CloseHandles();
   [[nodiscard]] std::optional<std::string> HeaderLines() const;
 

@@ -73,10 +73,13 @@ TEST_F(TrayIconTest, IsAddedLaterWhenTheTaskBarIsTooBusy) {
   icon.AddTrayIcon();
   EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD));
   DeliverMessagesUntilAsked(3);
-  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_MODIFY, NIM_ADD));
+  std::vector<ULONG_PTR> first = bar.asked();
+  first.resize(3);
+  EXPECT_THAT(first, ElementsAre(NIM_ADD, NIM_MODIFY, NIM_ADD));
+  EXPECT_FALSE(bar.has_icon());
   bar.SetBusy(false);
-  DeliverMessagesUntilAsked(5);
-  EXPECT_THAT(bar.asked(), ElementsAre(NIM_ADD, NIM_MODIFY, NIM_ADD, NIM_MODIFY, NIM_ADD));
+  DeliverMessagesUntilAsked(bar.asked().size() + 2);
+  EXPECT_TRUE(bar.has_icon());
   EXPECT_FALSE(KillTimer(WindowOf(icon), 1)) << "asks no more";
 }
 

@@ -179,5 +179,19 @@ TEST_F(ReportBeforeData, AProjectThatIsOpenedWhileItIsSavedLeavesBothFilesAsOneS
   EXPECT_NE(fakes_.files.Contents(report).value_or("").find("first@h.example.org"), std::string::npos);
 }
 
+TEST_F(ReportBeforeData, ADataFileThatIsGivenUpIsNotWrittenForTheNextProject) {
+  settings_.ExportMode = 1;
+  AddLinksInFlight({"http://first", "http://second"});
+  Visit(0, "first@h.example.org");
+  InPumps({[this] {
+    store_.SaveProjectData();  // once more, after the one that is under way
+    fakes_.files.SetFreeSpace(0);
+    store_.OpenProject("other.example");
+    fakes_.files.SetFreeSpace(1 << 20);
+  }});
+  store_.SaveProjectData();
+  EXPECT_FALSE(fakes_.files.FileExists(project_.DataFile));
+}
+
 }  // namespace
 }  // namespace quenlar

@@ -1,8 +1,7 @@
-// The project list and the report's export, as the main window does them.
+// The project list, as the main window does it.
 #include <gmock/gmock.h>
 
-#include "project/data_file.h"
-#include "support/program_world.h"
+#include "saved_projects.h"
 
 namespace quenlar {
 namespace {
@@ -11,24 +10,7 @@ using std::chrono::milliseconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class MainWindowProjects : public ProgramTest {
- protected:
-  void StartWith(const std::vector<std::string>& projects) {
-    StoreProjects(projects);
-    Start();
-  }
-  void PutFiles(const std::string& name) {
-    files.AddFolder("/home/data");
-    files.AddFolder("/home/report");
-    files.Put("/home/data/" + name + ".dat", HeaderLine() + "\r\n");
-    files.Put("/home/report/" + name + ".rpt", name + "@kept.test\r\n");
-  }
-  void Delete(BoxAnswer answer = BoxAnswer::kYes) {
-    boxes.answers = {answer};
-    extract.cmdDelete.Click();
-  }
-  [[nodiscard]] const std::vector<std::string>& Entries() const { return program.engine.project_list.entries(); }
-};
+class MainWindowProjects : public SavedProjectsTest {};
 
 // --- Adding ---
 
@@ -136,16 +118,6 @@ TEST_F(MainWindowProjects, NoRunBeginsInsideTheOpeningOfAPickedProject) {
   EXPECT_THAT(Entries(), ElementsAre("www.c.test", "www.b.test", "www.a.test"));
 }
 
-TEST_F(MainWindowProjects, ReportRightAfterAPickShowsThePickedProject) {
-  PutFiles("a_test");
-  PutFiles("b_test");
-  StartWith({"www.a.test", "www.b.test"});
-  extract.cmbURL.UserPick(1);
-  extract.cmdExport.Click();
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_THAT(shell.started[0].command_line, testing::EndsWith("/home/report/b_test.rpt"));
-}
-
 TEST_F(MainWindowProjects, DeleteRightAfterAPickDeletesThePickedProject) {
   PutFiles("a_test");
   PutFiles("b_test");
@@ -163,6 +135,24 @@ TEST_F(MainWindowProjects, TheTimerOfAnEmptyListOnlyStops) {
   loop.Advance(milliseconds(200));
   EXPECT_FALSE(extract.tmrText.enabled());
   EXPECT_EQ(extract.cmbURL.text(), "");
+}
+
+TEST_F(MainWindowProjects, AProjectThatMemoryDoesNotHoldIsToldAndCannotBeRun) {
+  PutFiles("b_test");
+  StartWith({"www.a.test"});
+  loop.OnPump([this] {
+    loop.OnPump({});
+    throw std::bad_alloc();
+  });
+  Type("www.b.test");
+  EXPECT_THAT(boxes.texts(), ElementsAre("There is not enough memory !"));
+  EXPECT_TRUE(extract.cmdExtract.enabled());
+  extract.cmdExtract.Click();
+  EXPECT_THAT(boxes.texts(), ElementsAre("There is not enough memory !", "There is not enough memory !"));
+  EXPECT_FALSE(tray.tmrExtract.enabled());
+  Type("www.a.test");
+  extract.cmdExtract.Click();
+  EXPECT_TRUE(tray.tmrExtract.enabled());
 }
 
 // --- Deleting ---
@@ -265,151 +255,6 @@ TEST_F(MainWindowProjects, ARunThatBeganBehindTheQuestionIsNotDeleted) {
   Delete();
   EXPECT_TRUE(files.FileExists("/home/data/a_test.dat"));
   EXPECT_THAT(Entries(), ElementsAre("www.a.test"));
-}
-
-// --- Export ---
-
-TEST_F(MainWindowProjects, ExportWritesTheReportAndOpensTheEditorWithoutTheFocus) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  engine.project.found.Add({"http://a.test/", "new@a.test", ""});
-  extract.cmdExport.Click();
-  EXPECT_EQ(files.Contents("/home/report/a_test.rpt"), HeaderLine() + "\r\n\r\na_test@kept.test\r\nnew@a.test\r\n");
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_EQ(shell.started[0].command_line, "C:\\Windows\\system32\\notepad.exe /home/report/a_test.rpt");
-  EXPECT_EQ(shell.started[0].mode, Shell::WindowMode::kNormalWithoutFocus);
-  EXPECT_THAT(boxes.shown, IsEmpty());
-}
-
-TEST_F(MainWindowProjects, AReportPathThatContainsBlanksIsPassedUnquoted) {
-  StartWith({});
-  Type("www.a.test");
-  engine.project.ReportFile = "/home/report/my cars.rpt";
-  engine.project.found.Add({"", "new@a.test", ""});
-  extract.cmdExport.Click();
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_EQ(shell.started[0].command_line, "C:\\Windows\\system32\\notepad.exe /home/report/my cars.rpt");
-}
-
-TEST_F(MainWindowProjects, ExportingTwiceRewritesTheSameReportFileEachTime) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  extract.cmdExport.Click();
-  const auto first = files.AllFiles();
-  files.Put("/home/report/a_test.rpt", "changed by somebody");
-  extract.cmdExport.Click();
-  EXPECT_EQ(files.AllFiles(), first);
-  EXPECT_EQ(files.Contents("/home/report/a_test.rpt"), HeaderLine() + "\r\n\r\na_test@kept.test\r\n");
-  EXPECT_EQ(shell.started.size(), 2u);
-}
-
-TEST_F(MainWindowProjects, WithoutAddressesExportSaysSoAndWritesNothing) {
-  StartWith({});
-  Type("www.a.test");
-  extract.cmdExport.Click();
-  ASSERT_THAT(boxes.texts(), ElementsAre("No eMail address found"));
-  EXPECT_EQ(boxes.shown[0].icon, BoxIcon::kExclamation);
-  EXPECT_EQ(boxes.shown[0].title, "Brenvy Quenlar Pro 3.0");
-  EXPECT_FALSE(files.FileExists("/home/report/a_test.rpt"));
-  EXPECT_THAT(shell.started, IsEmpty());
-}
-
-TEST_F(MainWindowProjects, ExportMovesTheFocusAwayAndLeavesItsButtonAsItWas) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  std::vector<std::string> order;
-  extract.cmdExport.changed = [&](ui::Aspect) { order.push_back(extract.cmdExport.enabled() ? "on" : "off"); };
-  extract.lstMail.changed = [&](ui::Aspect aspect) {
-    if (aspect == ui::Aspect::kFocus) order.push_back("focus on the list");
-  };
-  extract.cmdExport.Click();
-  EXPECT_THAT(order, ElementsAre("off", "on", "focus on the list"));
-}
-
-TEST_F(MainWindowProjects, AReportThatCannotBeWrittenIsToldAndNoOldOneIsShown) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  files.SetFreeSpace(0);
-  extract.cmdExport.Click();
-  ASSERT_EQ(boxes.shown.size(), 1u);
-  EXPECT_TRUE(boxes.shown[0].text.ends_with(" !"));
-  EXPECT_EQ(files.Contents("/home/report/a_test.rpt"), "a_test@kept.test\r\n");
-  EXPECT_THAT(shell.started, IsEmpty());
-}
-
-TEST_F(MainWindowProjects, TooManyRecordsAreAnOverflowInAMessageBox) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  for (int i = 0; i < 32768; ++i) engine.project.found.Add({"", "u" + std::to_string(i) + "@a.test", ""});
-  extract.cmdExport.Click();
-  EXPECT_THAT(boxes.texts(), ElementsAre("Overflow !"));
-}
-
-TEST_F(MainWindowProjects, AnEditorThatCannotBeStartedIsTold) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  shell.start_status = Status(StatusKind::kNotFound, "notepad.exe: not there");
-  extract.cmdExport.Click();
-  EXPECT_THAT(boxes.texts(), ElementsAre("notepad.exe: not there !"));
-}
-
-TEST_F(MainWindowProjects, ExportingAProjectThatIsBeingLoadedHoldsAllOfIt) {
-  PutFiles("a_test");
-  PutFiles("b_test");
-  StartWith({"www.a.test"});
-  loop.OnPump([this] {
-    loop.OnPump({});
-    ASSERT_EQ(engine.project.found.Count(), 0u);
-    extract.cmdExport.Click();
-  });
-  Type("www.b.test");
-  EXPECT_THAT(boxes.shown, IsEmpty());
-  EXPECT_EQ(files.Contents("/home/report/b_test.rpt"), HeaderLine() + "\r\n\r\nb_test@kept.test\r\n");
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_THAT(shell.started[0].command_line, testing::EndsWith("/home/report/b_test.rpt"));
-}
-
-TEST_F(MainWindowProjects, NoRunBeginsInsideAnExport) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  engine.settings.ExportMode = 1;
-  bool asked = false;
-  loop.OnPump([&] {
-    if (!std::exchange(asked, true)) extract.cmdExtract.Click();
-  });
-  extract.cmdExport.Click();
-  EXPECT_TRUE(asked);
-  EXPECT_FALSE(tray.tmrExtract.enabled());
-  EXPECT_EQ(extract.cmdExtract.text(), "&Extract");
-  EXPECT_EQ(shell.started.size(), 1u);
-}
-
-TEST_F(MainWindowProjects, AProjectThatIsDeletedWhileItIsExportedIsNotShown) {
-  PutFiles("a_test");
-  StartWith({"www.a.test", "www.b.test"});
-  engine.settings.ExportMode = 1;
-  loop.OnPump([this] {
-    loop.OnPump({});
-    Delete();
-  });
-  extract.cmdExport.Click();
-  EXPECT_FALSE(files.FileExists("/home/report/a_test.rpt"));
-  EXPECT_THAT(Entries(), ElementsAre("www.b.test"));
-  EXPECT_THAT(shell.started, IsEmpty());
-}
-
-TEST_F(MainWindowProjects, ASecondClickWhileTheReportIsWrittenIsPassedOver) {
-  PutFiles("a_test");
-  StartWith({"www.a.test"});
-  engine.settings.ExportMode = 1;
-  int clicks = 0;
-  loop.OnPump([&] {
-    if (++clicks < 3) extract.cmdExport.Click();
-  });
-  extract.cmdExport.Click();
-  loop.OnPump({});
-  EXPECT_GT(clicks, 0);
-  EXPECT_EQ(shell.started.size(), 1u);
 }
 
 }  // namespace
