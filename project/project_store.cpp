@@ -300,7 +300,10 @@ void ProjectStore::GiveUp(Save& save) {
 void ProjectStore::FinishSaves() {
   const Status report = FinishSave(report_);
   Show(report);
-  if (KeepsDataBack(report) && data_.waits_for_report) GiveUp(data_);
+  if (KeepsDataBack(report)) {
+    if (data_.waits_for_report) GiveUp(data_);
+    data_.again = false;
+  }
   Show(FinishSave(data_));
 }
 

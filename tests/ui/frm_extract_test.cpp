@@ -236,6 +236,10 @@ TEST_F(MainWindow, AKeywordWithoutALanguageIsToldAndDoesNotBegin) {
   extract.cmdExtract.Click();
   EXPECT_THAT(boxes.texts(), ElementsAre("Please choose a search language in the options !"));
   EXPECT_FALSE(tray.tmrExtract.enabled());
+  engine.settings.SearchLanguage = 1;  // as the options do it
+  extract.cmdExtract.Click();
+  EXPECT_TRUE(tray.tmrExtract.enabled());
+  EXPECT_EQ(extract.cmbURL.text(), "cars_fr");
 }
 
 // --- Hide, option and tool ---

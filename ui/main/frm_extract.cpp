@@ -130,6 +130,8 @@ void frmExtract::StartRun() {
     Warn("Please enter keyword or URL !");
     return;
   }
+  if (context_.engine.project.DataFile.empty())
+    cmbURL_Change();  // with the language or the memory that there is by now
   if (!CanWriteProject()) return;
   cmbURL.SetEnabled(false);  // what is opened now is what the run works on
   AddCurrentProject();
