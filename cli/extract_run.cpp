@@ -121,7 +121,7 @@ bool ExtractRun::Prepare() {
   const Settings stored = engine_.settings;
   OverrideSettings();
   Open(engine_, options_.text);
-  if (const Status can = CheckCanBeSaved(engine_.platform.files, engine_.project, engine_.settings); !can.ok()) {
+  if (const Status can = CheckCanBeSaved(engine_.platform.files, engine_.project); !can.ok()) {
     Refuse(kExitFailed, SentenceOf(can));
     return false;
   }

@@ -4,13 +4,12 @@
 #include "base/status.h"
 #include "platform/files.h"
 #include "state/run_state.h"
-#include "state/settings.h"
 
 namespace quenlar {
 
-// A run whose links could not be saved would be lost, so it does not begin. Fails for a project without files (a
-// keyword without a language, as the first project of a start; one that memory did not hold) and for a data file that
-// cannot be written; writes nothing. The message is a sentence without its " !".
-Status CheckCanBeSaved(Files& files, const Project& project, const Settings& settings);
+// A run whose links could not be saved would be lost, so it does not begin. Fails for a project without files, as that
+// of a keyword without a language is when it is the first one of a start, and for a data file that cannot be written;
+// writes nothing. The message is a sentence without its " !".
+Status CheckCanBeSaved(Files& files, const Project& project);
 
 }  // namespace quenlar

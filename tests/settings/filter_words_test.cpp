@@ -170,9 +170,9 @@ TEST_F(FilterWordsTest, PatternThatBacktracksForEverStillMatchesWhereItIsQuick) 
   EXPECT_TRUE(filter.Keeps(std::string(200, 'a') + "@x.com"));
 }
 
-TEST_F(FilterWordsTest, PatternThatBacktracksForEverLeavesAThousandOtherWordsAtWork) {
+TEST_F(FilterWordsTest, PatternThatBacktracksForEverLeavesThousandsOfOtherWordsAtWork) {
   Words words = {"(a+)+$"};
-  for (int i = 0; i < 1000; ++i) words.push_back("word" + std::to_string(i) + "x");
+  for (int i = 0; i < 5000; ++i) words.push_back("word" + std::to_string(i) + "x");
   Remove(words);
   const std::string address = std::string(100, 'a') + "@word77x.com";
   EXPECT_FALSE(filter.Keeps(address));

@@ -146,11 +146,18 @@ TEST_F(MainWindowProjects, AProjectThatMemoryDoesNotHoldIsToldAndBeginsOnceItDoe
   EXPECT_TRUE(extract.cmdExtract.enabled());
   boxes.shown.clear();
   extract.cmdExtract.Click();
-  EXPECT_EQ(boxes.texts().back(), "There is not enough memory !");
+  EXPECT_THAT(boxes.texts(), ElementsAre("There is not enough memory !")) << "told once";
   EXPECT_FALSE(tray.tmrExtract.enabled());
   EXPECT_TRUE(extract.cmdExtract.enabled());
-  loop.OnPump({});
+  EXPECT_TRUE(extract.cmbURL.enabled());
+  bool pumped = false;
+  loop.OnPump([&] {
+    pumped = true;
+    EXPECT_FALSE(extract.cmbURL.enabled()) << "nobody puts another project in its place";
+  });
   extract.cmdExtract.Click();
+  EXPECT_TRUE(pumped);
+  loop.OnPump({});
   EXPECT_TRUE(tray.tmrExtract.enabled());
   EXPECT_EQ(extract.lstMail.rows(), 1u);
 }

@@ -130,12 +130,8 @@ void frmExtract::StartRun() {
     Warn("Please enter keyword or URL !");
     return;
   }
-  if (context_.engine.project.DataFile.empty())
-    cmbURL_Change();  // with the language or the memory that there is by now
-  if (!CanWriteProject()) return;
-  cmbURL.SetEnabled(false);  // what is opened now is what the run works on
-  AddCurrentProject();
-  if (context_.engine.project.DataFile.empty()) {  // memory did not hold it, which has been told
+  cmbURL.SetEnabled(false);  // what is opened from now on is what the run works on
+  if (!MakeReadyToRun()) {
     cmbURL.SetEnabled(true);
     return;
   }
@@ -149,31 +145,40 @@ void frmExtract::StartRun() {
   context_.mnuExit.SetEnabled(false);
 }
 
+// When it fails, it has told why.
+bool frmExtract::MakeReadyToRun() {
+  const Engine& engine = context_.engine;
+  // A project without files, once more: with the language or the memory that there is by now.
+  if (engine.project.DataFile.empty() && (!cmbURL_Change() || cmbURL.text().empty())) return false;
+  const Status can = CheckCanBeSaved(engine.platform.files, engine.project);
+  WarnOnFailure(can);
+  if (!can.ok()) return false;
+  AddCurrentProject();
+  return !engine.project.DataFile.empty();  // memory may not hold it under its name with a language
+}
+
 void frmExtract::StopRun() {
   cmdExtract.SetText(kExtractCaption);
   cmdExtract.SetEnabled(false);
   context_.engine.run.stop_requested = true;
 }
 
-bool frmExtract::CanWriteProject() {
-  const Engine& engine = context_.engine;
-  const Status can = CheckCanBeSaved(engine.platform.files, engine.project, engine.settings);
-  WarnOnFailure(can);
-  return can.ok();
-}
-
 // --- Projects ---
 
-void frmExtract::cmbURL_Change() {
-  if (RunGoesOn()) return;
+// False for a project that memory does not hold, which is told.
+bool frmExtract::cmbURL_Change() {
+  if (RunGoesOn()) return true;
   ++opening_;
   cmdExtract.SetEnabled(false);
+  bool opened = true;
   try {
     context_.engine.projects.OpenProject(cmbURL.text());
   } catch (const std::bad_alloc&) {
+    opened = false;
     Warn(kEndNoMemory);
   }
   if (--opening_ == 0) cmdExtract.SetEnabled(true);
+  return opened;
 }
 
 void frmExtract::AddCurrentProject() {

@@ -85,8 +85,8 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void cmdExtract_Click();
   void StartRun();
   void StopRun();
-  [[nodiscard]] bool CanWriteProject();
-  void cmbURL_Change();
+  [[nodiscard]] bool MakeReadyToRun();
+  bool cmbURL_Change();
   void OpenText(const std::string& text);
   void tmrText_Tick();
   void OpenPicked();
