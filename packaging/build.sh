@@ -40,7 +40,7 @@ build_zip() {
 build_installer() {
   stage_windows
   local installer=$packages/quenlar-$version-win64-setup.exe
-  cp ui/win32/quenlar.ico "$stage/windows/Quenlar/"
+  cp src/forms/win32/quenlar.ico "$stage/windows/Quenlar/"
   age "$stage/windows"
   makensis -V2 -DVERSION="$version" -DSOURCE="$stage/windows/Quenlar" -DOUTPUT="$installer" packaging/quenlar.nsi >&2
   echo "$installer"

@@ -18,10 +18,13 @@ grep_in() {  # FILES GREP-ARGUMENTS ...: no match is no failure
   printf '%s\n' "$files" | xargs grep -n "$@" /dev/null || true
 }
 
-rooms="app base cli mailtool netstat platform project run settings state ui web"
+# The rooms below src/ from the bottom up: each uses itself and those before it, and no room without a name here exists.
+# What implements the seam for one system, or draws the forms with one toolkit, is a room like any other.
+rooms="base platform platform/posix platform/win32 state ui ui/win32 web project settings netstat run mailtool engine cli \
+  forms forms/win32"
 all=$(sources '*.cpp' '*.h')
-product=$(printf '%s\n' "$all" | grep -E "^($(echo $rooms | tr ' ' '|'))/")
-portable=$(printf '%s\n' "$product" | grep -vE '^(platform/(posix|win32)|ui/win32)/')
+product=$(printf '%s\n' "$all" | grep '^src/')
+portable=$(printf '%s\n' "$product" | grep -vE '/(posix|win32)/')
 mains='/main[a-z0-9_]*\.cpp$'
 
 # 1. Format.
@@ -33,26 +36,19 @@ report os-headers "$(grep_in "$portable" -E "^ *# *include <($os)\.h>")"
 report platform-conditionals "$(grep_in "$portable" -E '^ *# *(el)?if.*(_WIN32|WIN32|__linux__|__unix__|__MINGW)' |
   grep -v 'check: platform-conditionals' || true)"
 
-# 3. Layering: a room includes only itself and what lies below it. The forms lie in several rooms; the control models
-# (ui/controls.h) are below them all, ui/win32 above.
-below() {
-  case "$1" in
-    base) echo ;;
-    platform | state) echo base ;;
-    web) echo base platform state ;;
-    run | project) echo base platform state web ;;
-    netstat) echo base platform ;;
-    settings | mailtool) echo base platform state web ui ;;
-    ui | app) echo base platform state web run project settings mailtool netstat app ui ;;
-    cli) echo base platform state web run project settings mailtool netstat app ;;
-  esac
-}
+# 3. Layering. The mains stand above everything. A portable room never sees the system's rooms, and these never each other.
+report rooms "$(printf '%s\n' "$product" | sed 's|^src/||; s|/[^/]*$||' | sort -u |
+  grep -vxF -f <(printf '%s\n' $rooms) || true)"
+below=
 for room in $rooms; do
-  allowed=$(echo "$room" $(below "$room") | tr ' ' '|')
-  files=$(printf '%s\n' "$portable" | grep "^$room/" | grep -vE "$mains" || true)
-  [ -n "$files" ] || continue
-  report layering "$(grep_in "$files" -E '^#include "' | grep -vE "#include \"($allowed)/" || true)"
-  report layering "$(grep_in "$files" -E '^#include "(platform/(posix|win32)|ui/win32)/')"
+  below="$below${below:+|}$room"
+  case "$room" in
+    */posix) allowed=$(printf '%s' "$below" | sed -E 's#\|[a-z/]*/win32##g') ;;
+    */win32) allowed=$(printf '%s' "$below" | sed -E 's#\|[a-z/]*/posix##g') ;;
+    *) allowed=$(printf '%s' "$below" | sed -E 's#\|[a-z]*/(posix|win32)##g') ;;
+  esac
+  files=$(printf '%s\n' "$product" | grep -E "^src/$room/[^/]*$" | grep -vE "$mains" || true)
+  report layering "$(grep_in "$files" -E '^ *# *include +"' | grep -vE "include +\"($allowed)/[a-z0-9_]+\.h\"" || true)"
 done
 
 # 4. Sizes: files of 800 lines at most, functions of 80 (a function begins and ends at the left margin).
@@ -69,21 +65,21 @@ ban() {  # RULE PATTERN FILES
 ban std-regex 'std::w?regex|#include <regex>' "$product"
 ban raw-new '(^|[^a-zA-Z_])new [A-Za-z_:]+[({;]' "$portable"
 ban unbounded-copy '(^|[^a-zA-Z_:])(strcpy|strcat|sprintf|vsprintf|gets)\(' "$product"
-ban printing '(^|[^a-zA-Z_])(std::cout|std::cerr|printf\(|puts\()' "$(printf '%s\n' "$portable" | grep -v '^cli/')"
+ban printing '(^|[^a-zA-Z_])(std::cout|std::cerr|printf\(|puts\()' "$(printf '%s\n' "$portable" | grep -v '^src/cli/')"
 # Time that people read; everything that waits or measures takes the clock that is never set.
 ban wall-clock 'system_clock|[^a-zA-Z_](std::)?time\((nullptr|NULL|&)|gettimeofday|CLOCK_REALTIME|Get(Local|System)Time' \
-  "$(printf '%s\n' "$product" | grep -vE '^platform/(posix|win32)/[a-z_]*clock\.cpp$')"
+  "$(printf '%s\n' "$product" | grep -vE '^src/platform/(posix|win32)/[a-z_]*clock\.cpp$')"
 ban sleeping 'sleep_for|sleep_until|[^a-zA-Z_]usleep\(|[^a-zA-Z_]Sleep\(' "$product"
 
 # 6. Headers stand alone: a source includes its own header first; a header without a source is compiled by itself.
 for source in $(printf '%s\n' "$portable" | grep '\.cpp$'); do
   header=${source%.cpp}.h
-  if [ -f "$header" ] && [ "$(grep -m1 '^#include' "$source")" != "#include \"$header\"" ]; then
+  if [ -f "$header" ] && [ "$(grep -m1 '^#include' "$source")" != "#include \"${header#src/}\"" ]; then
     report own-header-first "$source"
   fi
 done
 for header in $(printf '%s\n' "$portable" | grep '\.h$'); do
-  [ -f "${header%.h}.cpp" ] || g++ -std=c++20 -fsyntax-only -I. -x c++ - <<<"#include \"$header\"" ||
+  [ -f "${header%.h}.cpp" ] || g++ -std=c++20 -fsyntax-only -Isrc -x c++ - <<<"#include \"${header#src/}\"" ||
     report header-alone "$header"
 done
 

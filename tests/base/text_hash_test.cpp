@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/ascii.h"
-#include "base/index_table.h"
+#include "state/index_table.h"
 
 namespace quenlar {
 namespace {

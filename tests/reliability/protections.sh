@@ -44,45 +44,45 @@ without() {
   cp build/kept "$file"
 }
 
-without atomic-replacement platform/posix/posix_replacement.cpp platform_test 'FilesContract.*/*:FilesContract.*:PosixFilesTest.*' \
+without atomic-replacement src/platform/posix/posix_replacement.cpp platform_test 'FilesContract.*/*:FilesContract.*:PosixFilesTest.*' \
   's/std::string temporary = folder \+ "\/" \+ TemporaryName\(name\);/std::string temporary = (TemporaryName(name), target);/ + s/O_WRONLY \| O_CREAT \| O_EXCL \|/O_WRONLY | O_CREAT | O_TRUNC |/ - 1'
-without decoded-limit platform/content_decoder.cpp platform_test '*ContentDecoder.Counts*:HostileServer.ACompressionBomb*' \
+without decoded-limit src/platform/content_decoder.cpp platform_test '*ContentDecoder.Counts*:HostileServer.ACompressionBomb*' \
   's/if \(given_ > max_bytes_\) return false;//'
-without announced-limit platform/answer_head.cpp platform_test 'AnswerHead.RefusesImpossibleLengths' \
+without announced-limit src/platform/answer_head.cpp platform_test 'AnswerHead.RefusesImpossibleLengths' \
   's/return length <= kMaxBodyBytes;/return true;/'
-without memory-for-a-page platform/posix/curl_transfer.cpp platform_test 'HostileServer.APageThatMemoryDoesNotHold*' \
+without memory-for-a-page src/platform/posix/curl_transfer.cpp platform_test 'HostileServer.APageThatMemoryDoesNotHold*' \
   's/catch \(const std::bad_alloc&\)/catch (const char*)/'
-without redirect-limit platform/redirect_chain.cpp platform_test 'HostileServer.ARedirectToItself*:HostileServer.TwentyHops*' \
+without redirect-limit src/platform/redirect_chain.cpp platform_test 'HostileServer.ARedirectToItself*:HostileServer.TwentyHops*' \
   's/if \(\+\+redirects_ > kMaxRedirects\) return false;/++redirects_;/'
-without certificates platform/posix/curl_transfer.cpp platform_test 'SecureServer.*' \
+without certificates src/platform/posix/curl_transfer.cpp platform_test 'SecureServer.*' \
   's/CURLOPT_SSL_VERIFYPEER, 1L/CURLOPT_SSL_VERIFYPEER, 0L/'
-without request-line platform/wire_address.cpp platform_test 'WireAddress.*' \
+without request-line src/platform/wire_address.cpp platform_test 'WireAddress.*' \
   's/if \(byte <= 0x20 \|\| byte >= 0x7F \|\|/if (byte == 0x20 ||/'
-without filter-steps settings/filter_expression.cpp settings_test 'FilterWordsTest.PatternThatBacktracks*' \
+without filter-steps src/settings/filter_expression.cpp settings_test 'FilterWordsTest.PatternThatBacktracks*' \
   's/if \(--\*steps_left_ == 0\) throw StepLimit\(\);//'
-without filter-file-aside settings/filter_file.cpp settings_test 'FilterFileTest.*' \
+without filter-file-aside src/settings/filter_file.cpp settings_test 'FilterFileTest.*' \
   's/words.keep_old_file = !bytes.ok\(\);//'
-without file-names project/project_name.cpp project_test 'SafeFileName.*' \
+without file-names src/project/project_name.cpp project_test 'SafeFileName.*' \
   's/if \(IsUnusable\(name\[i\]\) \|\|/if ((IsUnusable(name[i]) && name.empty()) ||/'
-without foreign-file-aside project/project_store.cpp project_test 'ProjectStoreTest.DataFileWithAnotherHeader*' \
+without foreign-file-aside src/project/project_store.cpp project_test 'ProjectStoreTest.DataFileWithAnotherHeader*' \
   's/if \(!save\.keep_old\) return/return/'
-without save-in-a-save project/project_store.cpp project_test 'ProjectStoreTest.SaveAskedForDuringASave*' \
+without save-in-a-save src/project/project_store.cpp project_test 'ProjectStoreTest.SaveAskedForDuringASave*' \
   's/if \(save.under_way != nullptr\) \{\s*save.again = true;\s*return Status::Ok\(\);\s*\}//'
-without links-in-flight project/data_file.cpp project_test 'DataFileTest.LinksInFlight*' \
+without links-in-flight src/project/data_file.cpp project_test 'DataFileTest.LinksInFlight*' \
   's/parts_\[section\] = \{queue.InFlight\(\),/parts_[section] = {{},/'
-without report-first project/project_store.cpp project_test 'ReportBeforeData.*' \
+without report-first src/project/project_store.cpp project_test 'ReportBeforeData.*' \
   's/if \(!ReportIsBehind\(\)\) return Status::Ok\(\);/return Status::Ok();/'
-without watchdog run/watchdog.cpp run_test 'WatchdogTest.*' \
+without watchdog src/run/watchdog.cpp run_test 'WatchdogTest.*' \
   's/  stallSeconds_ = 0;\n  cancel_stalled_\(\);//'
-without fault-in-a-parser web/ocx_parse_web.cpp web_test 'WebControl.AFaultInsideAParser*' \
+without fault-in-a-parser src/web/ocx_parse_web.cpp web_test 'WebControl.AFaultInsideAParser*' \
   's/(parsed.whole;\n  \} catch \(const )std::exception&/$1char*/'
-without one-program app/home.cpp cli_test '*RefuseAFolder*:*RefusesAFolder*' \
+without one-program src/engine/home.cpp cli_test '*RefuseAFolder*:*RefusesAFolder*' \
   's/if \(!lock.ok\(\) && lock/if (false \&\& lock/ + s/  return lock;\n/  return files.Lock(site.program_folder, "other " + std::to_string(reinterpret_cast<std::uintptr_t>(\&lock)));\n/ - 1'
-without csv-formulas cli/address_format.cpp cli_test 'CsvField.*' \
+without csv-formulas src/cli/address_format.cpp cli_test 'CsvField.*' \
   's/field \+= .\\..;/field += "";/'
-without terminal cli/terminal_text.cpp cli_test 'ForTerminal.*:ExtractTest.NothingThatAPage*' \
+without terminal src/cli/terminal_text.cpp cli_test 'ForTerminal.*:ExtractTest.NothingThatAPage*' \
   's/(std::string ForTerminal\(std::string_view text\) \{)/$1\n  if (!text.empty()) return std::string(text);/'
-without line-limit cli/line_reader.cpp cli_test 'LineReader.*:Analyze.*' \
+without line-limit src/cli/line_reader.cpp cli_test 'LineReader.*:Analyze.*' \
   's/line.size\(\) \+ length > longest_/line.size() + length == SIZE_MAX/'
 
 echo "protections: $noticed of $((noticed + ${#missed[@]})) are noticed when they are taken out${missed[0]:+; not noticed: ${missed[*]}}"

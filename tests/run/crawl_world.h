@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/engine.h"
+#include "engine/engine.h"
 #include "support/fake_platform.h"
 #include "support/recording_view.h"
 

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/program.h"
+#include "forms/program.h"
 #include "support/fake_platform.h"
 
 namespace quenlar {

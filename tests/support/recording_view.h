@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "web/run_view.h"
+#include "state/run_view.h"
 
 namespace quenlar {
 

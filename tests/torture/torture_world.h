@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/engine.h"
+#include "engine/engine.h"
 #include "project/data_file.h"
 #include "run/end_reasons.h"
 #include "support/fake_platform.h"

@@ -1,0 +1,61 @@
+#include "engine/engine.h"
+
+#include "engine/upgrade_check.h"
+#include "platform/files.h"
+#include "project/project_name.h"
+#include "settings/filter_file.h"
+
+namespace quenlar {
+
+Engine::Engine(const Platform& given, Site given_site, FrontEnd front_end, Pump::Pace pace)
+    : platform(given),
+      site(std::move(given_site)),
+      filter(settings),
+      settings_store(platform.registry, settings),
+      project_list(platform.registry, settings),
+      projects(platform, project, settings, site, front_end.view, front_end.project_view, pace),
+      pump(platform.loop, pace),
+      web(platform.fetcher, platform.code_page,
+          AnalysisContext{run, project, settings, filter, projects, front_end.view, pump}),
+      driver(
+          platform.loop, run, project, [this](int offset) { return SearchAddressAt(offset); }, web, platform.files,
+          projects, front_end.host),
+      watchdog(
+          run, settings, platform.interfaces, front_end.view, [this] { driver.CancelStalled(); },
+          [this] { StartUpgradeCheck(); }) {
+  web.SetEvents(&driver);
+  web.SetResetStallCounter([this] { watchdog.ResetStallCounter(); });
+  web.SetUpgradeHandler({.parse_upgrade = [this](const std::string& page) { ParseUpgradeHtml(page); },
+                         .upgrade_failed = [this] { upgradeDone = true; }});
+}
+
+Engine::StartNotes Engine::Start() {
+  StartNotes notes;
+  for (const char* name : {"data", "report"}) {
+    const Status made = platform.files.MakeFolder(site.program_folder + site.separator + name);
+    if (!made.ok() && notes.folders.ok()) notes.folders = made;
+  }
+  for (const std::string& message : ReadFilterFile(platform.files, platform.code_page, FilterFilePath(site), filter)) {
+    notes.notes += (notes.notes.empty() ? "" : "\n") + message;
+  }
+  project_list.Load(settings_store.LoadOrInit());
+  return notes;
+}
+
+std::string Engine::SearchAddressAt(int result_offset) const {
+  const std::string language = LanguageCode(settings.SearchLanguage);
+  return language.empty() ? "" : SearchAddress(site, language, project.Keyword, result_offset);
+}
+
+void Engine::StartUpgradeCheck() {
+  web.BeginDownload(kUpgradePage, std::string("U") + kUpgradePage);
+  ++run.pending[0];
+  ++run.upgrade_share;
+}
+
+void Engine::ParseUpgradeHtml(const std::string& page) {
+  if (NewerVersionPublished(page) && show_newer_version_) show_newer_version_();
+  upgradeDone = true;
+}
+
+}  // namespace quenlar

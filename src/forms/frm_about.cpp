@@ -1,0 +1,28 @@
+#include "forms/frm_about.h"
+
+#include <string>
+
+#include "forms/link_label.h"
+#include "forms/open_web_page.h"
+#include "platform/message_boxes.h"
+#include "state/settings.h"
+
+namespace quenlar {
+
+frmAbout::frmAbout(Shell& shell) : Form("frmAbout") {
+  MakeLink(lblWebPage, [&shell] { OpenWebPage(shell, kHomePage); });
+  cmdOK.Click = [this] { Close(); };
+}
+
+std::vector<ui::Control*> frmAbout::Controls() {
+  return {&picMark, &lblSoftwareVersion, &Line1, &lblNote, &Line2, &cmdOK, &lblWebPage};
+}
+
+void frmAbout::Load() {
+  SetCaption(std::string("About ") + kProductCaption);
+  lblSoftwareVersion.SetText(kProductCaption);
+  lblWebPage.SetText(kHomePage);
+  lblWebPage.MouseLeave();  // the box may have closed under the pointer
+}
+
+}  // namespace quenlar

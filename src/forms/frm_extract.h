@@ -1,0 +1,115 @@
+// The main window: the user types a keyword or an address, starts and stops runs, and watches the addresses come.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/engine.h"
+#include "forms/frm_email_merge_tool.h"
+#include "forms/frm_option.h"
+#include "platform/file_dialogs.h"
+#include "ui/controls.h"
+
+namespace quenlar {
+
+class frmExtract final : public ui::Form, public RunView, public RunHost, public ProjectView {
+ public:
+  // Nothing of these is used before the first event, so they may be constructed later than the form.
+  struct Context {
+    Engine& engine;
+    frmOption& option;
+    frmEmailMergeTool& tool;
+    // Of the notification icon's form.
+    ui::Timer& tmrExtract;
+    ui::MenuItem& mnuExtractor;
+    ui::MenuItem& mnuExit;
+  };
+
+  explicit frmExtract(Context context);
+
+  ui::ComboBox cmbURL{"cmbURL"};
+  ui::Button cmdExtract{"cmdExtract", "&Extract"};
+  ui::TextBox txtSearch{"txtSearch"};  // hidden: the code of the search language
+  ui::ListView lstMail{"lstMail"};
+  ui::Button cmdExport{"cmdExport", "&Report"};
+  ui::Button cmdDelete{"cmdDelete", "&Delete"};
+  ui::Button cmdOption{"cmdOption", "&Option"};
+  ui::Button cmdTool{"cmdTool", "&Tool"};
+  ui::Button cmdHide{"cmdHide", "&Hide"};
+  ui::StatusBar stsExtract{"stsExtract", 4};
+  ui::Timer tmrText{"tmrText", std::chrono::milliseconds(10), false};
+  FileDialogRequest CommonDialog1{.title = "", .filter = "Text(*.txt)|*.txt", .folder = "", .proposed_name = ""};
+
+  [[nodiscard]] std::vector<ui::Control*> Controls() override;
+  void Load() override;
+  void Unload() override;
+
+  // Handlers that have names of their own. All of them may pump.
+  void AddCurrentProject();  // when a run starts
+  void PickProject();        // cmbURL click
+  void DeleteProject();      // cmdDelete click
+  void FillProjectCombo();
+  void ExportReport();  // cmdExport click
+
+  // A message that the user must see, but not in the middle of a run: in a message box when the run has ended, at
+  // once when none goes on. The same message is told once.
+  void TellAfterRun(const std::string& message);
+
+  // RunView
+  void ShowStage(const std::string& text) override;
+  void ShowAddressCount(std::uint32_t count) override;
+  void ShowScanCount(std::int64_t count) override;
+  void AddRow(std::uint32_t index, bool red) override;
+  void ClearRows() override;
+
+  // RunHost
+  [[nodiscard]] bool StopButtonShown() const override;
+  void ShowEnd(const std::string& reason) override;
+  void SaveDataAtEnd() override;
+  void SaveReportAtEnd() override;
+  void RestoreIdle(bool enable_export) override;
+  void ShowEndTime() override;
+  void EnableExit() override;
+
+  // ProjectView
+  void EnableDelete(bool enabled) override;
+  void EnableExport(bool enabled) override;
+  void EnableExtract() override;
+  [[nodiscard]] bool Ready() const override { return ready_; }
+  void SetInputText(const std::string& text) override;
+
+ private:
+  void SetUpList();
+  void cmdExtract_Click();
+  void StartRun();
+  void StopRun();
+  [[nodiscard]] bool MakeReadyToRun();
+  bool cmbURL_Change();
+  void OpenText(const std::string& text);
+  void tmrText_Tick();
+  void OpenPicked();
+  void OpenReportInEditor();
+  void OpenPage(std::uint32_t row);
+  void ShowModalFrom(ui::Button& button, ui::Form& form);
+  void cmdHide_Click();
+
+  // A run is under way, or about to begin with the next tick of its timer.
+  [[nodiscard]] bool RunGoesOn() const;
+  [[nodiscard]] bool MayStart() const;
+  // What can be used only while no run goes on.
+  [[nodiscard]] std::vector<ui::Control*> Inputs();
+  void Warn(const std::string& text);
+  void WarnOnFailure(const Status& status);
+
+  Context context_;
+  bool ready_ = false;      // the window is loaded
+  bool starting_ = false;   // between the Extract button and the timer that it enables
+  bool exporting_ = false;  // the report is being written for the editor
+  int opening_ = 0;         // projects being opened, one inside the other
+  std::vector<std::string> after_run_;
+  std::string data_failure_;  // of the data file's save at the end of the run
+};
+
+}  // namespace quenlar

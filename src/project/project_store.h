@@ -1,0 +1,123 @@
+// Opens, saves and deletes the project at hand.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/status.h"
+#include "platform/platform.h"
+#include "platform/pump.h"
+#include "project/record_writer.h"
+#include "project/report_file.h"
+#include "state/page_host.h"
+#include "state/run_state.h"
+#include "state/run_view.h"
+#include "state/settings.h"
+
+namespace quenlar {
+
+// What opening a project changes in the window, besides the rows and panels of RunView.
+class ProjectView {
+ public:
+  virtual ~ProjectView() = default;
+  virtual void EnableDelete(bool enabled) = 0;
+  virtual void EnableExport(bool enabled) = 0;
+  virtual void EnableExtract() = 0;
+  // Whether the main window is ready to be used (its ready flag).
+  [[nodiscard]] virtual bool Ready() const = 0;
+  // Puts another text into the input box, which opens that project (SetInputText("cars") leads to OpenProject("cars")).
+  virtual void SetInputText(const std::string& text) = 0;
+};
+
+class ProjectStore final : public PeriodicSaver {
+ public:
+  ProjectStore(const Platform& platform, Project& project, const Settings& settings, const Site& site, RunView& view,
+               ProjectView& project_view, Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
+  ProjectStore(const ProjectStore&) = delete;
+  ProjectStore& operator=(const ProjectStore&) = delete;
+
+  // The change handler of the input box: names the project and loads it. Pumps. Called again while it pumps, the
+  // later call wins and the earlier one returns without touching the project any more. A save that is under way is
+  // finished first, or fails, without pumping. Throws std::bad_alloc where memory does not hold it; then no project is
+  // open.
+  void OpenProject(std::string_view text);
+
+  // Loads at once what is left of the report that is being loaded, if one is. Does not pump.
+  void FinishLoading();
+
+  // Write the data file and the report; do nothing while no project is open. Pump. A call during a save of the same
+  // file succeeds at once and the save happens once more, after the one that is under way. A call while the project
+  // is being loaded loads the rest first. A failure leaves the previous file whole; its message is complete
+  // ("Overflow !", or a sentence ending in " !"). A data file comes behind a report that holds all addresses of the
+  // pages it drops: WriteData writes that first and fails with it, save where it fails with "Overflow !".
+  Status WriteData();
+  Status WriteReport();
+
+  // Writes both files of the project at hand, in the same order and with the same condition, without pumping, after
+  // what is being saved or loaded has been finished. For the end of the program. Failures go where those of
+  // SaveProjectData go.
+  void SaveAtOnce();
+
+  // PeriodicSaver: the same as Write..., with a failure shown in panel 1 and told to whoever has asked.
+  void SaveProjectData() override;
+  void SaveProjectReport() override;
+  void OnSaveFailure(std::function<void(const Status&)> told) { on_save_failure_ = std::move(told); }
+
+  // Deletes the data file and the report of the project at hand, those that exist. A save that is under way is given
+  // up. The message of a failure is a complete sentence.
+  Status DeleteFiles();
+
+ private:
+  enum class File { kData, kReport };
+  struct Save {
+    File file;
+    RecordWriter* under_way = nullptr;
+    bool again = false;
+    std::uint32_t addresses = 0;  // known when the latest save began
+    bool waits_for_report = false;
+    // The file on disk holds what could not be loaded; the first save keeps it under another name.
+    bool keep_old = false;
+  };
+
+  [[nodiscard]] const std::string& PathOf(const Save& save) const;
+  Status Write(Save& save);
+  Status WriteOnce(Save& save);
+  [[nodiscard]] Status Advance(Save& save, RecordWriter& writer);
+  [[nodiscard]] Result<std::unique_ptr<RecordWriter>> Start(Save& save);
+  Status Commit(Save& save, RecordWriter& writer, const std::string& path);
+  Status Replace(Save& save, RecordWriter& writer, const std::string& path);
+  Status FinishSave(Save& save);
+  static void GiveUp(Save& save);
+  void FinishSaves();
+  Status WriteWithoutPumping(Save& save);
+  void Show(const Status& failure);
+  Status BringReportUpToDate();
+  [[nodiscard]] static bool KeepsDataBack(const Status& report);
+  [[nodiscard]] bool ReportIsBehind() const;
+
+  void Open(const std::string& typed);
+  void Clear();
+  [[nodiscard]] bool LoadLinks(std::uint64_t opening);
+  [[nodiscard]] bool LoadReport(std::uint64_t opening);
+  void ProgressTick();
+
+  Platform platform_;
+  Project& project_;
+  const Settings& settings_;
+  const Site& site_;
+  RunView& view_;
+  ProjectView& project_view_;
+  Pump pump_;
+  Save data_{File::kData};
+  Save report_{File::kReport};
+  ReportReader* reader_ = nullptr;  // while a report is being loaded
+  std::uint64_t openings_ = 0;      // calls of OpenProject so far
+  std::uint32_t reported_ = 0;      // addresses in the report on the disk, as far as it was loaded or written
+  std::int16_t progress_ = 0;
+  std::function<void(const Status&)> on_save_failure_;
+};
+
+}  // namespace quenlar

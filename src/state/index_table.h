@@ -1,0 +1,131 @@
+// A table of record numbers by hash: the index beside a list of records that are kept elsewhere.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "base/prefetch.h"
+#include "platform/large_memory.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace quenlar {
+
+// Eight bytes a slot, at most four fifths of the slots in use. Holds numbers below 2^32 - 1; nothing is ever taken
+// out. The hash is kept beside the number, so that growing reads no record.
+//
+// Eight slots are a row, which is one line of the processor's cache. A number goes into the first free slot of its row,
+// or of the next row that has one, so a row is looked at as a whole, without a jump that depends on how full it is.
+class IndexTable {
+ public:
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  // A number put in with this hash that passes `equal`, or kNone.
+  template <typename Equal>
+  [[nodiscard]] std::uint32_t Find(std::uint32_t hash, Equal equal) const {
+    if (rows_.empty()) return kNone;
+    for (std::size_t at = hash & mask_;; at = (at + 1) & mask_) {
+      const Row& row = rows_[at];
+      for (unsigned hits = row.WithHash(hash); hits != 0; hits &= hits - 1) {
+        const std::uint32_t number = row.number_plus_one[std::countr_zero(hits)] - 1;
+        if (equal(number)) return number;
+      }
+      if (row.HasRoom()) return kNone;
+    }
+  }
+  template <typename Equal>
+  [[nodiscard]] bool Contains(std::uint32_t hash, Equal equal) const {
+    return Find(hash, equal) != kNone;
+  }
+
+  // Asks the processor to have the row at hand soon in which a search for this hash begins.
+  void Prefetch(std::uint32_t hash) const {
+    if (!rows_.empty()) quenlar::Prefetch(&rows_[hash & mask_]);
+  }
+  // The first number in that row that was put in with this hash, if there is one.
+  [[nodiscard]] std::optional<std::uint32_t> FirstGuess(std::uint32_t hash) const {
+    if (rows_.empty()) return std::nullopt;
+    const Row& row = rows_[hash & mask_];
+    const unsigned hits = row.WithHash(hash);
+    if (hits == 0) return std::nullopt;
+    return row.number_plus_one[std::countr_zero(hits)] - 1;
+  }
+
+  // Puts a number in without a test.
+  void Insert(std::uint32_t hash, std::uint32_t number) {
+    MakeRoom();
+    Place(hash, number + 1);
+    ++used_;
+  }
+
+  // The next Insert needs no memory, so a record and its number go in together or not at all.
+  void MakeRoom() {
+    if ((used_ + 1) * 5 > rows_.size() * kRowSlots * 4) Grow();
+  }
+
+  [[nodiscard]] std::size_t MemoryBytes() const { return rows_.capacity() * sizeof(Row); }
+
+ private:
+  static constexpr std::size_t kFewestRows = 8;
+  static constexpr std::size_t kRowSlots = 8;
+
+  struct alignas(64) Row {
+    std::uint32_t hash[kRowSlots] = {};
+    std::uint32_t number_plus_one[kRowSlots] = {};  // 0: the slot, and all behind it, are free
+
+    [[nodiscard]] bool HasRoom() const { return number_plus_one[kRowSlots - 1] == 0; }
+    // Bit i: slot i is in use, and was put in with this hash.
+    [[nodiscard]] unsigned WithHash(std::uint32_t wanted) const { return EqualTo(hash, wanted) & ~Free(); }
+    // Bit i: slot i is free.
+    [[nodiscard]] unsigned Free() const { return EqualTo(number_plus_one, 0); }
+
+   private:
+    static unsigned EqualTo(const std::uint32_t (&values)[kRowSlots], std::uint32_t wanted) {
+#if defined(__SSE2__)
+      const auto* four = reinterpret_cast<const __m128i*>(values);
+      const __m128i equal = _mm_set1_epi32(static_cast<int>(wanted));
+      const __m128i low = _mm_cmpeq_epi32(_mm_load_si128(four), equal);
+      const __m128i high = _mm_cmpeq_epi32(_mm_load_si128(four + 1), equal);
+      const __m128i sixteen_bits = _mm_packs_epi32(low, high);
+      return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(sixteen_bits, _mm_setzero_si128())));
+#else
+      unsigned bits = 0;
+      for (unsigned i = 0; i < kRowSlots; ++i) bits |= unsigned{values[i] == wanted} << i;
+      return bits;
+#endif
+    }
+  };
+
+  using Rows = std::vector<Row, LargeAllocator<Row>>;
+
+  void Place(std::uint32_t hash, std::uint32_t number_plus_one) {
+    std::size_t at = hash & mask_;
+    while (!rows_[at].HasRoom()) at = (at + 1) & mask_;
+    Row& row = rows_[at];
+    const auto slot = static_cast<std::size_t>(std::countr_zero(row.Free()));
+    row.hash[slot] = hash;
+    row.number_plus_one[slot] = number_plus_one;
+  }
+
+  void Grow() {
+    Rows old(rows_.empty() ? kFewestRows : rows_.size() * 2);
+    old.swap(rows_);
+    mask_ = rows_.size() - 1;
+    for (const Row& row : old) {
+      for (std::size_t i = 0; i < kRowSlots && row.number_plus_one[i] != 0; ++i) {
+        Place(row.hash[i], row.number_plus_one[i]);
+      }
+    }
+  }
+
+  Rows rows_;
+  std::size_t mask_ = 0;
+  std::size_t used_ = 0;
+};
+
+}  // namespace quenlar
