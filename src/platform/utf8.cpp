@@ -18,4 +18,17 @@ Utf8Character DecodeUtf8(std::string_view text) {
   return {code, bytes};
 }
 
+void AppendUtf8(char32_t code, std::string& to) {
+  const auto rest = [&](int shift) { return static_cast<char>(0x80 | (code >> shift & 0x3F)); };
+  if (code < 0x80) {
+    to += static_cast<char>(code);
+  } else if (code < 0x800) {
+    to += {static_cast<char>(0xC0 | code >> 6), rest(0)};
+  } else if (code < 0x10000) {
+    to += {static_cast<char>(0xE0 | code >> 12), rest(6), rest(0)};
+  } else {
+    to += {static_cast<char>(0xF0 | code >> 18), rest(12), rest(6), rest(0)};
+  }
+}
+
 }  // namespace quenlar

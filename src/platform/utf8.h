@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace quenlar {
@@ -13,5 +14,8 @@ struct Utf8Character {
 
 // The character at the beginning of `text`; overlong forms, surrogates and codes above U+10FFFF are none.
 [[nodiscard]] Utf8Character DecodeUtf8(std::string_view text);
+
+// `code` is a Unicode scalar value.
+void AppendUtf8(char32_t code, std::string& to);
 
 }  // namespace quenlar

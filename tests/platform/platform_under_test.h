@@ -19,6 +19,7 @@
 #include "platform/loopback_server.h"
 #include "platform/page_fetcher.h"
 #include "platform/registry.h"
+#include "platform/text_decoder.h"
 
 namespace quenlar {
 
@@ -63,6 +64,7 @@ class TestPlatform {
   [[nodiscard]] virtual std::optional<std::uint64_t> PeakMemory() { return std::nullopt; }
 
   [[nodiscard]] virtual const CodePage& code_page() = 0;
+  [[nodiscard]] virtual const TextDecoder& text_decoder() = 0;
   [[nodiscard]] virtual const Clock& clock() = 0;
   [[nodiscard]] virtual InterfaceTable& interfaces() = 0;
 };

@@ -83,6 +83,7 @@ class FakeTestPlatform : public TestPlatform {
   [[nodiscard]] std::string ServerAddress() override { return "http://127.0.0.1:80"; }
   [[nodiscard]] const CodePage& code_page() override { return fakes_.code_page; }
   [[nodiscard]] const Clock& clock() override { return fakes_.clock; }
+  [[nodiscard]] const TextDecoder& text_decoder() override { return fakes_.text_decoder; }
   [[nodiscard]] InterfaceTable& interfaces() override { return fakes_.interfaces; }
 
  private:

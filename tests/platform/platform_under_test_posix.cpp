@@ -5,6 +5,7 @@
 #include "platform/posix/curl_page_fetcher.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/httplib_loopback_server.h"
+#include "platform/posix/iconv_text_decoder.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_event_loop.h"
 #include "platform/posix/posix_files.h"
@@ -59,6 +60,7 @@ class PosixTestPlatform : public TestPlatform {
   }
 
   [[nodiscard]] const CodePage& code_page() override { return code_page_; }
+  [[nodiscard]] const TextDecoder& text_decoder() override { return text_decoder_; }
   [[nodiscard]] const Clock& clock() override { return clock_; }
   [[nodiscard]] InterfaceTable& interfaces() override { return interfaces_; }
 
@@ -73,6 +75,7 @@ class PosixTestPlatform : public TestPlatform {
   std::unique_ptr<Registry> registry_;
   std::unique_ptr<LoopbackServer> server_;
   Windows1252CodePage code_page_;
+  IconvTextDecoder text_decoder_;
   PosixClock clock_;
   SysInterfaceTable interfaces_;
 };

@@ -9,6 +9,7 @@
 #include "platform/win32/files.h"
 #include "platform/win32/interface_table.h"
 #include "platform/win32/registry.h"
+#include "platform/win32/text_decoder.h"
 #include "platform/win32/wide.h"
 #include "platform/win32/windows_api.h"
 #include "platform/win32/winhttp_page_fetcher.h"
@@ -50,6 +51,7 @@ class Win32TestPlatform : public TestPlatform {
   [[nodiscard]] std::string ServerAddress() override { return "http://127.0.0.1:" + std::to_string(server_->port()); }
 
   [[nodiscard]] const CodePage& code_page() override { return code_page_; }
+  [[nodiscard]] const TextDecoder& text_decoder() override { return text_decoder_; }
   [[nodiscard]] const Clock& clock() override { return clock_; }
   [[nodiscard]] InterfaceTable& interfaces() override { return interfaces_; }
 
@@ -60,6 +62,7 @@ class Win32TestPlatform : public TestPlatform {
   Win32EventLoop loop_;
   Win32Files files_;
   Win32CodePage code_page_;
+  Win32TextDecoder text_decoder_;
   Win32Registry registry_{code_page_, Win32Registry::Root::kMachine};
   std::unique_ptr<LoopbackServer> server_;
   Win32Clock clock_;

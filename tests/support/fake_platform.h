@@ -5,6 +5,7 @@
 #include "support/fake_event_loop.h"
 #include "support/fake_registry.h"
 #include "support/fake_system.h"
+#include "support/fake_text_decoder.h"
 #include "support/in_memory_files.h"
 #include "support/recorders.h"
 #include "support/scripted_fetcher.h"
@@ -19,6 +20,7 @@ struct FakePlatform {
   InMemoryFiles files;
   FakeCodePage code_page;
   FakeClock clock;
+  FakeTextDecoder text_decoder;
   RecordingShell shell;
   RecordingBoxes boxes;
   RecordingFileDialogs dialogs;

@@ -1,0 +1,153 @@
+// The tags, comments and texts of a page, as the HTML Standard's tokenizer sees them, in one pass over its bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "base/ascii.h"
+#include "base/byte_search.h"
+#include "page/attributes.h"
+#include "page/tag_names.h"
+
+namespace quenlar {
+
+// A piece of markup and the text in front of it. All are places in the page.
+struct Markup {
+  enum class Kind : std::uint8_t {
+    kStartTag,
+    kEndTag,
+    kComment,      // also what the standard calls a bogus comment
+    kDeclaration,  // <!DOCTYPE ...>
+    kCdata,        // text in svg and math
+    kRawText,      // the content of an element that has no markup in it; `name` is the element's
+    kEnd,          // of the page: only the text in front of it counts
+  };
+  Kind kind = Kind::kEnd;
+  TagName name = TagName::kOther;          // of tags and raw texts
+  bool foreign = false;                    // a start tag of svg or math, or in there
+  bool self_closing = false;               // of tags
+  std::size_t text_begin = 0;              // the text in front goes on to `begin`
+  std::size_t begin = 0, end = 0;          // the markup; of tags, "<" and the place behind ">"
+  std::size_t attributes = 0;              // of tags: the place behind the name
+  std::size_t inside = 0, inside_end = 0;  // of comments, declarations, CDATA and raw texts: what is in them
+};
+
+// Reads a page from its beginning. What is never closed (a comment, a quote, a script) reaches to the end of the page
+// and is looked for once, so the time is linear in the page. Memory: a few bytes a level of svg within HTML within svg.
+//
+// The standard's tokenizer asks the tree that is being built about one thing: whether it is in foreign content, where
+// <style> and <title> are no raw text and CDATA sections are text. Here the open svg and math elements and the places
+// where HTML begins again in them stand for the tree.
+class MarkupReader {
+ public:
+  explicit MarkupReader(std::string_view page) : page_(page) {}
+
+  void Next(Markup& markup) {
+    markup.text_begin = at_;
+    if (raw_ != TagName::kOther) return RawText(markup);
+    for (std::size_t open = FindByte(page_, '<', at_);; open = FindByte(page_, '<', open + 1)) {
+      if (open >= page_.size() || open + 1 >= page_.size()) return AtEnd(markup);
+      const char next = page_[open + 1];
+      if (IsLetter(next)) {
+        if (Tag(markup, open, open + 1)) return StartTag(markup);
+        return AtEnd(markup, open);
+      }
+      if (next == '/') {
+        if (open + 2 >= page_.size()) return AtEnd(markup);
+        if (!IsLetter(page_[open + 2])) return UntilClose(markup, Markup::Kind::kComment, open, open + 2);
+        if (Tag(markup, open, open + 2)) return EndTag(markup);
+        return AtEnd(markup, open);
+      }
+      if (next == '!') return Declaration(markup, open);
+      if (next == '?') return UntilClose(markup, Markup::Kind::kComment, open, open + 1);
+    }
+  }
+
+  // Reads on as if the start tag `name` had just been read.
+  void StartIn(TagName name) { raw_ = name; }
+
+ private:
+  // A stretch of foreign content, or of HTML within one.
+  enum class Realm : std::uint8_t { kHtml, kSvg, kMath };
+  struct Level {
+    Realm realm;
+    TagName element;          // that began it
+    std::uint32_t depth = 1;  // how many of this name are open
+  };
+
+  void AtEnd(Markup& markup) { AtEnd(markup, page_.size()); }
+  // A tag that the page breaks off in is not one, and no text either.
+  void AtEnd(Markup& markup, std::size_t text_end) {
+    markup.kind = Markup::Kind::kEnd;
+    markup.begin = text_end;
+    markup.end = at_ = page_.size();
+  }
+
+  // False where the page ends within the tag.
+  bool Tag(Markup& markup, std::size_t open, std::size_t name_begin) {
+    std::size_t at = name_begin + 1;
+    while (at < page_.size() && !EndsTagName(page_[at])) ++at;
+    if (at >= page_.size()) return false;
+    markup.name = FindTagName(page_.substr(name_begin, at - name_begin));
+    markup.begin = open;
+    markup.attributes = at;
+    markup.self_closing = false;
+    if (page_[at] == '>') {
+      at_ = markup.end = at + 1;
+      return true;
+    }
+    AttributeReader attributes(page_, at);
+    for (TagAttribute attribute; attributes.Next(attribute);) {
+    }
+    if (attributes.end() == std::string_view::npos) return false;
+    at_ = markup.end = attributes.end();
+    markup.self_closing = attributes.self_closing();
+    return true;
+  }
+
+  static bool EndsTagName(char c) {
+    return c == '>' || c == ' ' || c == '/' || c == '\n' || c == '\t' || c == '\r' || c == '\f';
+  }
+
+  void StartTag(Markup& markup) {
+    markup.kind = Markup::Kind::kStartTag;
+    markup.foreign = false;
+    if (foreign_ || markup.name == TagName::kSvg || markup.name == TagName::kMath) {
+      ForeignStart(markup);
+      if (markup.foreign) return;
+    }
+    if (Has(markup.name, kRawText)) raw_ = markup.name;
+  }
+  void EndTag(Markup& markup) {
+    markup.kind = Markup::Kind::kEndTag;
+    markup.foreign = false;
+    if (!levels_.empty()) ForeignEnd(markup);
+  }
+
+  void RawText(Markup& markup);
+  void Declaration(Markup& markup, std::size_t open);
+  void Comment(Markup& markup, std::size_t open);
+  void UntilClose(Markup& markup, Markup::Kind kind, std::size_t open, std::size_t inside);
+  void Inside(Markup& markup, Markup::Kind kind, std::size_t open, std::size_t inside, std::size_t inside_end,
+              std::size_t end);
+
+  [[nodiscard]] std::size_t RawTextEnd(std::string_view name) const;
+  [[nodiscard]] std::size_t ScriptEnd() const;
+
+  void ForeignStart(Markup& markup);
+  void ForeignEnd(Markup& markup);
+  void Enter(Realm realm, TagName element);
+  void Leave();
+  [[nodiscard]] bool BeginsHtml(const Markup& markup) const;
+  [[nodiscard]] bool EndsForeign(const Markup& markup) const;
+
+  std::string_view page_;
+  std::size_t at_ = 0;
+  TagName raw_ = TagName::kOther;  // the element whose raw text comes next
+  bool foreign_ = false;           // the last of `levels_` is not HTML
+  std::vector<Level> levels_;
+};
+
+}  // namespace quenlar

@@ -1,0 +1,326 @@
+// The names of tags that matter when a page is read.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "base/ascii.h"
+
+namespace quenlar {
+
+// What is special about an element, as bits.
+enum TagTrait : std::uint8_t {
+  kInline = 1,       // its tags do not end a word
+  kNoContent = 2,    // "void" in the HTML Standard: it has no end tag
+  kEndsForeign = 4,  // its start tag ends svg and math around it
+  kBlock = 8,        // its start tag ends an open <p>
+  kRawText = 16,     // its content is text up to its end tag
+};
+
+// `tag_names::kList` has their spellings, in the same order.
+enum class TagName : std::uint8_t {
+  kOther,
+  // Inline
+  kA,
+  kAbbr,
+  kB,
+  kBdi,
+  kBdo,
+  kBig,
+  kCite,
+  kCode,
+  kDel,
+  kEm,
+  kFont,
+  kI,
+  kIns,
+  kKbd,
+  kLabel,
+  kMark,
+  kQ,
+  kS,
+  kSamp,
+  kSmall,
+  kSpan,
+  kStrong,
+  kSub,
+  kSup,
+  kTt,
+  kU,
+  kVar,
+  kWbr,
+  // Links, titles and words for robots
+  kArea,
+  kBase,
+  kFrame,
+  kIframe,
+  kLink,
+  kMeta,
+  kTitle,
+  // Raw text; <title> and <iframe> are as well
+  kScript,
+  kStyle,
+  kTextarea,
+  kXmp,
+  kNoembed,
+  kNoframes,
+  kPlaintext,
+  // Foreign content, and where HTML begins again in it
+  kSvg,
+  kMath,
+  kForeignObject,
+  kDesc,
+  kAnnotationXml,
+  kMi,
+  kMo,
+  kMn,
+  kMs,
+  kMtext,
+  // Blocks
+  kAddress,
+  kArticle,
+  kAside,
+  kBlockquote,
+  kBody,
+  kCenter,
+  kDetails,
+  kDialog,
+  kDir,
+  kDiv,
+  kDl,
+  kFieldset,
+  kFigcaption,
+  kFigure,
+  kFooter,
+  kForm,
+  kH1,
+  kH2,
+  kH3,
+  kH4,
+  kH5,
+  kH6,
+  kHead,
+  kHeader,
+  kHgroup,
+  kHr,
+  kListing,
+  kMain,
+  kMenu,
+  kNav,
+  kOl,
+  kP,
+  kPre,
+  kSearch,
+  kSection,
+  kSummary,
+  kTable,
+  kUl,
+  // Others that end themselves, or each other
+  kBr,
+  kCol,
+  kDd,
+  kDt,
+  kEmbed,
+  kImg,
+  kInput,
+  kLi,
+  kNobr,
+  kOptgroup,
+  kOption,
+  kParam,
+  kRuby,
+  kSource,
+  kStrike,
+  kTd,
+  kTh,
+  kTr,
+  kTrack,
+  kCount
+};
+
+namespace tag_names {
+
+struct Entry {
+  std::string_view text;
+  std::uint8_t traits;
+};
+
+inline constexpr std::array<Entry, static_cast<std::size_t>(TagName::kCount)> kList = {{
+    {"", 0},
+    {"a", kInline},
+    {"abbr", kInline},
+    {"b", kInline | kEndsForeign},
+    {"bdi", kInline},
+    {"bdo", kInline},
+    {"big", kInline | kEndsForeign},
+    {"cite", kInline},
+    {"code", kInline | kEndsForeign},
+    {"del", kInline},
+    {"em", kInline | kEndsForeign},
+    {"font", kInline},
+    {"i", kInline | kEndsForeign},
+    {"ins", kInline},
+    {"kbd", kInline},
+    {"label", kInline},
+    {"mark", kInline},
+    {"q", kInline},
+    {"s", kInline | kEndsForeign},
+    {"samp", kInline},
+    {"small", kInline | kEndsForeign},
+    {"span", kInline | kEndsForeign},
+    {"strong", kInline | kEndsForeign},
+    {"sub", kInline | kEndsForeign},
+    {"sup", kInline | kEndsForeign},
+    {"tt", kInline | kEndsForeign},
+    {"u", kInline | kEndsForeign},
+    {"var", kInline | kEndsForeign},
+    {"wbr", kInline | kNoContent},
+    {"area", kNoContent},
+    {"base", kNoContent},
+    {"frame", kNoContent},
+    {"iframe", kRawText},
+    {"link", kNoContent},
+    {"meta", kNoContent | kEndsForeign},
+    {"title", kRawText},
+    {"script", kRawText},
+    {"style", kRawText},
+    {"textarea", kRawText},
+    {"xmp", kRawText | kBlock},
+    {"noembed", kRawText},
+    {"noframes", kRawText},
+    {"plaintext", kRawText | kBlock},
+    {"svg", 0},
+    {"math", 0},
+    {"foreignobject", 0},
+    {"desc", 0},
+    {"annotation-xml", 0},
+    {"mi", 0},
+    {"mo", 0},
+    {"mn", 0},
+    {"ms", 0},
+    {"mtext", 0},
+    {"address", kBlock},
+    {"article", kBlock},
+    {"aside", kBlock},
+    {"blockquote", kBlock | kEndsForeign},
+    {"body", kEndsForeign},
+    {"center", kBlock | kEndsForeign},
+    {"details", kBlock},
+    {"dialog", kBlock},
+    {"dir", kBlock},
+    {"div", kBlock | kEndsForeign},
+    {"dl", kBlock | kEndsForeign},
+    {"fieldset", kBlock},
+    {"figcaption", kBlock},
+    {"figure", kBlock},
+    {"footer", kBlock},
+    {"form", kBlock},
+    {"h1", kBlock | kEndsForeign},
+    {"h2", kBlock | kEndsForeign},
+    {"h3", kBlock | kEndsForeign},
+    {"h4", kBlock | kEndsForeign},
+    {"h5", kBlock | kEndsForeign},
+    {"h6", kBlock | kEndsForeign},
+    {"head", kEndsForeign},
+    {"header", kBlock},
+    {"hgroup", kBlock},
+    {"hr", kBlock | kNoContent | kEndsForeign},
+    {"listing", kBlock | kEndsForeign},
+    {"main", kBlock},
+    {"menu", kBlock | kEndsForeign},
+    {"nav", kBlock},
+    {"ol", kBlock | kEndsForeign},
+    {"p", kBlock | kEndsForeign},
+    {"pre", kBlock | kEndsForeign},
+    {"search", kBlock},
+    {"section", kBlock},
+    {"summary", kBlock},
+    {"table", kBlock | kEndsForeign},
+    {"ul", kBlock | kEndsForeign},
+    {"br", kNoContent | kEndsForeign},
+    {"col", kNoContent},
+    {"dd", kEndsForeign},
+    {"dt", kEndsForeign},
+    {"embed", kNoContent | kEndsForeign},
+    {"img", kNoContent | kEndsForeign},
+    {"input", kNoContent},
+    {"li", kEndsForeign},
+    {"nobr", kEndsForeign},
+    {"optgroup", 0},
+    {"option", 0},
+    {"param", kNoContent},
+    {"ruby", kEndsForeign},
+    {"source", kNoContent},
+    {"strike", kEndsForeign},
+    {"td", 0},
+    {"th", 0},
+    {"tr", 0},
+    {"track", kNoContent},
+}};
+
+// The first eight letters in one word, small; a shorter name is filled up with zeros.
+constexpr std::uint64_t KeyOf(std::string_view lower_name) {
+  std::uint64_t key = 0;
+  for (std::size_t i = 0; i < lower_name.size() && i < 8; ++i) {
+    key |= static_cast<std::uint64_t>(static_cast<unsigned char>(lower_name[i])) << (8 * i);
+  }
+  return key;
+}
+
+inline constexpr std::size_t kSlots = 1024;
+
+struct Slot {
+  std::uint64_t key = 0;
+  TagName name = TagName::kOther;
+};
+
+constexpr std::size_t SlotOf(std::uint64_t key, std::uint64_t factor) { return key * factor >> 54; }
+
+// A factor that puts every name into a slot of its own.
+inline constexpr std::uint64_t kFactor = [] {
+  for (std::uint64_t factor = 0x9E3779B97F4A7C15u;; factor += 0xD6E8FEB86659FD92u) {
+    std::array<bool, kSlots> used{};
+    bool alone = true;
+    for (std::size_t i = 1; i < kList.size() && alone; ++i) {
+      bool& slot = used[SlotOf(KeyOf(kList[i].text), factor)];
+      alone = !slot;
+      slot = true;
+    }
+    if (alone) return factor;
+  }
+}();
+
+inline constexpr auto kTable = [] {
+  std::array<Slot, kSlots> table{};
+  for (std::size_t i = 1; i < kList.size(); ++i) {
+    const std::uint64_t key = KeyOf(kList[i].text);
+    table[SlotOf(key, kFactor)] = {key, static_cast<TagName>(i)};
+  }
+  return table;
+}();
+
+}  // namespace tag_names
+
+[[nodiscard]] constexpr std::string_view TagText(TagName name) {
+  return tag_names::kList[static_cast<std::size_t>(name)].text;
+}
+[[nodiscard]] constexpr bool Has(TagName name, std::uint8_t traits) {
+  return (tag_names::kList[static_cast<std::size_t>(name)].traits & traits) != 0;
+}
+
+// In any letter case; kOther where the name is not in the list. `name` is not empty.
+[[nodiscard]] inline TagName FindTagName(std::string_view name) {
+  std::uint64_t key = 0;
+  std::memcpy(&key, name.data(), name.size() < 8 ? name.size() : 8);
+  key = LowerEight(key);
+  const tag_names::Slot& slot = tag_names::kTable[tag_names::SlotOf(key, tag_names::kFactor)];
+  if (slot.key != key) return TagName::kOther;
+  const std::string_view text = TagText(slot.name);
+  if (text.size() <= 8) return text.size() == name.size() ? slot.name : TagName::kOther;
+  return text.size() == name.size() && EqualsIgnoreCase(text, name) ? slot.name : TagName::kOther;
+}
+
+}  // namespace quenlar
