@@ -179,13 +179,14 @@ constexpr Shape kShapes[] = {
 };
 
 Result<AnalyzeRequest> ReadRequest(Value& line) {
-  constexpr std::size_t kMostMembers = 2;
+  constexpr std::size_t kMostMembers = 4;
   if (line.size() > kMostMembers) return Wrong("the line has too many members");
   std::string members;
   for (const auto& [name, value] : line.items()) members += (members.empty() ? "" : " ") + name;
   for (const Shape& shape : kShapes) {
     if (members == shape.members) return shape.read(line);
   }
+  if (const PageDoor door = FindPageDoor(members)) return AnalyzeRequest(DoorRequest{door, std::move(line)});
   return Wrong("the line is no request");
 }
 

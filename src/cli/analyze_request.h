@@ -11,6 +11,7 @@
 
 #include "base/status.h"
 #include "cli/json_text.h"
+#include "cli/page_doors.h"
 #include "state/settings.h"
 
 namespace quenlar {
@@ -42,9 +43,14 @@ struct HostRequest {
 };
 struct SaveRequest {};
 struct ResetRequest {};
+// A request of cli/page_doors.h: what answers it, and all of its members.
+struct DoorRequest {
+  PageDoor door;
+  nlohmann::json members;
+};
 
 using AnalyzeRequest = std::variant<SettingsRequest, OpenRequest, PageRequest, RedirectRequest, FailRequest,
-                                    ResolveRequest, HostRequest, SaveRequest, ResetRequest>;
+                                    ResolveRequest, HostRequest, SaveRequest, ResetRequest, DoorRequest>;
 
 struct ParsedLine {
   std::optional<Json> id;          // the member `id`, also of a line that is otherwise wrong

@@ -82,7 +82,8 @@ class KeptPanels final : public RunView {
 
 Platform WithoutTheComputer(const Platform& lent, IdleLoop& loop, IdleFetcher& fetcher, FixedCodePage& code_page,
                             KeptMessages& boxes) {
-  return {loop, fetcher, lent.registry, lent.interfaces, lent.files, code_page, lent.clock, lent.shell, boxes};
+  return {loop,      fetcher,    lent.registry, lent.interfaces, lent.files,
+          code_page, lent.clock, lent.shell,    boxes,           lent.idna};
 }
 
 constexpr std::array<int, kLevels> kAllLevels = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
@@ -206,6 +207,7 @@ struct AnalyzeSession::Answering {
   Json operator()(HostRequest request) const;
   Json operator()(SaveRequest) const;
   Json operator()(ResetRequest) const;
+  Json operator()(DoorRequest request) const;
 
   AnalyzeSession& session;
 };
@@ -311,6 +313,10 @@ Json AnalyzeSession::Answering::operator()(ResetRequest) const {
   session.state_ = nullptr;  // first, so that the program folder is free again
   session.state_ = std::make_unique<State>(session.lent_, session.site_);
   return {{"ok", true}};
+}
+
+Json AnalyzeSession::Answering::operator()(DoorRequest request) const {
+  return request.door(request.members, session.lent_.idna);
 }
 
 std::string AnalyzeSession::Answer(std::string_view line) {

@@ -33,7 +33,7 @@ class AssumedOnline final : public InterfaceTable {
 };
 
 Platform WithInterfaces(const Platform& p, InterfaceTable& interfaces) {
-  return {p.loop, p.fetcher, p.registry, interfaces, p.files, p.code_page, p.clock, p.shell, p.boxes};
+  return {p.loop, p.fetcher, p.registry, interfaces, p.files, p.code_page, p.clock, p.shell, p.boxes, p.idna};
 }
 
 class ExtractRun final : public CommandFrontEnd {

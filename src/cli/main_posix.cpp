@@ -7,6 +7,7 @@
 #include "platform/posix/curl_page_fetcher.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/httplib_loopback_server.h"
+#include "platform/posix/idn2_idna.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_console.h"
 #include "platform/posix/posix_event_loop.h"
@@ -46,7 +47,7 @@ class PosixSystem final : public System {
       options.proxy = choice.proxy;
       fetcher_ = std::make_unique<CurlPageFetcher>(*loop_, options);
     }
-    return Platform{*loop_, *fetcher_, *registry_, interfaces_, files_, code_page_, clock_, shell_, boxes_};
+    return Platform{*loop_, *fetcher_, *registry_, interfaces_, files_, code_page_, clock_, shell_, boxes_, idna_};
   }
 
   void OnStop(std::function<void()> stop) override {
@@ -64,6 +65,7 @@ class PosixSystem final : public System {
   PosixClock clock_;
   PosixShell shell_;
   Windows1252CodePage code_page_;
+  Idn2Idna idna_;
   SysInterfaceTable interfaces_;
   // In the order in which they need each other.
   std::unique_ptr<PosixEventLoop> loop_;

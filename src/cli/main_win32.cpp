@@ -9,6 +9,7 @@
 #include "platform/win32/console_stop.h"
 #include "platform/win32/event_loop.h"
 #include "platform/win32/files.h"
+#include "platform/win32/idna.h"
 #include "platform/win32/interface_table.h"
 #include "platform/win32/process.h"
 #include "platform/win32/registry.h"
@@ -35,7 +36,7 @@ class Win32System final : public System {
       options.proxy = choice.proxy;
       fetcher_ = std::make_unique<WinHttpPageFetcher>(loop_, options);
     }
-    return Platform{loop_, *fetcher_, *registry_, interfaces_, files_, code_page_, clock_, shell_, boxes_};
+    return Platform{loop_, *fetcher_, *registry_, interfaces_, files_, code_page_, clock_, shell_, boxes_, idna_};
   }
 
   void OnStop(std::function<void()> stop) override {
@@ -51,6 +52,7 @@ class Win32System final : public System {
   ConsoleBoxes boxes_{console_};
   Win32EventLoop loop_;
   Win32CodePage code_page_;
+  Win32Idna idna_;
   Win32Files files_;
   Win32Clock clock_;
   Win32Shell shell_;

@@ -13,6 +13,7 @@ class CodePage;
 class Clock;
 class Shell;
 class MessageBoxes;
+class Idna;
 class FileDialogs;
 class TrayIcon;
 
@@ -26,6 +27,7 @@ struct Platform {
   Clock& clock;
   Shell& shell;
   MessageBoxes& boxes;
+  const Idna& idna;
 };
 
 // What only a program with windows has.

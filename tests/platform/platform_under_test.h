@@ -15,6 +15,7 @@
 #include "platform/code_page.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
+#include "platform/idna.h"
 #include "platform/interface_table.h"
 #include "platform/loopback_server.h"
 #include "platform/page_fetcher.h"
@@ -65,6 +66,7 @@ class TestPlatform {
 
   [[nodiscard]] virtual const CodePage& code_page() = 0;
   [[nodiscard]] virtual const TextDecoder& text_decoder() = 0;
+  [[nodiscard]] virtual const Idna& idna() = 0;
   [[nodiscard]] virtual const Clock& clock() = 0;
   [[nodiscard]] virtual InterfaceTable& interfaces() = 0;
 };

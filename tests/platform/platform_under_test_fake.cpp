@@ -82,6 +82,7 @@ class FakeTestPlatform : public TestPlatform {
   void Serve(ServeHandler handler) override { handler_ = std::move(handler); }
   [[nodiscard]] std::string ServerAddress() override { return "http://127.0.0.1:80"; }
   [[nodiscard]] const CodePage& code_page() override { return fakes_.code_page; }
+  [[nodiscard]] const Idna& idna() override { return fakes_.idna; }
   [[nodiscard]] const Clock& clock() override { return fakes_.clock; }
   [[nodiscard]] const TextDecoder& text_decoder() override { return fakes_.text_decoder; }
   [[nodiscard]] InterfaceTable& interfaces() override { return fakes_.interfaces; }

@@ -6,6 +6,7 @@
 #include "platform/posix/file_registry.h"
 #include "platform/posix/httplib_loopback_server.h"
 #include "platform/posix/iconv_text_decoder.h"
+#include "platform/posix/idn2_idna.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_event_loop.h"
 #include "platform/posix/posix_files.h"
@@ -61,6 +62,7 @@ class PosixTestPlatform : public TestPlatform {
 
   [[nodiscard]] const CodePage& code_page() override { return code_page_; }
   [[nodiscard]] const TextDecoder& text_decoder() override { return text_decoder_; }
+  [[nodiscard]] const Idna& idna() override { return idna_; }
   [[nodiscard]] const Clock& clock() override { return clock_; }
   [[nodiscard]] InterfaceTable& interfaces() override { return interfaces_; }
 
@@ -76,6 +78,7 @@ class PosixTestPlatform : public TestPlatform {
   std::unique_ptr<LoopbackServer> server_;
   Windows1252CodePage code_page_;
   IconvTextDecoder text_decoder_;
+  Idn2Idna idna_;
   PosixClock clock_;
   SysInterfaceTable interfaces_;
 };

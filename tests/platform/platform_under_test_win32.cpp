@@ -7,6 +7,7 @@
 #include "platform/win32/code_page.h"
 #include "platform/win32/event_loop.h"
 #include "platform/win32/files.h"
+#include "platform/win32/idna.h"
 #include "platform/win32/interface_table.h"
 #include "platform/win32/registry.h"
 #include "platform/win32/text_decoder.h"
@@ -52,6 +53,7 @@ class Win32TestPlatform : public TestPlatform {
 
   [[nodiscard]] const CodePage& code_page() override { return code_page_; }
   [[nodiscard]] const TextDecoder& text_decoder() override { return text_decoder_; }
+  [[nodiscard]] const Idna& idna() override { return idna_; }
   [[nodiscard]] const Clock& clock() override { return clock_; }
   [[nodiscard]] InterfaceTable& interfaces() override { return interfaces_; }
 
@@ -63,6 +65,7 @@ class Win32TestPlatform : public TestPlatform {
   Win32Files files_;
   Win32CodePage code_page_;
   Win32TextDecoder text_decoder_;
+  Win32Idna idna_;
   Win32Registry registry_{code_page_, Win32Registry::Root::kMachine};
   std::unique_ptr<LoopbackServer> server_;
   Win32Clock clock_;

@@ -3,6 +3,7 @@
 
 #include "platform/platform.h"
 #include "support/fake_event_loop.h"
+#include "support/fake_idna.h"
 #include "support/fake_registry.h"
 #include "support/fake_system.h"
 #include "support/fake_text_decoder.h"
@@ -19,6 +20,7 @@ struct FakePlatform {
   FakeInterfaceTable interfaces;
   InMemoryFiles files;
   FakeCodePage code_page;
+  FakeIdna idna;
   FakeClock clock;
   FakeTextDecoder text_decoder;
   RecordingShell shell;
@@ -26,7 +28,7 @@ struct FakePlatform {
   RecordingFileDialogs dialogs;
   RecordingTray tray;
 
-  Platform platform{loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes};
+  Platform platform{loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna};
   DesktopPlatform desktop{dialogs, tray};
 };
 

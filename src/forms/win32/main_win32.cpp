@@ -6,6 +6,7 @@
 #include "platform/win32/event_loop.h"
 #include "platform/win32/file_dialogs.h"
 #include "platform/win32/files.h"
+#include "platform/win32/idna.h"
 #include "platform/win32/interface_table.h"
 #include "platform/win32/message_boxes.h"
 #include "platform/win32/process.h"
@@ -48,6 +49,7 @@ void EndProcess() { ExitProcess(0); }
 int Run(HINSTANCE program_handle) {
   Win32EventLoop loop;
   Win32CodePage code_page;
+  Win32Idna idna;
   Win32Registry registry(code_page, Win32Registry::WritableRoot(kProjectKey));
   // The variable that other programs that download use as well.
   WinHttpPageFetcher fetcher(loop, {.proxy = win32::EnvironmentValue("http_proxy").value_or("")});
@@ -63,8 +65,8 @@ int Run(HINSTANCE program_handle) {
   site.program_folder = win32::ProgramFolder();
   site.separator = '\\';
 
-  Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes}, {dialogs, tray}, site,
-                  {AnotherInstanceRuns, EndProcess});
+  Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna}, {dialogs, tray},
+                  site, {AnotherInstanceRuns, EndProcess});
   ui::Binder binder(program_handle, loop);
   for (ui::Form* form : program.Windows()) binder.Bind(*form);
   loop.AddMessageFilter([&binder](void* message) { return binder.FilterMessage(*static_cast<MSG*>(message)); });
