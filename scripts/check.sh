@@ -89,10 +89,19 @@ for file in $(printf '%s\n' "$product" | grep '\.h$'); do
 done
 report unfinished "$(grep_in "$all" -E 'TODO|FIXME|(^|[^X])XXX([^X]|$)|HACK|GTEST_SKIP|DISABLED_' | grep -v 'check: unfinished' || true)"
 
-# 8. Every test that the page on reliability names is there.
+# 8. Every test that the pages on reliability and on kept behaviour name is there. The code and the latter page name the
+# same tests ("Kept: Suite.Test."), and no comment leaves it at the word that used to stand for a reason.
 tests=$(sources 'tests/*.cpp' | xargs sed -nE 's/^TEST(_F|_P)?\(([A-Za-z0-9_]+), *([A-Za-z0-9_]+).*/\2.\3/p' | sort -u)
-report tests-named "$(grep -oE '`[A-Z][A-Za-z0-9]+\.[A-Z][A-Za-z0-9]+`' docs/reliability.md | tr -d '`' |
-  grep -v '^Suite\.Test$' | sort -u | comm -23 - <(printf '%s\n' "$tests"))"
+named_on() {  # PAGE: the tests that it names
+  grep -oE '`[A-Z][A-Za-z0-9]+\.[A-Z][A-Za-z0-9]+`' "$1" | tr -d '`' | grep -v '^Suite\.Test$' | sort -u
+}
+for page in docs/reliability.md docs/kept.md; do
+  report tests-named "$(named_on "$page" | comm -23 - <(printf '%s\n' "$tests") | sed "s|^|$page: |")"
+done
+kept=$(printf '%s\n' "$product" | xargs sed -nE 's/.*Kept: ([A-Za-z0-9]+\.[A-Za-z0-9]+).*/\1/p' | sort -u)
+report kept "$(comm -23 <(printf '%s\n' "$kept") <(named_on docs/kept.md) | sed 's|$| is not on docs/kept.md|')"
+report kept "$(comm -13 <(printf '%s\n' "$kept") <(named_on docs/kept.md) | sed 's|$| is on docs/kept.md and not in the code|')"
+report kept "$(grep_in "$all" -E '(^|[^A-Za-z])[Mm]eant([^A-Za-z]|$)|Kept:$' || true)"
 
 if [ "$failures" -gt 0 ]; then
   echo "check: rules are broken" >&2

@@ -50,8 +50,9 @@ class [[nodiscard]] Status {
 template <typename T>
 class [[nodiscard]] Result {
  public:
-  Result(T value) : state_(std::move(value)) {}                                    // NOLINT: conversion is meant
-  Result(Status failure) : state_(std::move(failure)) { assert(!status().ok()); }  // NOLINT: conversion is meant
+  // Both convert implicitly, so that a function may return either a value or a failure as it is.
+  Result(T value) : state_(std::move(value)) {}                                    // NOLINT
+  Result(Status failure) : state_(std::move(failure)) { assert(!status().ok()); }  // NOLINT
 
   [[nodiscard]] bool ok() const { return std::holds_alternative<T>(state_); }
   [[nodiscard]] Status status() const { return ok() ? Status() : std::get<Status>(state_); }

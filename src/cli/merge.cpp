@@ -37,7 +37,9 @@ int MergeWith(Invocation& invocation, const Platform& platform, const MergeArgum
     const std::string book = AbsolutePath(argument);
     const Result<bool> added = merge.AddBook(book);
     if (!added.ok()) failed(added.status().message());
-    // Names that differ in case alone are one book to the engine: meant. They can be two files where "/" separates.
+    // The engine takes paths that differ only in letter case for one book, as Windows does. Where "/" separates folders
+    // they can be two files, so the user is told that the second one is not read.
+    // Kept: MergeTest.SaysThatABookIsPassedOverWhoseNameDiffersInCaseAlone.
     if (added.ok() && !added.value() && invocation.system().separator() == '/' && !IsBookOf(merge, book)) {
       failed(argument + " is passed over, its name differs from another book's in case alone !");
     }

@@ -88,7 +88,9 @@ void frmExtract::Load() {
   ShowStage("Waiting ...");
   ShowAddressCount(engine.project.found.Count());
   std::int64_t started = 0;
-  constexpr std::size_t kScannedLevels = 6;  // levels 6 to 10 are left out: meant
+  // The count after opening the window leaves out levels 6 to 10. It is what the window has always shown here; a run
+  // counts its own pages. Kept: MainWindow.Panel3SumsTheNextIndicesOfLevels0To5Alone.
+  constexpr std::size_t kScannedLevels = 6;
   for (std::size_t level = 0; level < kScannedLevels; ++level) started += engine.project.queues[level].Next();
   ShowScanCount(started);
   ready_ = true;
@@ -250,7 +252,8 @@ void frmExtract::ExportReport() {
   exporting_ = false;
 }
 
-// The command line is the editor and the path with no quotes around it: meant.
+// The path follows the editor's name without quotes, although it may hold blanks: the editor takes the whole rest of
+// its command line for one name. Kept: MainWindowExport.AReportPathThatContainsBlanksIsPassedUnquoted.
 void frmExtract::OpenReportInEditor() {
   Engine& engine = context_.engine;
   engine.projects.FinishLoading();

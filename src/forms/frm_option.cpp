@@ -150,7 +150,9 @@ void frmOption::cmbSave_Click() {
   context_.store.Save("Save");
 }
 
-// The stored value is the inverse of the box: meant, the links are followed by it that way round.
+// The stored value is the inverse of the box: 0 when it is checked, because 0 is what keeps a run on its site.
+// Settings that are already stored keep their meaning that way.
+// Kept: OptionTest.TheCorrelationIsStoredTheOtherWayRound.
 void frmOption::chkCorrelation_Click() {
   context_.settings.CorrelationMode = chkCorrelation.checked() ? 0 : 1;
   context_.store.Save("Correlation");

@@ -27,8 +27,9 @@ struct Book {
   [[nodiscard]] std::string ShownText() const;
 };
 
-// The window walks its lists with 16-bit counters, and more entries than these are "Overflow !" there: meant. The
-// engine itself holds as many addresses as memory does.
+// The most entries that the window walks through. It counts in 16 bits, and answers a longer list with "Overflow !".
+// The engine itself holds as many addresses as memory does, and the command line knows no such limit.
+// Kept: EmailMergeTool.ShowsAndSavesAsManyAddressesAsSixteenBitsCount.
 inline constexpr std::uint32_t kMaxListed = 32767;
 
 // The distinct addresses found, in the order and spelling of their first occurrence; compared without ASCII case.

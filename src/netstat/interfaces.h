@@ -63,7 +63,8 @@ class CIpHelper {
   std::int32_t bytes_sent_ = 0;
 };
 
-// The meter behind panel 4: kilobytes received per half second, labelled Kbps (meant).
+// The meter behind panel 4. It shows kilobytes received per half second. The panel labels them "Kbps", which they are
+// not; users know the figure under that name. Kept: TrayTest.TheMeterShowsKilobytesPerHalfSecond.
 class TrafficMeter {
  public:
   // One tick of tmrFlux: the new rate.

@@ -16,9 +16,12 @@ namespace quenlar {
 // counts days since 1899-12-30. Empty for any other text, and outside the years 100 to 9999.
 [[nodiscard]] std::optional<double> DateFromNumberText(std::string_view text);
 
-// The last change's counter taken as a signed number, in single precision, as text, of which the first five characters
-// are read as a date. Meant, and good for nothing: large counters lose their exponent ("1.234E+07" becomes "1.234") or
-// end in the middle of it ("1.2E+"), and the latter are no date.
+// Turns the counter of the last change into a date: it is taken as a signed number in single precision, written as
+// text, and the first five characters of that text are read as a date. Empty when they are not a date.
+//
+// The result is not a useful time. A large counter loses its exponent ("1.234E+07" becomes "1.234") or is cut in the
+// middle of it ("1.2E+", which is not a date). The property keeps the values that it has always had.
+// Kept: LastChange.GoesThroughTheFirstFiveCharactersOfASinglePrecisionText.
 [[nodiscard]] std::optional<double> LastChangeDate(std::uint32_t last_change);
 
 }  // namespace quenlar

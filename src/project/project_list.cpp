@@ -23,7 +23,9 @@ void ProjectList::Pick(std::string_view text) {
 
 void ProjectList::Remove(std::string_view text) {
   if (entries_.empty()) return;
-  // The last entry is dropped without a look at it, so an unknown text costs the oldest entry: meant.
+  // The search stops before the last entry and drops that one without comparing it. So a text that is not in the list
+  // costs the oldest entry; users rely on Delete making the list shorter by one.
+  // Kept: ProjectListTest.DeletingAProjectThatIsNotInTheListRemovesTheOldestEntry.
   entries_.erase(std::find(entries_.begin(), entries_.end() - 1, text));
 }
 
@@ -36,7 +38,9 @@ void ProjectList::WriteProjectKey(bool with_filters) {
     registry_.SaveRegValue(kProjectKey, "Project" + std::to_string(i + 1), entries_[i]);
   }
   write("ProjectNum", static_cast<std::int64_t>(entries_.size()));
-  write("NeverUpgrade", 0);  // every rewrite takes the stored choice back: meant
+  // Every rewrite of the key takes the choice "never upgrade" back: the question for a newer version comes again.
+  // Kept: ProjectListTest.AddingRewritesTheKeyInItsOrder.
+  write("NeverUpgrade", 0);
   write("Search", settings_.SearchLanguage);
   write("Save", settings_.SaveInterval);
   write("Correlation", settings_.CorrelationMode);

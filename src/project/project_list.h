@@ -25,12 +25,14 @@ class ProjectList {
   // PickProject: moves the picked entry to the top. The registry is not rewritten.
   void Pick(std::string_view text);
 
-  // DeleteProject's step on the list: removes the entry equal to `text`; without one the oldest entry leaves (meant).
-  // Does not rewrite the key: the caller does so after it has filled its list again.
+  // DeleteProject's step on the list: removes the entry equal to `text`. When there is none, the oldest entry leaves
+  // instead. Does not rewrite the key: the caller does so after it has filled its list again.
+  // Kept: ProjectListTest.DeletingAProjectThatIsNotInTheListRemovesTheOldestEntry.
   void Remove(std::string_view text);
 
-  // Deletes the key and writes the entries and the settings; Export and the two filter switches only with
-  // `with_filters`.
+  // Deletes the key and writes the entries and the settings anew. Export and the two filter switches are written only
+  // with `with_filters`; DeleteProject goes without, so the next start reads them as 0, which is their first value.
+  // Kept: MainWindowProjects.ADeleteLeavesExportAndTheFiltersOutOfTheRegistry.
   void WriteProjectKey(bool with_filters);
 
  private:

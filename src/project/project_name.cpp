@@ -66,7 +66,8 @@ void NameFiles(Project& project, std::string_view name, const Site& site) {
 void NameAddressProject(Project& project, std::string_view text, const Site& site) {
   std::string_view address = TrimBlanks(text);
   if (StartsWithIgnoreCase(address, "http://")) address.remove_prefix(7);
-  // A host such as "mail.x.de" gets "www." in front too: meant.
+  // Every host gets "www." in front, also one such as "mail.x.de". The files of existing projects are named after the
+  // address that results. Kept: ProjectName.AddressesGiveStartUrlAndFiles.
   project.StartURL = StartsWithIgnoreCase(address, "www.") ? "http://" : "http://www.";
   project.StartURL += address;
   const std::string host = GetHost(project.StartURL);
@@ -114,7 +115,9 @@ NamingOutcome NameProject(Project& project, std::string_view text, const Setting
   const std::string language = Lower(pieces[1]);
   if (!IsLanguageCode(language)) return NamingOutcome::kUnknownSuffix;
   NameKeywordProject(project, pieces[0], language, site);
-  project.ProjectLanguage = language == "ja" ? "es" : language;  // "es" for Japanese: meant, nothing reads it
+  // A Japanese keyword stores "es". Nothing reads the value, but `analyze` shows it.
+  // Kept: ProjectName.JapaneseSuffixStoresSpanishAsTheProjectLanguage.
+  project.ProjectLanguage = language == "ja" ? "es" : language;
   return NamingOutcome::kNamed;
 }
 

@@ -145,8 +145,9 @@ class ReportWriter final : public RecordWriter {
 
   [[nodiscard]] std::size_t RuleWidth() const { return number_width_ + address_width_ + url_width_ + title_width_; }
 
-  // Whether the part has a line for the record. In the lists of distinct values a record that is left out counts as
-  // seen all the same, so that its value is not printed for a later record either: meant.
+  // Whether the part has a line for the record. A record that is left out still counts as seen in the lists of distinct
+  // values, so its value is not printed for a later record either. Reports of the same table stay the same byte for
+  // byte. Kept: ReportFileTest.UrlsAreDistinctAndOneSeenOnARecordLeftOutIsNotPrintedLater.
   bool IsPrinted(std::uint32_t number) {
     const FoundAddress record = found_.At(number);
     if (part_ != Part::kRows && !IsNewValue(record.URL, number)) return false;

@@ -1,5 +1,8 @@
-// Reading a report back. Every pattern begins with an address, so each pass goes from "@" to "@"; the characters that
-// it looks at around one "@" are not looked at again for the next, which keeps it linear on any input.
+// Reads a report back. Every pattern begins with an address, so each pass goes from "@" to "@". The characters that it
+// looks at around one "@" are not looked at again for the next one, so the time is linear on any input.
+//
+// A page address that ends in an e-mail address gives one record more when a URL stands on the next line: white space
+// may hold line ends in the patterns. Kept: ReportReader.PageAddressThatEndsInAnAddressGivesOneExtraRecord.
 #include <algorithm>
 #include <array>
 

@@ -291,7 +291,9 @@ void RunDriver::End(const char* reason) {
     if (std::any_of(project_.queues.begin(), project_.queues.end(), unvisited)) host_.SaveDataAtEnd();
     if (project_.found.Count() >= 1) host_.SaveReportAtEnd();
   }
-  host_.RestoreIdle(phase_ == Phase::kLinks);  // a run that ends in its search phase leaves export disabled: meant
+  // A run that ends in its search phase leaves export disabled, although the project may hold addresses of earlier
+  // runs: only a link run enables it. Kept: MainWindowRun.ARunThatEndsInsideTheSearchPhaseLeavesExportDisabled.
+  host_.RestoreIdle(phase_ == Phase::kLinks);
   host_.ShowEndTime();
   run_.running = false;
   host_.EnableExit();

@@ -145,7 +145,8 @@ void FilterWords::OnStepLimit(std::function<void(const std::string& message)> re
   engine_->report = std::move(report);
 }
 
-// The switches are compared with 1, not with true: meant.
+// A switch is on when it is exactly 1. Any other stored number is off, as the check boxes of the options dialog show
+// it. Kept: FilterWordsTest.OnlyASwitchOfExactlyOneIsOn.
 bool FilterWords::Keeps(std::string_view address) {
   if (settings_.RemoveFilterOn == 1 && !RemoveFilterWords.empty() &&
       engine_->Matches(engine_->remove, "remove", address)) {

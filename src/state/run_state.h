@@ -23,8 +23,10 @@ struct RunState {
 
   std::int32_t ScanCount = 0;  // pages analysed in the run
   std::int32_t baseline = 0;   // the address count when the run started
-  // The link number below which an expansion page's links are followed. Nothing changes it and links are queued with 1
-  // or more, so only level-0 pages feed the queues: meant.
+  // The links of an expansion page are followed when its own link number is below this one. Nothing changes the value
+  // and every link is queued with 1 or more, so only pages of level 0 feed the queues. A run stays that small on
+  // purpose: it ends at the pages next to the start pages.
+  // Kept: PageAnalysis.AnExpansionPageIsHarvestedAndItsLinksAreNotFollowed.
   std::int16_t LinkDepth = 1;
 };
 

@@ -78,7 +78,8 @@ std::string_view LinkResolver::Resolve(std::string_view target) {
   }
   if (target.starts_with('/')) return site_.With(target);
   if (StartsWithIgnoreCase(target, "javascript:")) return {};
-  // The result holds "/#", so every link builder drops it: fragments are never followed, and that is meant.
+  // The result holds "/#", and every link builder drops what holds that. So a link to a place on its own page is never
+  // followed: it would download the same page again. Kept: LinkBuilders.DropWhatIsNeverFollowed.
   if (target.starts_with('#')) return page_.With(target);
   if (StartsWithIgnoreCase(target, "mailto:")) return {};
   if (StartsWithIgnoreCase(target, kScheme)) {

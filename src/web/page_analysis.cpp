@@ -17,8 +17,9 @@ namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 
-// What stands between "Parsing" or "Completed" and the rest of the stage text. Levels 7 to 10 show the texts of level
-// 5: meant.
+// What stands between "Parsing" or "Completed" and the rest of the stage text. Levels 7 to 10 show the words of level
+// 5; texts that users read stay as they know them.
+// Kept: PageAnalysis.AnExpansionPageBelowTheLinkDepthIsFollowedOnItsOwnLevel.
 constexpr std::array<const char*, kLevels> kStageWords = {
     "",
     " Channel One",
@@ -70,7 +71,9 @@ bool IsUnwantedFile(std::string_view target) {
 }
 
 // Whether the tag's name is `name` (in lower case) exactly: it ends at a blank, which may be written as an entity, or
-// with the tag. Any other character, a line break too, makes it another tag: meant.
+// with the tag. Any other character makes it another tag, even a line break, so "<a" at the end of a line is not an
+// anchor. Which links a page has decides the whole run, and runs are compared page by page.
+// Kept: PageAnalysis.KnowsATagByItsExactName.
 bool IsNamed(std::string_view tag, std::string_view name) {
   if (!StartsWithIgnoreCase(tag, name)) return false;
   tag.remove_prefix(name.size());
@@ -129,7 +132,8 @@ class TagWalk {
     return true;
   }
 
-  // An anchor without a closing tag anywhere behind it ends the walk: meant.
+  // An anchor without a closing tag anywhere behind it ends the walk: no later link of the page is queued. The page is
+  // still harvested whole. Kept: PageAnalysis.AnAnchorWithoutAClosingTagBehindItEndsTheWalk.
   bool Anchor(std::string_view text, std::size_t close) {
     context_.pump();
     if (!last_closing_) last_closing_ = LastClosingAnchor(page_);

@@ -26,12 +26,13 @@ std::string_view NextResult(std::string_view page, std::size_t from) {
 }
 
 void QueueResult(std::string_view match, LinkQueue& level_zero) {
-  // The first "href=" of the match, which may stand before the one that the pattern needed: meant.
+  // The target is read from the first "href=" of the whole match, which may stand before the one that the pattern
+  // needed. Kept: CollectResultLinks.ReadsTheFirstTargetOfTheWholeMatch.
   std::string_view target = match.substr(FindIgnoreCase(match, kTarget) + kTarget.size());
   target.remove_suffix(1);
   if (target.find(kSearchEngineDomain) != kNone) return;
-  // The site is asked for before the slash is cut. That tells only for "http://" alone, whose site changes with it:
-  // meant.
+  // The site is looked up before the trailing slash is cut. The order makes a difference only for the bare "http://",
+  // whose site changes with its slash. Kept: CollectResultLinks.TheSiteIsThatOfTheTargetBeforeItsSlashIsCut.
   if (level_zero.HasHost(target)) return;
   if (target.ends_with('/')) target.remove_suffix(1);
   level_zero.Append(target);

@@ -6,8 +6,11 @@
 
 namespace quenlar {
 
-// The value of an attribute of one tag, or "". `name` is in lower case and ends in "=" ("href="); it is found
-// anywhere in the tag, so "href=" also matches inside "data-href=": meant.
+// Returns the value of an attribute of one tag, or "" when the tag does not have it. `name` is in lower case and ends
+// in "=" ("href="). `tag` is the text between "<" and ">".
+//
+// The name is found anywhere in the tag, so "href=" also matches inside "data-href=". Which value is read decides which
+// links are followed, so the rule stays as it is. Kept: GetAttributeValue.ReadsQuotedAndBareValues.
 [[nodiscard]] std::string GetAttributeValue(std::string_view tag, std::string_view name);
 
 // The same as a view: into `tag` where the value stands there as it is, else into `buffer`, which then is overwritten.

@@ -24,7 +24,7 @@ TEST(BrowserProgram, IsTheQuotedPathOrTheTextBeforeTheFirstHyphen) {
       {"\" C:\\b.exe \" -x", "C:\\b.exe"},
       {"C:\\b.exe -nohome", "C:\\b.exe"},
       {"  C:\\b.exe  ", "C:\\b.exe"},
-      {"C:\\my-browser\\b.exe -x", "C:\\my"},  // an unquoted path with a hyphen is cut there: meant
+      {"C:\\my-browser\\b.exe -x", "C:\\my"},  // an unquoted path ends at its first hyphen
       {" \"C:\\b.exe\"", "\"C:\\b.exe\""},
       {"\"C:\\b.exe", "C:\\b.exe"},
       {"", ""},

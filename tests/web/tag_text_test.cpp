@@ -27,8 +27,8 @@ TEST(GetAttributeValue, ReadsQuotedAndBareValues) {
       {"a href=x\ny", "x\ny"},  // a lone line feed does not end it
       {"a href=x?a=1&amp;b=2&amp;c", "x?a=1&b=2&c"},
       {"a href=xamp;amp;y", "xy"},
-      {"a href=x\ramp;\ny", "x\r\ny"},  // cut before that: meant
-      {"a data-href=1 href=2", "1"},    // found inside another name: meant
+      {"a href=x\ramp;\ny", "x\r\ny"},  // it ends at CR LF before "amp;" is taken out, not after
+      {"a data-href=1 href=2", "1"},    // the name is found inside another name
       {"a href =x", ""},
       {"a href=\"\" href=\"x\"", ""},
   };

@@ -89,7 +89,7 @@ void PosixEventLoop::Pump(std::optional<std::chrono::milliseconds> sleep) {
   timers_.RunDue();
 }
 
-// How long a sleep may last, rounded up so that it does not end just before what it was meant to reach.
+// How long a sleep may last, rounded up so that it does not end just before the moment for which it waits.
 int PosixEventLoop::SleepMilliseconds(std::chrono::milliseconds limit) {
   const Instant now = std::chrono::steady_clock::now();
   // A day is as good as for ever, and fits the system's argument.

@@ -67,7 +67,8 @@ void Win32Registry::SaveRegValue(const std::string& key, const std::string& name
     return;
   }
   const std::string bytes = code_page_.FromUtf8(text);
-  // The NUL is in the buffer and not in the count, which is meant; the system stores it all the same.
+  // The count leaves out the NUL at the end of the buffer. Values that are already stored look the same, and the
+  // system adds the NUL when it reads. Kept: RegistryContract.AValueIsReadBackAsItWasWritten.
   RegSetValueExA(open, code_page_.FromUtf8(name).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.c_str()),
                  static_cast<DWORD>(bytes.size()));
   RegCloseKey(open);

@@ -79,7 +79,7 @@ void ComboBoxBinding::Apply(Aspect aspect) {
   }
 }
 
-// Emptying a combo box empties its text as well, which is not meant: the text is the model's.
+// Emptying a combo box empties its text as well. The text belongs to the model, so it is shown again.
 void ComboBoxBinding::FillItems() {
   Send(CB_RESETCONTENT);
   for (const std::string& item : combo_.items()) Send(CB_ADDSTRING, 0, win32::ToWide(item).c_str());
