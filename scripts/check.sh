@@ -20,8 +20,8 @@ grep_in() {  # FILES GREP-ARGUMENTS ...: no match is no failure
 
 # The rooms below src/ from the bottom up: each uses itself and those before it, and no room without a name here exists.
 # What implements the seam for one system, or draws the forms with one toolkit, is a room like any other.
-rooms="base platform platform/posix platform/win32 page state ui ui/win32 web project settings netstat run mailtool engine \
-  cli forms forms/win32"
+rooms="base platform platform/posix platform/win32 page collection state ui ui/win32 web project settings netstat run \
+  mailtool engine cli forms forms/win32"
 all=$(sources '*.cpp' '*.h')
 product=$(printf '%s\n' "$all" | grep '^src/')
 portable=$(printf '%s\n' "$product" | grep -vE '/(posix|win32)/')

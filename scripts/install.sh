@@ -6,8 +6,8 @@ set -euo pipefail
 packages_for() {
   case "$1" in
     run)     echo g++ cmake ninja-build ccache googletest libcurl4-openssl-dev zlib1g-dev libcli11-dev nlohmann-json3-dev \
-                  libboost1.81-dev libfmt-dev libcpp-httplib-dev libidn2-dev publicsuffix ;;
-    windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 ;;
+                  libboost1.81-dev libfmt-dev libcpp-httplib-dev libidn2-dev publicsuffix libsqlite3-dev ;;
+    windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 dpkg-dev make tcl ;;
     window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;
     test)    packages_for window; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev ;;
     bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \

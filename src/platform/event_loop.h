@@ -23,6 +23,9 @@ class EventLoop {
  public:
   virtual ~EventLoop() = default;
 
+  // The time by which this loop waits. It never goes back; nobody can set it.
+  [[nodiscard]] virtual std::chrono::steady_clock::time_point Now() const { return std::chrono::steady_clock::now(); }
+
   // Pumps: delivers what has arrived and returns at once. Safe to nest.
   virtual void Yield() = 0;
 

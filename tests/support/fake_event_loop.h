@@ -24,6 +24,9 @@ class FakeEventLoop : public EventLoop {
   FakeEventLoop(const FakeEventLoop&) = delete;
   FakeEventLoop& operator=(const FakeEventLoop&) = delete;
 
+  [[nodiscard]] std::chrono::steady_clock::time_point Now() const override {
+    return std::chrono::steady_clock::time_point(now());
+  }
   void Yield() override;
   void Wait(Milliseconds limit) override;
   void Post(std::function<void()> task) override;

@@ -16,6 +16,9 @@ class FakeClock : public Clock {
  public:
   std::string time_text = "12:34:56";
   [[nodiscard]] std::string TimeText() const override { return time_text; }
+
+  std::int64_t utc_seconds = 1'700'000'000;
+  [[nodiscard]] std::int64_t UtcSeconds() const override { return utc_seconds; }
 };
 
 // Windows-1252 on every system.

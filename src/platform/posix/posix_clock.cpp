@@ -12,4 +12,6 @@ std::string PosixClock::TimeText() const {
   return std::string(text, std::strftime(text, sizeof text, "%H:%M:%S", &local));
 }
 
+std::int64_t PosixClock::UtcSeconds() const { return std::time(nullptr); }
+
 }  // namespace quenlar

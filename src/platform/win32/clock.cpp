@@ -15,4 +15,12 @@ std::string Win32Clock::TimeText() const {
   return text.data();
 }
 
+std::int64_t Win32Clock::UtcSeconds() const {
+  FILETIME now;  // units of 100 ns since 1601
+  GetSystemTimeAsFileTime(&now);
+  constexpr std::int64_t kUnitsASecond = 10'000'000, kSecondsTo1970 = 11'644'473'600;
+  const std::int64_t units = std::int64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+  return units / kUnitsASecond - kSecondsTo1970;
+}
+
 }  // namespace quenlar

@@ -1,0 +1,226 @@
+// A collection: one database file with hosts, pages, addresses and sightings. The crawl writes it; the commands and the
+// window read it. docs/collections.md describes the file.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/status.h"
+#include "base/text_hash.h"
+#include "collection/database.h"
+#include "collection/known_pages.h"
+#include "page/address_place.h"
+#include "page/url.h"
+#include "platform/files.h"
+
+namespace quenlar {
+
+using HostId = std::int64_t;
+using PageId = std::int64_t;   // 0: none
+using StartId = std::int64_t;  // 0: none
+
+enum class PageState {
+  kWaiting,  // still to visit
+  kRead,     // its addresses and links are here
+  kFailed,   // no answer, or one that holds no page
+  kRefused,  // not asked for: robots, depth, scope, a private address, a trap
+  kMoved,    // redirects to another page
+};
+[[nodiscard]] std::string_view NameOf(PageState state);
+
+// Refusals that another way to the page, or other options, may lift.
+inline constexpr std::string_view kRefusedPrivate = "private";
+inline constexpr std::string_view kRefusedRobots = "robots";
+inline constexpr std::string_view kRefusedDepth = "depth";
+inline constexpr std::string_view kRefusedScope = "scope";
+
+// A page that a start, a link or a redirect leads to. The views must outlive the call.
+struct PageOffer {
+  const Url& url;
+  std::string_view site;        // registrable domain of the host, or the host itself where it has none
+  int depth = 0;                // clicks from a start
+  int rank = 1;                 // among pages of one depth of a host: 0 before 1
+  int hops = 0;                 // redirects that led here
+  PageId parent = 0;            // the page with the link
+  bool may_be_private = false;  // a start that a person typed, or a link on a page of a private place
+  bool by_id = false;           // the page and its host are wanted even where nothing changes
+  std::string_view refused{};   // why it is not to be visited: kRefusedDepth, kRefusedScope, "trap"; empty: it is
+};
+
+struct OfferedPage {
+  PageId page = 0;
+  HostId host = 0;
+  bool queued = false;  // it waits now and did not before, or waits nearer to a start than before
+};
+
+struct WaitingPage {
+  PageId page = 0;
+  std::string url;
+  int depth = 0;
+  int hops = 0;
+  bool may_be_private = false;
+  std::string etag, modified;  // of the answer when it was read before; empty without one
+  bool read_before = false;
+};
+
+struct SeenAddress {
+  std::string_view address, written;
+  AddressPlace place;
+};
+
+// The end of a page's visit.
+struct PageEnd {
+  PageState state = PageState::kRead;
+  std::string reason{};  // one word or a short phrase, for `why`; empty where it was read
+  std::string rule{};    // the line of robots.txt that forbids it
+  int line = 0;          // the number of that line; 0: none
+  int status = 0;        // of the answer; 0: none
+  std::string type{};    // media type without parameters
+  std::string title{};
+  std::uint64_t bytes = 0;                  // received
+  std::optional<std::int64_t> body_hash{};  // of the decoded body, see Collection::HashOf
+  PageId moved_to = 0;
+  std::size_t protected_count = 0, filtered_count = 0;
+  std::string etag{}, modified{};
+};
+
+// States of a host in the database.
+inline constexpr std::string_view kHostNew = "new";
+inline constexpr std::string_view kHostAnswers = "answers";
+inline constexpr std::string_view kHostGivenUp = "given up";
+
+struct HostRow {
+  HostId id = 0;
+  std::string origin;  // "https://www.example.org", the port where it is not the scheme's own
+  std::string site;
+  std::string state;  // kHostNew and its like
+  std::string reason;
+  std::int64_t read = 0;                    // pages read, over all runs
+  std::optional<std::int64_t> robots_time;  // when robots.txt was fetched; empty: never
+  int robots_status = 0;                    // of that answer; 0: there was none
+  std::string robots;                       // its body where it is a page of rules
+};
+
+struct RunRecord {
+  std::int64_t started = 0, ended = 0;
+  std::string reason;
+  std::uint64_t pages = 0, failed = 0, refused = 0, fresh = 0, protected_count = 0, filtered = 0, bytes = 0;
+  double seconds = 0;
+};
+
+struct StartRow {
+  StartId id = 0;
+  std::string text, kind;  // kinds: site, keyword, result (of a keyword)
+  PageId page = 0;
+  std::string host, site;             // where it lies, redirects followed; empty before it was placed
+  std::optional<std::int64_t> asked;  // a keyword's last search
+};
+
+// Times are seconds since 1970 UTC. No member pumps. After a failure (a full disk, a damaged file) what was not
+// committed is gone, and the object is only good for being destroyed.
+class Collection {
+ public:
+  struct Opened {
+    std::unique_ptr<Collection> collection;
+    std::string kept_aside;  // the name under which a damaged file lies now; empty: it was sound
+  };
+  // For a run: the file is made where there is none, brought up to date where its schema is older, and kept aside where
+  // it is damaged. kFormat, with a message, where a newer program has made it.
+  [[nodiscard]] static Result<Opened> Open(Files& files, const std::string& path);
+  ~Collection();
+  Collection(const Collection&) = delete;
+  Collection& operator=(const Collection&) = delete;
+
+  // What happens belongs to one transaction until Commit; a page's end, its addresses and its links are not parted.
+  // Call it between two pages.
+  Status Commit();
+  // Commits when a second has passed since the first change that is not committed.
+  Status CommitIfDue();
+  [[nodiscard]] bool HasUncommitted() const { return database_->InTransaction(); }
+
+  [[nodiscard]] Result<std::string> Fact(std::string_view name);  // "" where it is not known
+  Status SetFact(std::string_view name, std::string_view value);
+
+  Status BeginRun(std::int64_t now);
+  Status SaveRun(const RunRecord& run);
+  // Whether a run was cut short, by a kill or by a loss of power.
+  [[nodiscard]] bool last_run_unfinished() const { return last_run_unfinished_; }
+
+  // Starts. Adding one that is there gives the one that is there.
+  [[nodiscard]] Result<StartRow> AddStart(std::string_view text, std::string_view kind, StartId parent);
+  Status PlaceStart(StartId start, PageId page, std::string_view host, std::string_view site);
+  Status MarkAsked(StartId keyword, std::int64_t now);
+  [[nodiscard]] Result<std::vector<StartRow>> Starts();
+
+  // Hosts.
+  [[nodiscard]] Result<HostRow> Host(HostId host);
+  Status SaveHostState(HostId host, std::string_view state, std::string_view reason);
+  Status SaveRobots(HostId host, std::int64_t now, int status, std::string_view rules);
+  [[nodiscard]] Result<HostId> HostOfPage(PageId page);
+  // Calls `each` for every host with pages that wait, with the least depth among them.
+  Status HostsWaiting(const std::function<void(HostId host, int depth)>& each);
+
+  // Pages.
+  // Puts the page in, or finds it. A page that is known at this depth or nearer, and for which nothing changes, may
+  // come back as {0, 0, false} unless the offer is `by_id`: most links of a site cost no look-up.
+  [[nodiscard]] Result<OfferedPage> Offer(const PageOffer& offer);
+  // The next page of a host: the least depth first, then the lower rank, then as found.
+  [[nodiscard]] Result<std::optional<WaitingPage>> Next(HostId host);
+  // A page that waits is to be asked for at another URL of the same identity: under the other scheme, or once more.
+  // Gives its host.
+  [[nodiscard]] Result<HostId> Readdress(PageId page, const Url& url, std::string_view site, int hops);
+  // Ends the visit of a page that waited. Gives the positions in `addresses` of those that the collection did not hold.
+  [[nodiscard]] Result<std::vector<std::size_t>> End(HostId host, PageId page, const PageEnd& end,
+                                                     const std::vector<SeenAddress>& addresses, std::int64_t now);
+  // Ends the visit of a page that has not changed since it was read (status 304).
+  Status EndUnchanged(HostId host, PageId page, std::int64_t now);
+  // Whether another page of the host was read with this body.
+  [[nodiscard]] Result<bool> BodySeen(HostId host, PageId page, std::int64_t body_hash);
+  [[nodiscard]] std::int64_t HashOf(std::string_view text) const;
+
+  // Queues the pages anew that were refused for `reason`, unless `option`, by which that was decided, is the same as in
+  // the run before. They are judged again when it is their turn.
+  Status QueueRefused(std::string_view reason, std::string_view option);
+  // Queues all pages anew that were visited; hosts count their pages from 0 on, keywords are searched for again.
+  Status QueueAgain();
+
+  // Links that were refused because of their scope may be offered again, and are looked at anew.
+  void ForgetKnownPages() { known_.Clear(); }
+
+  [[nodiscard]] std::int64_t waiting() const { return waiting_; }  // pages still to visit
+  [[nodiscard]] std::int64_t addresses() const { return addresses_; }
+
+ private:
+  struct Statements;
+
+  explicit Collection(std::unique_ptr<Database> database);
+  Status Prepare();
+  Status MakeSchema();
+  Status LoadCounts();
+  // Begins a transaction where none is open.
+  Status Begin();
+  [[nodiscard]] Result<HostId> HostOf(const Url& url, std::string_view site);
+  [[nodiscard]] Result<OfferedPage> OfferKnown(const PageOffer& offer, std::int64_t key);
+  [[nodiscard]] Result<OfferedPage> AddPage(const PageOffer& offer, std::int64_t key);
+  [[nodiscard]] Result<std::vector<std::size_t>> AddSightings(PageId page, const std::vector<SeenAddress>& addresses,
+                                                              std::int64_t now);
+
+  std::unique_ptr<Database> database_;
+  std::unique_ptr<Statements> statements_;
+  TextHash first_hash_, second_hash_;
+  KnownPages known_;
+  std::unordered_map<std::string, HostId> host_ids_;  // some of them, by origin
+  std::chrono::steady_clock::time_point changed_{};
+  std::int64_t run_ = 0;
+  bool last_run_unfinished_ = false;
+  std::int64_t waiting_ = 0, addresses_ = 0;
+};
+
+}  // namespace quenlar

@@ -1,0 +1,184 @@
+// All SQL of the collection, in one place: the schema, and each statement that is prepared. docs/collections.md
+// describes the schema for people; the two change together.
+#pragma once
+
+namespace quenlar::sql {
+
+// PRAGMA user_version of a file with this schema. A change of the schema raises it and adds a step to kUpgrades.
+inline constexpr int kSchemaVersion = 1;
+
+inline constexpr const char* kSettings =
+    "PRAGMA journal_mode = WAL;"
+    "PRAGMA synchronous = FULL;"
+    "PRAGMA secure_delete = ON;"
+    "PRAGMA cache_size = -16384;"        // kibibytes
+    "PRAGMA wal_autocheckpoint = 4000;"  // pages of 4 KiB
+    "PRAGMA temp_store = MEMORY;";
+
+// Times are whole seconds since 1970-01-01 00:00 UTC.
+inline constexpr const char* kSchema = R"sql(
+CREATE TABLE facts (
+  name  TEXT PRIMARY KEY,
+  value TEXT NOT NULL
+) WITHOUT ROWID;
+
+CREATE TABLE runs (
+  id        INTEGER PRIMARY KEY,
+  started   INTEGER NOT NULL,
+  ended     INTEGER,
+  reason    TEXT,
+  pages     INTEGER NOT NULL DEFAULT 0,
+  failed    INTEGER NOT NULL DEFAULT 0,
+  refused   INTEGER NOT NULL DEFAULT 0,
+  new       INTEGER NOT NULL DEFAULT 0,
+  protected INTEGER NOT NULL DEFAULT 0,
+  filtered  INTEGER NOT NULL DEFAULT 0,
+  bytes     INTEGER NOT NULL DEFAULT 0,
+  seconds   REAL NOT NULL DEFAULT 0
+);
+
+CREATE TABLE starts (
+  id     INTEGER PRIMARY KEY,
+  text   TEXT NOT NULL UNIQUE,
+  kind   TEXT NOT NULL,
+  parent INTEGER REFERENCES starts (id),
+  page   INTEGER REFERENCES pages (id),
+  host   TEXT,
+  site   TEXT,
+  asked  INTEGER
+);
+
+CREATE TABLE hosts (
+  id            INTEGER PRIMARY KEY,
+  origin        TEXT NOT NULL UNIQUE,
+  site          TEXT NOT NULL,
+  state         TEXT NOT NULL DEFAULT 'new',
+  reason        TEXT,
+  read          INTEGER NOT NULL DEFAULT 0,
+  robots        TEXT,
+  robots_status INTEGER,
+  robots_time   INTEGER
+);
+CREATE INDEX hosts_site ON hosts (site);
+
+CREATE TABLE pages (
+  id        INTEGER PRIMARY KEY,
+  key       INTEGER NOT NULL,
+  host      INTEGER NOT NULL REFERENCES hosts (id),
+  url       TEXT NOT NULL,
+  parent    INTEGER REFERENCES pages (id),
+  depth     INTEGER NOT NULL,
+  rank      INTEGER NOT NULL,
+  hops      INTEGER NOT NULL DEFAULT 0,
+  state     TEXT NOT NULL,
+  reason    TEXT,
+  rule      TEXT,
+  line      INTEGER,
+  status    INTEGER,
+  type      TEXT,
+  title     TEXT,
+  time      INTEGER,
+  bytes     INTEGER,
+  body      INTEGER,
+  moved_to  INTEGER REFERENCES pages (id),
+  protected INTEGER NOT NULL DEFAULT 0,
+  filtered  INTEGER NOT NULL DEFAULT 0,
+  etag      TEXT,
+  modified  TEXT,
+  private   INTEGER NOT NULL DEFAULT 0
+);
+CREATE INDEX pages_key ON pages (key);
+CREATE INDEX pages_waiting ON pages (host, depth, rank, id) WHERE state = 'waiting';
+CREATE INDEX pages_body ON pages (host, body) WHERE body IS NOT NULL;
+
+CREATE TABLE addresses (
+  id         INTEGER PRIMARY KEY,
+  address    TEXT NOT NULL COLLATE NOCASE UNIQUE,
+  first_seen INTEGER NOT NULL
+);
+
+CREATE TABLE sightings (
+  address    INTEGER NOT NULL REFERENCES addresses (id),
+  page       INTEGER NOT NULL REFERENCES pages (id),
+  place      TEXT NOT NULL,
+  written    TEXT NOT NULL,
+  first_seen INTEGER NOT NULL,
+  last_seen  INTEGER NOT NULL,
+  gone       INTEGER NOT NULL DEFAULT 0,
+  PRIMARY KEY (address, page, place)
+) WITHOUT ROWID;
+CREATE INDEX sightings_page ON sightings (page);
+
+PRAGMA user_version = 1;
+)sql";
+
+inline constexpr const char* kFact = "SELECT value FROM facts WHERE name = ?";
+inline constexpr const char* kSetFact = "INSERT OR REPLACE INTO facts (name, value) VALUES (?, ?)";
+
+inline constexpr const char* kBeginRun = "INSERT INTO runs (started) VALUES (?)";
+inline constexpr const char* kSaveRun =
+    "UPDATE runs SET ended = ?, reason = ?, pages = ?, failed = ?, refused = ?, new = ?, protected = ?, filtered = ?,"
+    " bytes = ?, seconds = ? WHERE id = ?";
+inline constexpr const char* kUnfinishedRuns = "SELECT ended IS NULL FROM runs ORDER BY id DESC LIMIT 1";
+
+inline constexpr const char* kAddStart =
+    "INSERT OR IGNORE INTO starts (text, kind, parent) VALUES (?, ?, nullif(?, 0))";
+inline constexpr const char* kStart = "SELECT id, text, kind, page, host, site, asked FROM starts WHERE text = ?";
+inline constexpr const char* kStarts = "SELECT id, text, kind, page, host, site, asked FROM starts ORDER BY id";
+inline constexpr const char* kStartsOfPage = "SELECT id FROM starts WHERE page = ?";
+inline constexpr const char* kPlaceStart = "UPDATE starts SET page = nullif(?, 0), host = ?, site = ? WHERE id = ?";
+inline constexpr const char* kAskedStart = "UPDATE starts SET asked = ? WHERE id = ?";
+
+inline constexpr const char* kFindHost = "SELECT id FROM hosts WHERE origin = ?";
+inline constexpr const char* kAddHost = "INSERT INTO hosts (origin, site) VALUES (?, ?)";
+inline constexpr const char* kHost =
+    "SELECT origin, site, state, reason, read, robots, robots_status, robots_time FROM hosts WHERE id = ?";
+inline constexpr const char* kHostOfPage = "SELECT host FROM pages WHERE id = ?";
+inline constexpr const char* kSaveHostState = "UPDATE hosts SET state = ?, reason = ? WHERE id = ?";
+inline constexpr const char* kSaveRobots =
+    "UPDATE hosts SET robots = ?, robots_status = ?, robots_time = ? WHERE id = ?";
+inline constexpr const char* kHostHasRead = "UPDATE hosts SET read = read + 1 WHERE id = ?";
+inline constexpr const char* kHostsWaiting = "SELECT host, min(depth) FROM pages WHERE state = 'waiting' GROUP BY host";
+
+inline constexpr const char* kFindPage = "SELECT id, host, url, depth, state, reason, private FROM pages WHERE key = ?";
+inline constexpr const char* kAddPage =
+    "INSERT INTO pages (key, host, url, parent, depth, rank, hops, private, state, reason)"
+    " VALUES (?, ?, ?, nullif(?, 0), ?, ?, ?, ?, ?, ?)";
+inline constexpr const char* kQueuePage =
+    "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL, depth = ?, rank = ?, hops = ?,"
+    " private = ?, parent = nullif(?, 0) WHERE id = ?";
+inline constexpr const char* kDeepenPage = "UPDATE pages SET depth = ?, parent = nullif(?, 0) WHERE id = ?";
+inline constexpr const char* kNextPage =
+    "SELECT id, url, depth, hops, etag, modified, body, private FROM pages WHERE host = ? AND state = 'waiting'"
+    " ORDER BY depth, rank, id LIMIT 1";
+inline constexpr const char* kReaddressPage = "UPDATE pages SET url = ?, host = ?, hops = ? WHERE id = ?";
+inline constexpr const char* kEndPage =
+    "UPDATE pages SET state = ?, reason = ?, rule = ?, line = nullif(?, 0), status = nullif(?, 0), type = ?, title = ?,"
+    " time = ?, bytes = ?, body = ?, moved_to = nullif(?, 0), protected = ?, filtered = ?, etag = ?, modified = ?"
+    " WHERE id = ?";
+// A page that has not changed since it was read keeps what is known of it.
+inline constexpr const char* kPageUnchanged = "UPDATE pages SET state = 'read', status = 304, time = ? WHERE id = ?";
+inline constexpr const char* kBodySeen =
+    "SELECT 1 FROM pages WHERE host = ? AND body = ? AND id <> ? AND state = 'read' LIMIT 1";
+inline constexpr const char* kCountWaiting = "SELECT count(*) FROM pages WHERE state = 'waiting'";
+inline constexpr const char* kCountRead = "SELECT count(*) FROM pages WHERE state = 'read'";
+inline constexpr const char* kCountAddresses = "SELECT count(*) FROM addresses";
+inline constexpr const char* kQueueRefused =
+    "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE state = 'refused' AND reason = "
+    "?";
+inline constexpr const char* kQueueAgain =
+    "UPDATE pages SET state = 'waiting', hops = 0 WHERE state IN ('read', 'failed', 'moved')";
+inline constexpr const char* kForgetReads = "UPDATE hosts SET read = 0";
+inline constexpr const char* kForgetSearches = "UPDATE starts SET asked = NULL";
+
+inline constexpr const char* kFindAddress = "SELECT id FROM addresses WHERE address = ?";
+inline constexpr const char* kAddAddress = "INSERT OR IGNORE INTO addresses (address, first_seen) VALUES (?, ?)";
+inline constexpr const char* kAddSighting =
+    "INSERT INTO sightings (address, page, place, written, first_seen, last_seen) VALUES (?, ?, ?, ?, ?, ?)"
+    " ON CONFLICT DO UPDATE SET last_seen = excluded.last_seen, gone = 0";
+inline constexpr const char* kSightingsSeen =
+    "UPDATE sightings SET last_seen = ?, gone = 0 WHERE page = ? AND gone = 0";
+// Before what a page holds now is put in: what is not put in again is gone.
+inline constexpr const char* kSightingsGone = "UPDATE sightings SET gone = 1 WHERE page = ?";
+
+}  // namespace quenlar::sql

@@ -1,0 +1,100 @@
+// SQLite as the collection uses it: a connection, prepared statements, failures as values.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/status.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace quenlar {
+
+// A prepared statement. Values are bound in order by Bind, from the first parameter on; Step runs it. A statement that
+// has ended, or is bound anew, begins again. Texts that are bound must stay as they are until the statement is reset.
+class Statement {
+ public:
+  Statement() = default;
+
+  // Puts the values in the place of the parameters, in their order. Empty optionals and null pointers are NULL.
+  template <typename... Values>
+  Statement& Bind(const Values&... values) {
+    Reset();
+    int index = 0;
+    (BindOne(++index, values), ...);
+    return *this;
+  }
+
+  // True: a row is there. False: the statement has ended.
+  [[nodiscard]] Result<bool> Step();
+  // Runs a statement that gives no rows, or whose rows nobody needs.
+  Status Run();
+
+  // Columns of the row at hand, counted from 0. Views live until the next Step, Bind or Reset.
+  [[nodiscard]] std::int64_t Int(int column) const;
+  [[nodiscard]] double Real(int column) const;
+  [[nodiscard]] std::string_view Text(int column) const;
+  [[nodiscard]] bool IsNull(int column) const;
+
+  void Reset();
+
+ private:
+  friend class Database;
+  struct Finalize {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+  explicit Statement(sqlite3_stmt* statement) : statement_(statement) {}
+
+  void BindOne(int index, std::int64_t value);
+  void BindOne(int index, int value) { BindOne(index, static_cast<std::int64_t>(value)); }
+  void BindOne(int index, double value);
+  void BindOne(int index, std::string_view value);
+  void BindOne(int index, const std::string& value) { BindOne(index, std::string_view(value)); }
+  void BindOne(int index, const char* value) { BindOne(index, std::string_view(value)); }
+  void BindOne(int index, std::nullopt_t);
+  template <typename T>
+  void BindOne(int index, const std::optional<T>& value) {
+    value ? BindOne(index, *value) : BindOne(index, std::nullopt);
+  }
+
+  std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+class Database {
+ public:
+  enum class Mode {
+    kRead,   // an existing file, nothing is written; another process may write at the same time
+    kWrite,  // an existing file or a new one
+  };
+
+  // `path` is UTF-8. kNotFound where there is no file to read, kFormat where the bytes are no database or are damaged.
+  [[nodiscard]] static Result<std::unique_ptr<Database>> Open(const std::string& path, Mode mode);
+  ~Database();
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  // One or more statements without parameters.
+  Status Execute(const char* sql);
+  // `sql` is one statement of this program's own, so that only a damaged file or missing memory can fail here.
+  [[nodiscard]] Result<Statement> Prepare(const char* sql);
+  // The first column of the first row; 0 without one.
+  [[nodiscard]] Result<std::int64_t> Number(const char* sql);
+
+  [[nodiscard]] std::int64_t LastRowId() const;
+  // Rows that the last INSERT, UPDATE or DELETE has changed.
+  [[nodiscard]] std::int64_t Changes() const;
+  // Whether a transaction is open. A full disk or missing memory may have ended it by itself.
+  [[nodiscard]] bool InTransaction() const;
+
+ private:
+  explicit Database(sqlite3* connection) : connection_(connection) {}
+  [[nodiscard]] Status Failure() const;
+
+  sqlite3* connection_;
+};
+
+}  // namespace quenlar

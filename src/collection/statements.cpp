@@ -1,0 +1,53 @@
+#include "collection/statements.h"
+
+#include "collection/collection_sql.h"
+
+namespace quenlar {
+
+Status Collection::Statements::Prepare(Database& database) {
+  const struct {
+    Statement& statement;
+    const char* text;
+  } all[] = {
+      {fact, sql::kFact},
+      {set_fact, sql::kSetFact},
+      {begin_run, sql::kBeginRun},
+      {save_run, sql::kSaveRun},
+      {add_start, sql::kAddStart},
+      {start, sql::kStart},
+      {starts, sql::kStarts},
+      {place_start, sql::kPlaceStart},
+      {asked_start, sql::kAskedStart},
+      {find_host, sql::kFindHost},
+      {add_host, sql::kAddHost},
+      {host, sql::kHost},
+      {host_of_page, sql::kHostOfPage},
+      {save_host_state, sql::kSaveHostState},
+      {save_robots, sql::kSaveRobots},
+      {host_has_read, sql::kHostHasRead},
+      {hosts_waiting, sql::kHostsWaiting},
+      {find_page, sql::kFindPage},
+      {add_page, sql::kAddPage},
+      {queue_page, sql::kQueuePage},
+      {deepen_page, sql::kDeepenPage},
+      {next_page, sql::kNextPage},
+      {readdress_page, sql::kReaddressPage},
+      {end_page, sql::kEndPage},
+      {page_unchanged, sql::kPageUnchanged},
+      {body_seen, sql::kBodySeen},
+      {queue_refused, sql::kQueueRefused},
+      {find_address, sql::kFindAddress},
+      {add_address, sql::kAddAddress},
+      {add_sighting, sql::kAddSighting},
+      {sightings_seen, sql::kSightingsSeen},
+      {sightings_gone, sql::kSightingsGone},
+  };
+  for (const auto& [statement, text] : all) {
+    Result<Statement> made = database.Prepare(text);
+    if (!made.ok()) return made.status();
+    statement = made.take();
+  }
+  return Status::Ok();
+}
+
+}  // namespace quenlar
