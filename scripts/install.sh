@@ -9,7 +9,8 @@ packages_for() {
                   libboost1.81-dev libfmt-dev libcpp-httplib-dev libidn2-dev publicsuffix libsqlite3-dev ;;
     windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 dpkg-dev make tcl ;;
     window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;
-    test)    packages_for window; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev ;;
+    test)    packages_for window; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev \
+                  python3-protego libpsl5 ;;
     bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \
                   libgumbo-dev wget wget2 curl nginx-light mawk time dpkg ;;
     fuzz)    packages_for run; echo clang libclang-rt-14-dev ;;

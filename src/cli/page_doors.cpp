@@ -1,11 +1,11 @@
 #include "cli/page_doors.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 
 #include <fmt/format.h>
 
+#include "base/windows1252.h"
 #include "cli/base64.h"
 #include "page/robots.h"
 #include "page/site.h"
@@ -51,9 +51,8 @@ Json AnswerSite(const Request& request, const Idna& idna) {
 // What would be asked for. An address with bytes beyond ASCII is one that nobody can ask for as it is: it is compared
 // as it stands.
 std::string TargetOf(const std::string& text, const Url& url) {
-  const bool ascii = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
   const std::size_t host = text.find("//");
-  if (ascii || host == text.npos) return std::string(url.target());
+  if (IsAscii(text) || host == text.npos) return std::string(url.target());
   const std::size_t path = text.find_first_of("/?", host + 2);
   if (path == text.npos) return std::string(url.target());
   const std::string target = text.substr(path, text.find('#', path) - path);

@@ -61,14 +61,14 @@ Agent AgentOf(std::string_view value, std::string_view agent) {
   return end > 0 && EqualsIgnoreCase(value.substr(0, end), agent) ? Agent::kThis : Agent::kOther;
 }
 
-// Characters of which RFC 3986 says that their encoded form is the same, apart from letters and digits.
+// The unreserved characters of RFC 3986 apart from letters and digits.
 bool IsPlainMark(char c) { return c == '-' || c == '.' || c == '_' || c == '~'; }
 
 // One form for what is written in several ways (RFC 9309, 2.2.2): plain marks decoded, reserved characters as they
 // stand, all else percent-encoded by capitals. The apostrophe, which the URL Standard encodes in queries alone, is
-// always encoded. Letters and digits that a rule or a target encodes without need stay encoded, and bytes beyond ASCII
-// are encoded in rules but not in targets, of which none has any: the test RobotsEncoding holds both, which the RFC
-// leaves to its reader and the reference parser's published tests decide so.
+// always encoded. In two points the form follows the reference parser's published tests and not the RFC, and the test
+// RobotsEncoding.IsComparedInOneForm holds both: letters and digits that somebody has encoded stay encoded, and bytes
+// beyond ASCII are encoded in rules but not in targets, where a URL never has any.
 enum class Role { kRule, kTarget };
 
 std::string ComparedForm(std::string_view text, Role role) {
@@ -172,10 +172,8 @@ void RobotsRules::AddRule(std::string_view value, bool allow, std::uint32_t line
   rules_.push_back({ComparedForm(value, Role::kRule), allow, line});
   // What allows the start page of a folder by its file's name allows the folder.
   const std::string_view pattern = rules_.back().pattern;
-  const std::size_t slash = pattern.rfind('/');
-  if (allow && slash != pattern.npos && pattern.substr(slash).starts_with("/index.htm")) {
-    rules_.push_back({std::string(pattern.substr(0, slash + 1)) + "$", allow, line});
-  }
+  if (!allow || !(pattern.ends_with("/index.html") || pattern.ends_with("/index.htm"))) return;
+  rules_.push_back({std::string(pattern.substr(0, pattern.rfind('/') + 1)) + "$", true, line});
 }
 
 RobotsRules::Verdict RobotsRules::Check(std::string_view target) const {

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "base/ascii.h"
+#include "base/windows1252.h"
 #include "page/url_bytes.h"
 
 namespace quenlar {
@@ -188,8 +189,7 @@ std::string PercentDecoded(std::string_view text) {
 // The lower-case ASCII form; empty where there is none.
 std::string DomainToAscii(std::string_view text, const Idna& idna) {
   std::string domain = text.find('%') == text.npos ? std::string(text) : PercentDecoded(text);
-  const bool ascii = std::all_of(domain.begin(), domain.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
-  if (ascii) {
+  if (IsAscii(domain)) {
     domain = Lower(domain);
   } else {
     Result<std::string> coded = idna.ToAscii(domain);

@@ -1,9 +1,9 @@
 #include "platform/domain_labels.h"
 
-#include <algorithm>
 #include <cstddef>
 
 #include "base/ascii.h"
+#include "base/windows1252.h"
 
 namespace quenlar {
 namespace {
@@ -18,10 +18,7 @@ std::size_t DotLength(std::string_view text) {
   return 0;
 }
 
-bool NeedsCoding(std::string_view label) {
-  return StartsWithIgnoreCase(label, "xn--") ||
-         std::any_of(label.begin(), label.end(), [](char c) { return static_cast<signed char>(c) < 0; });
-}
+bool NeedsCoding(std::string_view label) { return StartsWithIgnoreCase(label, "xn--") || !IsAscii(label); }
 
 }  // namespace
 

@@ -68,6 +68,15 @@ TEST_P(SystemIdna, OtherFormsOfALetterAreTheLetter) {
   EXPECT_EQ(ToAscii("\xCE\xB2\xCF\x8C\xCE\xBB\xCE\xBF\xCF\x82.com"), "xn--nxasmm1c.com");  // final sigma
 }
 
+TEST_P(SystemIdna, SymbolsAndHyphensMayStandAnywhere) {
+  EXPECT_EQ(ToAscii("\xE2\x98\x83.net"), "xn--n3h.net");     // a snowman
+  EXPECT_EQ(ToAscii("I\xE2\x99\xA5.net"), "xn--i-n3p.net");  // letter and heart
+  EXPECT_EQ(ToAscii("-\xE2\x80\xA0"), "xn----xhn");
+  EXPECT_EQ(ToAscii("a\xE2\x80\xA0--"), "xn--a---kp0a");
+  EXPECT_EQ(ToAscii("-\xEF\xBC\xA1-"), "-a-");  // full width between hyphens
+  EXPECT_EQ(ToAscii("xn--\xE2\x98\x83"), "");
+}
+
 TEST_P(SystemIdna, CharactersThatNoNameHasAreRefused) {
   EXPECT_EQ(ToAscii("\xEF\xBF\xBD.com"), "");     // replacement character
   EXPECT_EQ(ToAscii("a\xEF\xBF\xBA.com"), "");    // interlinear annotation

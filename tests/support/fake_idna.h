@@ -1,11 +1,11 @@
 // Host names beyond ASCII without the system's tables: what RFC 3492 says, and no more.
 #pragma once
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/windows1252.h"
 #include "platform/domain_labels.h"
 #include "platform/idna.h"
 #include "platform/punycode.h"
@@ -18,8 +18,7 @@ class FakeIdna final : public Idna {
  public:
   [[nodiscard]] Result<std::string> ToAscii(std::string_view domain) const override {
     return CodeLabels(domain, [](std::string_view label) -> Result<std::string> {
-      const auto beyond_ascii = [](char c) { return static_cast<signed char>(c) < 0; };
-      if (std::none_of(label.begin(), label.end(), beyond_ascii)) return Lower(label);
+      if (IsAscii(label)) return Lower(label);
       auto coded = PunycodeLabel(label);
       if (!coded) return Status(StatusKind::kFormat, "no label");
       return std::move(*coded);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/ascii.h"
+#include "base/windows1252.h"
 #include "platform/domain_labels.h"
 #include "platform/punycode.h"
 #include "platform/win32/wide.h"
@@ -41,18 +42,14 @@ std::optional<std::wstring> MappedLabel(std::wstring_view label) {
   return mapped;
 }
 
-bool IsAsciiText(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
-}
-
 Result<std::string> CodeLabel(std::string_view label) {
-  if (IsAsciiText(label)) return Lower(label);
+  if (IsAscii(label)) return Lower(label);
   const Status refused(StatusKind::kFormat, std::string(label) + ": no host name");
   const auto mapped = MappedLabel(win32::ToWide(label));
   if (!mapped) return refused;
   const std::string text = win32::FromWide(*mapped);
   if (StartsWithIgnoreCase(text, "xn--")) return refused;
-  if (IsAsciiText(text)) return Lower(text);
+  if (IsAscii(text)) return Lower(text);
   auto coded = PunycodeLabel(text);
   return coded ? Result<std::string>(std::move(*coded)) : refused;
 }
