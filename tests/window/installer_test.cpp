@@ -4,9 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "forms/win32/resource.h"
 #include "platform/win32/handle.h"
 #include "run/end_reasons.h"
-#include "ui/win32/resource.h"
 #include "window/program.h"
 
 namespace quenlar::window_test {

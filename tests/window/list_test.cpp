@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "forms/win32/resource.h"
 #include "project/data_file.h"
 #include "run/end_reasons.h"
-#include "ui/win32/resource.h"
 #include "window/program.h"
 #include "window/remote_memory.h"
 

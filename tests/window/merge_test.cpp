@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "ui/win32/resource.h"
+#include "forms/win32/resource.h"
 #include "window/program.h"
 
 namespace quenlar::window_test {

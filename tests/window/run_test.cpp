@@ -2,10 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "forms/win32/resource.h"
 #include "project/data_file.h"
 #include "run/end_reasons.h"
 #include "state/settings.h"
-#include "ui/win32/resource.h"
 #include "window/program.h"
 
 namespace quenlar::window_test {

@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "forms/win32/resource.h"
 #include "support/fake_task_bar_win32.h"
-#include "ui/win32/resource.h"
 #include "window/program.h"
 #include "window/usage.h"
 

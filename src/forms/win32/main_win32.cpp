@@ -1,5 +1,7 @@
 // Quenlar.exe: makes the platform of Windows, ties the program's forms to windows, and runs the message loop.
 #include "forms/program.h"
+#include "forms/win32/dialogs.h"
+#include "forms/win32/resource.h"
 #include "forms/win32/session_end.h"
 #include "platform/win32/clock.h"
 #include "platform/win32/code_page.h"
@@ -16,7 +18,6 @@
 #include "platform/win32/winhttp_page_fetcher.h"
 #include "ui/win32/binder.h"
 #include "ui/win32/popup_menu.h"
-#include "ui/win32/resource.h"
 
 namespace quenlar {
 namespace {
@@ -67,7 +68,7 @@ int Run(HINSTANCE program_handle) {
 
   Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna}, {dialogs, tray},
                   site, {AnotherInstanceRuns, EndProcess});
-  ui::Binder binder(program_handle, loop);
+  ui::Binder binder(ProgramResources(program_handle), loop);
   for (ui::Form* form : program.Windows()) binder.Bind(*form);
   loop.AddMessageFilter([&binder](void* message) { return binder.FilterMessage(*static_cast<MSG*>(message)); });
   program.tray.mnuPopup.show = [&tray](const std::vector<ui::MenuItem*>& items) {

@@ -1,9 +1,9 @@
 #include "ui/win32/binder.h"
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
-#include "ui/win32/dialogs.h"
 #include "ui/win32/form_window.h"
 
 namespace quenlar::ui {
@@ -22,7 +22,7 @@ Binder::~Binder() {
 }
 
 void Binder::Bind(Form& form) {
-  assert(DialogOf(form.name()));
+  assert(DialogOf(form));
   windows_[&form] = nullptr;
   form.window.create = [this, &form] { Create(form); };
   form.window.show = [this, &form] {
@@ -53,9 +53,15 @@ HWND Binder::ActiveFormWindow() const {
   return any_visible;
 }
 
+const Dialog* Binder::DialogOf(const Form& form) const {
+  const auto found = std::find_if(resources_.dialogs.begin(), resources_.dialogs.end(),
+                                  [&](const Dialog& dialog) { return form.name() == dialog.form; });
+  return found == resources_.dialogs.end() ? nullptr : &*found;
+}
+
 void Binder::Create(Form& form) {
-  const Dialog& dialog = *DialogOf(form.name());
-  windows_[&form] = FormWindow::Create(form, dialog, program_, dialog.owned ? ActiveFormWindow() : nullptr);
+  const Dialog& dialog = *DialogOf(form);
+  windows_[&form] = FormWindow::Create(form, dialog, resources_, dialog.owned ? ActiveFormWindow() : nullptr);
 }
 
 void Binder::RunModal(Form& form) {

@@ -7,6 +7,7 @@
 
 #include "platform/event_loop.h"
 #include "ui/controls.h"
+#include "ui/win32/dialog.h"
 #include "ui/win32/windows_api.h"
 
 namespace quenlar::ui {
@@ -15,12 +16,12 @@ class FormWindow;
 
 class Binder {
  public:
-  Binder(HINSTANCE program, EventLoop& loop) : program_(program), loop_(loop) {}
+  Binder(const Resources& resources, EventLoop& loop) : resources_(resources), loop_(loop) {}
   ~Binder();
   Binder(const Binder&) = delete;
   Binder& operator=(const Binder&) = delete;
 
-  // The form must have a dialog in the resources and outlive the binder.
+  // The form must have a dialog in the resources' table and outlive the binder.
   void Bind(Form& form);
 
   // For every message of the message loop, before it is dispatched: the keyboard handling of dialogs. True when the
@@ -28,6 +29,7 @@ class Binder {
   bool FilterMessage(MSG& message);
 
  private:
+  [[nodiscard]] const Dialog* DialogOf(const Form& form) const;
   void Create(Form& form);
   void RunModal(Form& form);
   void Destroy(Form& form);
@@ -36,7 +38,7 @@ class Binder {
   [[nodiscard]] FormWindow* WindowOf(Form& form) const;
   [[nodiscard]] HWND ActiveFormWindow() const;
 
-  HINSTANCE program_;
+  Resources resources_;
   EventLoop& loop_;
   std::map<Form*, std::shared_ptr<FormWindow>> windows_;  // null while the form is not loaded
   std::map<Form*, HWND> disabled_owners_;                 // of modal forms

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 
 #include "ui/controls.h"
@@ -17,6 +16,8 @@ class BindingHost {
   [[nodiscard]] virtual int dpi() const = 0;
   [[nodiscard]] virtual HFONT font() const = 0;
   [[nodiscard]] virtual HFONT underlined_font() const = 0;
+  // The program's icon in this size, in pixels. The caller destroys it. Null when the system refuses.
+  [[nodiscard]] virtual HICON MakeIcon(int width, int height) const = 0;
   // Calls the binding's Flush a moment later, once for all requests until then.
   virtual void RequestFlush() = 0;
   // Runs `task` from the message loop, after the message at hand; not at all when the window has gone by then.
@@ -79,8 +80,5 @@ class ControlBinding {
   BindingHost& host_;
   HWND focus_went_to_ = nullptr;  // when the control was disabled with the focus on it
 };
-
-// Makes the binding that fits the kind of the model.
-[[nodiscard]] std::unique_ptr<ControlBinding> MakeBinding(Control& control, HWND window, BindingHost& host);
 
 }  // namespace quenlar::ui

@@ -6,7 +6,7 @@
 
 #include "platform/win32/wide.h"
 #include "ui/win32/bar_bindings.h"
-#include "ui/win32/resource.h"
+#include "ui/win32/make_binding.h"
 
 namespace quenlar::ui {
 namespace {
@@ -26,8 +26,11 @@ void TurnOffSystemScaling(HWND window) {
 
 }  // namespace
 
-FormWindow::FormWindow(Form& form, const Dialog& dialog, HINSTANCE program)
-    : form_(form), dialog_(dialog), program_(program), layout_(ReadDialogTemplate(program, dialog.dialog)) {}
+FormWindow::FormWindow(Form& form, const Dialog& dialog, const Resources& resources)
+    : form_(form),
+      dialog_(dialog),
+      resources_(resources),
+      layout_(ReadDialogTemplate(resources.program, dialog.dialog)) {}
 
 FormWindow::~FormWindow() {
   assert(!window_);
@@ -35,9 +38,11 @@ FormWindow::~FormWindow() {
   DeleteObject(underlined_font_);
 }
 
-std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog, HINSTANCE program, HWND owner) {
-  const std::shared_ptr<FormWindow> made(new FormWindow(form, dialog, program));
-  CreateDialogParamW(program, MAKEINTRESOURCEW(dialog.dialog), owner, Procedure, reinterpret_cast<LPARAM>(made.get()));
+std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog, const Resources& resources,
+                                               HWND owner) {
+  const std::shared_ptr<FormWindow> made(new FormWindow(form, dialog, resources));
+  CreateDialogParamW(resources.program, MAKEINTRESOURCEW(dialog.dialog), owner, Procedure,
+                     reinterpret_cast<LPARAM>(made.get()));
   if (!made->window_) return nullptr;
   TurnOffSystemScaling(made->window_);
   made->dpi_ = static_cast<int>(GetDpiForWindow(made->window_));
@@ -52,29 +57,35 @@ std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog,
 
 void FormWindow::CreatePages() {
   for (const Page& page : dialog_.pages) {
-    const HWND window =
-        CreateDialogParamW(program_, MAKEINTRESOURCEW(page.dialog), window_, Procedure, reinterpret_cast<LPARAM>(this));
+    const HWND window = CreateDialogParamW(resources_.program, MAKEINTRESOURCEW(page.dialog), window_, Procedure,
+                                           reinterpret_cast<LPARAM>(this));
     assert(window);
     TurnOffSystemScaling(window);
     EnableThemeDialogTexture(window, ETDT_ENABLETAB);
     // In front of the tab strip, or the strip would paint over it; so the page comes first in the tab order.
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    pages_.push_back({window, ReadDialogTemplate(program_, page.dialog)});
+    pages_.push_back({window, ReadDialogTemplate(resources_.program, page.dialog)});
   }
+}
+
+// Null for a control that no dialog shows.
+HWND FormWindow::FindNative(const Control& control) const {
+  for (std::size_t i = 0; i < pages_.size(); ++i) {
+    if (control.name() == dialog_.pages[i].panel) return pages_[i].window;
+  }
+  const auto number = std::find_if(resources_.controls.begin(), resources_.controls.end(),
+                                   [&](const ControlNumber& row) { return control.name() == row.name; });
+  if (number == resources_.controls.end()) return nullptr;
+  HWND native = GetDlgItem(window_, number->id);
+  for (const PageWindow& page : pages_) {
+    if (!native) native = GetDlgItem(page.window, number->id);
+  }
+  return native;
 }
 
 void FormWindow::BindControls() {
   for (Control* control : form_.Controls()) {
-    HWND native = nullptr;
-    for (std::size_t i = 0; i < pages_.size(); ++i) {
-      if (control->name() == dialog_.pages[i].panel) native = pages_[i].window;
-    }
-    if (const auto id = ControlId(control->name())) {
-      native = GetDlgItem(window_, *id);
-      for (const PageWindow& page : pages_) {
-        if (!native) native = GetDlgItem(page.window, *id);
-      }
-    }
+    const HWND native = FindNative(*control);
     if (!native) continue;  // a timer, a menu item, a file dialog
     bindings_.push_back(MakeBinding(*control, native, *this));
     by_window_[native] = bindings_.back().get();
@@ -86,9 +97,15 @@ void FormWindow::BindControls() {
 void FormWindow::LoadIcons() {
   for (const auto& [size, wparam] : {std::pair(SM_CXICON, ICON_BIG), std::pair(SM_CXSMICON, ICON_SMALL)}) {
     const int pixels = GetSystemMetricsForDpi(size, static_cast<UINT>(dpi_));
-    const HANDLE icon = LoadImageW(program_, MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON, pixels, pixels, LR_SHARED);
+    const HANDLE icon =
+        LoadImageW(resources_.program, MAKEINTRESOURCEW(resources_.icon), IMAGE_ICON, pixels, pixels, LR_SHARED);
     SendMessageW(window_, WM_SETICON, static_cast<WPARAM>(wparam), reinterpret_cast<LPARAM>(icon));
   }
+}
+
+HICON FormWindow::MakeIcon(int width, int height) const {
+  return static_cast<HICON>(
+      LoadImageW(resources_.program, MAKEINTRESOURCEW(resources_.icon), IMAGE_ICON, width, height, LR_DEFAULTCOLOR));
 }
 
 void FormWindow::MakeFonts() {

@@ -8,8 +8,8 @@
 
 #include "ui/controls.h"
 #include "ui/win32/control_binding.h"
+#include "ui/win32/dialog.h"
 #include "ui/win32/dialog_template.h"
-#include "ui/win32/dialogs.h"
 #include "ui/win32/windows_api.h"
 
 namespace quenlar::ui {
@@ -19,8 +19,8 @@ class TabStripBinding;
 class FormWindow final : public BindingHost, public std::enable_shared_from_this<FormWindow> {
  public:
   // Creates the window, hidden, with the models' state in its controls. Null when the system refuses. `owner` may be
-  // null; an owned window stays in front of its owner.
-  [[nodiscard]] static std::shared_ptr<FormWindow> Create(Form& form, const Dialog& dialog, HINSTANCE program,
+  // null; an owned window stays in front of its owner. The form, the dialog and the resources must outlive the window.
+  [[nodiscard]] static std::shared_ptr<FormWindow> Create(Form& form, const Dialog& dialog, const Resources& resources,
                                                           HWND owner);
   ~FormWindow() override;
 
@@ -37,6 +37,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
   [[nodiscard]] int dpi() const override { return dpi_; }
   [[nodiscard]] HFONT font() const override { return font_; }
   [[nodiscard]] HFONT underlined_font() const override { return underlined_font_; }
+  [[nodiscard]] HICON MakeIcon(int width, int height) const override;
   void RequestFlush() override;
   void Post(std::function<void()> task) override;
   void FocusOn(HWND control) override;
@@ -49,7 +50,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
     DialogTemplate layout;
   };
 
-  FormWindow(Form& form, const Dialog& dialog, HINSTANCE program);
+  FormWindow(Form& form, const Dialog& dialog, const Resources& resources);
   static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l);
   INT_PTR OnMessage(HWND window, UINT message, WPARAM w, LPARAM l);
   INT_PTR OnWindowMessage(UINT message, WPARAM w, LPARAM l);
@@ -57,6 +58,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
 
   void CreatePages();
   void BindControls();
+  [[nodiscard]] HWND FindNative(const Control& control) const;
   void LoadIcons();
   void MakeFonts();
   void PlaceFirst(HWND owner);
@@ -76,7 +78,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
 
   Form& form_;
   const Dialog& dialog_;
-  HINSTANCE program_;
+  const Resources& resources_;
   HWND window_ = nullptr;
   int dpi_ = 96;
   HFONT font_ = nullptr;

@@ -2,7 +2,6 @@
 
 #include "platform/win32/wide.h"
 #include "ui/win32/color_scheme.h"
-#include "ui/win32/resource.h"
 
 namespace quenlar::ui {
 
@@ -141,8 +140,7 @@ void PanelBinding::OnPlaced(int) {
   RECT place;
   GetClientRect(window(), &place);
   const HICON before = picture_;
-  picture_ = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON,
-                                           place.right, place.bottom, LR_DEFAULTCOLOR));
+  picture_ = host().MakeIcon(place.right, place.bottom);
   Send(STM_SETICON, reinterpret_cast<WPARAM>(picture_));
   if (before) DestroyIcon(before);
 }

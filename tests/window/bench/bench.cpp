@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "forms/win32/resource.h"
 #include "project/data_file.h"
-#include "ui/win32/resource.h"
 #include "ui/win32/windows_api.h"
 #include "window/program.h"
 #include "window/usage.h"

@@ -6,9 +6,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "forms/win32/resource.h"
 #include "run/end_reasons.h"
 #include "state/settings.h"
-#include "ui/win32/resource.h"
 #include "window/program.h"
 
 namespace quenlar::window_test {

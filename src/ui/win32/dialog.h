@@ -1,10 +1,8 @@
-// Which dialog resource belongs to which form, which control number to which control name, and how places follow the
-// window's size. The one place where names and numbers meet.
+// What the binder is told about the dialogs in the program's resources: which belongs to which form, which number to
+// which control, and how places follow the window's size.
 #pragma once
 
-#include <optional>
 #include <span>
-#include <string_view>
 
 #include "ui/win32/windows_api.h"
 
@@ -34,10 +32,18 @@ struct Dialog {
   std::span<const Page> pages;
 };
 
-// Null for a form without a window.
-[[nodiscard]] const Dialog* DialogOf(std::string_view form);
+// A control's name in its form and its number in the dialogs.
+struct ControlNumber {
+  const char* name;
+  int id;
+};
 
-// Empty for a name without a control in any dialog.
-[[nodiscard]] std::optional<int> ControlId(std::string_view control);
+// The resources of one program. The tables must outlive all who have them.
+struct Resources {
+  HINSTANCE program;
+  int icon;  // the number of the icon that all windows have
+  std::span<const Dialog> dialogs;
+  std::span<const ControlNumber> controls;
+};
 
 }  // namespace quenlar::ui

@@ -1,7 +1,7 @@
 /* Numbers of dialogs and controls, for the resource compiler and the program. A control's name in the forms and its
    number stand together in dialogs.cpp. */
-#ifndef QUENLAR_UI_WIN32_RESOURCE_H
-#define QUENLAR_UI_WIN32_RESOURCE_H
+#ifndef QUENLAR_FORMS_WIN32_RESOURCE_H
+#define QUENLAR_FORMS_WIN32_RESOURCE_H
 
 #ifndef IDC_STATIC
 #define IDC_STATIC -1 /* a label that no form knows */

@@ -1,30 +1,27 @@
-#include "ui/win32/dialogs.h"
+#include "forms/win32/dialogs.h"
 
-#include <algorithm>
-#include <iterator>
+#include "forms/win32/resource.h"
 
-#include "ui/win32/resource.h"
-
-namespace quenlar::ui {
+namespace quenlar {
 namespace {
 
-constexpr Anchor kMainAnchors[] = {
+constexpr ui::Anchor kMainAnchors[] = {
     {IDC_CMBURL, 0, 100, 0, 0},    {IDC_CMDEXTRACT, 100, 0, 0, 0}, {IDC_TXTSEARCH, 100, 0, 0, 0},
     {IDC_LSTMAIL, 0, 100, 0, 100}, {IDC_CMDEXPORT, 100, 0, 0, 0},  {IDC_CMDDELETE, 100, 0, 0, 0},
     {IDC_CMDOPTION, 100, 0, 0, 0}, {IDC_CMDTOOL, 100, 0, 0, 0},    {IDC_CMDHIDE, 100, 0, 0, 0},
 };
 
-constexpr Anchor kMergeToolAnchors[] = {
+constexpr ui::Anchor kMergeToolAnchors[] = {
     {IDC_LSTBOOK, 0, 50, 0, 100},     {IDC_CMDOPEN, 0, 0, 100, 0},   {IDC_CMDDELETE, 0, 0, 100, 0},
     {IDC_CMDDELETEALL, 0, 0, 100, 0}, {IDC_LBLADDRESS, 50, 0, 0, 0}, {IDC_LSTADDRESS, 50, 50, 0, 100},
     {IDC_CMDEXTRACT, 50, 0, 100, 0},  {IDC_CMDCLEAR, 50, 0, 100, 0}, {IDC_CMDSAVE, 50, 0, 100, 0},
     {IDOK, 100, 0, 100, 0},
 };
 
-constexpr Page kOptionPages[] = {
+constexpr ui::Page kOptionPages[] = {
     {"picSearch", IDD_OPTION_SEARCH}, {"picExport", IDD_OPTION_EXPORT}, {"picFilter", IDD_OPTION_FILTER}};
 
-constexpr Dialog kDialogs[] = {
+constexpr ui::Dialog kDialogs[] = {
     {"frmExtract", IDD_EXTRACT, false, {602, 402}, {960, 600}, kMainAnchors, {}},
     {"frmOption", IDD_OPTION, true, {}, {}, {}, kOptionPages},
     {"frmEmailMergeTool", IDD_MERGE_TOOL, true, {}, {}, kMergeToolAnchors, {}},
@@ -33,10 +30,7 @@ constexpr Dialog kDialogs[] = {
     {"frmHelp", IDD_HELP, false, {}, {}, {}, {}},
 };
 
-constexpr struct {
-  std::string_view name;
-  int id;
-} kControls[] = {
+constexpr ui::ControlNumber kControls[] = {
     {"cmdOK", IDOK},
     // frmExtract
     {"cmbURL", IDC_CMBURL},
@@ -87,17 +81,6 @@ constexpr struct {
 
 }  // namespace
 
-const Dialog* DialogOf(std::string_view form) {
-  const auto* found =
-      std::find_if(std::begin(kDialogs), std::end(kDialogs), [&](const Dialog& dialog) { return form == dialog.form; });
-  return found == std::end(kDialogs) ? nullptr : found;
-}
+ui::Resources ProgramResources(HINSTANCE program) { return {program, IDI_QUENLAR, kDialogs, kControls}; }
 
-std::optional<int> ControlId(std::string_view control) {
-  for (const auto& row : kControls) {
-    if (row.name == control) return row.id;
-  }
-  return std::nullopt;
-}
-
-}  // namespace quenlar::ui
+}  // namespace quenlar
