@@ -20,9 +20,9 @@ struct Session {
   Session() { computer.files.AddFolder("/p"); }
   FakePlatform computer;
   AnalyzeSession session{computer.platform, [] {
-                           Site site;
-                           site.program_folder = "/p";
-                           return site;
+                           Installation installation;
+                           installation.program_folder = "/p";
+                           return installation;
                          }()};
 };
 

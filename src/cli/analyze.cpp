@@ -17,7 +17,7 @@ constexpr std::size_t kLongestLine = std::size_t{128} << 20;
 int Analyze(Invocation& invocation) {
   const Result<Platform> platform = invocation.system().Open(invocation.choice());
   if (!platform.ok()) return invocation.Fail(platform.status());
-  AnalyzeSession session(platform.value(), invocation.site());
+  AnalyzeSession session(platform.value(), invocation.installation());
   LineReader reader(invocation.console(), kLongestLine);
   std::string line;
   for (;;) {

@@ -91,11 +91,11 @@ constexpr std::array<int, kLevels> kAllLevels = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1
 }  // namespace
 
 struct AnalyzeSession::State final : ProjectView, PeriodicSaver {
-  State(const Platform& lent, Site given_site)
+  State(const Platform& lent, Installation given_installation)
       : platform(WithoutTheComputer(lent, loop, fetcher, code_page, boxes)),
-        site(std::move(given_site)),
+        installation(std::move(given_installation)),
         filter(settings),
-        store(platform, project, settings, site, panels, *this),
+        store(platform, project, settings, installation, panels, *this),
         pump(loop),
         web(fetcher, code_page, AnalysisContext{run, project, settings, filter, *this, panels, pump}) {}
 
@@ -131,8 +131,8 @@ struct AnalyzeSession::State final : ProjectView, PeriodicSaver {
   }
 
   [[nodiscard]] std::string BelowHome(const std::string& path) const {
-    std::string below = path.substr(std::min(path.size(), site.program_folder.size() + 1));
-    std::replace(below.begin(), below.end(), site.separator, '/');
+    std::string below = path.substr(std::min(path.size(), installation.program_folder.size() + 1));
+    std::replace(below.begin(), below.end(), installation.separator, '/');
     return below;
   }
 
@@ -142,7 +142,7 @@ struct AnalyzeSession::State final : ProjectView, PeriodicSaver {
   KeptMessages boxes;
   KeptPanels panels;
   Platform platform;
-  Site site;
+  Installation installation;
   std::unique_ptr<FolderLock> lock;  // held from the first opened project on
   RunState run;
   Project project;
@@ -191,8 +191,8 @@ Json Unvisited(const LinkQueue& queue) {
 
 }  // namespace
 
-AnalyzeSession::AnalyzeSession(const Platform& platform, Site site)
-    : lent_(platform), site_(std::move(site)), state_(std::make_unique<State>(lent_, site_)) {}
+AnalyzeSession::AnalyzeSession(const Platform& platform, Installation installation)
+    : lent_(platform), installation_(std::move(installation)), state_(std::make_unique<State>(lent_, installation_)) {}
 
 AnalyzeSession::~AnalyzeSession() = default;
 
@@ -228,11 +228,10 @@ Json AnalyzeSession::Answering::operator()(SettingsRequest request) const {
 Json AnalyzeSession::Answering::operator()(OpenRequest request) const {
   State& s = *session.state_;
   if (!s.opened()) {
-    auto lock = TakeHome(session.lent_.files, session.site_);
+    auto lock = TakeHome(session.lent_.files, session.installation_);
     if (!lock.ok()) return AnalyzeError(lock.status().message());
-    for (const char* below : {"data", "report"}) {
-      const Status made =
-          session.lent_.files.MakeFolder(session.site_.program_folder + session.site_.separator + below);
+    for (const std::string& folder : {session.installation_.Data(), session.installation_.Report()}) {
+      const Status made = session.lent_.files.MakeFolder(folder);
       if (!made.ok()) return AnalyzeError(made.message());
     }
     s.lock = lock.take();
@@ -311,7 +310,7 @@ Json AnalyzeSession::Answering::operator()(SaveRequest) const {
 
 Json AnalyzeSession::Answering::operator()(ResetRequest) const {
   session.state_ = nullptr;  // first, so that the program folder is free again
-  session.state_ = std::make_unique<State>(session.lent_, session.site_);
+  session.state_ = std::make_unique<State>(session.lent_, session.installation_);
   return {{"ok", true}};
 }
 

@@ -14,9 +14,9 @@ namespace quenlar {
 class AnalyzeSession {
  public:
   // The platform lends its files, and nothing else: an answer depends on no clock, locale or setting of the computer.
-  // The code page is Windows-1252 everywhere. `site` names the program folder, whose folders are made and which is
-  // locked when the first project is opened, and not before.
-  AnalyzeSession(const Platform& platform, Site site);
+  // The code page is Windows-1252 everywhere. `installation` names the program folder, whose folders are made and which
+  // is locked when the first project is opened, and not before.
+  AnalyzeSession(const Platform& platform, Installation installation);
   ~AnalyzeSession();
   AnalyzeSession(const AnalyzeSession&) = delete;
   AnalyzeSession& operator=(const AnalyzeSession&) = delete;
@@ -30,7 +30,7 @@ class AnalyzeSession {
   struct Answering;
 
   Platform lent_;
-  Site site_;
+  Installation installation_;
   std::unique_ptr<State> state_;
 };
 

@@ -53,7 +53,7 @@ int Demo(Invocation& invocation) {
   }
   Result<Workplace> place = TakeWorkplace(invocation);
   if (!place.ok()) return invocation.Fail(place.status());
-  place.value().site.search_engine = kDemoSearchEngine;
+  place.value().installation.search_engine = kDemoSearchEngine;
   return RunProjects(invocation, place.value());
 }
 

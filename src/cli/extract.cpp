@@ -43,7 +43,7 @@ ExtractResult RunIn(Invocation& invocation, const ExtractArguments& arguments) {
   invocation.choice().proxy = arguments.proxy;
   Result<Workplace> place = TakeWorkplace(invocation);
   if (!place.ok()) return refused(place.status());
-  if (!arguments.search_engine.empty()) place.value().site.search_engine = arguments.search_engine;
+  if (!arguments.search_engine.empty()) place.value().installation.search_engine = arguments.search_engine;
   return RunExtract(invocation.console(), place.value(), OptionsOf(arguments),
                     [&](std::function<void()> stop) { invocation.system().OnStop(std::move(stop)); });
 }

@@ -44,7 +44,7 @@ class ExtractRun final : public CommandFrontEnd {
         assumed_(place.platform.interfaces),
         progress_(console),
         engine_(WithInterfaces(place.platform, options.assume_online ? assumed_ : place.platform.interfaces),
-                place.site, AsFrontEnd()) {}
+                place.installation, AsFrontEnd()) {}
 
   ExtractResult Run();
 

@@ -34,7 +34,7 @@ int Show(Invocation& invocation) {
   const Settings settings;
   FilterWords words(settings);
   const Platform& p = platform.value();
-  Tell(invocation, ReadFilterFile(p.files, p.code_page, FilterFilePath(invocation.site()), words));
+  Tell(invocation, ReadFilterFile(p.files, p.code_page, FilterFilePath(invocation.installation()), words));
   if (words.keep_old_file) return kExitFailed;  // it could not be read
   for (const std::string& word : words.RemoveFilterWords) {
     if (!invocation.Print("remove\t" + word)) return kExitDone;
@@ -55,14 +55,14 @@ int Replace(Invocation& invocation, const FilterArguments& arguments) {
   }
   const Result<Workplace> place = TakeWorkplace(invocation);
   if (!place.ok()) return invocation.Fail(place.status());
-  const auto& [platform, site, lock] = place.value();
-  const std::string path = FilterFilePath(site);
+  const auto& [platform, installation, lock] = place.value();
+  const std::string path = FilterFilePath(installation);
   const Settings settings;
   FilterWords words(settings);
   (void)ReadFilterFile(platform.files, platform.code_page, path, words);  // what is wrong with it is told below
   if (arguments.remove) words.RemoveFilterWords = TidyWords(*arguments.remove);
   if (arguments.extract) words.ExtractFilterWords = TidyWords(*arguments.extract);
-  Status written = MakeFolders(platform.files, site.program_folder + site.separator + "data", site.separator);
+  Status written = MakeFolders(platform.files, installation.Data(), installation.separator);
   if (written.ok()) written = WriteFilterFile(platform.files, platform.code_page, path, words);
   if (!written.ok()) return invocation.Fail(written);
   Tell(invocation, words.BuildFilterPatterns());

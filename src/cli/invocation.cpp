@@ -6,11 +6,11 @@
 
 namespace quenlar {
 
-Site Invocation::site() const {
-  Site site;
-  site.program_folder = choice_.home;
-  site.separator = system_.separator();
-  return site;
+Installation Invocation::installation() const {
+  Installation installation;
+  installation.program_folder = choice_.home;
+  installation.separator = system_.separator();
+  return installation;
 }
 
 void Invocation::SayOn(Console& console, std::string_view message) { console.WriteError(ForTerminal(message) + "\n"); }

@@ -17,7 +17,7 @@ class Invocation {
   [[nodiscard]] Console& console() { return system_.console(); }
   [[nodiscard]] PlatformChoice& choice() { return choice_; }
   // The program folder, with the standard search engine.
-  [[nodiscard]] Site site() const;
+  [[nodiscard]] Installation installation() const;
 
   // One line on standard error, fit for a terminal.
   void Say(std::string_view message) { SayOn(console(), message); }

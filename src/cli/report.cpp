@@ -14,7 +14,7 @@ namespace {
 int ReportIn(Invocation& invocation, const Workplace& place, const std::string& text) {
   if (const Status read = place.platform.registry.Flush(); !read.ok()) return invocation.Fail(read);
   CommandFrontEnd front_end;
-  Engine engine(place.platform, place.site, front_end.AsFrontEnd());
+  Engine engine(place.platform, place.installation, front_end.AsFrontEnd());
   const Engine::StartNotes notes = engine.Start();
   if (!notes.folders.ok()) return invocation.Fail(notes.folders);
   front_end.Open(engine, text);

@@ -16,17 +16,17 @@ Result<Platform> OpenHome(Invocation& invocation) {
   return invocation.system().Open(invocation.choice());
 }
 
-Result<std::unique_ptr<FolderLock>> TakeHome(Files& files, const Site& site) {
-  if (site.program_folder.empty()) return NoProgramFolder();
-  if (Status made = MakeFolders(files, site.program_folder, site.separator); !made.ok()) return made;
-  return LockHome(files, site);
+Result<std::unique_ptr<FolderLock>> TakeHome(Files& files, const Installation& installation) {
+  if (installation.program_folder.empty()) return NoProgramFolder();
+  if (Status made = MakeFolders(files, installation.program_folder, installation.separator); !made.ok()) return made;
+  return LockHome(files, installation);
 }
 
 Result<Workplace> TakeWorkplace(Invocation& invocation) {
   const Result<Platform> platform = OpenHome(invocation);
   if (!platform.ok()) return platform.status();
-  Workplace place{platform.value(), invocation.site(), nullptr};
-  auto lock = TakeHome(place.platform.files, place.site);
+  Workplace place{platform.value(), invocation.installation(), nullptr};
+  auto lock = TakeHome(place.platform.files, place.installation);
   if (!lock.ok()) return lock.status();
   place.lock = lock.take();
   return place;

@@ -13,7 +13,7 @@ namespace quenlar {
 
 struct Workplace {
   Platform platform;
-  Site site;
+  Installation installation;
   std::unique_ptr<FolderLock> lock;
 };
 
@@ -22,7 +22,7 @@ struct Workplace {
 
 // Makes the program folder where it is missing and holds it. Fails where there is none, where it cannot be made, or
 // where another program works in it; nothing but the folder has been made then.
-[[nodiscard]] Result<std::unique_ptr<FolderLock>> TakeHome(Files& files, const Site& site);
+[[nodiscard]] Result<std::unique_ptr<FolderLock>> TakeHome(Files& files, const Installation& installation);
 
 // The same for a whole command.
 [[nodiscard]] Result<Workplace> TakeWorkplace(Invocation& invocation);

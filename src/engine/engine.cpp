@@ -7,13 +7,13 @@
 
 namespace quenlar {
 
-Engine::Engine(const Platform& given, Site given_site, FrontEnd front_end, Pump::Pace pace)
+Engine::Engine(const Platform& given, Installation given_installation, FrontEnd front_end, Pump::Pace pace)
     : platform(given),
-      site(std::move(given_site)),
+      installation(std::move(given_installation)),
       filter(settings),
       settings_store(platform.registry, settings),
       project_list(platform.registry, settings),
-      projects(platform, project, settings, site, front_end.view, front_end.project_view, pace),
+      projects(platform, project, settings, installation, front_end.view, front_end.project_view, pace),
       pump(platform.loop, pace),
       web(platform.fetcher, platform.code_page,
           AnalysisContext{run, project, settings, filter, projects, front_end.view, pump}),
@@ -31,11 +31,12 @@ Engine::Engine(const Platform& given, Site given_site, FrontEnd front_end, Pump:
 
 Engine::StartNotes Engine::Start() {
   StartNotes notes;
-  for (const char* name : {"data", "report"}) {
-    const Status made = platform.files.MakeFolder(site.program_folder + site.separator + name);
+  for (const std::string& folder : {installation.Data(), installation.Report()}) {
+    const Status made = platform.files.MakeFolder(folder);
     if (!made.ok() && notes.folders.ok()) notes.folders = made;
   }
-  for (const std::string& message : ReadFilterFile(platform.files, platform.code_page, FilterFilePath(site), filter)) {
+  for (const std::string& message :
+       ReadFilterFile(platform.files, platform.code_page, FilterFilePath(installation), filter)) {
     notes.notes += (notes.notes.empty() ? "" : "\n") + message;
   }
   project_list.Load(settings_store.LoadOrInit());
@@ -44,7 +45,7 @@ Engine::StartNotes Engine::Start() {
 
 std::string Engine::SearchAddressAt(int result_offset) const {
   const std::string language = LanguageCode(settings.SearchLanguage);
-  return language.empty() ? "" : SearchAddress(site, language, project.Keyword, result_offset);
+  return language.empty() ? "" : SearchAddress(installation, language, project.Keyword, result_offset);
 }
 
 void Engine::StartUpgradeCheck() {

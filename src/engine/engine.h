@@ -26,10 +26,11 @@ struct FrontEnd {
 // Owns the state and the objects that work on it; all references handed in must outlive it.
 class Engine {
  public:
-  Engine(const Platform& platform, Site site, FrontEnd front_end, Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
+  Engine(const Platform& platform, Installation installation, FrontEnd front_end,
+         Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
 
   Platform platform;
-  Site site;
+  Installation installation;
   RunState run;
   Project project;
   Settings settings;

@@ -17,11 +17,11 @@ Status MakeFolders(Files& files, const std::string& path, char separator) {
   return {};
 }
 
-Result<std::unique_ptr<FolderLock>> LockHome(Files& files, const Site& site) {
+Result<std::unique_ptr<FolderLock>> LockHome(Files& files, const Installation& installation) {
   constexpr const char* kLockName = "quenlar.lock";
-  auto lock = files.Lock(site.program_folder, kLockName);
+  auto lock = files.Lock(installation.program_folder, kLockName);
   if (!lock.ok() && lock.status().kind() == StatusKind::kBusy) {
-    return Status(StatusKind::kBusy, "Another Quenlar is at work in " + site.program_folder);
+    return Status(StatusKind::kBusy, "Another Quenlar is at work in " + installation.program_folder);
   }
   return lock;
 }

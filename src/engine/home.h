@@ -15,6 +15,6 @@ Status MakeFolders(Files& files, const std::string& path, char separator);
 
 // Holds the program folder, which must exist, against every other Quenlar (window or command line). kBusy where
 // another one has it. The folder is held as long as the lock lives.
-[[nodiscard]] Result<std::unique_ptr<FolderLock>> LockHome(Files& files, const Site& site);
+[[nodiscard]] Result<std::unique_ptr<FolderLock>> LockHome(Files& files, const Installation& installation);
 
 }  // namespace quenlar

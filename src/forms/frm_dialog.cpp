@@ -6,11 +6,12 @@
 
 namespace quenlar {
 
-frmDialog::frmDialog(Settings& settings, Shell& shell, const Site& site, std::function<void()> end_at_once)
+frmDialog::frmDialog(Settings& settings, Shell& shell, const Installation& installation,
+                     std::function<void()> end_at_once)
     : Form("frmDialog", "Quenlar Upgrade Option"),
       settings_(settings),
       shell_(shell),
-      site_(site),
+      installation_(installation),
       end_at_once_(std::move(end_at_once)) {
   optUpgrade[0].group = {&optUpgrade[1]};
   optUpgrade[1].group = {&optUpgrade[0]};
@@ -33,7 +34,7 @@ void frmDialog::Load() {
 
 void frmDialog::cmdOK_Click() {
   if (optUpgrade[0].selected()) {
-    const std::string command = site_.program_folder + site_.separator + "Upgrade.exe " + kInstallerPage;
+    const std::string command = installation_.Below("Upgrade.exe ") + kInstallerPage;
     shell_.Start(command, Shell::WindowMode::kNormal).Ignore("the program ends as told, whatever the upgrader does");
     end_at_once_();
     return;

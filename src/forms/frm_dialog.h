@@ -14,7 +14,7 @@ namespace quenlar {
 class frmDialog final : public ui::Form {
  public:
   // `end_at_once` ends the program; the notification icon stays, since the upgrader replaces the program.
-  frmDialog(Settings& settings, Shell& shell, const Site& site, std::function<void()> end_at_once);
+  frmDialog(Settings& settings, Shell& shell, const Installation& installation, std::function<void()> end_at_once);
 
   ui::Label lblVersion{"lblVersion", "New Version published"};
   ui::OptionButton optUpgrade[2] = {ui::OptionButton("optUpgrade0", "Upgrade now"),
@@ -30,7 +30,7 @@ class frmDialog final : public ui::Form {
 
   Settings& settings_;
   Shell& shell_;
-  const Site& site_;
+  const Installation& installation_;
   std::function<void()> end_at_once_;
 };
 

@@ -48,8 +48,7 @@ void frmEmailMergeTool::OnCommand(ui::Button& button, void (frmEmailMergeTool::*
 // The addresses that were merged before are kept, but shown again only by the next extraction; books that were opened
 // and not yet extracted are shown.
 void frmEmailMergeTool::Load() {
-  if (const Status made = context_.files.MakeFolder(context_.site.program_folder + context_.site.separator + "data");
-      !made.ok()) {
+  if (const Status made = context_.files.MakeFolder(context_.installation.Data()); !made.ok()) {
     Tell(SentenceOf(made), BoxIcon::kExclamation);
   }
   cmdClear.SetEnabled(false);
@@ -63,7 +62,7 @@ void frmEmailMergeTool::lstBook_Click() { cmdDelete.SetEnabled(lstBook.SelectedC
 void frmEmailMergeTool::cmdOpen_Click() {
   const auto choice = context_.dialogs.Open({.title = "Open",
                                              .filter = "Text Files (*.txt;*.rpt)|*.txt;*.rpt",
-                                             .folder = ReportFolder(),
+                                             .folder = context_.installation.Report(),
                                              .proposed_name = "",
                                              .several = true});
   if (!choice) return;
@@ -155,17 +154,13 @@ std::string frmEmailMergeTool::ChooseTarget() {
   for (;;) {
     const auto path = context_.dialogs.Save({.title = "Save As",
                                              .filter = "Text Files (*.txt)|*.txt",
-                                             .folder = ReportFolder(),
+                                             .folder = context_.installation.Report(),
                                              .proposed_name = "AddressBook1.txt"});
     if (!path || path->empty()) return "";
     if (!context_.files.FileExists(*path)) return *path;
     const std::string question = FileTitleOf(*path) + " file existed , Overwrite it ?";
     if (Tell(question, BoxIcon::kExclamation, BoxButtons::kYesNo) == BoxAnswer::kYes) return *path;
   }
-}
-
-std::string frmEmailMergeTool::ReportFolder() const {
-  return context_.site.program_folder + context_.site.separator + "report";
 }
 
 BoxAnswer frmEmailMergeTool::Tell(const std::string& text, BoxIcon icon, BoxButtons buttons) {

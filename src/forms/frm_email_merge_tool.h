@@ -22,7 +22,7 @@ class frmEmailMergeTool final : public ui::Form {
     EventLoop& loop;
     MessageBoxes& boxes;
     FileDialogs& dialogs;
-    const Site& site;
+    const Installation& installation;
   };
 
   explicit frmEmailMergeTool(Context context);
@@ -52,7 +52,6 @@ class frmEmailMergeTool final : public ui::Form {
   void OnCommand(ui::Button& button, void (frmEmailMergeTool::*command)());
   void AddBooks(const FileDialogs::Choice& choice);
   void FillBooks();
-  [[nodiscard]] std::string ReportFolder() const;
   // Empty when the user gave up.
   [[nodiscard]] std::string ChooseTarget();
   BoxAnswer Tell(const std::string& text, BoxIcon icon, BoxButtons buttons = BoxButtons::kOk);

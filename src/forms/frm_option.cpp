@@ -203,7 +203,8 @@ void frmOption::cmdOK_Click() {
   };
   tidy(txtRemoveFilter, filter.RemoveFilterWords);
   tidy(txtExtractFilter, filter.ExtractFilterWords);
-  const Status written = WriteFilterFile(context_.files, context_.code_page, FilterFilePath(context_.site), filter);
+  const Status written =
+      WriteFilterFile(context_.files, context_.code_page, FilterFilePath(context_.installation), filter);
   std::vector<std::string> messages = filter.BuildFilterPatterns();
   if (!written.ok()) messages.push_back(SentenceOf(written));
   Close();

@@ -25,7 +25,7 @@ class frmOption final : public ui::Form {
     Files& files;
     const CodePage& code_page;
     MessageBoxes& boxes;
-    const Site& site;
+    const Installation& installation;
     std::function<void(const std::string& code)> show_language;
   };
 

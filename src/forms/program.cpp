@@ -7,15 +7,16 @@
 
 namespace quenlar {
 
-Program::Program(const Platform& platform, const DesktopPlatform& desktop, Site site, System system, Pump::Pace pace)
+Program::Program(const Platform& platform, const DesktopPlatform& desktop, Installation installation, System system,
+                 Pump::Pace pace)
     : tray({engine, extract, help, about, [this] { End(); }}, desktop.tray),
       extract({engine, option, tool, tray.tmrExtract, tray.mnuExtractor, tray.mnuExit}),
-      engine(platform, std::move(site), {extract, extract, extract}, pace),
+      engine(platform, std::move(installation), {extract, extract, extract}, pace),
       option({engine.settings, engine.settings_store, engine.filter, platform.files, platform.code_page, platform.boxes,
-              engine.site, [this](const std::string& code) { extract.txtSearch.SetText(code); }}),
+              engine.installation, [this](const std::string& code) { extract.txtSearch.SetText(code); }}),
       tool({engine.books, platform.files, platform.code_page, platform.loop, platform.boxes, desktop.dialogs,
-            engine.site}),
-      dialog(engine.settings, platform.shell, engine.site, [this] { End(); }),
+            engine.installation}),
+      dialog(engine.settings, platform.shell, engine.installation, [this] { End(); }),
       about(platform.shell),
       help(platform.shell),
       system_(std::move(system)) {
@@ -31,7 +32,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Site 
 
 bool Program::Start() {
   if (system_.another_instance_runs && system_.another_instance_runs()) return false;
-  auto lock = LockHome(engine.platform.files, engine.site);
+  auto lock = LockHome(engine.platform.files, engine.installation);
   if (lock.ok()) {
     lock_ = lock.take();
   } else if (lock.status().kind() == StatusKind::kBusy) {

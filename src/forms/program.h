@@ -28,7 +28,7 @@ class Program {
   };
 
   // All references must outlive the program.
-  Program(const Platform& platform, const DesktopPlatform& desktop, Site site, System system,
+  Program(const Platform& platform, const DesktopPlatform& desktop, Installation installation, System system,
           Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;

@@ -54,16 +54,13 @@ std::string_view CutWhole(std::string_view text, std::size_t bytes) {
   return text.substr(0, bytes);
 }
 
-void NameFiles(Project& project, std::string_view name, const Site& site) {
+void NameFiles(Project& project, std::string_view name, const Installation& installation) {
   const std::string safe = SafeFileName(name);
-  const auto path = [&](const char* folder, const char* ending) {
-    return site.program_folder + site.separator + folder + site.separator + safe + ending;
-  };
-  project.DataFile = path("data", ".dat");
-  project.ReportFile = path("report", ".rpt");
+  project.DataFile = installation.Data(safe + ".dat");
+  project.ReportFile = installation.Report(safe + ".rpt");
 }
 
-void NameAddressProject(Project& project, std::string_view text, const Site& site) {
+void NameAddressProject(Project& project, std::string_view text, const Installation& installation) {
   std::string_view address = TrimBlanks(text);
   if (StartsWithIgnoreCase(address, "http://")) address.remove_prefix(7);
   // Every host gets "www." in front, also one such as "mail.x.de". The files of existing projects are named after the
@@ -72,13 +69,14 @@ void NameAddressProject(Project& project, std::string_view text, const Site& sit
   project.StartURL += address;
   const std::string host = GetHost(project.StartURL);
   constexpr std::size_t kPrefix = 11;  // "http://www."
-  NameFiles(project, ReplaceAll(ReplaceAll(std::string_view(host).substr(kPrefix), "/", ""), ".", "_"), site);
+  NameFiles(project, ReplaceAll(ReplaceAll(std::string_view(host).substr(kPrefix), "/", ""), ".", "_"), installation);
 }
 
-void NameKeywordProject(Project& project, std::string_view words, const std::string& language, const Site& site) {
+void NameKeywordProject(Project& project, std::string_view words, const std::string& language,
+                        const Installation& installation) {
   project.Keyword = ReplaceAll(words, " ", "+");
-  project.StartURL = SearchAddress(site, language, project.Keyword, 0);
-  NameFiles(project, ReplaceAll(project.Keyword, "+", "_") + "_" + language, site);
+  project.StartURL = SearchAddress(installation, language, project.Keyword, 0);
+  NameFiles(project, ReplaceAll(project.Keyword, "+", "_") + "_" + language, installation);
 }
 
 bool IsLanguageCode(std::string_view code) {
@@ -92,29 +90,31 @@ bool IsLanguageCode(std::string_view code) {
 
 bool IsKeywordText(std::string_view text) { return text.find('.') == std::string_view::npos; }
 
-std::string SearchAddress(const Site& site, std::string_view language, std::string_view keyword, int offset) {
-  std::string address = site.search_engine + "/search?hl=";
+std::string SearchAddress(const Installation& installation, std::string_view language, std::string_view keyword,
+                          int offset) {
+  std::string address = installation.search_engine + "/search?hl=";
   address.append(language).append("&q=").append(keyword);
   return address + "&btnG=Google+Search&num=100&start=" + std::to_string(offset);
 }
 
-NamingOutcome NameProject(Project& project, std::string_view text, const Settings& settings, const Site& site) {
+NamingOutcome NameProject(Project& project, std::string_view text, const Settings& settings,
+                          const Installation& installation) {
   project.IsKeywordProject = IsKeywordText(text);
   if (!project.IsKeywordProject) {
-    NameAddressProject(project, text, site);
+    NameAddressProject(project, text, installation);
     return NamingOutcome::kNamed;
   }
   const std::vector<std::string_view> pieces = Split(text, "_");
   if (pieces.size() == 1) {
     const std::string language = LanguageCode(settings.SearchLanguage);
     if (language.empty()) return NamingOutcome::kUnknownLanguage;
-    NameKeywordProject(project, text, language, site);
+    NameKeywordProject(project, text, language, installation);
     return NamingOutcome::kNamed;
   }
   // Only the second piece counts: "new_york_en" has the suffix "york".
   const std::string language = Lower(pieces[1]);
   if (!IsLanguageCode(language)) return NamingOutcome::kUnknownSuffix;
-  NameKeywordProject(project, pieces[0], language, site);
+  NameKeywordProject(project, pieces[0], language, installation);
   // A Japanese keyword stores "es". Nothing reads the value, but `analyze` shows it.
   // Kept: ProjectName.JapaneseSuffixStoresSpanishAsTheProjectLanguage.
   project.ProjectLanguage = language == "ja" ? "es" : language;

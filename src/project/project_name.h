@@ -13,8 +13,8 @@ namespace quenlar {
 [[nodiscard]] bool IsKeywordText(std::string_view text);
 
 // The search engine's result page for a keyword, `offset` results on.
-[[nodiscard]] std::string SearchAddress(const Site& site, std::string_view language, std::string_view keyword,
-                                        int offset);
+[[nodiscard]] std::string SearchAddress(const Installation& installation, std::string_view language,
+                                        std::string_view keyword, int offset);
 
 enum class NamingOutcome {
   kNamed,
@@ -23,7 +23,8 @@ enum class NamingOutcome {
 };
 
 // Sets IsKeywordProject, Keyword, StartURL, DataFile, ReportFile and ProjectLanguage of `project` from `text`.
-NamingOutcome NameProject(Project& project, std::string_view text, const Settings& settings, const Site& site);
+NamingOutcome NameProject(Project& project, std::string_view text, const Settings& settings,
+                          const Installation& installation);
 
 // A file name (no folder) that every platform can hold: what a Windows file name cannot hold is percent-encoded,
 // names over 200 bytes are cut and given a hash. All other names come back as they are.

@@ -39,12 +39,12 @@ Result<std::string> ReadReportText(const Platform& platform, const std::string& 
 
 }  // namespace
 
-ProjectStore::ProjectStore(const Platform& platform, Project& project, const Settings& settings, const Site& site,
-                           RunView& view, ProjectView& project_view, Pump::Pace pace)
+ProjectStore::ProjectStore(const Platform& platform, Project& project, const Settings& settings,
+                           const Installation& installation, RunView& view, ProjectView& project_view, Pump::Pace pace)
     : platform_(platform),
       project_(project),
       settings_(settings),
-      site_(site),
+      installation_(installation),
       view_(view),
       project_view_(project_view),
       pump_(platform.loop, pace) {}
@@ -71,7 +71,7 @@ void ProjectStore::Open(const std::string& typed) {
   project_view_.EnableDelete(false);
   project_.ProjectLoaded = false;
   FinishSaves();
-  if (NameProject(project_, typed, settings_, site_) == NamingOutcome::kUnknownSuffix) {
+  if (NameProject(project_, typed, settings_, installation_) == NamingOutcome::kUnknownSuffix) {
     platform_.boxes.Show(kUnknownSuffixText, kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
     if (opening == openings_) project_view_.SetInputText(typed.substr(0, typed.find('_')));
     return;

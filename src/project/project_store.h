@@ -34,8 +34,8 @@ class ProjectView {
 
 class ProjectStore final : public PeriodicSaver {
  public:
-  ProjectStore(const Platform& platform, Project& project, const Settings& settings, const Site& site, RunView& view,
-               ProjectView& project_view, Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
+  ProjectStore(const Platform& platform, Project& project, const Settings& settings, const Installation& installation,
+               RunView& view, ProjectView& project_view, Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
   ProjectStore(const ProjectStore&) = delete;
   ProjectStore& operator=(const ProjectStore&) = delete;
 
@@ -107,7 +107,7 @@ class ProjectStore final : public PeriodicSaver {
   Platform platform_;
   Project& project_;
   const Settings& settings_;
-  const Site& site_;
+  const Installation& installation_;
   RunView& view_;
   ProjectView& project_view_;
   Pump pump_;

@@ -30,9 +30,7 @@ void CollectTagged(std::string_view text, std::string_view opening, std::string_
 
 }  // namespace
 
-std::string FilterFilePath(const Site& site) {
-  return site.program_folder + site.separator + "data" + site.separator + "ExtractFilter.dat";
-}
+std::string FilterFilePath(const Installation& installation) { return installation.Data("ExtractFilter.dat"); }
 
 Status WriteFilterFile(Files& files, const CodePage& code_page, const std::string& path, FilterWords& words) {
   if (words.RemoveFilterWords.size() > kMaxWritten || words.ExtractFilterWords.size() > kMaxWritten) {

@@ -12,7 +12,7 @@
 
 namespace quenlar {
 
-[[nodiscard]] std::string FilterFilePath(const Site& site);
+[[nodiscard]] std::string FilterFilePath(const Installation& installation);
 
 // Replaces the file. One that could not be read is kept aside first, so that its words are not lost.
 Status WriteFilterFile(Files& files, const CodePage& code_page, const std::string& path, FilterWords& words);

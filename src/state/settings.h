@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace quenlar {
 
@@ -31,11 +32,25 @@ struct Settings {
 // The registry key that holds the stored settings and the project list.
 inline constexpr const char* kProjectKey = "Software\\Quenlar\\Project";
 
-// Fixed or configured by a builder; not stored.
-struct Site {
+// Where this copy of the program lives and searches: fixed when it is started, not stored.
+struct Installation {
   std::string search_engine = "http://www.google.com";  // scheme, host and port of the search engine
-  std::string program_folder;  // `data` and `report` lie below it; ends in a separator in a drive's root alone
-  char separator = '/';        // between folders in paths: "\\" on Windows
+  std::string program_folder;                           // ends in a separator in a drive's root alone
+  char separator = '/';                                 // between folders in paths: "\\" on Windows
+
+  // A file or folder in the program folder.
+  [[nodiscard]] std::string Below(std::string_view name) const { return Joined(program_folder, name); }
+  // The folder of the data files and the filter file, and a file in it.
+  [[nodiscard]] std::string Data() const { return Below("data"); }
+  [[nodiscard]] std::string Data(std::string_view file) const { return Joined(Data(), file); }
+  // The folder of the reports, and a file in it.
+  [[nodiscard]] std::string Report() const { return Below("report"); }
+  [[nodiscard]] std::string Report(std::string_view file) const { return Joined(Report(), file); }
+
+ private:
+  [[nodiscard]] std::string Joined(std::string path, std::string_view name) const {
+    return (path += separator).append(name);
+  }
 };
 
 inline constexpr const char* kSearchEngineDomain = "google.";        // results on it are not crawled

@@ -7,10 +7,10 @@
 namespace quenlar {
 namespace {
 
-Site At(const std::string& folder) {
-  Site site;
-  site.program_folder = folder;
-  return site;
+Installation At(const std::string& folder) {
+  Installation installation;
+  installation.program_folder = folder;
+  return installation;
 }
 
 TEST(MakeFolders, MakesEveryMissingParent) {

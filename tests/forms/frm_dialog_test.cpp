@@ -14,16 +14,16 @@ using testing::IsEmpty;
 struct UpgradeDialogTest : testing::Test {
   Settings settings;
   RecordingShell shell;
-  Site site;
+  Installation installation;
   int ends = 0;
   std::size_t started_before_end = 0;
-  frmDialog dialog{settings, shell, site, [this] {
+  frmDialog dialog{settings, shell, installation, [this] {
                      ++ends;
                      started_before_end = shell.started.size();
                    }};
   UpgradeDialogTest() {
-    site.program_folder = "C:\\Quenlar";
-    site.separator = '\\';
+    installation.program_folder = "C:\\Quenlar";
+    installation.separator = '\\';
   }
 };
 

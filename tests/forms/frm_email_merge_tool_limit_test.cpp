@@ -17,8 +17,8 @@ std::string Lines(int count) {
 TEST(EmailMergeTool, ShowsAndSavesAsManyAddressesAsSixteenBitsCount) {
   FakePlatform fakes;
   eMailBookMerge books;
-  const Site site;
-  frmEmailMergeTool form({books, fakes.files, fakes.code_page, fakes.loop, fakes.boxes, fakes.dialogs, site});
+  const Installation installation;
+  frmEmailMergeTool form({books, fakes.files, fakes.code_page, fakes.loop, fakes.boxes, fakes.dialogs, installation});
   form.Load();
   const auto extract = [&](int addresses) {
     fakes.files.Put("/book", Lines(addresses));

@@ -23,12 +23,12 @@ struct MergeToolTest : testing::Test {
   RecordingBoxes boxes;
   RecordingFileDialogs dialogs;
   eMailBookMerge books;
-  Site site;
-  frmEmailMergeTool tool{{books, files, code_page, loop, boxes, dialogs, site}};
+  Installation installation;
+  frmEmailMergeTool tool{{books, files, code_page, loop, boxes, dialogs, installation}};
 
   MergeToolTest() {
-    site.program_folder = "C:\\Q";
-    site.separator = '\\';
+    installation.program_folder = "C:\\Q";
+    installation.separator = '\\';
     files.AddFolder("C:\\Q\\report");
     files.AddFolder("C:\\other");
     files.Put("C:\\Q\\report\\a.txt", "one@x.test\r\ntwo@x.test\r\n");

@@ -27,13 +27,13 @@ struct OptionTest : testing::Test {
   Settings settings;
   SettingsStore store{registry, settings};
   FilterWords filter{settings};
-  Site site;
+  Installation installation;
   std::string language_field = "en";
-  frmOption option{{settings, store, filter, files, code_page, boxes, site,
+  frmOption option{{settings, store, filter, files, code_page, boxes, installation,
                     [this](const std::string& code) { language_field = code; }}};
 
   OptionTest() {
-    site.program_folder = "/home";
+    installation.program_folder = "/home";
     files.AddFolder("/home/data");
   }
   [[nodiscard]] std::string Stored(const std::string& name) const {

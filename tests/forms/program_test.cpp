@@ -41,7 +41,7 @@ TEST_F(ProgramStart, StartingTheProgramTwiceLeavesOneIconAndOneMainWindow) {
 }
 
 TEST_F(ProgramStart, AProgramWhoseFolderAnotherOneUsesSaysSoAndWritesNothing) {
-  const auto held = LockHome(files, engine.site);
+  const auto held = LockHome(files, engine.installation);
   ASSERT_TRUE(held.ok());
   EXPECT_FALSE(program.Start());
   EXPECT_THAT(boxes.texts(), ElementsAre("Another Quenlar is at work in /home !"));
@@ -52,7 +52,7 @@ TEST_F(ProgramStart, AProgramWhoseFolderAnotherOneUsesSaysSoAndWritesNothing) {
 
 TEST_F(ProgramStart, TheFolderIsHeldAgainstOthersForAsLongAsTheProgramLives) {
   Start();
-  const auto second = LockHome(files, engine.site);
+  const auto second = LockHome(files, engine.installation);
   ASSERT_FALSE(second.ok());
   EXPECT_EQ(second.status().kind(), StatusKind::kBusy);
 }

@@ -13,11 +13,11 @@ struct Named {
 Named Name(std::string_view text, int language = 0, char separator = '\\') {
   Settings settings;
   settings.SearchLanguage = static_cast<std::int16_t>(language);
-  Site site;
-  site.program_folder = separator == '\\' ? "C:\\Quenlar" : "/q";
-  site.separator = separator;
+  Installation installation;
+  installation.program_folder = separator == '\\' ? "C:\\Quenlar" : "/q";
+  installation.separator = separator;
   Named named;
-  named.outcome = NameProject(named.project, text, settings, site);
+  named.outcome = NameProject(named.project, text, settings, installation);
   return named;
 }
 
@@ -92,7 +92,7 @@ TEST(ProjectName, UnknownLanguageLeavesAllNamesAsTheyWere) {
   project.StartURL = "http://old";
   project.DataFile = "/old.dat";
   project.ReportFile = "/old.rpt";
-  EXPECT_EQ(NameProject(project, "cars", settings, Site()), NamingOutcome::kUnknownLanguage);
+  EXPECT_EQ(NameProject(project, "cars", settings, Installation()), NamingOutcome::kUnknownLanguage);
   EXPECT_TRUE(project.IsKeywordProject);
   EXPECT_EQ(project.Keyword, "old");
   EXPECT_EQ(project.StartURL, "http://old");
@@ -126,9 +126,9 @@ TEST(ProjectName, OnlyTheSecondPieceCountsAsSuffix) {
 }
 
 TEST(ProjectName, SearchAddressCarriesTheResultOffset) {
-  Site site;
-  site.search_engine = "http://127.0.0.1:8000";
-  EXPECT_EQ(SearchAddress(site, "it", "a+b", 300),
+  Installation installation;
+  installation.search_engine = "http://127.0.0.1:8000";
+  EXPECT_EQ(SearchAddress(installation, "it", "a+b", 300),
             "http://127.0.0.1:8000/search?hl=it&q=a+b&btnG=Google+Search&num=100&start=300");
 }
 

@@ -57,7 +57,7 @@ class Window : public RecordingView, public ProjectView {
 class ProjectStoreTest : public testing::Test {
  protected:
   ProjectStoreTest() {
-    site.program_folder = "/q";
+    installation.program_folder = "/q";
     fakes.files.AddFolder("/q/data");
     fakes.files.AddFolder("/q/report");
     window.input_changed = [this](const std::string& text) { store.OpenProject(text); };
@@ -92,9 +92,9 @@ class ProjectStoreTest : public testing::Test {
   FakePlatform fakes;
   Project project;
   Settings settings;
-  Site site;
+  Installation installation;
   Window window;
-  ProjectStore store{fakes.platform, project, settings, site, window, window, Pump::Pace::kAlways};
+  ProjectStore store{fakes.platform, project, settings, installation, window, window, Pump::Pace::kAlways};
 };
 
 // ---- opening ----
@@ -221,7 +221,7 @@ TEST_F(ProjectStoreTest, StartTextsWithOneFileNameShareTheirFiles) {
 }
 
 TEST_F(ProjectStoreTest, PathsUseTheSeparatorOfThePlatform) {
-  Site windows;
+  Installation windows;
   windows.program_folder = "C:\\Quenlar";
   windows.separator = '\\';
   ProjectStore on_windows(fakes.platform, project, settings, windows, window, window);

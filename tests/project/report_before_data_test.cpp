@@ -23,7 +23,7 @@ class NoProjectView : public ProjectView {
 class ReportBeforeData : public testing::Test {
  protected:
   ReportBeforeData() {
-    site_.program_folder = "/home";
+    installation_.program_folder = "/home";
     fakes_.files.AddFolder("/home/data");
     fakes_.files.AddFolder("/home/report");
     store_.OpenProject("h.example");
@@ -55,10 +55,10 @@ class ReportBeforeData : public testing::Test {
   FakePlatform fakes_;
   Project project_;
   Settings settings_;
-  Site site_;
+  Installation installation_;
   RecordingView view_;
   NoProjectView project_view_;
-  ProjectStore store_{fakes_.platform, project_, settings_, site_, view_, project_view_, Pump::Pace::kAlways};
+  ProjectStore store_{fakes_.platform, project_, settings_, installation_, view_, project_view_, Pump::Pace::kAlways};
 };
 
 TEST_F(ReportBeforeData, ADataFileNeverDropsALinkWhoseAddressesAreNotYetInTheReport) {

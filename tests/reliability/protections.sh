@@ -77,7 +77,7 @@ without watchdog src/run/watchdog.cpp run_test 'WatchdogTest.*' \
 without fault-in-a-parser src/web/ocx_parse_web.cpp web_test 'WebControl.AFaultInsideAParser*' \
   's/(parsed.whole;\n  \} catch \(const )std::exception&/$1char*/'
 without one-program src/engine/home.cpp cli_test '*RefuseAFolder*:*RefusesAFolder*' \
-  's/if \(!lock.ok\(\) && lock/if (false \&\& lock/ + s/  return lock;\n/  return files.Lock(site.program_folder, "other " + std::to_string(reinterpret_cast<std::uintptr_t>(\&lock)));\n/ - 1'
+  's/if \(!lock.ok\(\) && lock/if (false \&\& lock/ + s/  return lock;\n/  return files.Lock(installation.program_folder, "other " + std::to_string(reinterpret_cast<std::uintptr_t>(\&lock)));\n/ - 1'
 without csv-formulas src/cli/address_format.cpp cli_test 'CsvField.*' \
   's/field \+= .\\..;/field += "";/'
 without terminal src/cli/terminal_text.cpp cli_test 'ForTerminal.*:ExtractTest.NothingThatAPage*' \

@@ -3,16 +3,16 @@
 namespace quenlar {
 namespace {
 
-Site HomeSite() {
-  Site site;
-  site.program_folder = "/home";
-  return site;
+Installation HomeInstallation() {
+  Installation installation;
+  installation.program_folder = "/home";
+  return installation;
 }
 
 }  // namespace
 
 CrawlWorld::CrawlWorld()
-    : engine((fakes.files.AddFolder("/home"), fakes.platform), HomeSite(), FrontEnd{view, *this, *this},
+    : engine((fakes.files.AddFolder("/home"), fakes.platform), HomeInstallation(), FrontEnd{view, *this, *this},
              Pump::Pace::kAlways) {
   const Engine::StartNotes notes = engine.Start();
   calls.clear();

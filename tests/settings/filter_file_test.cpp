@@ -33,10 +33,10 @@ class FilterFileTest : public testing::Test {
 };
 
 TEST_F(FilterFileTest, LiesInTheDataFolderWithThePlatformsSeparator) {
-  Site site;
-  site.program_folder = "C:\\Quenlar";
-  site.separator = '\\';
-  EXPECT_EQ(FilterFilePath(site), "C:\\Quenlar\\data\\ExtractFilter.dat");
+  Installation installation;
+  installation.program_folder = "C:\\Quenlar";
+  installation.separator = '\\';
+  EXPECT_EQ(FilterFilePath(installation), "C:\\Quenlar\\data\\ExtractFilter.dat");
 }
 
 TEST_F(FilterFileTest, HoldsTheBannerThenOneWordALine) {

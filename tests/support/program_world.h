@@ -69,10 +69,10 @@ struct ProgramWorld : FakePlatform {
   }
 
  private:
-  static Site Folder() {
-    Site site;
-    site.program_folder = "/home";
-    return site;
+  static Installation Folder() {
+    Installation installation;
+    installation.program_folder = "/home";
+    return installation;
   }
 };
 

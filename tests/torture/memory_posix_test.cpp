@@ -288,9 +288,9 @@ struct WholeRun {
   }
   void Act() {
     const Platform& p = system.fake.platform;
-    Site site;
-    site.program_folder = system.default_home;
-    Workplace place{p, site, nullptr};
+    Installation installation;
+    installation.program_folder = system.default_home;
+    Workplace place{p, installation, nullptr};
     result = RunExtract(system.streams, place, options, [](std::function<void()>) {});
   }
   void Check(const Outcome& outcome) {

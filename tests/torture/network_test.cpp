@@ -67,7 +67,7 @@ struct Net {
   FakePlatform fakes;
   FailingFetcher fetcher{fakes.fetcher, fakes.interfaces};
   QuietFrontEnd front;
-  Engine engine{WithFetcher(), World::MakeSite(), {front, front, front}};
+  Engine engine{WithFetcher(), World::MakeInstallation(), {front, front, front}};
   int newer_versions = 0;
 
   Net() {

@@ -101,7 +101,7 @@ inline constexpr const char* kReport = "/home/report/h_example.rpt";
 struct World {
   FakePlatform fakes;
   QuietFrontEnd front;
-  Engine engine{fakes.platform, MakeSite(), {front, front, front}};
+  Engine engine{fakes.platform, MakeInstallation(), {front, front, front}};
 
   World() {
     front.engine = &engine;
@@ -109,10 +109,10 @@ struct World {
     fakes.files.AddFolder("/home/report");
     ServeSite(fakes.fetcher);
   }
-  static Site MakeSite() {
-    Site site;
-    site.program_folder = "/home";
-    return site;
+  static Installation MakeInstallation() {
+    Installation installation;
+    installation.program_folder = "/home";
+    return installation;
   }
   // With the watchdog's timer, as every front end has it.
   void Run() {

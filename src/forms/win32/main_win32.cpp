@@ -62,12 +62,12 @@ int Run(HINSTANCE program_handle) {
   Win32FileDialogs dialogs;
   Win32TrayIcon tray(LoadImageW(program_handle, MAKEINTRESOURCEW(IDI_QUENLAR), IMAGE_ICON,
                                 GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), LR_SHARED));
-  Site site;
-  site.program_folder = win32::ProgramFolder();
-  site.separator = '\\';
+  Installation installation;
+  installation.program_folder = win32::ProgramFolder();
+  installation.separator = '\\';
 
   Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna}, {dialogs, tray},
-                  site, {AnotherInstanceRuns, EndProcess});
+                  installation, {AnotherInstanceRuns, EndProcess});
   ui::Binder binder(ProgramResources(program_handle), loop);
   for (ui::Form* form : program.Windows()) binder.Bind(*form);
   loop.AddMessageFilter([&binder](void* message) { return binder.FilterMessage(*static_cast<MSG*>(message)); });
