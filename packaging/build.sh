@@ -42,7 +42,7 @@ build_installer() {
   local installer=$packages/quenlar-$version-win64-setup.exe
   cp src/forms/win32/quenlar.ico "$stage/windows/Quenlar/"
   age "$stage/windows"
-  makensis -V2 -DVERSION="$version" -DSOURCE="$stage/windows/Quenlar" -DOUTPUT="$installer" packaging/quenlar.nsi >&2
+  makensis -V2 -DVERSION="$version" -DRELEASE="${version%.*}" -DSOURCE="$stage/windows/Quenlar" -DOUTPUT="$installer" packaging/quenlar.nsi >&2
   echo "$installer"
 }
 

@@ -29,6 +29,14 @@ constexpr bool IsWord(char c) { return IsLetter(c) || IsDigit(c) || c == '_'; }
 
 [[nodiscard]] std::string Lower(std::string_view text);
 
+inline constexpr char kHexDigits[] = "0123456789ABCDEF";
+
+// The percent code of a byte: "%20" for a blank.
+[[nodiscard]] inline std::string PercentCode(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
+}
+
 [[nodiscard]] bool EqualsIgnoreCase(std::string_view a, std::string_view b);
 
 // `lower_prefix`, `lower_suffix` and `lower_needle` are given in lower case.

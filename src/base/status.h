@@ -46,6 +46,11 @@ class [[nodiscard]] Status {
   std::string message_;
 };
 
+// A failure in the form in which the program speaks to people: its message, ending in " !".
+[[nodiscard]] inline std::string SentenceOf(const Status& failure) {
+  return failure.message().ends_with(" !") ? failure.message() : failure.message() + " !";
+}
+
 // A value, or the status that says why there is none.
 template <typename T>
 class [[nodiscard]] Result {

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/product.h"
 #include "cli/exit_status.h"
 #include "cli/option_checks.h"
 #include "cli/paths.h"
@@ -17,13 +18,15 @@ namespace {
 
 constexpr const char* kHomeVariable = "QUENLAR_HOME";
 
+std::string VersionText() { return std::string("quenlar ") + kProductVersion; }
+
 // Help, version and mistakes; `error` is CLI11's way to tell them apart.
 int TellParseOutcome(Console& console, const CLI::App& root, const CLI::ParseError& error) {
   const CLI::App* app = &root;
   while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
   const bool help = error.get_name() == "CallForHelp";
   if (help || error.get_name() == "CallForVersion") {
-    (void)console.Write(help ? root.help() : std::string(kVersionText) + "\n");  // a reader may be gone
+    (void)console.Write(help ? root.help() : VersionText() + "\n");  // a reader may be gone
     return kExitDone;
   }
   const std::string command = app == &root ? "quenlar" : "quenlar " + app->get_name();
@@ -90,9 +93,9 @@ CommandLine::CommandLine()
       ->type_name("DIR")
       ->check(CheckNotEmpty);
   DeclareCommands(*root, chosen);
-  root->set_version_flag("--version", kVersionText, "Print the version and exit");
+  root->set_version_flag("--version", VersionText(), "Print the version and exit");
   for (CLI::App* verb : root->get_subcommands([](CLI::App*) { return true; })) {
-    verb->set_version_flag("--version", kVersionText, "Print the version and exit");
+    verb->set_version_flag("--version", VersionText(), "Print the version and exit");
   }
   root->footer(
       "Without --home and QUENLAR_HOME the program folder is the program's own on Windows, and\n"

@@ -25,6 +25,4 @@ struct CommandLine {
   std::unique_ptr<CLI::App> root;
 };
 
-inline constexpr const char* kVersionText = "quenlar 3.0";
-
 }  // namespace quenlar

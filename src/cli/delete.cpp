@@ -1,6 +1,7 @@
 // quenlar delete: deletes a project with its files.
 #include <algorithm>
 
+#include "base/product.h"
 #include "cli/command_front_end.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"

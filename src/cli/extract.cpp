@@ -1,10 +1,10 @@
 // quenlar extract: runs a project to its end and prints the addresses as they are found.
+#include "base/status.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/option_checks.h"
 #include "cli/paths.h"
 #include "platform/files.h"
-#include "platform/message_boxes.h"
 
 namespace quenlar {
 namespace {

@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "base/status.h"
 #include "cli/command_front_end.h"
 #include "cli/exit_status.h"
 #include "cli/json_text.h"
@@ -13,7 +14,6 @@
 #include "engine/engine.h"
 #include "platform/event_loop.h"
 #include "platform/interface_table.h"
-#include "platform/message_boxes.h"
 #include "platform/registry.h"
 #include "project/save_check.h"
 #include "run/end_reasons.h"

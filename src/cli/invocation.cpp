@@ -1,8 +1,8 @@
 #include "cli/invocation.h"
 
+#include "base/status.h"
 #include "cli/exit_status.h"
 #include "cli/terminal_text.h"
-#include "platform/message_boxes.h"
 
 namespace quenlar {
 

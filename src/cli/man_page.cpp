@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "base/ascii.h"
+#include "base/product.h"
 #include "cli/declarations.h"
 
 namespace quenlar {
@@ -91,7 +92,8 @@ std::string Synopsis(const DeclaredCommand& command) {
 std::string ManPage(const std::vector<DeclaredCommand>& commands) {
   const DeclaredCommand& program = commands.front();
   std::string page =
-      ".TH QUENLAR 1 \"\" \"Quenlar 3.0\" \"User Commands\"\n"
+      std::string(".TH QUENLAR 1 \"\" \"Quenlar ") + kProductVersion +
+      "\" \"User Commands\"\n"
       ".SH NAME\nquenlar \\- collects e\\-mail addresses from the web\n"
       ".SH SYNOPSIS\n.B quenlar\n[\\fB\\-\\-home\\fR \\fIDIR\\fR] \\fICOMMAND\\fR [options] [arguments]\n"
       ".SH DESCRIPTION\n" +

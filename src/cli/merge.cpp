@@ -1,13 +1,13 @@
 // quenlar merge: merges address books into one list without duplicates.
 #include <algorithm>
 
+#include "base/status.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/paths.h"
 #include "mailtool/email_book_merge.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
-#include "platform/message_boxes.h"
 
 namespace quenlar {
 namespace {

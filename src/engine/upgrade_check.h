@@ -6,7 +6,7 @@
 namespace quenlar {
 
 // True when the number at the beginning of the page's first line (up to the first CR LF) is above this program's own
-// version, the number behind the last blank of the product caption. A page that begins with no number names none, and
+// version, kProductVersion. A page that begins with no number names none, and
 // so does a number beyond all bounds, which no publisher wrote.
 [[nodiscard]] bool NewerVersionPublished(std::string_view page);
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "base/product.h"
 #include "forms/link_label.h"
 #include "forms/open_web_page.h"
-#include "platform/message_boxes.h"
 #include "state/settings.h"
 
 namespace quenlar {

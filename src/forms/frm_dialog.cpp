@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/message_boxes.h"
+#include "base/product.h"
 
 namespace quenlar {
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/product.h"
 #include "forms/dlg_select_file_info.h"
 
 namespace quenlar {

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "base/product.h"
 #include "forms/address_rows.h"
 #include "forms/open_web_page.h"
 #include "platform/clock.h"

@@ -1,12 +1,13 @@
 #include "forms/frm_help.h"
 
+#include "base/product.h"
 #include "forms/link_label.h"
 #include "forms/open_web_page.h"
 #include "state/settings.h"
 
 namespace quenlar {
 
-frmHelp::frmHelp(Shell& shell) : Form("frmHelp", "Brenvy Quenlar Pro Online Help") {
+frmHelp::frmHelp(Shell& shell) : Form("frmHelp", std::string(kProductName) + " Online Help") {
   MakeLink(lblHelp, [this, &shell] {
     OpenWebPage(shell, kHomePage);
     Close();

@@ -6,6 +6,7 @@
 
 #include "base/ascii.h"
 #include "base/number.h"
+#include "base/product.h"
 #include "settings/filter_file.h"
 
 namespace quenlar {

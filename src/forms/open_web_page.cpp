@@ -7,12 +7,11 @@ namespace {
 
 // What could cut the address into several arguments or end it early.
 std::string AsOneArgument(std::string_view address) {
-  constexpr char kHexDigits[] = "0123456789ABCDEF";
   std::string result;
   for (const char c : address) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte <= ' ' || byte == 127 || c == '"') {
-      result += {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
+      result += PercentCode(c);
     } else {
       result += c;
     }

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "base/product.h"
 #include "engine/home.h"
 
 namespace quenlar {

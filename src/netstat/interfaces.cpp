@@ -4,6 +4,8 @@
 #include <limits>
 #include <utility>
 
+#include "base/ascii.h"
+#include "base/product.h"
 #include "netstat/last_change.h"
 
 namespace quenlar {
@@ -49,13 +51,12 @@ constexpr PropertyRow kProperties[] = {
 std::int32_t Signed(std::uint32_t counter) { return static_cast<std::int32_t>(counter); }
 
 std::string AddressText(const InterfaceRow& row) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   const std::size_t length = std::min<std::size_t>(row.physical_address_length, row.physical_address.size());
   std::string text;
   for (std::size_t i = 0; i < length; ++i) {
     if (i != 0) text += '-';
-    text += kDigits[row.physical_address[i] >> 4];
-    text += kDigits[row.physical_address[i] & 15];
+    text += kHexDigits[row.physical_address[i] >> 4];
+    text += kHexDigits[row.physical_address[i] & 15];
   }
   return text;
 }

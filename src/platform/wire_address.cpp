@@ -12,11 +12,6 @@ namespace {
 constexpr std::size_t kMaxHostBytes = 253;
 constexpr std::size_t kMaxLabelBytes = 63;
 
-void AppendEncoded(unsigned char byte, std::string& out) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  out += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
-}
-
 // A percent sign stays: what follows it has been encoded by whoever wrote the address.
 std::string EncodeTarget(std::string_view text) {
   std::string encoded;
@@ -24,7 +19,7 @@ std::string EncodeTarget(std::string_view text) {
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte <= 0x20 || byte >= 0x7F || std::string_view("\"'<>\\^`{|}").find(c) != std::string_view::npos) {
-      AppendEncoded(byte, encoded);
+      encoded += PercentCode(c);
     } else {
       encoded += c;
     }
@@ -133,7 +128,7 @@ std::string CleanHeaderText(std::string_view text) {
   while (!text.empty()) {
     const Utf8Character character = DecodeUtf8(text);
     if (character.bytes == 0 || character.code < 0x20 || character.code == 0x7F) {
-      AppendEncoded(static_cast<unsigned char>(text.front()), clean);
+      clean += PercentCode(text.front());
       text.remove_prefix(1);
     } else {
       clean += text.substr(0, character.bytes);

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/product.h"
 #include "state/settings.h"
 
 namespace quenlar {
@@ -170,7 +171,7 @@ class LineCutter {
 
 }  // namespace
 
-std::string HeaderLine() { return std::string("Brenvy Quenlar Pro, ") + kHomePage; }
+std::string HeaderLine() { return std::string(kProductName) + ", " + kHomePage; }
 
 Result<std::unique_ptr<RecordWriter>> StartDataFile(Files& files, const CodePage& code_page, const std::string& path,
                                                     const LinkQueues& queues) {

@@ -10,12 +10,6 @@ namespace quenlar {
 namespace {
 
 constexpr std::size_t kMaxNameBytes = 200;
-constexpr char kHexDigits[] = "0123456789ABCDEF";
-
-std::string Encoded(char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  return {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
-}
 
 bool IsUnusable(char c) {
   const auto byte = static_cast<unsigned char>(c);
@@ -127,7 +121,7 @@ std::string SafeFileName(std::string_view name) {
   for (std::size_t i = 0; i < name.size(); ++i) {
     const bool ends_badly = i + 1 == name.size() && (name[i] == '.' || name[i] == ' ');
     if (IsUnusable(name[i]) || ends_badly || (reserved && i == 0)) {
-      safe += Encoded(name[i]);
+      safe += PercentCode(name[i]);
     } else {
       safe += name[i];
     }

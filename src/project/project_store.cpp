@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "base/product.h"
 #include "platform/code_page.h"
 #include "platform/files.h"
 #include "platform/message_boxes.h"

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/ascii.h"
+#include "base/product.h"
 
 namespace quenlar {
 namespace {
@@ -36,7 +37,7 @@ Status WriteFilterFile(Files& files, const CodePage& code_page, const std::strin
   if (words.RemoveFilterWords.size() > kMaxWritten || words.ExtractFilterWords.size() > kMaxWritten) {
     return {StatusKind::kLimit, "Overflow !"};
   }
-  std::string text = std::string("Brenvy Quenlar Pro, ") + kHomePage + "\r\n\r\n";
+  std::string text = std::string(kProductName) + ", " + kHomePage + "\r\n\r\n";
   AddLines(text, "<r>", words.RemoveFilterWords, "</r>");
   AddLines(text, "<e>", words.ExtractFilterWords, "</e>");
   std::string kept;

@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "base/product.h"
+
 namespace quenlar {
 namespace {
 
@@ -48,7 +50,7 @@ void CurlTransfer::SetOptions() {
   curl_easy_setopt(handle_, CURLOPT_WRITEFUNCTION, &OnBody);
   curl_easy_setopt(handle_, CURLOPT_WRITEDATA, this);
   curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, headers_);
-  curl_easy_setopt(handle_, CURLOPT_USERAGENT, "Mozilla/5.0 (compatible; Quenlar/3.0)");
+  curl_easy_setopt(handle_, CURLOPT_USERAGENT, kUserAgent);
   curl_easy_setopt(handle_, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(handle_, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
   curl_easy_setopt(handle_, CURLOPT_HTTP09_ALLOWED, 0L);

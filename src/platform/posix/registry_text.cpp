@@ -9,7 +9,6 @@ namespace {
 
 // `special` are the characters that would be misread where this text stands.
 std::string Escape(std::string_view text, std::string_view special) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string escaped;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
@@ -18,7 +17,7 @@ std::string Escape(std::string_view text, std::string_view special) {
     if (byte >= 0x20 && byte != 0x7F && c != '%' && !blank_at_an_end && special.find(c) == special.npos) {
       escaped += c;
     } else {
-      escaped += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+      escaped += PercentCode(c);
     }
   }
   return escaped;

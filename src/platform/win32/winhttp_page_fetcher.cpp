@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/product.h"
 #include "platform/redirect_chain.h"
 #include "platform/win32/wide.h"
 #include "platform/win32/winhttp_exchange.h"
@@ -15,7 +16,6 @@ namespace {
 using win32::Exchange;
 using win32::ExchangeReport;
 
-constexpr wchar_t kAgent[] = L"Mozilla/5.0 (compatible; Quenlar/3.0)";
 constexpr int kConnectLimit = 30'000, kSendLimit = 30'000, kReceiveLimit = 60'000;  // milliseconds
 
 // "http://host:port/" as the system wants it: "host:port".
@@ -26,12 +26,13 @@ std::wstring ProxyName(std::string_view proxy) {
 
 HINTERNET OpenSession(const WinHttpOptions& options) {
   HINTERNET session = nullptr;
+  const std::wstring agent = win32::ToWide(kUserAgent);
   if (!options.proxy.empty()) {
-    session = WinHttpOpen(kAgent, WINHTTP_ACCESS_TYPE_NAMED_PROXY, ProxyName(options.proxy).c_str(),
+    session = WinHttpOpen(agent.c_str(), WINHTTP_ACCESS_TYPE_NAMED_PROXY, ProxyName(options.proxy).c_str(),
                           WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC);
   } else {
-    session = WinHttpOpen(kAgent, WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY, WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS,
-                          WINHTTP_FLAG_ASYNC);
+    session = WinHttpOpen(agent.c_str(), WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY, WINHTTP_NO_PROXY_NAME,
+                          WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC);
   }
   if (!session) return nullptr;
   WinHttpSetTimeouts(session, 0, kConnectLimit, kSendLimit, kReceiveLimit);
