@@ -13,8 +13,8 @@ _quenlar() {
     extract:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     extract:--language) COMPREPLY=($(compgen -W "en fr de it es ja" -- "$word")); return ;;
     extract:--save-interval) COMPREPLY=($(compgen -W "30 50 100" -- "$word")); return ;;
-    extract:--stop-number) COMPREPLY=(); return ;;
     extract:--other-sites) COMPREPLY=($(compgen -W "yes no" -- "$word")); return ;;
+    extract:--stop-number) COMPREPLY=(); return ;;
     extract:--export) COMPREPLY=($(compgen -W "addresses all" -- "$word")); return ;;
     extract:--remove) COMPREPLY=(); return ;;
     extract:--extract) COMPREPLY=(); return ;;
@@ -27,7 +27,7 @@ _quenlar() {
   esac
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
-    extract:-*) COMPREPLY=($(compgen -W "-h --help --format --language --save-interval --stop-number --other-sites --export --remove --extract --search-engine --proxy --assume-online --summary --version" -- "$word")) ;;
+    extract:-*) COMPREPLY=($(compgen -W "-h --help --format --language --save-interval --other-sites --stop-number --export --remove --extract --search-engine --proxy --assume-online --summary --version" -- "$word")) ;;
     analyze:-*) COMPREPLY=($(compgen -W "-h --help --jsonl --version" -- "$word")) ;;
     projects:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
     delete:-*) COMPREPLY=($(compgen -W "-h --help -y --yes --version" -- "$word")) ;;

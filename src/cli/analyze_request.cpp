@@ -48,15 +48,10 @@ std::optional<Integer> AsInteger(const Value& value) {
   return static_cast<Integer>(number);
 }
 
-struct NumberMember {
-  const char* name;
-  std::int16_t Settings::*variable;
-};
-constexpr NumberMember kNumberMembers[] = {
-    {"SearchLanguage", &Settings::SearchLanguage},   {"SaveInterval", &Settings::SaveInterval},
-    {"CorrelationMode", &Settings::CorrelationMode}, {"ExportMode", &Settings::ExportMode},
-    {"RemoveFilterOn", &Settings::RemoveFilterOn},   {"ExtractFilterOn", &Settings::ExtractFilterOn},
-};
+std::optional<std::int32_t> AsNumber(const Value& value, bool wide) {
+  if (wide) return AsInteger<std::int32_t>(value);
+  return AsInteger<std::int16_t>(value);
+}
 
 std::optional<std::vector<std::string>> AsWords(Value& value) {
   if (!value.is_array()) return std::nullopt;
@@ -69,20 +64,17 @@ std::optional<std::vector<std::string>> AsWords(Value& value) {
 }
 
 Status ReadSetting(const std::string& name, Value& value, SettingsRequest& request) {
-  if (name == "StopNumber") {
-    request.stop_number = AsInteger<std::int32_t>(value);
-    return request.stop_number ? Status() : Wrong("\"StopNumber\" must be a whole number of 32 bits");
-  }
   if (name == "RemoveFilterWords" || name == "ExtractFilterWords") {
     auto& words = name == "RemoveFilterWords" ? request.remove_words : request.extract_words;
     words = AsWords(value);
     return words ? Status() : Wrong(fmt::format("\"{}\" must be an array of texts", name));
   }
-  for (const NumberMember& member : kNumberMembers) {
-    if (name != member.name) continue;
-    const auto number = AsInteger<std::int16_t>(value);
-    if (!number) return Wrong(fmt::format("\"{}\" must be a whole number of 16 bits", name));
-    request.numbers.emplace_back(member.variable, *number);
+  for (const SettingRow& row : SettingsTable()) {
+    if (row.member.empty() || name != row.member) continue;
+    const bool wide = std::holds_alternative<std::int32_t Settings::*>(row.variable);
+    const auto number = AsNumber(value, wide);
+    if (!number) return Wrong(fmt::format("\"{}\" must be a whole number of {} bits", name, wide ? 32 : 16));
+    request.changes.push_back({&row, std::to_string(*number)});
     return Status();
   }
   return Wrong(fmt::format("\"settings\" has no member \"{}\"", name));

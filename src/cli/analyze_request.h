@@ -5,20 +5,18 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
 #include "base/status.h"
 #include "cli/json_text.h"
 #include "cli/page_doors.h"
-#include "state/settings.h"
+#include "state/settings_table.h"
 
 namespace quenlar {
 
 struct SettingsRequest {
-  std::vector<std::pair<std::int16_t Settings::*, std::int16_t>> numbers;
-  std::optional<std::int32_t> stop_number;
+  std::vector<SettingChange> changes;
   std::optional<std::vector<std::string>> remove_words, extract_words;
 };
 struct OpenRequest {

@@ -214,8 +214,7 @@ struct AnalyzeSession::Answering {
 
 Json AnalyzeSession::Answering::operator()(SettingsRequest request) const {
   State& s = *session.state_;
-  for (const auto& [variable, number] : request.numbers) s.settings.*variable = number;
-  if (request.stop_number) s.settings.StopNumber = *request.stop_number;
+  Apply(request.changes, s.settings);
   if (request.remove_words) s.filter.RemoveFilterWords = std::move(*request.remove_words);
   if (request.extract_words) s.filter.ExtractFilterWords = std::move(*request.extract_words);
   // A word that is no valid expression matches nothing; the patterns in the answer show what was made of it.

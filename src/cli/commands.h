@@ -1,7 +1,6 @@
 // The work of the commands, each with the arguments that it takes. Each returns the exit status and may pump.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,12 +14,10 @@ class App;
 
 namespace quenlar {
 
-// Words are empty, and numbers 0, where an option was not given.
+// Texts are empty where an option was not given.
 struct ExtractArguments {
   ExtractOptions options;
-  std::string format = "lines", language, save_interval, other_sites, export_mode;
-  std::int32_t stop_number = 0;
-  std::string search_engine, proxy, summary;
+  std::string format = "lines", search_engine, proxy, summary;
 };
 
 struct DeleteArguments {

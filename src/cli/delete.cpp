@@ -20,9 +20,9 @@ bool Holds(const std::vector<std::string>& entries, const std::string& name) {
 // The name under which the list has the project: a keyword stands there with its language.
 std::string NameInList(const Engine& engine, const std::string& text) {
   const std::vector<std::string>& entries = engine.project_list.entries();
-  if (Holds(entries, text) || !engine.project.IsKeywordProject || text.find('_') != std::string::npos) return text;
-  const std::string with_language = text + "_" + LanguageCode(engine.settings.SearchLanguage);
-  return Holds(entries, with_language) ? with_language : text;
+  if (Holds(entries, text)) return text;
+  const std::string listed = ListedName(text, engine.project.IsKeywordProject, engine.settings.SearchLanguage);
+  return Holds(entries, listed) ? listed : text;
 }
 
 int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArguments& arguments) {

@@ -28,8 +28,8 @@ int RunProjects(Invocation& invocation, Workplace& place) {
     invocation.Print(fmt::format("== quenlar extract \"{}\"", text));
     ExtractOptions options;
     options.text = text;
-    options.assume_online = true;  // the site is on this computer
-    options.export_mode = std::int16_t{1};
+    options.assume_online = true;                        // the site is on this computer
+    options.overrides = {{FindSetting("Export"), "1"}};  // all information
     const ExtractResult result = RunExtract(invocation.console(), place, options,
                                             [&](std::function<void()> stop) { relay->stop_run = std::move(stop); });
     if (result.status != kExitDone) return result.status;

@@ -9,26 +9,15 @@
 namespace quenlar {
 namespace {
 
-// The position of a word in a list of words; empty for the empty word (an option that was not given).
-std::optional<std::int16_t> IndexOf(const std::string& word, std::initializer_list<const char*> words) {
-  std::int16_t index = 0;
-  for (const char* known : words) {
-    if (word == known) return index;
-    ++index;
-  }
-  return std::nullopt;
+AddressFormat FormatOf(const std::string& word) {
+  return word == "csv" ? AddressFormat::kCsv : word == "jsonl" ? AddressFormat::kJsonl : AddressFormat::kLines;
 }
 
 ExtractOptions OptionsOf(const ExtractArguments& arguments) {
   ExtractOptions options = arguments.options;
-  options.format = static_cast<AddressFormat>(*IndexOf(arguments.format, {"lines", "csv", "jsonl"}));
-  options.language = IndexOf(arguments.language, {"en", "fr", "de", "it", "es", "ja"});
-  options.save_interval = IndexOf(arguments.save_interval, {"30", "50", "100"});
-  options.other_sites = IndexOf(arguments.other_sites, {"no", "yes"});
-  options.export_mode = IndexOf(arguments.export_mode, {"addresses", "all"});
+  options.format = FormatOf(arguments.format);
   options.remove_words = TidyWords(options.remove_words);
   options.extract_words = TidyWords(options.extract_words);
-  if (arguments.stop_number != 0) options.stop_number = arguments.stop_number;
   return options;
 }
 

@@ -69,7 +69,7 @@ class ExtractRun final : public CommandFrontEnd {
  private:
   bool Prepare();
   void OverrideSettings();
-  void RecordInProjectList();
+  void RecordInProjectList(int language_of_run);
   void RunToTheEnd();
   void TellWhatWasNotRecognised();
   void Refuse(int status, const std::string& reason);
@@ -126,7 +126,7 @@ bool ExtractRun::Prepare() {
     return false;
   }
   const Settings overridden = std::exchange(engine_.settings, stored);
-  RecordInProjectList();
+  RecordInProjectList(overridden.SearchLanguage);
   engine_.settings = overridden;
   const Status recorded = engine_.platform.registry.Flush();
   if (!recorded.ok()) TellSave({recorded.kind(), SentenceOf(recorded)});
@@ -138,11 +138,7 @@ bool ExtractRun::Prepare() {
 
 void ExtractRun::OverrideSettings() {
   Settings& settings = engine_.settings;
-  if (options_.language) settings.SearchLanguage = *options_.language;
-  if (options_.save_interval) settings.SaveInterval = *options_.save_interval;
-  if (options_.other_sites) settings.CorrelationMode = *options_.other_sites;
-  if (options_.export_mode) settings.ExportMode = *options_.export_mode;
-  if (options_.stop_number) settings.StopNumber = *options_.stop_number;
+  Apply(options_.overrides, settings);
   if (!options_.remove_words.empty()) {
     settings.RemoveFilterOn = 1;
     engine_.filter.RemoveFilterWords = options_.remove_words;
@@ -157,13 +153,9 @@ void ExtractRun::OverrideSettings() {
 
 // As the window does when a run starts. The settings at hand are the stored ones, since they are written too; the
 // language of a keyword is that of the run.
-void ExtractRun::RecordInProjectList() {
-  std::string name = input_text();
-  if (engine_.project.IsKeywordProject && name.find('_') == std::string::npos) {
-    const std::string code = LanguageCode(options_.language.value_or(engine_.settings.SearchLanguage));
-    if (!code.empty()) name += "_" + code;
-  }
-  engine_.project_list.Add(name, engine_.project.IsKeywordProject);
+void ExtractRun::RecordInProjectList(int language_of_run) {
+  const bool is_keyword = engine_.project.IsKeywordProject;
+  engine_.project_list.Add(ListedName(input_text(), is_keyword, language_of_run), is_keyword);
 }
 
 void ExtractRun::RunToTheEnd() {

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/address_format.h"
 #include "cli/workplace.h"
+#include "state/settings_table.h"
 
 namespace quenlar {
 
@@ -16,8 +16,7 @@ namespace quenlar {
 struct ExtractOptions {
   std::string text;  // a keyword or an address
   AddressFormat format = AddressFormat::kLines;
-  std::optional<std::int16_t> language, save_interval, other_sites, export_mode;
-  std::optional<std::int32_t> stop_number;
+  std::vector<SettingChange> overrides;
   std::vector<std::string> remove_words, extract_words;
   bool assume_online = false;
 };

@@ -79,10 +79,11 @@ std::string CheckOneLine(const std::string& value) {
   return value.find_first_of("\r\n") == std::string::npos ? "" : "must be one line";
 }
 
-std::string CheckStopNumber(const std::string& value) {
+std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int32_t highest) {
   const double number = LeadingNumber(value);
   const bool digits = value.find_first_not_of("0123456789") == std::string::npos;
-  return digits && number >= 1 && number <= 99999 ? "" : "must be a number from 1 to 99999";
+  if (digits && number >= lowest && number <= highest) return "";
+  return "must be a number from " + std::to_string(lowest) + " to " + std::to_string(highest);
 }
 
 }  // namespace quenlar

@@ -1,6 +1,7 @@
 // Checks of the values of options, and what becomes of them. A check returns what is wrong, or "".
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,8 @@ namespace quenlar {
 // A text without line ends.
 [[nodiscard]] std::string CheckOneLine(const std::string& value);
 
-// "1" to "99999".
-[[nodiscard]] std::string CheckStopNumber(const std::string& value);
+// Digits alone, and a number within the bounds.
+[[nodiscard]] std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int32_t highest);
 
 // Filter words as the options dialog tidies its boxes: trimmed, without empty and repeated ones. (An empty word would
 // match every address.)

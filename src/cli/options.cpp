@@ -3,34 +3,19 @@
 
 #include <fmt/format.h>
 
-#include "base/ascii.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/workplace.h"
 #include "platform/registry.h"
+#include "state/settings_table.h"
 
 namespace quenlar {
 namespace {
-
-const SettingRow* FindSetting(const std::string& name) {
-  for (const SettingRow& row : SettingsTable()) {
-    if (EqualsIgnoreCase(name, row.value_name)) return &row;
-  }
-  return nullptr;
-}
 
 std::string AllNames() {
   std::string names;
   for (const SettingRow& row : SettingsTable()) names += (names.empty() ? "" : ", ") + std::string(row.value_name);
   return names;
-}
-
-void Set(Settings& settings, const SettingRow& row, std::int32_t value) {
-  if (const auto narrow = std::get_if<std::int16_t Settings::*>(&row.variable)) {
-    settings.** narrow = static_cast<std::int16_t>(value);
-  } else {
-    settings.*std::get<std::int32_t Settings::*>(row.variable) = value;
-  }
 }
 
 int SetOption(Invocation& invocation, const SettingRow& row, const std::string& text) {
@@ -46,7 +31,7 @@ int SetOption(Invocation& invocation, const SettingRow& row, const std::string& 
   Settings settings;
   SettingsStore store(registry, settings);
   (void)store.LoadOrInit();  // the project names are of no interest here
-  Set(settings, row, value);
+  SetFromText(settings, row, std::to_string(value));
   store.Save(row.value_name);
   const Status stored = registry.Flush();
   if (!stored.ok()) return invocation.Fail(stored.WithContext(std::string(row.value_name) + " could not be stored"));

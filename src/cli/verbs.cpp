@@ -1,6 +1,6 @@
 #include "cli/verbs.h"
 
-#include <initializer_list>
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +10,7 @@
 
 #include "cli/commands.h"
 #include "cli/option_checks.h"
+#include "state/settings_table.h"
 
 namespace quenlar {
 namespace {
@@ -22,32 +23,44 @@ void Choose(CLI::App& verb, Command& chosen, Work work, const std::shared_ptr<Ar
   });
 }
 
-// An option that takes one of a few words; its type name lists them ("a|b|c").
-void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value,
-                   std::initializer_list<const char*> words, const std::string& help) {
-  const std::vector<std::string> known(words.begin(), words.end());
+// Holds an option to a few words; its type name lists them ("a|b|c").
+void TakeOneOf(CLI::Option& option, const std::vector<std::string>& words) {
   std::string type;
-  for (const std::string& word : known) type += (type.empty() ? "" : "|") + word;
-  verb.add_option(name, value, help)->type_name(type)->check([known, type](const std::string& given) {
-    for (const std::string& word : known) {
-      if (given == word) return std::string();
-    }
-    return "must be one of " + type;
+  for (const std::string& word : words) type += (type.empty() ? "" : "|") + word;
+  option.type_name(type)->check([words, type](const std::string& given) {
+    return std::find(words.begin(), words.end(), given) != words.end() ? "" : "must be one of " + type;
   });
 }
 
+void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value, const std::vector<std::string>& words,
+                   const std::string& help) {
+  TakeOneOf(*verb.add_option(name, value, help), words);
+}
+
+// The option of a setting that is overridden for one run.
+void DeclareOverride(CLI::App& verb, const SettingRow& row, std::vector<SettingChange>& overrides) {
+  const auto& [name, help, words] = row.option;
+  if (words.empty()) {
+    const auto take = [&](std::int32_t number) { overrides.push_back({&row, std::to_string(number)}); };
+    verb.add_option_function<std::int32_t>(name, take, help)->type_name("N")->check([&row](const std::string& given) {
+      return CheckNumber(given, row.lowest, row.highest);
+    });
+    return;
+  }
+  const auto take = [&](const std::string& given) {
+    for (const auto& [word, value] : row.option.words) {
+      if (given == word) overrides.push_back({&row, std::to_string(value)});
+    }
+  };
+  std::vector<std::string> known;
+  for (const ChoiceWord& word : words) known.push_back(word.word);
+  TakeOneOf(*verb.add_option_function<std::string>(name, take, help), known);
+}
+
 void DeclareOverrides(CLI::App& verb, ExtractArguments& arguments) {
-  DeclareChoice(verb, "--language", arguments.language, {"en", "fr", "de", "it", "es", "ja"},
-                "Language of the search, for a keyword");
-  DeclareChoice(verb, "--save-interval", arguments.save_interval, {"30", "50", "100"},
-                "Save the project after so many new addresses");
-  verb.add_option("--stop-number", arguments.stop_number, "End the run after so many new addresses")
-      ->type_name("N")
-      ->check(CheckStopNumber);
-  DeclareChoice(verb, "--other-sites", arguments.other_sites, {"yes", "no"},
-                "Whether a run from an address follows links to other sites");
-  DeclareChoice(verb, "--export", arguments.export_mode, {"addresses", "all"},
-                "What the report holds: addresses alone, or all information");
+  for (const SettingRow& row : SettingsTable()) {
+    if (row.option.name != nullptr) DeclareOverride(verb, row, arguments.options.overrides);
+  }
   verb.add_option("--remove", arguments.options.remove_words,
                   "Drop addresses in which this word occurs (a regular expression; repeatable)")
       ->type_name("WORD")

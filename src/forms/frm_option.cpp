@@ -1,6 +1,8 @@
 #include "forms/frm_option.h"
 
 #include <algorithm>
+#include <iterator>
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -12,22 +14,30 @@
 namespace quenlar {
 namespace {
 
-constexpr const char* kLanguages[] = {"English", "French", "German", "Italian", "Spanish", "Japanese"};
-constexpr const char* kIntervals[] = {"30", "50", "100"};
-constexpr std::int32_t kDefaultStopNumber = 99999;
 constexpr const char* kLineEnd = "\r\n";
 
-template <std::size_t N>
-std::optional<std::int16_t> IndexOf(const char* const (&entries)[N], const std::string& text) {
-  const auto found = std::find(std::begin(entries), std::end(entries), text);
-  if (found == std::end(entries)) return std::nullopt;
-  return static_cast<std::int16_t>(found - std::begin(entries));
+std::vector<std::string> LanguageNames() {
+  std::vector<std::string> names;
+  for (const Language& language : kLanguages) names.emplace_back(language.name);
+  return names;
+}
+
+std::vector<std::string> SaveIntervalTexts() {
+  std::vector<std::string> texts;
+  for (const int interval : kSaveIntervals) texts.push_back(std::to_string(interval));
+  return texts;
+}
+
+// Of the entry that the box shows.
+std::optional<std::int16_t> IndexShown(const ui::ComboBox& box) {
+  const auto found = std::find(box.items().begin(), box.items().end(), box.text());
+  if (found == box.items().end()) return std::nullopt;
+  return static_cast<std::int16_t>(found - box.items().begin());
 }
 
 // An index outside the list leaves the box as it is.
-template <std::size_t N>
-void ShowEntry(ui::ComboBox& box, const char* const (&entries)[N], int index) {
-  if (index >= 0 && index < static_cast<int>(N)) box.SetText(entries[index]);
+void ShowEntry(ui::ComboBox& box, int index) {
+  if (index >= 0 && index < std::ssize(box.items())) box.SetText(box.items()[static_cast<std::size_t>(index)]);
 }
 
 std::string JoinLines(const std::vector<std::string>& lines) {
@@ -114,10 +124,10 @@ std::vector<ui::Control*> frmOption::Controls() {
 void frmOption::Load() {
   const Settings& settings = context_.settings;
   tabOption.Select(0);
-  cmbSave.SetItems({std::begin(kIntervals), std::end(kIntervals)});
-  cmbSearch.SetItems({std::begin(kLanguages), std::end(kLanguages)});
-  ShowEntry(cmbSearch, kLanguages, settings.SearchLanguage);
-  ShowEntry(cmbSave, kIntervals, settings.SaveInterval);
+  cmbSave.SetItems(SaveIntervalTexts());
+  cmbSearch.SetItems(LanguageNames());
+  ShowEntry(cmbSearch, settings.SearchLanguage);
+  ShowEntry(cmbSave, settings.SaveInterval);
   chkCorrelation.SetChecked(settings.CorrelationMode == 0);
   (settings.ExportMode != 0 ? optAllInfo : optEmailAddress).Select();
   txtStopNumber.SetText(std::to_string(settings.StopNumber));
@@ -138,7 +148,7 @@ void frmOption::tabOption_Click() {
 
 void frmOption::cmbSearch_Click() {
   const std::string language = cmbSearch.text();
-  const auto index = IndexOf(kLanguages, language);
+  const auto index = IndexShown(cmbSearch);
   if (!index) return;
   context_.settings.SearchLanguage = *index;
   context_.show_language(LanguageCode(*index));
@@ -147,7 +157,7 @@ void frmOption::cmbSearch_Click() {
 }
 
 void frmOption::cmbSave_Click() {
-  if (const auto index = IndexOf(kIntervals, cmbSave.text())) context_.settings.SaveInterval = *index;
+  if (const auto index = IndexShown(cmbSave)) context_.settings.SaveInterval = *index;
   context_.store.Save("Save");
 }
 
@@ -168,15 +178,15 @@ void frmOption::txtStopNumber_Change() {
   } else if (const double number = LeadingNumber(text); number > 0) {
     context_.settings.StopNumber = RoundToInt32(number).value_or(context_.settings.StopNumber);
   } else {
-    Warn("Please enter number between 1 and 99999 !");
+    Warn("Please enter number between 1 and " + std::to_string(kHighestStopNumber) + " !");
     ResetStopNumber();
   }
   context_.store.Save("StopNumber");
 }
 
 void frmOption::ResetStopNumber() {
-  txtStopNumber.SetText(std::to_string(kDefaultStopNumber));
-  context_.settings.StopNumber = kDefaultStopNumber;
+  txtStopNumber.SetText(std::to_string(kHighestStopNumber));
+  context_.settings.StopNumber = kHighestStopNumber;
   txtStopNumber.MoveCaretToEnd();
 }
 

@@ -2,14 +2,19 @@
 
 #include <algorithm>
 
+#include "state/settings_table.h"
+
 namespace quenlar {
 
-bool ProjectList::Add(std::string_view text, bool is_keyword) {
+std::string ListedName(std::string_view text, bool is_keyword, int language) {
   std::string name(text);
-  if (is_keyword && name.find('_') == std::string::npos) {
-    const std::string language = LanguageCode(settings_.SearchLanguage);
-    if (!language.empty()) name += "_" + language;
-  }
+  const std::string code = LanguageCode(language);
+  if (is_keyword && !code.empty() && name.find('_') == std::string::npos) name += "_" + code;
+  return name;
+}
+
+bool ProjectList::Add(std::string_view text, bool is_keyword) {
+  std::string name = ListedName(text, is_keyword, settings_.SearchLanguage);
   if (std::find(entries_.begin(), entries_.end(), name) != entries_.end()) return false;
   entries_.insert(entries_.begin(), std::move(name));
   WriteProjectKey(true);
@@ -30,25 +35,16 @@ void ProjectList::Remove(std::string_view text) {
 }
 
 void ProjectList::WriteProjectKey(bool with_filters) {
-  const auto write = [this](const std::string& name, std::int64_t value) {
-    registry_.SaveRegValue(kProjectKey, name, std::to_string(value));
-  };
   registry_.DeleteRegKey(kProjectKey);
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     registry_.SaveRegValue(kProjectKey, "Project" + std::to_string(i + 1), entries_[i]);
   }
-  write("ProjectNum", static_cast<std::int64_t>(entries_.size()));
-  // Every rewrite of the key takes the choice "never upgrade" back: the question for a newer version comes again.
-  // Kept: ProjectListTest.AddingRewritesTheKeyInItsOrder.
-  write("NeverUpgrade", 0);
-  write("Search", settings_.SearchLanguage);
-  write("Save", settings_.SaveInterval);
-  write("Correlation", settings_.CorrelationMode);
-  write("StopNumber", settings_.StopNumber);
-  if (!with_filters) return;
-  write("Export", settings_.ExportMode);
-  write("RemoveFilter", settings_.RemoveFilterOn);
-  write("ExtractFilter", settings_.ExtractFilterOn);
+  registry_.SaveRegValue(kProjectKey, "ProjectNum", std::to_string(entries_.size()));
+  for (const SettingRow& row : SettingsTable()) {
+    if (row.rewritten == Rewritten::kWithFilters && !with_filters) continue;
+    const Settings& from = row.rewritten == Rewritten::kAsDefault ? Settings() : settings_;
+    registry_.SaveRegValue(kProjectKey, row.value_name, SettingText(from, row));
+  }
 }
 
 }  // namespace quenlar

@@ -11,6 +11,10 @@
 
 namespace quenlar {
 
+// The entry of a text that names a project: a keyword without "_" gets the suffix of its language ("cars_en"), where
+// the index names one.
+[[nodiscard]] std::string ListedName(std::string_view text, bool is_keyword, int language);
+
 class ProjectList {
  public:
   ProjectList(Registry& registry, Settings& settings) : registry_(registry), settings_(settings) {}

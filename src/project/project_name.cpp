@@ -1,6 +1,8 @@
 #include "project/project_name.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <vector>
 
 #include "base/ascii.h"
@@ -74,10 +76,8 @@ void NameKeywordProject(Project& project, std::string_view words, const std::str
 }
 
 bool IsLanguageCode(std::string_view code) {
-  for (int i = 0; i < 6; ++i) {
-    if (code == LanguageCode(i)) return true;
-  }
-  return false;
+  return std::any_of(std::begin(kLanguages), std::end(kLanguages),
+                     [code](const Language& language) { return code == language.code; });
 }
 
 }  // namespace

@@ -16,8 +16,15 @@ namespace {
 
 constexpr std::uint64_t kMaxReportBytes = 2u << 30;
 constexpr const char* kNoMemory = "not enough memory";
-constexpr const char* kUnknownSuffixText =
-    "We will delete any lettes behind \"_\", except \"_en\",\"_fr\",\"_de\",\"_it\",\"_es\",\"_ja\"";
+
+// Of a suffix that is not one of the languages'.
+std::string UnknownSuffixText() {
+  std::string codes;
+  for (const Language& language : kLanguages) {
+    codes += (codes.empty() ? "" : ",") + ("\"_" + std::string(language.code) + "\"");
+  }
+  return "We will delete any lettes behind \"_\", except " + codes;
+}
 
 // "<path> cannot be saved: <reason> !"
 Status Sentence(const Status& status, const std::string& path, const char* what) {
@@ -73,7 +80,7 @@ void ProjectStore::Open(const std::string& typed) {
   project_.ProjectLoaded = false;
   FinishSaves();
   if (NameProject(project_, typed, settings_, installation_) == NamingOutcome::kUnknownSuffix) {
-    platform_.boxes.Show(kUnknownSuffixText, kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
+    platform_.boxes.Show(UnknownSuffixText(), kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
     if (opening == openings_) project_view_.SetInputText(typed.substr(0, typed.find('_')));
     return;
   }

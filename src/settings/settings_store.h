@@ -1,29 +1,15 @@
-// Settings in the registry: one table of what is stored, the loader and the first-start defaults.
+// Settings in the registry: the loader, the first start, and the saving of one setting. state/settings_table.h says
+// what is stored.
 #pragma once
 
-#include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "platform/registry.h"
-#include "state/settings.h"
+#include "state/settings_table.h"
 
 namespace quenlar {
-
-// One stored setting: the registry value's name, the variable behind it, what it means and may hold.
-struct SettingRow {
-  const char* value_name;
-  std::variant<std::int16_t Settings::*, std::int32_t Settings::*> variable;
-  std::int32_t first_start_default;
-  std::int32_t lowest, highest;  // what people may set
-  const char* meaning;
-};
-
-// In the order in which they are written.
-[[nodiscard]] const std::vector<SettingRow>& SettingsTable();
 
 class SettingsStore {
  public:
@@ -41,8 +27,5 @@ class SettingsStore {
   Registry& registry_;
   Settings& settings_;
 };
-
-// The decimal text of a setting as it stands in memory.
-[[nodiscard]] std::string SettingText(const Settings& settings, const SettingRow& row);
 
 }  // namespace quenlar

@@ -2,31 +2,45 @@
 #pragma once
 
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 
 namespace quenlar {
 
-struct Settings {
-  std::int16_t SearchLanguage = 0;    // 0 en, 1 fr, 2 de, 3 it, 4 es, 5 ja
-  std::int16_t SaveInterval = 0;      // 0, 1, 2: save every 30, 50, 100 new addresses
-  std::int16_t CorrelationMode = 1;   // 1: a URL project follows links to other sites too
-  std::int32_t StopNumber = 99999;    // end of a run after so many new addresses
-  std::int16_t ExportMode = 0;        // 0: addresses alone; otherwise all information
-  std::int16_t RemoveFilterOn = 0;    // exactly 1 is on
-  std::int16_t ExtractFilterOn = 0;   // exactly 1 is on
-  std::int16_t NeverUpgradeFlag = 0;  // nonzero: no upgrade check
+// What people choose among, each choice in one list. The setting holds the index of an entry.
+struct Language {
+  const char* code;  // in search addresses, in the names of projects, on the command line
+  const char* name;  // in the options dialog
+};
+inline constexpr Language kLanguages[] = {{"en", "English"}, {"fr", "French"},  {"de", "German"},
+                                          {"it", "Italian"}, {"es", "Spanish"}, {"ja", "Japanese"}};
+inline constexpr int kSaveIntervals[] = {30, 50, 100};  // new addresses from one save of the project to the next
+inline constexpr std::int32_t kHighestStopNumber = 99999;
 
-  // Meaningful values for what a registry may hold: StopNumber below 1 counts as 99999, SaveInterval outside 0 to 2 as
-  // 0.
-  [[nodiscard]] std::int32_t EffectiveStopNumber() const { return StopNumber < 1 ? 99999 : StopNumber; }
-  [[nodiscard]] int SaveEvery() const { return SaveInterval == 1 ? 50 : SaveInterval == 2 ? 100 : 30; }
+// What is stored of them, and how, says state/settings_table.h. The values here are those of the first start.
+struct Settings {
+  std::int16_t SearchLanguage = 0;               // an index of kLanguages
+  std::int16_t SaveInterval = 0;                 // an index of kSaveIntervals
+  std::int16_t CorrelationMode = 1;              // 1: a URL project follows links to other sites too
+  std::int32_t StopNumber = kHighestStopNumber;  // end of a run after so many new addresses
+  std::int16_t ExportMode = 0;                   // 0: addresses alone; otherwise all information
+  std::int16_t RemoveFilterOn = 0;               // exactly 1 is on
+  std::int16_t ExtractFilterOn = 0;              // exactly 1 is on
+  std::int16_t NeverUpgradeFlag = 0;             // nonzero: no upgrade check
+
+  // Meaningful values for what a registry may hold: StopNumber below 1 counts as the highest one, a SaveInterval
+  // outside its list as 0.
+  [[nodiscard]] std::int32_t EffectiveStopNumber() const { return StopNumber < 1 ? kHighestStopNumber : StopNumber; }
+  [[nodiscard]] int SaveEvery() const {
+    const bool known = SaveInterval >= 0 && SaveInterval < std::ssize(kSaveIntervals);
+    return kSaveIntervals[known ? SaveInterval : 0];
+  }
 };
 
 // The two-letter code of a language index, or "" for an unknown index.
 [[nodiscard]] constexpr const char* LanguageCode(int index) {
-  constexpr const char* kCodes[] = {"en", "fr", "de", "it", "es", "ja"};
-  return index >= 0 && index < 6 ? kCodes[index] : "";
+  return index >= 0 && index < std::ssize(kLanguages) ? kLanguages[index].code : "";
 }
 
 // The registry key that holds the stored settings and the project list.

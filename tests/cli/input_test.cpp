@@ -84,8 +84,12 @@ TEST(ParseAnalyzeLine, ReadsEveryKindOfRequest) {
   Parsed<ResetRequest>(R"({"reset":true})");
   const auto settings = Parsed<SettingsRequest>(
       R"({"settings":{"SearchLanguage":-5,"StopNumber":2147483647,"SaveInterval":1.0,"RemoveFilterWords":["a","b"]}})");
-  EXPECT_EQ(settings.numbers.size(), 2u);
-  EXPECT_EQ(settings.stop_number, 2147483647);
+  Settings changed;
+  Apply(settings.changes, changed);
+  EXPECT_EQ(settings.changes.size(), 3u);
+  EXPECT_EQ(changed.SearchLanguage, -5);
+  EXPECT_EQ(changed.SaveInterval, 1);
+  EXPECT_EQ(changed.StopNumber, 2147483647);
   EXPECT_EQ(settings.remove_words, std::vector<std::string>({"a", "b"}));
   EXPECT_FALSE(settings.extract_words);
 }
