@@ -1,10 +1,7 @@
 #include "collection/collection.h"
 
-#include <charconv>
-#include <random>
 #include <utility>
 
-#include "base/number.h"
 #include "collection/collection_sql.h"
 #include "collection/statements.h"
 
@@ -39,17 +36,6 @@ Status CheckSound(Database& database) {
   if (!row.ok()) return row.status();
   if (row.value() && check.value().Text(0) == "ok") return Status::Ok();
   return {StatusKind::kFormat, "the database is damaged"};
-}
-
-TextHash HashWithSeed(std::string_view number) {
-  std::uint64_t seed = 0;
-  std::from_chars(number.data(), number.data() + number.size(), seed);
-  return TextHash(seed);
-}
-
-std::string RandomNumber() {
-  std::random_device source;
-  return std::to_string(static_cast<std::uint64_t>(source()) << 32 | source());
 }
 
 }  // namespace
@@ -120,7 +106,7 @@ Status Collection::MakeSchema() {
   Result<Statement> seed = database_->Prepare(sql::kSetFact);
   if (!seed.ok()) return seed.status();
   for (const char* name : {"first seed", "second seed"}) {
-    if (const Status set = seed.value().Bind(name, RandomNumber()).Run(); !set.ok()) return set;
+    if (const Status set = seed.value().Bind(name, PageKeys::NewSeed()).Run(); !set.ok()) return set;
   }
   return database_->Execute("COMMIT");
 }
@@ -129,8 +115,7 @@ Status Collection::LoadCounts() {
   const Result<std::string> first = Fact("first seed"), second = Fact("second seed");
   if (!first.ok()) return first.status();
   if (!second.ok()) return second.status();
-  first_hash_ = HashWithSeed(first.value());
-  second_hash_ = HashWithSeed(second.value());
+  keys_ = PageKeys(first.value(), second.value());
   const Result<std::int64_t> waiting = database_->Number(sql::kCountWaiting);
   if (!waiting.ok()) return waiting.status();
   const Result<std::int64_t> addresses = database_->Number(sql::kCountAddresses);
@@ -141,11 +126,6 @@ Status Collection::LoadCounts() {
   addresses_ = addresses.value();
   last_run_unfinished_ = unfinished.value() != 0;
   return Status::Ok();
-}
-
-std::int64_t Collection::HashOf(std::string_view text) const {
-  const std::uint64_t hash = std::uint64_t{first_hash_.Exact(text)} << 32 | second_hash_.Exact(text);
-  return static_cast<std::int64_t>(hash);
 }
 
 Status Collection::Begin() {
@@ -228,15 +208,17 @@ Status Collection::MarkAsked(StartId keyword, std::int64_t now) {
   return statements_->asked_start.Bind(now, keyword).Run();
 }
 
-Result<std::vector<StartRow>> Collection::Starts() {
+Result<std::vector<StartRow>> ReadStarts(Statement& rows) {
   std::vector<StartRow> starts;
-  statements_->starts.Reset();
+  rows.Reset();
   for (;;) {
-    const Result<bool> row = statements_->starts.Step();
+    const Result<bool> row = rows.Step();
     if (!row.ok()) return row.status();
     if (!row.value()) return starts;
-    starts.push_back(ReadStart(statements_->starts));
+    starts.push_back(ReadStart(rows));
   }
 }
+
+Result<std::vector<StartRow>> Collection::Starts() { return ReadStarts(statements_->starts); }
 
 }  // namespace quenlar

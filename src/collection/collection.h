@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "base/status.h"
-#include "base/text_hash.h"
 #include "collection/database.h"
 #include "collection/known_pages.h"
+#include "collection/page_keys.h"
 #include "page/address_place.h"
 #include "page/url.h"
 #include "platform/files.h"
@@ -123,6 +123,9 @@ struct StartRow {
   std::optional<std::int64_t> asked;  // a keyword's last search
 };
 
+// The rows of sql::kStarts.
+[[nodiscard]] Result<std::vector<StartRow>> ReadStarts(Statement& rows);
+
 // Times are seconds since 1970 UTC. No member pumps. After a failure (a full disk, a damaged file) what was not
 // committed is gone, and the object is only good for being destroyed.
 class Collection {
@@ -183,7 +186,8 @@ class Collection {
   Status EndUnchanged(HostId host, PageId page, std::int64_t now);
   // Whether another page of the host was read with this body.
   [[nodiscard]] Result<bool> BodySeen(HostId host, PageId page, std::int64_t body_hash);
-  [[nodiscard]] std::int64_t HashOf(std::string_view text) const;
+  // Of a body, or of a page's identity.
+  [[nodiscard]] std::int64_t HashOf(std::string_view text) const { return keys_.Of(text); }
 
   // Queues the pages anew that were refused for `reason`, unless `option`, by which that was decided, is the same as in
   // the run before. They are judged again when it is their turn.
@@ -214,7 +218,7 @@ class Collection {
 
   std::unique_ptr<Database> database_;
   std::unique_ptr<Statements> statements_;
-  TextHash first_hash_, second_hash_;
+  PageKeys keys_;
   KnownPages known_;
   std::unordered_map<std::string, HostId> host_ids_;  // some of them, by origin
   std::chrono::steady_clock::time_point changed_{};

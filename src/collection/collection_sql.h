@@ -171,6 +171,27 @@ inline constexpr const char* kQueueAgain =
 inline constexpr const char* kForgetReads = "UPDATE hosts SET read = 0";
 inline constexpr const char* kForgetSearches = "UPDATE starts SET asked = NULL";
 
+inline constexpr const char* kLastRun = "SELECT max(started) FROM runs";
+inline constexpr const char* kRuns =
+    "SELECT started, ended, reason, pages, failed, refused, new, protected, filtered, bytes, seconds FROM runs ORDER "
+    "BY id";
+inline constexpr const char* kPageFacts =
+    "SELECT p.url, parent.url, p.state, p.reason, p.rule, p.type, p.title, target.url, p.depth, p.line, p.status, "
+    "p.time,"
+    " p.protected, p.filtered, (SELECT count(DISTINCT address) FROM sightings WHERE page = p.id AND gone = 0)"
+    " FROM pages p LEFT JOIN pages parent ON parent.id = p.parent LEFT JOIN pages target ON target.id = p.moved_to"
+    " WHERE p.key = ?";
+// Of a place, a site, a time on; NULL is any.
+inline constexpr const char* kSightings =
+    "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone"
+    " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"
+    " WHERE (?1 IS NULL OR s.place = ?1) AND (?2 IS NULL OR h.site = ?2) AND (?3 IS NULL OR s.first_seen >= ?3)"
+    " ORDER BY a.id, s.first_seen, s.page, s.place";
+inline constexpr const char* kSightingsOf =
+    "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone"
+    " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"
+    " WHERE a.address = ? ORDER BY s.first_seen, s.page, s.place";
+
 inline constexpr const char* kFindAddress = "SELECT id FROM addresses WHERE address = ?";
 inline constexpr const char* kAddAddress = "INSERT OR IGNORE INTO addresses (address, first_seen) VALUES (?, ?)";
 inline constexpr const char* kAddSighting =

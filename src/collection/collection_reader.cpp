@@ -1,0 +1,176 @@
+#include "collection/collection_reader.h"
+
+#include <utility>
+
+#include "collection/collection_sql.h"
+
+namespace quenlar {
+namespace {
+
+// From the columns of sql::kSightings.
+Sighting ReadSighting(const Statement& row) {
+  Sighting sighting;
+  sighting.address = row.Text(1);
+  sighting.page = row.Text(2);
+  sighting.title = row.Text(3);
+  sighting.place = row.Text(4);
+  sighting.written = row.Text(5);
+  sighting.site = row.Text(6);
+  sighting.first_seen = row.Int(7);
+  sighting.last_seen = row.Int(8);
+  sighting.gone = row.Int(9) != 0;
+  return sighting;
+}
+
+std::optional<std::string_view> OrNull(const std::string& text) {
+  return text.empty() ? std::optional<std::string_view>() : std::string_view(text);
+}
+
+// `row` may be stepped through by `each`'s caller alone. With `once`, of each address what stands first and is not
+// gone.
+Status GiveRows(Statement& row, bool once, const CollectionReader::Each& each) {
+  std::int64_t last = 0;
+  for (;;) {
+    const Result<bool> found = row.Step();
+    if (!found.ok()) return found.status();
+    if (!found.value()) return Status::Ok();
+    const Sighting sighting = ReadSighting(row);
+    if (once && (sighting.gone || row.Int(0) == last)) continue;
+    last = row.Int(0);
+    if (!each(sighting)) return Status::Ok();
+  }
+}
+
+Status GiveSightings(Database& database, const SightingChoice& choice, bool once, const CollectionReader::Each& each) {
+  Result<Statement> row = database.Prepare(sql::kSightings);
+  if (!row.ok()) return row.status();
+  row.value().Bind(OrNull(choice.place), OrNull(choice.site), choice.since);
+  return GiveRows(row.value(), once, each);
+}
+
+Result<std::string> OneText(Database& database, const char* sql, std::string_view value) {
+  Result<Statement> row = database.Prepare(sql);
+  if (!row.ok()) return row.status();
+  const Result<bool> found = row.value().Bind(value).Step();
+  if (!found.ok()) return found.status();
+  return std::string(found.value() ? row.value().Text(0) : std::string_view());
+}
+
+}  // namespace
+
+Result<std::unique_ptr<CollectionReader>> CollectionReader::Open(const std::string& path) {
+  auto database = Database::Open(path, Database::Mode::kRead);
+  if (!database.ok()) return database.status();
+  std::unique_ptr<CollectionReader> reader(
+      new CollectionReader(database.take()));  // check: raw-new a private constructor
+  if (const Status checked = reader->Check(); !checked.ok()) return checked.WithContext(path);
+  return reader;
+}
+
+Status CollectionReader::Check() {
+  const Result<std::int64_t> version = database_->Number("PRAGMA user_version");
+  if (!version.ok()) return version.status();
+  if (version.value() > sql::kSchemaVersion) {
+    return {StatusKind::kLimit, "a newer version of Quenlar has made this collection"};
+  }
+  if (version.value() == 0) return {StatusKind::kFormat, "this is not a collection"};
+  const Result<std::string> first = OneText(*database_, sql::kFact, "first seed");
+  if (!first.ok()) return first.status();
+  const Result<std::string> second = OneText(*database_, sql::kFact, "second seed");
+  if (!second.ok()) return second.status();
+  keys_ = PageKeys(first.value(), second.value());
+  return Status::Ok();
+}
+
+Result<CollectionFigures> CollectionReader::Figures() {
+  CollectionFigures figures;
+  const struct {
+    std::int64_t& figure;
+    const char* sql;
+  } all[] = {{figures.addresses, sql::kCountAddresses},
+             {figures.pages, sql::kCountRead},
+             {figures.left, sql::kCountWaiting},
+             {figures.last_run, sql::kLastRun}};
+  for (const auto& [figure, text] : all) {
+    const Result<std::int64_t> number = database_->Number(text);
+    if (!number.ok()) return number.status();
+    figure = number.value();
+  }
+  return figures;
+}
+
+Status CollectionReader::Addresses(const SightingChoice& choice, const Each& each) {
+  return GiveSightings(*database_, choice, true, each);
+}
+
+Status CollectionReader::Sightings(const SightingChoice& choice, const Each& each) {
+  return GiveSightings(*database_, choice, false, each);
+}
+
+Status CollectionReader::SightingsOf(std::string_view address, const Each& each) {
+  Result<Statement> row = database_->Prepare(sql::kSightingsOf);
+  if (!row.ok()) return row.status();
+  row.value().Bind(address);
+  return GiveRows(row.value(), false, each);
+}
+
+Result<std::optional<PageFacts>> CollectionReader::Page(const Url& url) {
+  Result<Statement> prepared = database_->Prepare(sql::kPageFacts);
+  if (!prepared.ok()) return prepared.status();
+  Statement& row = prepared.value();
+  row.Bind(keys_.Of(url.PageKey()));
+  for (;;) {
+    const Result<bool> found = row.Step();
+    if (!found.ok()) return found.status();
+    if (!found.value()) return std::optional<PageFacts>();
+    const std::string_view known = row.Text(0);
+    if (known.substr(known.find("//") + 2) == url.PageKey()) break;
+  }
+  PageFacts facts;
+  std::string* const texts[] = {&facts.url,  &facts.parent, &facts.state, &facts.reason,
+                                &facts.rule, &facts.type,   &facts.title, &facts.moved_to};
+  int column = 0;
+  for (std::string* const text : texts) *text = row.Text(column++);
+  facts.depth = static_cast<int>(row.Int(8));
+  facts.line = static_cast<int>(row.Int(9));
+  facts.status = static_cast<int>(row.Int(10));
+  facts.time = row.Int(11);
+  facts.protected_count = row.Int(12);
+  facts.filtered_count = row.Int(13);
+  facts.addresses = row.Int(14);
+  return std::optional<PageFacts>(std::move(facts));
+}
+
+Result<std::vector<StartRow>> CollectionReader::Starts() {
+  Result<Statement> row = database_->Prepare(sql::kStarts);
+  if (!row.ok()) return row.status();
+  return ReadStarts(row.value());
+}
+
+Result<std::vector<RunRecord>> CollectionReader::Runs() {
+  Result<Statement> prepared = database_->Prepare(sql::kRuns);
+  if (!prepared.ok()) return prepared.status();
+  Statement& row = prepared.value();
+  std::vector<RunRecord> runs;
+  for (;;) {
+    const Result<bool> found = row.Step();
+    if (!found.ok()) return found.status();
+    if (!found.value()) return runs;
+    const auto number = [&](int column) { return static_cast<std::uint64_t>(row.Int(column)); };
+    RunRecord run;
+    run.started = row.Int(0);
+    run.ended = row.Int(1);
+    run.reason = row.Text(2);
+    run.pages = number(3);
+    run.failed = number(4);
+    run.refused = number(5);
+    run.fresh = number(6);
+    run.protected_count = number(7);
+    run.filtered = number(8);
+    run.bytes = number(9);
+    run.seconds = row.Real(10);
+    runs.push_back(std::move(run));
+  }
+}
+
+}  // namespace quenlar

@@ -1,0 +1,77 @@
+// What people ask of a collection: its addresses, its figures, and why something is or is not in it. Reads only, also
+// while a run writes.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/status.h"
+#include "collection/collection.h"
+#include "collection/database.h"
+#include "collection/page_keys.h"
+#include "page/url.h"
+
+namespace quenlar {
+
+// One address in one place of one page. The views live during the call that gives them.
+struct Sighting {
+  std::string_view address, page, title, place, written, site;
+  std::int64_t first_seen = 0, last_seen = 0;  // seconds since 1970 UTC
+  bool gone = false;                           // it did not stand there any more when the page was read again
+};
+
+// Which sightings are wanted; empty: all.
+struct SightingChoice {
+  std::string place = {};
+  std::string site = {};                   // of the page
+  std::optional<std::int64_t> since = {};  // first seen at this time or later
+};
+
+struct CollectionFigures {
+  std::int64_t addresses = 0, pages = 0, left = 0;  // `pages` were read, `left` are still to visit
+  std::int64_t last_run = 0;                        // when the last run began; 0: there was none
+};
+
+// What is known of one page.
+struct PageFacts {
+  std::string url, parent, state, reason, rule, type, title, moved_to;
+  int depth = 0, line = 0, status = 0;
+  std::int64_t time = 0;
+  std::int64_t addresses = 0, protected_count = 0, filtered_count = 0;
+};
+
+class CollectionReader {
+ public:
+  // `each` gives false to end the list.
+  using Each = std::function<bool(const Sighting&)>;
+
+  // kNotFound where there is no such file, kLimit where a newer program has made it, kFormat where it is damaged.
+  [[nodiscard]] static Result<std::unique_ptr<CollectionReader>> Open(const std::string& path);
+
+  [[nodiscard]] Result<CollectionFigures> Figures();
+  // The addresses in the order in which they were found, each with its first sighting among those chosen. What is gone
+  // is left out.
+  Status Addresses(const SightingChoice& choice, const Each& each);
+  // Every sighting, address by address; what is gone too.
+  Status Sightings(const SightingChoice& choice, const Each& each);
+  // Those of one address, in any letter case; what is gone too.
+  Status SightingsOf(std::string_view address, const Each& each);
+  // Empty where the collection does not know the page. The scheme makes no difference.
+  [[nodiscard]] Result<std::optional<PageFacts>> Page(const Url& url);
+  [[nodiscard]] Result<std::vector<StartRow>> Starts();
+  [[nodiscard]] Result<std::vector<RunRecord>> Runs();
+
+ private:
+  explicit CollectionReader(std::unique_ptr<Database> database) : database_(std::move(database)) {}
+  Status Check();
+
+  std::unique_ptr<Database> database_;
+  PageKeys keys_;
+};
+
+}  // namespace quenlar
