@@ -186,9 +186,30 @@ bool IsBlankDot(std::string_view text, std::size_t sign) {
   return behind_word != kNone && BlankBefore(text, sign + 1) > 0 && BlankAt(text, behind_word) > 0;
 }
 
+// Whether the first two bytes of a word may be at `at`; most brackets and blanks stand before something else.
+bool MayBeWord(std::string_view text, std::size_t at) {
+  if (at + 1 >= text.size()) return false;
+  const char second = ToLower(text[at + 1]);
+  switch (ToLower(text[at])) {
+    case 'a':
+      return second == 't' || second == 'r';
+    case 'd':
+      return second == 'o';
+    case 'p':
+      return second == 'o' || second == 'u';
+    case 'k':
+      return second == 'l';
+    case 'c':
+      return second == 'h';
+    default:
+      return !IsLetter(text[at]);
+  }
+}
+
 }  // namespace
 
 bool IsWordSign(std::string_view text, std::size_t sign) {
+  if (!MayBeWord(text, sign + 1)) return false;
   return AfterBracketedWord(text, sign, kAt) != kNone || AfterBracketedWord(text, sign, kDot) != kNone ||
          IsBlankDot(text, sign);
 }
