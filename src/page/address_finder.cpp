@@ -1,5 +1,7 @@
 #include "page/address_finder.h"
 
+#include <algorithm>
+
 #include "base/ascii.h"
 #include "base/byte_search.h"
 #include "page/address_signs.h"
@@ -100,11 +102,10 @@ void AddressFinder::Recipients(std::string_view target, AddressPlace place) {
   while (recipients.starts_with('/')) recipients.remove_prefix(1);  // "mailto://" is a common mistake
   DecodePercentSigns(recipients, decoded_);
   Scan(decoded_, {}, place);
-  while (target.size() > 0 && question != kNone) {
-    const std::size_t begin = target.find_first_of("?&");
-    if (begin == kNone) return;
-    target.remove_prefix(begin + 1);
-    const std::string_view header = target.substr(0, target.find('&'));
+  std::string_view headers = question == kNone ? std::string_view() : target.substr(question + 1);
+  while (!headers.empty()) {
+    const std::string_view header = headers.substr(0, headers.find('&'));
+    headers.remove_prefix(std::min(headers.size(), header.size() + 1));
     const std::size_t equals = header.find('=');
     if (equals == kNone) continue;
     DecodePercentSigns(header.substr(0, equals), decoded_);

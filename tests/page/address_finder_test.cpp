@@ -231,6 +231,7 @@ TEST(AddressFinderTest, TargetsArePercentDecodedAndMayHoldSeveralRecipients) {
               ElementsAre("mailto a@firma.de", "mailto b@firma.de", "mailto c@firma.de"));
   EXPECT_THAT(InMailto("mailto:a@firma.de?subject=b@firma.de&body=c@firma.de&d@firma.de#e@firma.de"),
               ElementsAre("mailto a@firma.de"));
+  EXPECT_THAT(InMailto("mailto:a@firma.de?subject=x?cc=b@firma.de"), ElementsAre("mailto a@firma.de"));
   EXPECT_THAT(InMailto("mailto://a@firma.de"), ElementsAre("mailto a@firma.de"));
   EXPECT_THAT(InMailto("mailto:a%2540firma.de"), IsEmpty());
   EXPECT_THAT(InMailto("https://firma.de/?a@firma.de"), IsEmpty());

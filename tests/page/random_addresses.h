@@ -149,7 +149,7 @@ inline std::string_view RandomPiece(std::mt19937& random) {
                                                         "\\\"",
                                                         "\\u00fc",
                                                         "\\u516c",
-                                                        "\\u00",
+                                                        "\\u0g",
                                                         "\\b",
                                                         "\xFF",
                                                         "\xE3"};
