@@ -64,7 +64,12 @@ std::size_t LocalRunBegin(std::string_view text, std::size_t from, std::size_t e
 std::size_t LocalStart(std::string_view text, std::size_t from, std::size_t sign) {
 #if defined(__SSE2__)
   // Most local parts are shorter than sixteen characters. Where no word character stands in front of one, the first
-  // word character in it is the boundary.
+  // word character in it is the boundary. For example, the sixteen bytes before the "@", with bit 0 at the left:
+  //
+  //   text      write to -jo.doe
+  //   others    .....1..1.......   not local; the last one is byte 8, so the local run begins at byte 9
+  //   Word      11111.11..11.111   byte 8 is not a word character
+  //   word      ..........11.111   from byte 9 on: the first one is byte 10, so the local part is "jo.doe"
   if (sign >= 16) {
     const std::size_t window = sign - 16;
     const AddressBytes bytes(text.data() + window);
@@ -100,13 +105,23 @@ std::size_t TopLevelEnd(std::string_view text, std::size_t dot) {
 constexpr std::size_t kShortDomain = 27;  // with the five bytes that decide about a dot at its end: 32
 
 // DomainEnd where thirty-two bytes follow, or nothing when the run of domain characters is longer than kShortDomain.
+// For example, the bytes behind the "@", with bit 0 at the left:
+//
+//   text        cs.uni-x.de.4 see b.org
+//   domain      1111111111111.111.11111   the run is thirteen bytes long
+//   letters     11.111.1.11...111.1.111
+//   no_word     ..1...1.1..1.1...1.1...
+//   top_level   ..11....1....11....11..   two to four letters behind this byte, and no word character behind those
+//   dots        ..1.....1..............   dots with a top-level name, in the run, not as its first byte
+//
+// The last dot is byte 8, and the letters behind it end before byte 11: the domain is "cs.uni-x.de".
 inline std::optional<std::size_t> ShortDomainEnd(std::string_view text, std::size_t begin) {
   const AddressBytes near(text.data() + begin), far(text.data() + begin + 16);
   const auto both = [](unsigned first, unsigned second) { return first | second << 16; };
   const auto run = static_cast<std::size_t>(std::countr_one(both(near.Domain(), far.Domain())));
   if (run > kShortDomain) return std::nullopt;
-  // Bit i of each word tells of the byte behind byte i, and so on: a top-level name is two to four letters and no word
-  // character behind them.
+  // `letters >> 1` moves what is known of the byte behind to the byte itself, `letters >> 2` that of the byte after it,
+  // and so on: a top-level name is two to four letters and no word character behind them.
   const unsigned letters = both(near.Letters(), far.Letters()), no_word = ~both(near.Word(), far.Word());
   const unsigned top_level =
       letters >> 1 & letters >> 2 & (no_word >> 3 | (letters >> 3 & (no_word >> 4 | (letters >> 4 & no_word >> 5))));

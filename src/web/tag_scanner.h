@@ -75,8 +75,19 @@ class TagScanner {
     return true;
   }
 
-  // The "<" that begin a tag. The addition carries a bit from behind every ">" (and from the front, outside of a tag)
-  // over all bytes that are neither, to the next "<" or ">".
+  // The "<" that begin a tag. An addition finds them all at once: a bit behind every ">" (and at the front, outside of
+  // a tag) is carried over all bytes that are neither "<" nor ">", and stops at the next one that is. If that is a "<",
+  // it begins a tag. For example, with the first byte, which is bit 0, at the left:
+  //
+  //   page      x<a b<c>y>z<b>
+  //   opens     .1...1.....1..
+  //   closes    .......1.1...1
+  //   outside   1.......1.1...   the front, and behind every ">"
+  //   neither   1.111.1.1.1.1.   ~(opens | closes)
+  //   sum       .1111.1..1.11.   the bit at the front went to a "<", that at "y" to a ">", that at "z" to a "<"
+  //   tags      .1.........1..   sum & opens; no bit came to the "<" within the first tag
+  //
+  // Bytes within a tag keep their bits of `neither` in the sum. They are not "<", so the last step removes them.
   [[nodiscard]] std::uint64_t TagsAmong(const TagMasks& masks) const {
     const std::uint64_t outside = masks.closes << 1 | (in_tag_ ? 0u : 1u);
     return (outside + ~(masks.opens | masks.closes)) & masks.opens;
