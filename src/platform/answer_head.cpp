@@ -8,24 +8,43 @@
 namespace quenlar {
 namespace {
 
-std::string_view TrimWhite(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == text.npos) return "";
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 bool IsRedirect(int status) {
   return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
-std::optional<ContentCoding> CodingOf(std::string_view value) {
+}  // namespace
+
+std::optional<int> ParseStatusLine(std::string_view line) {
+  const std::size_t blank = line.find(' ');
+  if (!line.starts_with("HTTP/") || blank == line.npos) return std::nullopt;
+  const std::string_view version = line.substr(5, blank - 5);
+  const std::string_view code = line.substr(blank + 1, 3);
+  const std::string_view rest = line.substr(std::min(blank + 4, line.size()));
+  if (version.empty() || version.find_first_not_of("0123456789.") != version.npos) return std::nullopt;
+  if (code.size() != 3 || code[0] < '1' || code[0] > '9' || !IsDigit(code[1]) || !IsDigit(code[2])) return std::nullopt;
+  if (!rest.empty() && rest.front() != ' ') return std::nullopt;
+  return (code[0] - '0') * 100 + (code[1] - '0') * 10 + (code[2] - '0');
+}
+
+std::optional<std::uint64_t> ParseContentLength(std::string_view value) {
+  if (value.empty() || value.size() > 18 || value.find_first_not_of("0123456789") != value.npos) return std::nullopt;
+  std::uint64_t length = 0;
+  for (const char c : value) length = length * 10 + static_cast<std::uint64_t>(c - '0');
+  return length;
+}
+
+std::optional<ContentCoding> ParseContentCoding(std::string_view value) {
   if (value.empty() || EqualsIgnoreCase(value, "identity")) return ContentCoding::kIdentity;
   if (EqualsIgnoreCase(value, "gzip") || EqualsIgnoreCase(value, "x-gzip")) return ContentCoding::kGzip;
   if (EqualsIgnoreCase(value, "deflate")) return ContentCoding::kDeflate;
   return std::nullopt;
 }
 
-}  // namespace
+std::string_view TrimHeaderBlanks(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == text.npos) return "";
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
 
 bool AnswerHead::AddLine(std::string_view line) {
   bytes_ += line.size();
@@ -41,38 +60,28 @@ bool AnswerHead::AddLine(std::string_view line) {
   }
   const std::size_t colon = line.find(':');
   if (colon == line.npos || line.front() == ' ' || line.front() == '\t') return true;
-  return AddHeader(line.substr(0, colon), TrimWhite(line.substr(colon + 1)));
+  return AddHeader(line.substr(0, colon), TrimHeaderBlanks(line.substr(colon + 1)));
 }
 
 bool AnswerHead::StartAnswer(std::string_view status_line) {
-  // "HTTP/1.1 200 OK", and "HTTP/2 200" where a library says so.
-  const std::size_t blank = status_line.find(' ');
-  if (!status_line.starts_with("HTTP/") || blank == status_line.npos) return false;
-  const std::string_view version = status_line.substr(5, blank - 5);
-  const std::string_view code = status_line.substr(blank + 1, 3);
-  const std::string_view rest = status_line.substr(std::min(blank + 4, status_line.size()));
-  if (version.empty() || version.find_first_not_of("0123456789.") != version.npos) return false;
-  if (code.size() != 3 || code[0] < '1' || code[0] > '9' || !IsDigit(code[1]) || !IsDigit(code[2])) return false;
-  if (!rest.empty() && rest.front() != ' ') return false;
+  const auto status = ParseStatusLine(status_line);
+  if (!status) return false;
   const std::size_t bytes = bytes_;
   *this = AnswerHead();
   bytes_ = bytes;
   started_ = true;
-  status_ = (code[0] - '0') * 100 + (code[1] - '0') * 10 + (code[2] - '0');
+  status_ = *status;
   return status_ != 407;
 }
 
 bool AnswerHead::AddHeader(std::string_view name, std::string_view value) {
   if (EqualsIgnoreCase(name, "content-length")) {
-    if (content_length_ || value.empty() || value.size() > 18) return false;
-    if (value.find_first_not_of("0123456789") != value.npos) return false;
-    std::uint64_t length = 0;
-    for (const char c : value) length = length * 10 + static_cast<std::uint64_t>(c - '0');
-    content_length_ = length;
-    return length <= kMaxBodyBytes;
+    if (content_length_) return false;
+    content_length_ = ParseContentLength(value);
+    return content_length_ && *content_length_ <= kMaxBodyBytes;
   }
   if (EqualsIgnoreCase(name, "content-encoding")) {
-    const auto coding = CodingOf(value);
+    const auto coding = ParseContentCoding(value);
     if (!coding || (coding_ != ContentCoding::kIdentity && *coding != ContentCoding::kIdentity)) return false;
     if (*coding != ContentCoding::kIdentity) coding_ = *coding;
     return true;

@@ -14,6 +14,17 @@ namespace quenlar {
 // All header lines of one answer, those of interim answers (1xx) included.
 inline constexpr std::size_t kMaxHeadBytes = 256 * 1024;
 
+// The parts of heads, for all who read them.
+
+// The status of "HTTP/1.1 200 OK", "HTTP/1.1 200" or "HTTP/2 200", 100 to 999; empty when the line is none of these.
+[[nodiscard]] std::optional<int> ParseStatusLine(std::string_view line);
+// Empty when the value is not a number of at most 18 digits.
+[[nodiscard]] std::optional<std::uint64_t> ParseContentLength(std::string_view value);
+// Empty for every coding but gzip and deflate.
+[[nodiscard]] std::optional<ContentCoding> ParseContentCoding(std::string_view value);
+// Cuts blanks and tabs at both ends.
+[[nodiscard]] std::string_view TrimHeaderBlanks(std::string_view text);
+
 // Fed line by line. Lines that are no headers (without a colon, folded) are passed over. What fails: a status line that
 // is none, more than kMaxHeadBytes, a Content-Length that is no number, comes twice or is above kMaxBodyBytes, a
 // Content-Encoding other than one of gzip and deflate, a Transfer-Encoding other than chunked, the status 407.

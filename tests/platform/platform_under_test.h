@@ -21,6 +21,7 @@
 #include "platform/page_fetcher.h"
 #include "platform/registry.h"
 #include "platform/text_decoder.h"
+#include "platform/web_client.h"
 
 namespace quenlar {
 
@@ -50,6 +51,9 @@ class TestPlatform {
   // A fetcher on loop(). With a proxy ("http://127.0.0.1:8080") everything goes through it; with "" nothing does,
   // whatever the environment says. The certificates in the file `authorities` (PEM) are trusted, if it is named.
   [[nodiscard]] virtual std::unique_ptr<PageFetcher> MakeFetcher(const std::string& proxy,
+                                                                 const std::string& authorities) = 0;
+  // A crawler's client on loop(), with proxy and authorities as above.
+  [[nodiscard]] virtual std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy,
                                                                  const std::string& authorities) = 0;
   // False where the system's HTTP client is Wine's: it takes torn heads and chunks for answers, reads heads without
   // end, keeps connections on which something follows the answer, and knows them again in another fetcher. Its faults

@@ -4,6 +4,7 @@
 
 #include "platform_under_test.h"
 #include "support/fake_platform.h"
+#include "support/scripted_web_client.h"
 
 namespace quenlar {
 namespace {
@@ -79,6 +80,11 @@ class FakeTestPlatform : public TestPlatform {
     fetcher->ServeOthers([this](const std::string& address) { return Answer(address); });
     return fetcher;
   }
+  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string&, const std::string&) override {
+    auto client = std::make_unique<ScriptedWebClient>(fakes_.loop);
+    client->ServeOthers([this](const WebRequest& request) { return WebAnswerTo(request.url); });
+    return client;
+  }
   void Serve(ServeHandler handler) override { handler_ = std::move(handler); }
   [[nodiscard]] std::string ServerAddress() override { return "http://127.0.0.1:80"; }
   [[nodiscard]] const CodePage& code_page() override { return fakes_.code_page; }
@@ -88,6 +94,14 @@ class FakeTestPlatform : public TestPlatform {
   [[nodiscard]] InterfaceTable& interfaces() override { return fakes_.interfaces; }
 
  private:
+  std::optional<ScriptedWebAnswer> WebAnswerTo(const std::string& url) {
+    if (!url.starts_with(ServerAddress() + "/")) return WebFails(WebFailure::kNoConnection);
+    const ServedAnswer served = handler_({url.substr(ServerAddress().size())});
+    ScriptedWebAnswer answer{.status = served.status, .body = served.body, .ip = "127.0.0.1"};
+    answer.fields = {{"Content-Type", served.content_type}};
+    if (!served.location.empty()) answer.fields.emplace_back("Location", served.location);
+    return answer;
+  }
   std::optional<ScriptedAnswer> Answer(const std::string& address) {
     std::string path = address;
     if (!path.starts_with(ServerAddress()) || !handler_) return Failure();

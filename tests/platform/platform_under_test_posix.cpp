@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/posix/curl_page_fetcher.h"
+#include "platform/posix/curl_web_client.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/httplib_loopback_server.h"
 #include "platform/posix/iconv_text_decoder.h"
@@ -39,6 +40,13 @@ class PosixTestPlatform : public TestPlatform {
     options.proxy = proxy;
     options.authorities = authorities;
     return std::make_unique<CurlPageFetcher>(*loop_, std::move(options));
+  }
+  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy,
+                                                         const std::string& authorities) override {
+    CurlWebOptions options;
+    options.proxy = proxy.empty() ? ProxyChoice::None() : ProxyChoice::Given(proxy);
+    options.authorities = authorities;
+    return MakeCurlWebClient(*loop_, std::move(options));
   }
   void Serve(ServeHandler handler) override {
     auto server = MakeHttplibLoopbackServer(std::move(handler));

@@ -41,6 +41,9 @@ class Win32TestPlatform : public TestPlatform {
     options.proxy = proxy;
     return std::make_unique<WinHttpPageFetcher>(loop_, options);
   }
+  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string&, const std::string&) override {
+    return nullptr;
+  }
   [[nodiscard]] bool HttpIsStrict() const override {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
   }

@@ -2,9 +2,12 @@
 // what is no path of these is an ordinary page. It takes itself for a proxy as well: http://anything.example/path is
 // answered as /path, so that a test has as many hosts as it likes. Prints its address, "127.0.0.1:4711", and serves
 // until it is killed.
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -14,6 +17,7 @@
 
 #include "endpoints.h"
 #include "listener.h"
+#include "open_connections.h"
 #include "tls.h"
 
 namespace quenlar::hostile {
@@ -53,9 +57,23 @@ const Endpoint* Find(const Endpoints& endpoints, std::string path) {
   return nullptr;
 }
 
-void Serve(const Endpoints& endpoints, int socket, int number) {
+// Other ports of the same server, so that one address has many hosts.
+constexpr int kMorePorts = 12;
+
+struct Doors {
+  OpenConnections& open;
+  const Endpoints& endpoints;
+};
+
+void Serve(const Doors& doors, int socket, int number) {
+  const Endpoints& endpoints = doors.endpoints;
   Connection connection(socket);
   connection.number = number;
+  const struct Leaving {  // before the socket is closed and its number given to another one
+    ~Leaving() { open.Leave(socket); }
+    OpenConnections& open;
+    int socket;
+  } leaving{doors.open, socket};
   while (const auto request = connection.Read()) {
     if (connection.deaf_to_next) return;
     if (request->method == "CONNECT") {
@@ -83,9 +101,33 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
   endpoints["/tls/authority"] = text(ports.authority);
 }
 
+void AddCounts(OpenConnections& open, const std::string& ports, Endpoints& endpoints) {
+  endpoints["/ports"] = [ports](Connection& connection, const Request&) { return connection.SendPage(ports); };
+  endpoints["/peaks/forget"] = [&open](Connection& connection, const Request&) {
+    open.ForgetPeaks();
+    return connection.SendPage("forgotten");
+  };
+  endpoints["/peaks/all"] = [&open](Connection& connection, const Request&) {
+    return connection.SendPage(std::to_string(open.Peak()));
+  };
+  endpoints["/peaks/port"] = [&open](Connection& connection, const Request&) {
+    return connection.SendPage(std::to_string(open.PeakOfOnePort()));
+  };
+}
+
+void Attend(const Doors& doors, const Listener& listener) {
+  static std::atomic<int> number = 0;
+  while (true) {
+    const int connection = Accept(listener);
+    doors.open.Enter(connection, listener.port);
+    std::thread([&doors, connection, its = ++number] { Serve(doors, connection, its); }).detach();
+  }
+}
+
 int Main() {
   ::signal(SIGPIPE, SIG_IGN);
   const Listener listener = Listen();
+  OpenConnections open;
   Endpoints endpoints;
   AddBodies(endpoints);
   AddChunks(endpoints);
@@ -94,12 +136,21 @@ int Main() {
   AddRedirects(endpoints);
   AddConnections(endpoints);
   AddTls(ServeTls(listener.port), endpoints);
+  std::vector<Listener> more;
+  std::string ports;
+  for (int i = 0; i < kMorePorts; ++i) {
+    more.push_back(Listen());
+    ports += std::to_string(more.back().port) + " ";
+  }
+  AddCounts(open, ports, endpoints);
+  const Doors doors{open, endpoints};
+  for (const Listener& other : more) {
+    std::thread([&doors, other] { Attend(doors, other); }).detach();
+  }
   std::printf("127.0.0.1:%d\n", listener.port);
   std::fflush(stdout);
-  for (int number = 1;; ++number) {
-    const int connection = Accept(listener);
-    std::thread([&endpoints, connection, number] { Serve(endpoints, connection, number); }).detach();
-  }
+  Attend(doors, listener);
+  return 0;
 }
 
 }  // namespace

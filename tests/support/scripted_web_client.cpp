@@ -10,7 +10,8 @@ namespace {
 std::string HostOf(const std::string& url) {
   const std::size_t scheme = url.find("://");
   if (scheme == std::string::npos || (!url.starts_with("http://") && !url.starts_with("https://"))) return "";
-  return url.substr(0, url.find_first_of("/?#", scheme + 3));
+  const std::size_t name_end = url.find_first_of(":/?#", scheme + 3);
+  return name_end == scheme + 3 || scheme + 3 == url.size() ? "" : url.substr(0, url.find_first_of("/?#", name_end));
 }
 
 }  // namespace

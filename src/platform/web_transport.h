@@ -1,0 +1,64 @@
+// What makes the connections below a WebDispatcher: one for each system.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+#include "platform/ip_address.h"
+#include "platform/web_client.h"
+#include "platform/wire_address.h"
+
+namespace quenlar {
+
+using WebExchangeId = std::uint64_t;
+using WebHostId = std::uint64_t;
+
+// One request on its way; all of it must outlive the exchange.
+struct WebExchange {
+  WebExchangeId id = 0;
+  WebHostId host = 0;  // exchanges of one host follow each other, and share its connection
+  const WebRequest& request;
+  const WireAddress& target;
+  std::optional<IpAddress> address;  // where to connect to; empty behind a proxy
+};
+
+// Every call is made inside a pump.
+class WebTransportListener {
+ public:
+  virtual ~WebTransportListener() = default;
+  virtual void OnTransportHead(WebExchangeId id, const WebHead& head) = 0;
+  // Nothing more comes; Take gives what there is.
+  virtual void OnTransportEnd(WebExchangeId id) = 0;
+  // A host's connection was closed while it was idle.
+  virtual void OnIdleClosed(WebHostId host) = 0;
+};
+
+class WebTransport {
+ public:
+  virtual ~WebTransport() = default;
+  virtual void SetTransportListener(WebTransportListener* listener) = 0;
+
+  // Whether a request to there goes through a proxy.
+  [[nodiscard]] virtual bool UsesProxy(const WireAddress& target) const = 0;
+
+  // Sends the request, over the host's kept connection or a new one to `address` and nowhere else. WebRequest's
+  // connect_limit is kept here, the other limits are the caller's. Whatever fails, fails in a later pump.
+  virtual void Begin(const WebExchange& exchange) = 0;
+
+  // When the last bytes of the exchange arrived; its beginning, when none have.
+  [[nodiscard]] virtual std::chrono::steady_clock::time_point LastByte(WebExchangeId id) const = 0;
+
+  struct Outcome {
+    WebAnswer answer;   // without `duration`
+    bool kept = false;  // the host's connection stays open
+  };
+  // Ends the exchange, whether it has come to its end or not, and says what it has come to. No call is made for it any
+  // more. One that was not at its end has no failure, and its connection is closed.
+  [[nodiscard]] virtual Outcome Take(WebExchangeId id) = 0;
+
+  // Closes the connection that the host keeps.
+  virtual void CloseIdle(WebHostId host) = 0;
+};
+
+}  // namespace quenlar
