@@ -1,4 +1,5 @@
-// A quick look for several pairs of characters at once.
+// A quick test whether a text may hold any of several pairs of characters, in one pass. Link builders use it to find
+// out that none of the many texts that would drop a link occurs in it.
 #pragma once
 
 #include <algorithm>
@@ -15,8 +16,11 @@ struct LetterPair {
   char first, second;  // in lower case
 };
 
-// False when the text holds none of the pairs, letters in either case. True says little: some control characters pass
-// for others.
+// Returns false when the text holds none of the pairs; letter case is ignored. True proves nothing: the bit that makes
+// a letter small also turns some control characters into others. So a caller that gets true looks closely.
+//
+// Sixteen bytes are compared at a time with the first characters, and the sixteen bytes one further on with the second
+// ones. A bit that is set in both marks a pair. The last step is moved back so that it ends with the text.
 template <LetterPair... pairs>
 [[nodiscard]] bool MayHoldPair(std::string_view text) {
   constexpr char kFold = 0x20;  // makes small letters of capitals

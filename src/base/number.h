@@ -1,4 +1,4 @@
-// Numbers read from text that people or foreign programs wrote, and their narrowing to stored widths.
+// Reads numbers from text that people or other programs wrote, and narrows them to the widths that settings have.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,14 @@
 
 namespace quenlar {
 
-// The number at the beginning of `text`: leading blanks are skipped, reading stops at the first character that
-// cannot continue a decimal number (sign, digits, fraction, exponent). No number gives 0; a number too large for
-// a double gives infinity. "nan" and "inf" are no numbers.
+// Returns the number at the beginning of `text`. Leading blanks are skipped. Reading stops at the first character that
+// cannot continue a decimal number with sign, digits, fraction and exponent. So " 12 apples" gives 12. A text that does
+// not begin with a number gives 0, and so do "nan" and "inf". A number too large for a double gives infinity. The
+// locale makes no difference.
 [[nodiscard]] double LeadingNumber(std::string_view text);
 
-// Rounds to the nearest integer, halves to even, and narrows; empty when the result does not fit (or is not finite).
+// Rounds to the nearest integer, halves to the even one. Empty when the result does not fit into the width, and for
+// infinity and values that are not numbers.
 [[nodiscard]] std::optional<std::int16_t> RoundToInt16(double value);
 [[nodiscard]] std::optional<std::int32_t> RoundToInt32(double value);
 

@@ -3,10 +3,11 @@
 
 namespace quenlar {
 
-// Has what lies at `address` at hand soon. Any address will do; one that cannot be read does nothing.
+// Asks the processor to load the cache line at `address`. Returns at once, so other work can go on meanwhile. Any
+// address is allowed: one that cannot be read has no effect.
 inline void Prefetch(const void* address) {
   __builtin_prefetch(address);
-  // A function that does nothing but the above counts as one without any effect, and GCC leaves out all calls of it.
+  // GCC takes a function with nothing but a prefetch for one without effect and removes the calls. This line stops it.
   asm volatile("");
 }
 

@@ -1,4 +1,10 @@
 // The result of an operation that can fail: a kind that callers tell apart and a message for the user.
+//
+//   Result<std::string> text = ReadWhole(files, path);
+//   if (!text.ok()) return text.status().WithContext("The filter file");
+//   Use(text.value());
+//
+// The compiler warns where a result is dropped. A caller that does not need it says so: `.Ignore("reason")`.
 #pragma once
 
 #include <cassert>
@@ -16,12 +22,12 @@ enum class StatusKind {
   kFull,      // no space is left on the medium
   kLimit,     // a documented limit was reached (16-bit writer counts, page size, ...)
   kFormat,    // the bytes are not in the expected format
-  kBusy,      // somebody else holds the resource
+  kBusy,      // another process holds the resource
   kFailed,    // anything else that the system refused
 };
 
-// Success, or a kind and a message in plain words. The message names the object (a path, an address) and
-// the cause, carries no trailing " !", and is UTF-8.
+// Success, or a kind of failure and a message in plain words (UTF-8). The message names the object, such as a path or
+// an address, and the cause. It does not end in " !": SentenceOf (platform/message_boxes.h) adds that for the user.
 class [[nodiscard]] Status {
  public:
   Status() = default;
@@ -33,12 +39,12 @@ class [[nodiscard]] Status {
   [[nodiscard]] StatusKind kind() const { return kind_; }
   [[nodiscard]] const std::string& message() const { return message_; }
 
-  // The same failure with "what: " in front of its message; a success stays a success.
+  // Returns the same failure with "what: " in front of its message. A success stays a success.
   [[nodiscard]] Status WithContext(const std::string& what) const {
     return ok() ? Status() : Status(kind_, what + ": " + message_);
   }
 
-  // Says on purpose that nobody needs this result; `reason` is for the reader of the code.
+  // Drops the result on purpose. `reason` tells the reader of the code why that is right.
   void Ignore([[maybe_unused]] const char* reason) const {}
 
  private:
@@ -62,7 +68,7 @@ class [[nodiscard]] Result {
   [[nodiscard]] bool ok() const { return std::holds_alternative<T>(state_); }
   [[nodiscard]] Status status() const { return ok() ? Status() : std::get<Status>(state_); }
 
-  // Only where ok().
+  // These three may be called only when ok(). take() moves the value out.
   [[nodiscard]] T& value() { return std::get<T>(state_); }
   [[nodiscard]] const T& value() const { return std::get<T>(state_); }
   [[nodiscard]] T&& take() { return std::move(std::get<T>(state_)); }

@@ -1,4 +1,5 @@
-// Hash values of texts, seeded, so that nobody who writes a page can aim at one slot of a table.
+// Seeded hash values of texts. The author of a page does not know the seed, so no page can fill one slot of a table
+// with its texts and make it slow.
 #pragma once
 
 #include <cstdint>
@@ -8,21 +9,22 @@
 
 namespace quenlar {
 
+// A hash function. Copies give the same values. Values differ from one start of the program to the next.
 class TextHash {
  public:
-  // One seed for all tables of a program: drawing one costs more than a small table.
+  // Takes the seed that all tables of the program share. Drawing a fresh one costs more than a small table.
   TextHash() {
     static const std::uint64_t seed = std::random_device{}();
     *this = TextHash(seed);
   }
   explicit TextHash(std::uint64_t seed) : seed_(Mix(seed ^ kFirst, 0xD6E8FEB86659FD93u)) {}
 
-  // Equal for equal texts.
+  // The same value for the same text.
   [[nodiscard]] std::uint32_t Exact(std::string_view text) const {
     return Run(text, [](std::uint64_t word) { return word; });
   }
-  // Equal for texts that differ in ASCII letter case only. For addresses: the bit that makes a capital small is set in
-  // every character, and no two others that can stand in an address become alike by that.
+  // The same value for texts that differ only in ASCII letter case. Made for e-mail addresses: it sets the bit that
+  // makes a capital small in every character, and no two other characters of an address become the same by that.
   [[nodiscard]] std::uint32_t IgnoringCase(std::string_view address) const {
     return Run(address, [](std::uint64_t word) { return word | 0x2020202020202020u; });
   }
@@ -34,7 +36,7 @@ class TextHash {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
   }
 
-  // A factor an eight-byte lane; none of them means anything but that its bits are well mixed.
+  // One factor for each of the two lanes and one for the end. They are odd numbers with well mixed bits, nothing more.
   static constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u;
   static constexpr std::uint64_t kSecond = 0xA0761D6478BD642Fu;
   static constexpr std::uint64_t kLast = 0xE7037ED1A0B428DBu;
@@ -53,7 +55,8 @@ class TextHash {
            Load<std::uint8_t>(from + size - 1) << 16;
   }
 
-  // Two lanes side by side; the last eight bytes overlap those before them, so that no rest is left over.
+  // Two lanes take eight bytes each in turn. The last eight bytes may overlap the ones before them, so that no shorter
+  // rest has to be handled.
   template <typename Fold>
   std::uint32_t Run(std::string_view text, Fold fold) const {
     const char* at = text.data();

@@ -13,7 +13,7 @@
 
 namespace quenlar {
 
-// Views stay valid until the table is cleared, also while records are added.
+// One record. Its views stay valid until the table is cleared, even while records are added. All texts are UTF-8.
 struct FoundAddress {
   std::string_view URL;      // the page where it was found
   std::string_view Address;  // in the case in which it was found
@@ -21,10 +21,19 @@ struct FoundAddress {
   bool TagOnly = false;      // the page's only address stood inside a tag
 };
 
+// A growing list of records in the order in which they were found, with an index over the addresses.
+//
+// Every address is kept once, in memory that never moves, and the records of one page share its address and title. So a
+// record costs 16 bytes and its text, and about ten bytes of index. Duplicate tests compare without ASCII letter case
+// and take constant time. Adding may throw std::bad_alloc; the table is then as it was before.
+//
+//   FoundAddresses::PageTexts page{url, title};
+//   for (std::string_view address : addresses_of_page) found.AddIfNew(page, address, false);
 class FoundAddresses {
  public:
   FoundAddresses() = default;
 
+  // The number of records. At() takes indices below it.
   [[nodiscard]] std::uint32_t Count() const { return static_cast<std::uint32_t>(records_.size()); }
   [[nodiscard]] FoundAddress At(std::uint32_t index) const {
     const Record& record = records_[index];
@@ -32,32 +41,35 @@ class FoundAddresses {
     return {page.url, record.address(), page.title, record.tag_only != 0};
   }
 
-  // Whether a record's Address equals this one but for ASCII letter case; the answer of a linear scan.
+  // Returns whether the Address of any record equals `address`, ASCII letter case ignored.
   [[nodiscard]] bool Contains(std::string_view address) const;
-  // The same for an address whose hash is known: hash().IgnoringCase(address).
+  // The same for a caller that has the hash already: `hash` is hash().IgnoringCase(address).
   [[nodiscard]] bool Contains(std::string_view address, std::uint32_t hash) const;
 
-  // Appends without a test (a report may list an address twice). Records of one page in a row share its texts.
+  // Appends without a duplicate test, because a report that is read back may list an address twice. The texts are
+  // copied. Records of the same page that come one after the other share the copies of its URL and title.
   void Add(const FoundAddress& record);
 
-  // A page to which records are added one by one; its texts are kept at its first one. They must stay valid as long
-  // as the page is used.
+  // A page whose records are added one by one. The caller fills in `url` and `title` and keeps both texts valid while
+  // it adds; the table fills in the rest. The texts are copied with the page's first record, so a page without new
+  // addresses costs nothing.
   struct PageTexts {
     std::string_view url, title;
-    std::uint64_t filling = 0;  // what the table knows the kept texts by: nothing yet
-    std::uint32_t number = 0;
+    std::uint64_t filling = 0;  // the state of the table in which `number` is valid; 0: the texts are not yet copied
+    std::uint32_t number = 0;   // the page's place in the table
   };
-  // Appends unless an equal address (see Contains) is there. True when appended.
+  // Appends a record of `page` unless the table contains an equal address. Returns whether it has appended.
   bool AddIfNew(PageTexts& page, std::string_view address, bool tag_only) {
     return AddIfNew(page, address, hash_.IgnoringCase(address), tag_only);
   }
   // The same for an address whose hash is known.
   bool AddIfNew(PageTexts& page, std::string_view address, std::uint32_t hash, bool tag_only);
-  // Stays the same also when the table is cleared.
+  // The hash function of this table. It stays the same when the table is cleared.
   [[nodiscard]] const TextHash& hash() const { return hash_; }
 
-  // Ask the processor to have at hand soon what a test for an address with this hash will look at: its slot, then the
-  // record in the slot, then the record's text. Each waits for memory where it is not asked some tests ahead.
+  // These three ask the processor to load what a later duplicate test for this hash will read: the slot of the index,
+  // then the record, then the record's text. Each needs what the one before it has loaded. So a caller that goes
+  // through many addresses calls the first one farthest ahead, and the last one shortly before the test.
   void PrefetchSlot(std::uint32_t hash) const { index_.Prefetch(hash); }
   void PrefetchRecord(std::uint32_t hash) const {
     if (const auto number = index_.FirstGuess(hash)) Prefetch(&records_[*number]);
@@ -66,10 +78,10 @@ class FoundAddresses {
     if (const auto number = index_.FirstGuess(hash)) Prefetch(records_[*number].text);
   }
 
-  // No records, memory given back.
+  // Removes all records and gives their memory back. All views become invalid.
   void Clear();
 
-  // Heap memory in use, texts included.
+  // The heap memory in use, in bytes, texts included.
   [[nodiscard]] std::size_t MemoryBytes() const;
 
  private:

@@ -16,16 +16,18 @@
 
 namespace quenlar {
 
-// Eight bytes a slot, at most four fifths of the slots in use. Holds numbers below 2^32 - 1; nothing is ever taken
-// out. The hash is kept beside the number, so that growing reads no record.
+// The table knows hashes and numbers, not the records. The caller compares records: Find calls `equal(number)` for each
+// number with the wanted hash. A number is below 2^32 - 1, and nothing is ever taken out.
 //
-// Eight slots are a row, which is one line of the processor's cache. A number goes into the first free slot of its row,
-// or of the next row that has one, so a row is looked at as a whole, without a jump that depends on how full it is.
+// A slot takes eight bytes: the number, and the hash beside it, so that growing does not have to read any record. Eight
+// slots are a row, and a row is one line of the processor's cache. A number goes into the first free slot of its row,
+// or of the next row that has a free one. At most four fifths of the slots are in use. A row is always compared as a
+// whole, so no branch depends on how full it is.
 class IndexTable {
  public:
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-  // A number put in with this hash that passes `equal`, or kNone.
+  // Returns the first number with this hash for which `equal(number)` is true, or kNone.
   template <typename Equal>
   [[nodiscard]] std::uint32_t Find(std::uint32_t hash, Equal equal) const {
     if (rows_.empty()) return kNone;
@@ -43,11 +45,12 @@ class IndexTable {
     return Find(hash, equal) != kNone;
   }
 
-  // Asks the processor to have the row at hand soon in which a search for this hash begins.
+  // Asks the processor to load the row in which a search for this hash begins. Costs nothing when it is loaded already.
   void Prefetch(std::uint32_t hash) const {
     if (!rows_.empty()) quenlar::Prefetch(&rows_[hash & mask_]);
   }
-  // The first number in that row that was put in with this hash, if there is one.
+  // Returns the first number with this hash in that row. The record may still differ, and the wanted one may stand in a
+  // later row: it is a guess at which record to load.
   [[nodiscard]] std::optional<std::uint32_t> FirstGuess(std::uint32_t hash) const {
     if (rows_.empty()) return std::nullopt;
     const Row& row = rows_[hash & mask_];
@@ -56,14 +59,15 @@ class IndexTable {
     return row.number_plus_one[std::countr_zero(hits)] - 1;
   }
 
-  // Puts a number in without a test.
+  // Puts a number in without a duplicate test. May throw std::bad_alloc; the table is then unchanged.
   void Insert(std::uint32_t hash, std::uint32_t number) {
     MakeRoom();
     Place(hash, number + 1);
     ++used_;
   }
 
-  // The next Insert needs no memory, so a record and its number go in together or not at all.
+  // Makes sure that the next Insert needs no memory. A caller that calls it before it adds a record adds the record and
+  // its number together or not at all. May throw std::bad_alloc.
   void MakeRoom() {
     if ((used_ + 1) * 5 > rows_.size() * kRowSlots * 4) Grow();
   }

@@ -20,10 +20,18 @@ struct LinkRecord {
   std::int16_t number = 1;
 };
 
-// A growing list of links in the order in which they were found. Records before Next() have been started; some of
-// those may still be in flight (started and neither completed, failed nor abandoned), and a file of the links still
-// to visit holds them too. Every duplicate test gives the answer of a linear scan over all records, visited ones
-// included, in constant time.
+// A growing list of links in the order in which they were found.
+//
+// Records before Next() have been started. A started record is in flight until Finish: its page has neither arrived nor
+// failed, and nobody has given it up. The data file holds the records in flight too, because their pages are still to
+// be visited. Records from Next() on wait for their turn.
+//
+//   const std::uint32_t index = queue.StartNext();
+//   Download(queue.At(index).URL);
+//   ... queue.Finish(index);   // when the page has been analysed or has failed
+//
+// Duplicate tests look at all records, visited ones included, in constant time. Adding may throw std::bad_alloc; the
+// queue is then as it was before.
 class LinkQueue {
  public:
   [[nodiscard]] std::uint32_t Count() const { return static_cast<std::uint32_t>(records_.size()); }
@@ -33,42 +41,44 @@ class LinkQueue {
     return {record.url(), record.number};
   }
 
-  // Appends unless the same text is already there (exact comparison). True when appended.
+  // Appends a copy of `url` unless the queue holds the same text; letter case counts. Returns whether it has appended.
   bool AddIfNew(std::string_view url, std::int16_t number = 1);
 
-  // Appends unless a record of the same site is there (GetHost of both equal, exact comparison). True when appended.
+  // Appends a copy of `url` unless the queue holds a record of the same site, which is the same GetHost; letter case
+  // counts. Returns whether it has appended.
   bool AddIfNewHost(std::string_view url, std::int16_t number = 1);
 
-  // Whether a record of the same site is there, as AddIfNewHost asks it.
+  // Returns whether the queue holds a record of the site of `url`. The test is that of AddIfNewHost.
   [[nodiscard]] bool HasHost(std::string_view url);
 
-  // Appends, whatever is there.
+  // Appends a copy of `url` without a test.
   void Append(std::string_view url, std::int16_t number = 1);
 
-  // Takes the record at Next(), moves Next() on by one and counts the record as in flight. Only while Next() < Count().
+  // Starts the record at Next(): it is in flight from now on, and Next() moves on by one. Returns its index. There must
+  // be a record at Next().
   std::uint32_t StartNext();
 
-  // The record is done: it is in flight no more. Does nothing for a record that is not in flight.
+  // Ends the flight of the record: it is done. Does nothing for a record that is not in flight.
   void Finish(std::uint32_t index);
 
-  // Indices in flight, ascending.
+  // The indices of the records in flight, ascending.
   [[nodiscard]] const std::vector<std::uint32_t>& InFlight() const { return in_flight_; }
 
-  // Links that a later run would still have to visit: in flight, then Next() to Count() - 1.
+  // Whether a later run would have anything to visit here: a record in flight, or one that waits.
   [[nodiscard]] bool HasUnvisited() const { return next_ < Count() || !in_flight_.empty(); }
 
-  // Takes what is in flight back, for a run that begins after one that left it unfinished: those records come right
-  // before the one at Next(), in their order, and Next() is the first of them. Indices of started records change.
+  // Puts the records in flight back among those that wait, for a run that follows an unfinished one. They come right
+  // before the record at Next(), in their order, and Next() becomes the first of them. Nothing is in flight then, and
+  // the indices of started records change.
   void RestartInFlight();
 
-  // Turns the order of the records not yet started around (with none started: record i changes places with record
-  // Count() - 1 - i).
+  // Reverses the order of the records that wait. Started records keep their places.
   void Reverse();
 
-  // No records, Next() 0, nothing in flight, memory given back.
+  // Removes all records and gives their memory back. All views become invalid.
   void Clear();
 
-  // Heap memory in use, texts included.
+  // The heap memory in use, in bytes, texts included.
   [[nodiscard]] std::size_t MemoryBytes() const;
 
  private:
@@ -78,8 +88,8 @@ class LinkQueue {
     std::int16_t number;
     [[nodiscard]] std::string_view url() const { return {text, length}; }
   };
-  // An index is built when its question is first asked, and reaches to `covered`: level 0 is only ever asked for
-  // hosts, the other levels only for whole texts.
+  // An index is built when a duplicate test first needs it, and covers the records before `covered`. Level 0 is only
+  // ever asked for sites and the other levels only for whole texts, so each queue builds one of its two.
   struct Index {
     IndexTable table;
     std::uint32_t covered = 0;

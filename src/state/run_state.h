@@ -1,4 +1,5 @@
-// What the parts of a run share: flags, counters and the project at hand. Plain values with one owner.
+// What the parts of a run share: flags, counters and the open project. Plain values that the engine owns. They change
+// in every pump, so a function that pumps reads them again.
 #pragma once
 
 #include <array>
@@ -11,14 +12,16 @@
 namespace quenlar {
 
 struct RunState {
-  bool running = false;
-  bool stop_requested = false;
-  bool off_line = false;
+  bool running = false;         // from the start of a run until everything at its end has been saved and shown
+  bool stop_requested = false;  // the run is to end in order: by the user, the stop number or the watchdog
+  bool off_line = false;        // the watchdog has found no network connection
 
-  // Downloads started and not yet completed, by level. Level 0 also counts search pages, and the upgrade check once
-  // (nothing but the start of a keyword run takes that one off).
+  // The downloads that were started and have not completed, by level. Level 0 also counts search pages. The upgrade
+  // check adds one to level 0 that its own end does not take off again; the start of the next keyword run does.
   std::array<std::int16_t, kLevels> pending{};
   std::int16_t upgrade_share = 0;  // the part of pending[0] that the upgrade check added
+
+  // Whether level 0 waits for a page of the run itself.
   [[nodiscard]] bool LevelZeroPending() const { return pending[0] > upgrade_share; }
 
   std::int32_t ScanCount = 0;  // pages analysed in the run
@@ -30,16 +33,17 @@ struct RunState {
   std::int16_t LinkDepth = 1;
 };
 
-// The project named by the text of the input box.
+// The open project. The text of the input box names it (project/project_name.h), its files fill the queues and the
+// table (project/project_store.h), and a run works through them.
 struct Project {
-  bool IsKeywordProject = false;  // false: the text is an address
-  std::string Keyword;            // blanks replaced by "+"
-  std::string StartURL;           // the first page to download
-  std::string DataFile;           // full path
-  std::string ReportFile;         // full path
-  std::string ProjectLanguage;    // the code that a keyword's text ends in, if any
-  bool ProjectLoaded = false;     // its files have been read
-  std::int16_t result_offset = 0;
+  bool IsKeywordProject = false;   // false: the text is an address
+  std::string Keyword;             // blanks replaced by "+"
+  std::string StartURL;            // the first page to download
+  std::string DataFile;            // full path
+  std::string ReportFile;          // full path
+  std::string ProjectLanguage;     // the code that a keyword's text ends in, if any
+  bool ProjectLoaded = false;      // its files have been read
+  std::int16_t result_offset = 0;  // the first result of the search page that is asked for next: 0, 100, 200, ...
 
   LinkQueues queues;
   FoundAddresses found;

@@ -1,4 +1,4 @@
-// What a run shows while it goes on. Implemented by the main window, the command line and tests.
+// What a run shows while it goes on. The main window, the command line and tests each implement it.
 #pragma once
 
 #include <cstdint>
@@ -6,18 +6,21 @@
 
 namespace quenlar {
 
+// Every call comes from the thread of the event loop, at times from deep inside an analysis. An implementation returns
+// quickly and does not pump.
 class RunView {
  public:
   virtual ~RunView() = default;
-  // The stage text (panel 1 of the status bar).
+  // Shows what the run is doing. The window shows `text` in panel 1 of its status bar.
   virtual void ShowStage(const std::string& text) = 0;
-  // The address count (panel 2, the count followed by " Address").
+  // Shows how many addresses the project has. The window shows the count and " Address" in panel 2.
   virtual void ShowAddressCount(std::uint32_t count) = 0;
-  // The pages scanned (panel 3, "Scan " followed by the count).
+  // Shows how many pages have been scanned. The window shows "Scan " and the count in panel 3.
   virtual void ShowScanCount(std::int64_t count) = 0;
-  // The record at `index` of the found-address table has been added; `red` when its address is to be drawn red.
+  // Shows the record at `index` of the found-address table, which has just been added. `red`: the address was the only
+  // one of its page and stood inside a tag, so it is drawn in red.
   virtual void AddRow(std::uint32_t index, bool red) = 0;
-  // The table has been emptied.
+  // Shows an empty list: the table has just been cleared.
   virtual void ClearRows() = 0;
 };
 

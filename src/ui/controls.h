@@ -1,8 +1,29 @@
-// Toolkit-neutral models of a form's controls. A form holds them as members and all of its logic works on them; a
-// binder ties each to a real control and keeps both in step; a test uses them as they are. A model draws nothing.
+// Models of a form's controls that know no toolkit. A form has them as members, and all of its logic works on them. A
+// binder ties each model to a real control and keeps the two in step. A test uses the models alone. A model draws
+// nothing.
 //
-// Two directions: the form changes a property (Set...), the model tells its binder (`changed`); the user does
-// something, the binder updates the model's value silently (User...) and calls the event that the form has set.
+// A form sets the events of its controls once, and then reads and changes their properties:
+//
+//   class frmGreeting : public ui::Form {
+//    public:
+//     frmGreeting() : Form("frmGreeting", "Greeting") {
+//       cmdGreet.Click = [this] { lblGreeting.SetText("Hello, " + txtName.text()); };
+//       txtName.Change = [this] { cmdGreet.SetEnabled(!txtName.text().empty()); };
+//     }
+//     std::vector<ui::Control*> Controls() override { return {&txtName, &cmdGreet, &lblGreeting}; }
+//     ui::TextBox txtName{"txtName"};
+//     ui::Button cmdGreet{"cmdGreet", "&Greet"};
+//     ui::Label lblGreeting{"lblGreeting"};
+//   };
+//
+// A test plays the user: `form.txtName.UserText("Ann"); form.cmdGreet.Click();`.
+//
+// Changes go in two directions. When the form changes a property (Set...), the model calls `changed`, and the binder
+// shows the new value. When the user does something, the binder reports it to the model (User...), and the model calls
+// the event that the form has set. A text that the user has typed does not call `changed`, because the control shows it
+// already. An event that is not set is not called.
+//
+// Everything runs on the thread of the event loop. An event handler may pump. All texts are UTF-8.
 #pragma once
 
 #include <chrono>
@@ -19,11 +40,14 @@ namespace quenlar::ui {
 // Colours in the blue-green-red order of the platform: 0xBBGGRR.
 using Color = std::uint32_t;
 
-// What of a control has changed, for the binder.
+// Tells the binder what of a control has changed. kFocus and kCaret are requests: to move the keyboard focus to the
+// control, and the caret to the end of its text.
 enum class Aspect { kEnabled, kVisible, kText, kItems, kSelection, kChecked, kColor, kFocus, kCaret };
 
+// What every control has. The form owns its controls and lets them live as long as itself.
 class Control {
  public:
+  // `name` is the name of the control in its form. `text` is its first caption or contents.
   explicit Control(std::string name, std::string text = {}) : name_(std::move(name)), text_(std::move(text)) {}
   virtual ~Control() = default;
   Control(const Control&) = delete;
@@ -32,19 +56,21 @@ class Control {
   // The control's name in the form: "cmdExtract".
   [[nodiscard]] const std::string& name() const { return name_; }
 
-  // Caption or contents, UTF-8. "&" marks the access key in captions.
+  // The caption, or the contents of a box. In captions "&" stands before the access key.
   [[nodiscard]] const std::string& text() const { return text_; }
   [[nodiscard]] bool enabled() const { return enabled_; }
   [[nodiscard]] bool visible() const { return visible_; }
 
   void SetEnabled(bool enabled) { Set(enabled_, enabled, Aspect::kEnabled); }
   void SetVisible(bool visible) { Set(visible_, visible, Aspect::kVisible); }
+  // Moves the keyboard focus to this control. Without a window nothing happens.
   void SetFocus() { Notify(Aspect::kFocus); }
 
-  // Set by the binder; called after a property has changed. Empty while no window exists.
+  // The binder sets it while the form has a window. It is called after a property has changed.
   std::function<void(Aspect)> changed;
 
  protected:
+  // Assigns a property and calls `changed`. Does nothing and returns false when the value is the same.
   template <typename T>
   bool Set(T& property, T value, Aspect aspect) {
     if (property == value) return false;
@@ -67,20 +93,24 @@ class Control {
   bool visible_ = true;
 };
 
+// A push button.
 class Button : public Control {
  public:
   using Control::Control;
   void SetText(std::string text) { Set(text_, std::move(text), Aspect::kText); }
+  // The user has pressed the button, by mouse, by Space or Enter, or by its access key.
   std::function<void()> Click;
 };
 
+// A text that the user cannot edit.
 class Label : public Control {
  public:
   using Control::Control;
   void SetText(std::string text) { Set(text_, std::move(text), Aspect::kText); }
 
-  // A label that behaves like a link: the pointer moves over it, leaves it, clicks it.
+  // The events of a label that behaves like a link: the pointer moves over it, leaves it, or clicks it.
   std::function<void()> MouseMove, MouseLeave, Click;
+  // Empty: the toolkit's own colour for texts.
   [[nodiscard]] std::optional<Color> color() const { return color_; }
   [[nodiscard]] bool underlined() const { return underlined_; }
   void SetColor(Color color) { Set(color_, std::optional<Color>(color), Aspect::kColor); }
@@ -91,18 +121,20 @@ class Label : public Control {
   bool underlined_ = false;
 };
 
+// A box with a text that the user edits.
 class TextBox : public Control {
  public:
   using Control::Control;
-  std::size_t max_length = 0;  // characters; 0 is no limit
-  bool multi_line = false;
-  std::function<void()> Change;  // also after SetText, as soon as the text differs
+  std::size_t max_length = 0;    // in characters, for what the user types; 0: no limit
+  bool multi_line = false;       // lines end in CR LF
+  std::function<void()> Change;  // the text differs from before: the user has edited it, or SetText was called
 
+  // Replaces the text. Calls Change when it differs.
   void SetText(std::string text) {
     if (Set(text_, std::move(text), Aspect::kText) && Change) Change();
   }
   void MoveCaretToEnd() { Notify(Aspect::kCaret); }
-  // The user has edited the text.
+  // For the binder and tests: the user has edited the text.
   void UserText(std::string text) {
     if (text_ == text) return;
     text_ = std::move(text);
@@ -110,14 +142,16 @@ class TextBox : public Control {
   }
 };
 
+// A box with a check mark.
 class CheckBox : public Control {
  public:
   using Control::Control;
   [[nodiscard]] bool checked() const { return checked_; }
-  std::function<void()> Click;  // after the user's click, and after SetChecked as soon as the state differs
+  std::function<void()> Click;  // the state has changed: the user has clicked, or SetChecked was called
   void SetChecked(bool checked) {
     if (Set(checked_, checked, Aspect::kChecked) && Click) Click();
   }
+  // For the binder and tests: the user has clicked the box.
   void UserClick() {
     checked_ = !checked_;
     Notify(Aspect::kChecked);
@@ -128,13 +162,14 @@ class CheckBox : public Control {
   bool checked_ = false;
 };
 
-// One of a group: selecting one clears the others of `group`.
+// A round button of a group in which one button at most is selected.
 class OptionButton : public Control {
  public:
   using Control::Control;
-  std::vector<OptionButton*> group;  // the others
+  std::vector<OptionButton*> group;  // the other buttons of the group
   [[nodiscard]] bool selected() const { return selected_; }
-  std::function<void()> Click;  // as soon as the button becomes selected, by the user or by Select
+  std::function<void()> Click;  // the button has become selected, by the user or by Select
+  // Selects this button and clears the others. Does nothing when it is selected already.
   void Select() {
     if (selected_) return;
     for (OptionButton* other : group) other->Set(other->selected_, false, Aspect::kChecked);
@@ -146,20 +181,22 @@ class OptionButton : public Control {
   bool selected_ = false;
 };
 
-// A list box; sorted ones keep their items in order (ASCII case ignored).
+// A list of texts in which the user selects.
 class ListBox : public Control {
  public:
   using Control::Control;
-  bool sorted = false;
-  bool multi_select = false;
-  std::function<void()> Click;      // the selection has changed by the user
-  std::function<void()> DeleteKey;  // the Delete key, while the list has the keyboard
+  bool sorted = false;              // SetItems sorts, ASCII letter case ignored
+  bool multi_select = false;        // the user may select several items
+  std::function<void()> Click;      // the user has changed the selection
+  std::function<void()> DeleteKey;  // the user has pressed Delete while the list has the focus
 
   [[nodiscard]] const std::vector<std::string>& items() const { return items_; }
   [[nodiscard]] bool selected(std::size_t index) const { return index < selected_.size() && selected_[index]; }
   [[nodiscard]] std::size_t SelectedCount() const;
+  // Replaces all items. None of the new ones is selected.
   void SetItems(std::vector<std::string> items);
   void Clear() { SetItems({}); }
+  // For the binder and tests: the user has changed the selection. One flag for each item.
   void UserSelect(std::vector<bool> selected);
 
  private:
@@ -167,14 +204,14 @@ class ListBox : public Control {
   std::vector<bool> selected_;
 };
 
-// An edit box with a list below it.
+// A text box with a list that drops down below it.
 class ComboBox : public Control {
  public:
   using Control::Control;
-  bool editable = true;
+  bool editable = true;          // false: the user can only pick an item
   std::string hint;              // shown in grey while the text is empty
-  std::function<void()> Change;  // the text differs: typed, or SetText
-  std::function<void()> Click;   // the user picked an entry of the list; text() is that entry already
+  std::function<void()> Change;  // the text differs from before: the user has typed, or SetText was called
+  std::function<void()> Click;   // the user has picked an item; text() is that item
   std::function<void()> GotFocus;
 
   [[nodiscard]] const std::vector<std::string>& items() const { return items_; }
@@ -188,44 +225,49 @@ class ComboBox : public Control {
     if (Change) Change();
   }
   void MoveCaretToEnd() { Notify(Aspect::kCaret); }
-  // Picking an entry changes the text without a Change event; Click follows.
+  // For the binder and tests: the user has picked the item at `index`. The text changes without a Change event, and
+  // Click is called.
   void UserPick(std::size_t index);
 
  private:
   std::vector<std::string> items_;
 };
 
-// A virtual report list: the rows lie elsewhere, the model knows their number and asks for what is shown.
+// A table of rows and columns. The model does not hold the cells: it knows the number of rows, and the binder asks
+// CellText and CellColor for what it shows. So a million rows cost nothing.
 class ListView : public Control {
  public:
   using Control::Control;
   struct Column {
     std::string caption;
-    int width;  // in pixels at 96 dpi, before the window's layout widens it
+    int width;  // in pixels at 96 dots per inch; the binder may widen it to fill the window
   };
   std::vector<Column> columns;
+  // Rows and columns count from 0. Called whenever a cell is drawn, sorted or copied, so both must be fast.
   std::function<std::string(std::uint32_t row, int column)> CellText;
-  std::function<std::optional<Color>(std::uint32_t row, int column)> CellColor;
-  std::function<void()> DblClick;
-  std::function<void()> Miss;  // a mouse button went down where no row is
+  std::function<std::optional<Color>(std::uint32_t row, int column)> CellColor;  // empty: the toolkit's own colour
+  std::function<void()> DblClick;  // the user has double-clicked the selected row, or pressed Enter on it
+  std::function<void()> Miss;      // the user has clicked where there is no row
 
-  // What the user can do with the rows that are marked: the entries of the context menu. The rows come in the order in
-  // which they are shown; there is at least one.
+  // An entry of the context menu: something that the user can do with the marked rows.
   struct Command {
-    std::string caption;   // "Copy &address\tCtrl+C": what stands behind the tab is shown as the shortcut
-    char control_key = 0;  // the letter that runs it together with Ctrl
+    std::string caption;   // "Copy &address\tCtrl+C": the part behind the tab is shown as the shortcut
+    char control_key = 0;  // the letter that runs the command together with Ctrl; 0: no shortcut
+    // `rows` are the marked rows, at least one, in the order in which they are shown.
     std::function<void(const std::vector<std::uint32_t>& rows)> run;
   };
   std::vector<Command> commands;
 
   [[nodiscard]] std::uint32_t rows() const { return rows_; }
   [[nodiscard]] std::optional<std::uint32_t> selected() const { return selected_; }
-  // The binder may show a new count a moment later, together with others.
+  // Changes the number of rows, and clears a selection that lies behind the end. The binder may wait a moment and show
+  // several new counts at once.
   void SetRows(std::uint32_t rows) {
     if (selected_ && *selected_ >= rows) selected_.reset();
     Set(rows_, rows, Aspect::kItems);
   }
   void ClearSelection() { Set(selected_, std::optional<std::uint32_t>(), Aspect::kSelection); }
+  // For the binder and tests: the user has selected `row`, or none.
   void UserSelect(std::optional<std::uint32_t> row) { selected_ = row; }
 
  private:
@@ -233,11 +275,12 @@ class ListView : public Control {
   std::optional<std::uint32_t> selected_;
 };
 
+// A bar of short texts at the lower edge of a window.
 class StatusBar : public Control {
  public:
   StatusBar(std::string name, std::size_t panels) : Control(std::move(name)), panels_(panels) {}
   [[nodiscard]] std::size_t panels() const { return panels_.size(); }
-  // Panels are numbered from 1.
+  // Panels count from 1. The number must be one that exists.
   [[nodiscard]] const std::string& panel(std::size_t number) const { return panels_[number - 1]; }
   void SetPanel(std::size_t number, std::string text) { Set(panels_[number - 1], std::move(text), Aspect::kText); }
 
@@ -245,13 +288,15 @@ class StatusBar : public Control {
   std::vector<std::string> panels_;
 };
 
+// A row of tabs. The form shows and hides the panels that belong to them.
 class TabStrip : public Control {
  public:
   TabStrip(std::string name, std::vector<std::string> captions)
       : Control(std::move(name)), captions_(std::move(captions)) {}
   [[nodiscard]] const std::vector<std::string>& captions() const { return captions_; }
   [[nodiscard]] std::size_t selected() const { return selected_; }
-  std::function<void()> Click;  // a page is selected, by the user or by Select, also the one that was selected before
+  // A tab was selected, by the user or by Select, even when it was the selected one before.
+  std::function<void()> Click;
   void Select(std::size_t index) {
     selected_ = index;
     Notify(Aspect::kSelection);
@@ -263,16 +308,17 @@ class TabStrip : public Control {
   std::size_t selected_ = 0;
 };
 
-// A picture, a line or a container panel.
+// A picture, a line, or a container of other controls. It has no behaviour of its own.
 class Panel : public Control {
  public:
   using Control::Control;
 };
 
+// An entry of a menu.
 class MenuItem : public Control {
  public:
   using Control::Control;
-  // A line between items, of which nobody can choose; its text is "-".
+  // Whether the item is a line between other items, which the user cannot choose. Its text is "-".
   [[nodiscard]] bool is_separator() const { return text_ == "-"; }
   std::function<void()> Click;
 };
@@ -285,14 +331,16 @@ class PopupMenu {
   const std::string caption;     // names the menu; not shown
   std::vector<MenuItem*> items;  // in order
 
-  // Set by the binder of the toolkit. Pumps until the user has chosen or gone elsewhere; the Click of the chosen item
-  // is called at the end.
+  // The binder sets it. It pumps until the user has chosen an item or left the menu, and then calls the Click of the
+  // chosen item.
   std::function<void(const std::vector<MenuItem*>& items)> show;
+  // Shows the menu at the pointer. Pumps. Without a toolkit nothing happens.
   void PopUp() {
     if (show) show(items);
   }
 };
 
+// A repeating timer. It ticks while it is enabled and a TimerBinding (ui/timer_binding.h) ties it to an event loop.
 class Timer : public Control {
  public:
   Timer(std::string name, std::chrono::milliseconds interval, bool enabled)
@@ -306,7 +354,8 @@ class Timer : public Control {
   std::chrono::milliseconds interval_;
 };
 
-// What every window can do. The binder sets the functions while the window exists; without one they do nothing.
+// A window with its controls. A form lives as long as the program. Its window comes and goes: Load is called before it
+// appears, Unload as it goes, and the form keeps the state of its controls in between.
 class Form {
  public:
   explicit Form(std::string name, std::string caption = {}) : name_(std::move(name)), caption_(std::move(caption)) {}
@@ -318,26 +367,31 @@ class Form {
   [[nodiscard]] const std::string& caption() const { return caption_; }
   void SetCaption(std::string caption);
 
-  // Every control, in tab order; the binder finds the dialog's controls by these names.
+  // Returns every control in tab order. The binder finds the native control of each by its name.
   [[nodiscard]] virtual std::vector<Control*> Controls() = 0;
 
-  // Events: Load before the window is shown for the first time since it was created, Unload as it goes; Help at F1.
+  // Called once before the window appears.
   virtual void Load() {}
+  // Called as the window goes.
   virtual void Unload() {}
+  // The user has pressed F1.
   std::function<void()> Help;
 
   [[nodiscard]] bool loaded() const { return loaded_; }
   [[nodiscard]] bool shown() const { return shown_; }
 
-  // Loads without showing; a loaded form stays as it is.
+  // Loads the form without showing it. Does nothing when it is loaded.
   void EnsureLoaded();
-  // Load when necessary. ShowModal pumps and returns when the form has been unloaded.
+  // Shows the window, and loads the form first when necessary.
   void Show();
+  // The same, and pumps until the form has been unloaded. The user can work in no other window meanwhile.
   void ShowModal();
+  // Hides the window. The form stays loaded.
   void Hide();
-  void Close();  // unloads
+  // Unloads the form: its window goes.
+  void Close();
 
-  // Set by the binder of the toolkit.
+  // What the binder does for a form. Without a binder the functions are empty, and a form shows nothing.
   struct Window {
     std::function<void()> create, show, run_modal, hide, destroy, caption_changed;
   };

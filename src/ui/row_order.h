@@ -1,4 +1,4 @@
-// The order in which a list shows its rows: as they came, or sorted by the cells of one column.
+// The order in which a list shows its rows: the order in which they came, or sorted by the cells of one column.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,8 @@
 
 namespace quenlar::ui {
 
-// Maps positions (0 is the top line of the list) to rows of the table behind it. Unsorted it takes no memory.
+// Maps positions to rows. A position is a line of the list, with 0 at the top; a row is a number in the table behind
+// the list. Unsorted, the two are the same and no memory is used. Sorted, a new row finds its place by binary search.
 class RowOrder {
  public:
   using CellText = std::function<std::string(std::uint32_t row, int column)>;
@@ -23,16 +24,18 @@ class RowOrder {
 
   [[nodiscard]] std::optional<Key> key() const { return key_; }
 
-  // Sorts by a column; by the one it is sorted by already, it turns the direction around. Numbers are compared as
-  // numbers, texts without ASCII case; equal cells stay in the order in which their rows came.
+  // Sorts upwards by `column`. When the rows are already sorted by that column, reverses the direction. Numbers are
+  // compared as numbers, and texts without ASCII letter case. Rows with equal cells stay in the order in which they
+  // came.
   void SortBy(int column);
 
-  // The table has `rows` rows now; those that were there keep their cells. To show another table, SetRows(0) first.
+  // Says that the table has `rows` rows now. Rows that were there must have kept their cells. To show another table,
+  // call SetRows(0) first.
   void SetRows(std::uint32_t rows);
 
   [[nodiscard]] std::uint32_t rows() const { return rows_; }
   [[nodiscard]] std::uint32_t RowAt(std::uint32_t position) const { return key_ ? order_[position] : position; }
-  // Linear in the number of rows while sorted.
+  // The position of a row. While sorted, it takes time in proportion to the number of rows.
   [[nodiscard]] std::uint32_t PositionOf(std::uint32_t row) const;
 
  private:

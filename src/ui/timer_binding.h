@@ -8,8 +8,8 @@
 
 namespace quenlar::ui {
 
-// The timer ticks for as long as the binding lives and the model is enabled. Enabling it starts its interval anew.
-// Both references must outlive the binding.
+// The timer ticks while the binding lives and the model is enabled. Ticks are delivered inside a pump, and never inside
+// a tick of the same timer. Enabling the model starts its interval anew. Both references must outlive the binding.
 class TimerBinding {
  public:
   TimerBinding(Timer& timer, EventLoop& loop);

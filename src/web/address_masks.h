@@ -1,4 +1,4 @@
-// Which of sixteen bytes can stand in an address, as bits: bit i tells of data[i].
+// Says for sixteen bytes at once which of them can stand in an e-mail address. Bit i of each answer stands for data[i].
 #pragma once
 
 #if defined(__SSE2__)
@@ -7,13 +7,21 @@
 
 namespace quenlar {
 
+// Loads sixteen bytes and sorts them into classes. The classes of "a.b_c@x-y.de":
+//
+//   bytes    a . b _ c @ x - y . d e
+//   Letters  1 0 1 0 1 0 1 0 1 0 1 1
+//   Dots     0 1 0 0 0 0 0 0 0 1 0 0
+//   Domain   1 1 1 0 1 0 1 1 1 1 1 1    letters, digits, "-", "."
+//   Local    1 1 1 1 1 0 1 1 1 1 1 1    the same and "_", "%", "+"
 class AddressBytes {
  public:
+  // Reads the sixteen bytes at `data`.
   explicit AddressBytes(const char* data)
       : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(data))),
         letters_(Within(_mm_or_si128(bytes_, _mm_set1_epi8(0x20)), 'a', 'z')),
         letters_and_digits_(_mm_or_si128(letters_, Within(bytes_, '0', '9'))),
-        // What local parts and domains have in common.
+        // The characters that local parts and domains share. "-" and "." are neighbours in ASCII.
         common_(_mm_or_si128(letters_and_digits_, Within(bytes_, '-', '.'))) {}
   [[nodiscard]] unsigned Letters() const { return Bits(letters_); }
   [[nodiscard]] unsigned Word() const { return Bits(_mm_or_si128(letters_and_digits_, Is('_'))); }

@@ -6,17 +6,19 @@
 
 namespace quenlar {
 
-// The first match, at or after `from`, of \b[a-z0-9._%+-]+@[a-z0-9.-]+\.[a-z]{2,4}\b (case-insensitive) in `text`,
-// as a find-all that goes on at `from` would find it; empty when there is none. A view into `text`. Linear.
+// Returns the first match of \b[a-z0-9._%+-]+@[a-z0-9.-]+\.[a-z]{2,4}\b in `text` at or after `from`, letter case
+// ignored, as a view into `text`. Empty when there is none. A caller finds all matches when it goes on behind each one.
+// The time is linear in the length of the text, whatever the text holds.
 [[nodiscard]] std::string_view NextAddress(std::string_view text, std::size_t from = 0);
 
-// An "@" around which [a-z0-9._%+-]+@[a-z0-9.-]+\.[a-z]{2,4} (case-insensitive) matches somewhere.
+// An "@" around which [a-z0-9._%+-]+@[a-z0-9.-]+\.[a-z]{2,4} matches, letter case ignored. Unlike NextAddress, this
+// pattern asks for no word boundary at its ends.
 struct AddressSign {
   std::size_t at = std::string_view::npos;  // npos: there is none
-  std::string_view address;                 // what NextAddress finds around it; may be empty: NextAddress asks for more
+  std::string_view address;                 // what NextAddress finds around it; empty when a word boundary is missing
 };
 
-// The first one in `text` at or after `from`. Linear.
+// Returns the first such "@" in `text` at or after `from`, in linear time.
 [[nodiscard]] AddressSign FindAddressSign(std::string_view text, std::size_t from);
 
 }  // namespace quenlar

@@ -11,7 +11,7 @@
 
 namespace quenlar {
 
-// What page analysis works on. References to objects that outlive every analysis.
+// Everything that page analysis works on. The objects must outlive every analysis. They may change in every pump.
 struct AnalysisContext {
   RunState& run;
   Project& project;
@@ -22,12 +22,16 @@ struct AnalysisContext {
   Pump& pump;
 };
 
-// kStopNumberReached: addresses of the page were left over when the stop number was reached, and are dropped.
+// How a harvest has ended. kStopNumberReached: the stop number was reached before the page's last address, and the
+// addresses that were left are dropped.
 enum class HarvestEnd { kWholePage, kStopNumberReached };
 
-// Pumps, at the start, at every match and before every insertion. Adds each new address of the page, shows it, saves
-// the project at every save interval, and requests a stop when the stop number is reached. `page` and `page_address`
-// must stay valid during the call, whatever runs inside its pumps.
+// Adds each address of the page that is new to the project to the found-address table, and shows it. Saves the project
+// at every save interval, and requests a stop when the stop number is reached. docs/harvest.md explains how addresses
+// are found.
+//
+// Pumps at the start, at every match and before every insertion. `page` (UTF-8) and `page_address` must stay valid
+// during the whole call. May throw std::bad_alloc; what has been added by then stays.
 HarvestEnd ExtractAddresses(AnalysisContext& context, std::string_view page, std::string_view page_address);
 
 }  // namespace quenlar

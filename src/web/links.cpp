@@ -87,7 +87,8 @@ std::string_view LinkResolver::Resolve(std::string_view target) {
     return target.find('/', kScheme.size()) == kNone ? bare_host_.assign(target).append("/") : target;
   }
   if (target.empty()) return {};
-  // One "../" or many: the target counts from the root of the site.
+  // A target that begins with "../", once or several times, counts from the root of the site and not from the folder
+  // above. Which pages a run visits depends on it. Kept: ResolveLink.MakesTargetsAbsolute.
   return up ? root_.With(target) : folder_.With(target);
 }
 

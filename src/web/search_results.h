@@ -7,9 +7,11 @@
 
 namespace quenlar {
 
-// Appends the target of every result to the level-0 queue, one a site; the engine's own pages are left out. Finds
-// exactly what the pattern <h3 class=[\s\S]*?r[\s\S]*?>[\s\S]*?href="[\s\S]*?" finds (case-insensitive, all
-// matches), in linear time.
+// Appends the target of every result on `page` (UTF-8) to the queue of level 0. Only the first result of each site is
+// appended, and pages of the search engine itself are left out. Does not pump.
+//
+// A result is a match of <h3 class=[\s\S]*?r[\s\S]*?>[\s\S]*?href="[\s\S]*?" with letter case ignored. All matches are
+// found, in linear time, without a regular-expression engine.
 void CollectResultLinks(std::string_view page, LinkQueue& level_zero);
 
 }  // namespace quenlar

@@ -1,4 +1,4 @@
-// Where tags begin and end among sixty-four bytes, as bits.
+// Finds where tags may begin and end among sixty-four bytes. The answers are words of bits, one bit for each byte.
 #pragma once
 
 #include <cstddef>
@@ -12,13 +12,13 @@ namespace quenlar {
 
 inline constexpr std::size_t kMaskBytes = 64;
 
-// Bit i tells of data[i].
+// Bit i stands for data[i].
 struct TagMasks {
-  std::uint64_t opens = 0, closes = 0;  // "<", ">"
-  std::uint64_t wanted = 0;             // "<" with a character behind it that begins an anchor, a frame or a blank
+  std::uint64_t opens = 0, closes = 0;  // the byte is "<", or ">"
+  std::uint64_t wanted = 0;             // the byte is "<", and "a", "f" (in either case) or a blank follows it
 };
 
-// Reads kMaskBytes bytes and the one behind them.
+// Reads kMaskBytes bytes and the one behind them, which tells what follows a "<" in the last place.
 inline TagMasks TagMasksOf(const char* data) {
   TagMasks masks;
 #if defined(__SSE2__)

@@ -1,4 +1,4 @@
-// The tags of a page that may be anchors or frames.
+// Finds the tags of a page that may be anchors or frames, and counts all others.
 #pragma once
 
 #include <bit>
@@ -12,20 +12,23 @@
 
 namespace quenlar {
 
-// A tag begins at the first "<" behind the tag before it and ends at the first ">" behind that; what lies in it,
-// another "<" too, belongs to it. So a "<" begins a tag unless the last "<" or ">" before it is a "<", and tags of no
-// interest need not be gone through one by one. Looks at sixty-four bytes at a time. The page must stay as it is.
+// A tag begins at the first "<" behind the tag before it, and ends at the first ">" behind that. Another "<" in between
+// belongs to the tag. So a "<" begins a tag unless the nearest "<" or ">" before it is a "<". That rule can be applied
+// to sixty-four bytes at once, so tags of no interest are not visited one by one.
 class TagScanner {
  public:
+  // `page` must stay valid and unchanged while the scanner lives.
   explicit TagScanner(std::string_view page) : page_(page) {}
 
   struct Tag {
     std::size_t open, close;  // the positions of "<" and ">"
   };
-  // The next tag whose text begins with "a", "f" (in either case) or a blank. `passed(first, tags)` is told of all
-  // tags, in order: of those gone by and of the next one before it is returned; `first` is where the first of them
-  // begins, and `tags` has a bit for each. It may end the search by returning false. False at the end; then never call
-  // it again. The last tag that `passed` is told of may lack its ">".
+  // Puts the next tag whose text begins with "a", "f" (in either case) or a blank into `tag`. Returns false at the end
+  // of the page, or when `passed` has returned false; the scanner must not be called again then.
+  //
+  // Every tag of the page is reported to `passed(first, tags)` once and in order, including the one that is returned:
+  // `first` is the position of the first tag of a group, and `tags` has one bit for each tag of the group. The last tag
+  // of the page is reported even when it has no ">".
   template <typename Passed>
   [[nodiscard]] bool Next(Tag& tag, Passed passed) {
     for (;;) {
@@ -94,10 +97,10 @@ class TagScanner {
   }
 
   std::string_view page_;
-  std::size_t block_ = 0, next_ = 0;  // the block that the masks are of, and the one behind it
+  std::size_t block_ = 0, next_ = 0;  // where the block of the masks begins, and the block behind it
   std::uint64_t closes_ = 0;
   std::uint64_t wanted_ = 0;  // tags of interest, not yet returned
-  std::uint64_t untold_ = 0;  // all tags, as far as nobody has been told of them
+  std::uint64_t untold_ = 0;  // tags that have not been reported yet
   bool in_tag_ = false;       // whether the next block begins within a tag
 };
 

@@ -1,4 +1,4 @@
-// Small texts out of a page: an attribute's value, the title, what stands between two delimiters.
+// Small texts out of a page: an attribute's value, the title, the text between two delimiters.
 #pragma once
 
 #include <string>
@@ -13,20 +13,23 @@ namespace quenlar {
 // links are followed, so the rule stays as it is. Kept: GetAttributeValue.ReadsQuotedAndBareValues.
 [[nodiscard]] std::string GetAttributeValue(std::string_view tag, std::string_view name);
 
-// The same as a view: into `tag` where the value stands there as it is, else into `buffer`, which then is overwritten.
+// The same without a copy when possible. The view points into `tag` when the value stands there unchanged; otherwise
+// the value is put into `buffer` and the view points there.
 [[nodiscard]] std::string_view AttributeView(std::string_view tag, std::string_view name, std::string& buffer);
 
-// The text between two delimiters: behind the first opening one and before the next closing one, or, searched from the
-// end, before the last closing one and behind the opening one before it. "" when either is missing.
+// Returns the text between two delimiters, or "" when one of them is missing. From the start: it begins behind the
+// first opening one and ends before the next closing one. From the end: it ends before the last closing one and begins
+// behind the nearest opening one before that.
 enum class SearchFrom { kStart, kEnd };
 [[nodiscard]] std::string_view TextBetween(std::string_view text, std::string_view opening, std::string_view closing,
                                            SearchFrom from);
 
-// Blanks out control and non-ASCII characters (one blank a character), replaces a fixed set of entities, trims.
+// Returns a title fit for a list: each control or non-ASCII character becomes one blank, a fixed set of entities is
+// replaced, and blanks at the ends are cut.
 [[nodiscard]] std::string CleanText(std::string_view text);
 
-// The cleaned inner text of the first match of <TITLE>([\s\S]*?)</TITLE> (case-insensitive), from the match's first
-// ">" to the next "<"; "" without a match.
+// Returns the title of the page after CleanText, or "" when there is none. The title is the first match of
+// <TITLE>([\s\S]*?)</TITLE> with letter case ignored; of it counts what stands between the first ">" and the next "<".
 [[nodiscard]] std::string GetPageTitle(std::string_view page);
 
 }  // namespace quenlar
