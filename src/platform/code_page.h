@@ -9,9 +9,9 @@ namespace quenlar {
 class CodePage {
  public:
   virtual ~CodePage() = default;
-  // Every byte sequence converts; pure ASCII comes back without a copy.
+  // Returns the text of any bytes. Every byte sequence converts. Pure ASCII comes back without a copy.
   [[nodiscard]] virtual std::string ToUtf8(std::string bytes) const = 0;
-  // Characters that the code page lacks become "?"; malformed UTF-8 as well.
+  // Returns the bytes of a text. A character that the code page does not have becomes "?", and so does malformed UTF-8.
   [[nodiscard]] virtual std::string FromUtf8(std::string text) const = 0;
 };
 

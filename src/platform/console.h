@@ -11,18 +11,19 @@ class Console {
  public:
   virtual ~Console() = default;
 
-  // Results. Written through at once; false when nobody reads them any more, from then on every call gives false.
+  // Writes results to standard output, at once and without a buffer. Returns false when they cannot be written, and
+  // then at every later call: the reader has gone away, or there is no space left (see OutputIsFull).
   [[nodiscard]] virtual bool Write(std::string_view bytes) = 0;
-  // Whether such a failure is not the reader's doing: there is no space left behind standard output.
+  // Whether Write has failed because there was no space left.
   [[nodiscard]] virtual bool OutputIsFull() const = 0;
-  // Messages and progress. A failure is of no interest: there is nowhere left to tell it.
+  // Writes messages and progress to standard error. A failure is ignored, because there is nowhere left to report it.
   virtual void WriteError(std::string_view bytes) = 0;
-  // Blocks for input; the bytes read, 0 at its end.
+  // Reads up to `size` bytes of standard input. Blocks until some have come. Returns their number, 0 at the end.
   [[nodiscard]] virtual std::size_t Read(char* buffer, std::size_t size) = 0;
 
   [[nodiscard]] virtual bool OutputIsTerminal() const = 0;
   [[nodiscard]] virtual bool ErrorIsTerminal() const = 0;
-  // Characters in a line of the terminal behind standard error.
+  // The width of the terminal behind standard error, in characters.
   [[nodiscard]] virtual int ErrorColumns() const = 0;
 };
 

@@ -1,4 +1,4 @@
-// The body of an HTTP answer as it was before it was compressed.
+// Decodes the body of an HTTP answer: what it was before it was compressed.
 #pragma once
 
 #include <cstddef>
@@ -10,21 +10,20 @@ namespace quenlar {
 
 enum class ContentCoding { kIdentity, kGzip, kDeflate };
 
-// Decodes piece by piece, with memory for a small window beside what it gives out.
+// Decodes piece by piece. Besides the output it needs memory for a small window only.
 class ContentDecoder {
  public:
-  // No more than `max_bytes` are taken, and no more given out.
+  // `max_bytes` limits the bytes taken and the bytes given out, each for itself.
   ContentDecoder(ContentCoding coding, std::size_t max_bytes);
   ~ContentDecoder();
   ContentDecoder(const ContentDecoder&) = delete;
   ContentDecoder& operator=(const ContentDecoder&) = delete;
 
-  // Appends what `bytes` decode to. False, for this and every later call, when they are not of the coding or there are
-  // more than `max_bytes`. What follows the end of the compressed data is passed over. Throws std::bad_alloc when
-  // memory does not hold it; then nothing more can be added.
+  // Decodes `bytes` and appends the result to `out`. Returns false when the bytes are not of the coding or a limit is
+  // passed, and then at every later call. Bytes behind the end of the compressed data are passed over. Throws
+  // std::bad_alloc; nothing more can be added then.
   [[nodiscard]] bool Add(std::string_view bytes, std::string& out);
-
-  // True when the data has come to its end; no data at all is an empty body.
+  // Whether the data is complete. No data at all is a complete, empty body.
   [[nodiscard]] bool AtEnd() const;
 
  private:
@@ -37,7 +36,7 @@ class ContentDecoder {
   const std::size_t max_bytes_;
   std::size_t taken_ = 0, given_ = 0;
   bool failed_ = false, at_end_ = false;
-  bool ended_ = false;     // something else follows the end, and all that is still to come with it
+  bool ended_ = false;     // other bytes follow the end of the data; all later ones are passed over
   bool drained_ = true;    // the last block was not full, so the decoder holds nothing back
   std::string held_back_;  // the first byte of "deflate", until the second one tells which of two forms it has
   std::unique_ptr<Inflater> inflater_;

@@ -1,4 +1,4 @@
-// What a test program does about its own crash.
+// What a test program does when it crashes.
 #pragma once
 
 namespace quenlar {

@@ -1,4 +1,4 @@
-// The system's dialogs for choosing files. Both pump until the user has chosen.
+// The system's dialogs for choosing files. Both pump until the user has answered. All texts are UTF-8.
 #pragma once
 
 #include <optional>
@@ -19,15 +19,16 @@ class FileDialogs {
   virtual ~FileDialogs() = default;
 
   struct Choice {
-    // One file: its full path. Several: the folder, NUL, a name, NUL, a name ... (no final NUL). Empty where more was
-    // chosen than the dialog can hand over.
+    // One file: its full path. Several files: the folder, then NUL and a name for each, without a NUL at the end. Empty
+    // when the user has chosen more files than the dialog can hand over.
     std::string names;
-    // The process's current directory at the moment at which the dialog closed: the folder that was shown.
+    // The current directory of the process when the dialog closed. The dialog sets it to the folder that it shows.
     std::string current_folder;
   };
-  // Empty when the user cancelled.
+  // Asks for existing files. Empty when the user has cancelled.
   [[nodiscard]] virtual std::optional<Choice> Open(const FileDialogRequest& request) = 0;
-  // The full path of the chosen file; existing files are accepted without a question.
+  // Asks for the name of a file to be written. Returns its full path, or nothing when the user has cancelled. The
+  // dialog does not ask whether an existing file may be replaced.
   [[nodiscard]] virtual std::optional<std::string> Save(const FileDialogRequest& request) = 0;
 };
 

@@ -1,4 +1,5 @@
-// Files and folders as the program needs them. Paths are UTF-8, absolute, with either separator on Windows.
+// Files and folders as the program needs them. Paths are UTF-8 and absolute; on Windows they may have either separator.
+// No member pumps.
 #pragma once
 
 #include <cstdint>
@@ -11,18 +12,19 @@
 
 namespace quenlar {
 
-// A file being replaced: bytes go to a temporary file in the same folder. Destroying the writer without Commit
-// removes the temporary file and leaves the old file as it was, byte for byte.
+// A file that is being replaced. The bytes go to a temporary file in the same folder. When the object is destroyed
+// without a Commit, it removes the temporary file, and the old file stays as it was, byte for byte.
 class FileReplacement {
  public:
   virtual ~FileReplacement() = default;
-  // Buffered. After a failure every later call fails with the same status.
+  // Appends bytes. They may be buffered. After a failure every later call fails with the same status.
   virtual Status Write(std::string_view bytes) = 0;
-  // Flushes to the medium and renames over the target in one step. The only way by which the target changes.
+  // Flushes the bytes to the medium, and renames the temporary file over the target in one step. Nothing else changes
+  // the target.
   virtual Status Commit() = 0;
 };
 
-// Held for as long as the program uses its folder; a second holder in any process is refused with kBusy.
+// Holds a folder for as long as the object lives. A second lock of the same folder, in any process, fails with kBusy.
 class FolderLock {
  public:
   virtual ~FolderLock() = default;
@@ -32,39 +34,39 @@ class Files {
  public:
   virtual ~Files() = default;
 
-  // True for a plain file (behind links too), false for folders and for what is not there.
+  // Whether there is a plain file at `path`, directly or behind a link. False for folders.
   [[nodiscard]] virtual bool FileExists(const std::string& path) const = 0;
   [[nodiscard]] virtual bool FolderExists(const std::string& path) const = 0;
 
-  // Parents must exist. An existing folder is a success.
+  // Makes a folder. Its parent must exist. An existing folder is a success.
   virtual Status MakeFolder(const std::string& path) = 0;
 
-  // Hands the file's bytes to `block` piece by piece, in order, until its end or until `block` returns false.
+  // Hands the bytes of the file to `block` piece by piece and in order, until its end, or until `block` returns false.
   virtual Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const = 0;
 
-  // Fails where the target is a folder, or its folder cannot be written.
+  // Begins to replace the file at `path`, which need not exist. Fails when `path` is a folder, or when its folder
+  // cannot be written.
   [[nodiscard]] virtual Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) = 0;
 
-  // A plain file; kNotFound when there is none.
+  // Deletes a plain file. kNotFound when there is none.
   virtual Status Delete(const std::string& path) = 0;
-
-  // Renames over an existing target.
+  // Renames a file. Replaces a file that has the new name.
   virtual Status Rename(const std::string& from, const std::string& to) = 0;
 
-  // `lock_name` is a file in `folder` that may stay behind, empty.
+  // Locks an existing folder, kBusy when it is locked. `lock_name` names a file in it, which may stay behind, empty.
   [[nodiscard]] virtual Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder,
                                                                  const std::string& lock_name) = 0;
 };
 
-// The file's whole contents, or kLimit when it holds more than `max_bytes`.
+// Returns the whole contents of a file. kLimit when it holds more than `max_bytes`.
 [[nodiscard]] Result<std::string> ReadWhole(const Files& files, const std::string& path,
                                             std::uint64_t max_bytes = UINT64_MAX);
 
-// Replaces the whole file in one step.
+// Replaces the whole file with `bytes` in one step.
 Status WriteWhole(Files& files, const std::string& path, std::string_view bytes);
 
-// Gives what lies at `path` a name under which nothing lies: ".bak", or ".bak2" and so on. The new name, or "" when
-// there was nothing.
+// Renames what lies at `path`, a file or a folder, so that nothing overwrites it: to the same name with ".bak" behind
+// it, or ".bak2" and so on when that is taken. Returns the new name, or "" when nothing lies there.
 [[nodiscard]] Result<std::string> KeepAside(Files& files, const std::string& path);
 
 }  // namespace quenlar

@@ -26,9 +26,10 @@ enum class TableOutcome { kRead, kNotSupported, kFailed };
 class InterfaceTable {
  public:
   virtual ~InterfaceTable() = default;
-  // Replaces the contents of `rows`, unsorted, as the system has them; empty unless kRead.
+  // Replaces the contents of `rows` with the system's table, in the system's order. `rows` is empty unless the outcome
+  // is kRead. kNotSupported: this system has no such table.
   [[nodiscard]] virtual TableOutcome Read(std::vector<InterfaceRow>& rows) = 0;
-  // True when the system reports a network connection, whatever kind it is.
+  // Whether the system reports a network connection of any kind.
   [[nodiscard]] virtual bool IsOnline() = 0;
 };
 

@@ -1,5 +1,5 @@
-// Memory for large tables that are read at random places. Where the system gives pages of megabytes for it, fewer of
-// those reads wait for the system's own tables.
+// Memory for large tables that are read at random places. When the system backs it with pages of two megabytes, the
+// processor finds the place of a read faster.
 #pragma once
 
 #include <cstddef>
@@ -7,18 +7,18 @@
 
 namespace quenlar {
 
-// The size of a large page; below it ordinary ones do as well.
+// The size of a large page in bytes. Smaller tables use ordinary memory.
 inline constexpr std::size_t kLargePage = std::size_t{2} << 20;
 
-// Tells the system that large pages are welcome for this memory, which begins at a multiple of kLargePage. A wish:
-// nothing is promised and nothing can fail. Each platform has its own.
+// Asks the system for large pages for this memory, which must begin at a multiple of kLargePage. It is only a wish: the
+// system may ignore it, and it cannot fail. Each platform room defines its own.
 void WishForLargePages(void* memory, std::size_t bytes) noexcept;
 
-// Tells the system that all of this memory will soon be written, so that it can give its pages at once instead of one
-// by one as each is first touched. A wish, like the one above.
+// Says that all of this memory will be written soon, so that the system can provide all of its pages at once and not
+// one by one at their first use. A wish, like the one above.
 void WishForAllPages(void* memory, std::size_t bytes) noexcept;
 
-// For containers. Throws std::bad_alloc.
+// The allocator of containers that hold such tables. Throws std::bad_alloc.
 template <typename T>
 class LargeAllocator {
  public:

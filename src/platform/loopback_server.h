@@ -1,4 +1,4 @@
-// A small HTTP server on a free loopback port, for the demonstration site. Not for anything reachable from outside.
+// A small HTTP server on a free loopback port, for the demonstration site. It must not be reachable from outside.
 #pragma once
 
 #include <cstdint>

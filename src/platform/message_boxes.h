@@ -1,4 +1,4 @@
-// Message boxes. Show pumps until the user has answered.
+// Message boxes, and the form in which the program words a failure.
 #pragma once
 
 #include <string>
@@ -12,6 +12,7 @@ enum class BoxAnswer { kOk, kYes, kNo };
 class MessageBoxes {
  public:
   virtual ~MessageBoxes() = default;
+  // Shows a box and pumps until the user has answered. With kOk the answer is always kOk.
   virtual BoxAnswer Show(const std::string& text, const std::string& title, BoxIcon icon, BoxButtons buttons) = 0;
 };
 

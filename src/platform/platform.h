@@ -1,5 +1,5 @@
-// All of the operating system that the program uses, as one bundle of references. Whoever builds the bundle (a main
-// function, a test) owns the objects and keeps them alive for longer than the program.
+// Everything of the operating system that the program uses, as one bundle of references. A main function or a test
+// builds the bundle. It owns the objects and keeps them alive for longer than the program.
 #pragma once
 
 namespace quenlar {
@@ -30,7 +30,7 @@ struct Platform {
   const Idna& idna;
 };
 
-// What only a program with windows has.
+// What only a program with windows needs.
 struct DesktopPlatform {
   FileDialogs& dialogs;
   TrayIcon& tray;

@@ -7,9 +7,9 @@
 
 namespace quenlar {
 
-// One label (the text between two dots) in UTF-8 as "xn--...": RFC 3492. Letters are made small first, as far as the
-// Latin, Greek and Cyrillic alphabets go; nothing else is normalised, whatever the locale. Empty when the label is not
-// UTF-8 or the result is longer than the 63 bytes of a label.
+// Returns one label of a host name (the text between two dots, in UTF-8) as "xn--..." by RFC 3492. Capitals of the
+// Latin, Greek and Cyrillic alphabets are made small first. Nothing else is normalised, and the locale makes no
+// difference. Empty when the label is not UTF-8, or when the result is longer than 63 bytes, the limit for a label.
 [[nodiscard]] std::optional<std::string> PunycodeLabel(std::string_view label);
 
 }  // namespace quenlar

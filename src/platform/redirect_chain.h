@@ -1,4 +1,4 @@
-// The addresses that one download goes through: the one it was started with, then one a redirect.
+// The addresses that one download goes through: the one with which it was started, then one for each redirect.
 #pragma once
 
 #include <optional>
@@ -14,14 +14,12 @@ class RedirectChain {
  public:
   explicit RedirectChain(std::string address) : address_(std::move(address)) {}
 
-  // The address at hand: as it was given, then as ResolveRedirect makes it.
+  // The current address: the one that was given, or the result of ResolveRedirect.
   [[nodiscard]] const std::string& address() const { return address_; }
-
-  // What to ask for it. Empty where the download fails: the address cannot be spoken, or a page that came over https
-  // redirects to one over plain http.
+  // The current address for the wire. Empty when the download must fail: the address has no host or another scheme than
+  // http and https, or a page that came over https redirects to plain http.
   [[nodiscard]] std::optional<WireAddress> Wire() const;
-
-  // Goes on to where the answer's `Location: <location>` points. False where that is more than kMaxRedirects.
+  // Moves on to the target of an answer's `Location: <location>`. Returns false when these are more than kMaxRedirects.
   [[nodiscard]] bool Follow(std::string_view location);
 
  private:

@@ -1,4 +1,4 @@
-// The timers of an event loop, whatever it sleeps on.
+// The timers of an event loop. They keep the promises of LoopTimer for any loop, whatever the loop sleeps on.
 #pragma once
 
 #include <chrono>
@@ -11,10 +11,10 @@
 
 namespace quenlar {
 
-// Keeps the promises of LoopTimer. A loop asks for NextDue before it sleeps and calls RunDue when it pumps.
+// A loop asks for NextDue before it sleeps, and calls RunDue when it pumps.
 class TimerList {
  public:
-  using Time = std::chrono::steady_clock::duration;  // since a beginning that does not matter
+  using Time = std::chrono::steady_clock::duration;  // since any fixed moment
 
   // `now` must never go back, and must be callable for as long as a timer lives.
   explicit TimerList(std::function<Time()> now) : now_(std::move(now)) {}
@@ -23,11 +23,10 @@ class TimerList {
 
   [[nodiscard]] std::unique_ptr<LoopTimer> Make(std::chrono::milliseconds interval, std::function<void()> tick);
 
-  // Delivers one tick of every timer that is due, the longest due first; true when there was one. Ticks may pump, and
-  // may make, change and destroy timers.
+  // Delivers one tick of every timer that is due, beginning with the one that has been due longest. Returns whether
+  // there was one. A tick may pump, and may make, change and destroy timers.
   bool RunDue();
-
-  // When the next tick is due, without the timers whose tick is running now; empty: never.
+  // Returns when the next tick is due, or nothing when no timer is enabled. Timers whose tick runs now do not count.
   [[nodiscard]] std::optional<Time> NextDue() const;
 
  private:

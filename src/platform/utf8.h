@@ -12,7 +12,8 @@ struct Utf8Character {
   std::size_t bytes = 0;  // 0: the bytes at this place are no character
 };
 
-// The character at the beginning of `text`; overlong forms, surrogates and codes above U+10FFFF are none.
+// Returns the character at the beginning of `text`, by RFC 3629: overlong forms, surrogates and codes above U+10FFFF
+// are not characters. An empty text has none.
 [[nodiscard]] Utf8Character DecodeUtf8(std::string_view text);
 
 // `code` is a Unicode scalar value.
