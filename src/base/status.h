@@ -27,7 +27,7 @@ enum class StatusKind {
 };
 
 // Success, or a kind of failure and a message in plain words (UTF-8). The message names the object, such as a path or
-// an address, and the cause. It does not end in " !": SentenceOf (platform/message_boxes.h) adds that for the user.
+// an address, and the cause. It does not end in " !": SentenceOf adds that for the user.
 class [[nodiscard]] Status {
  public:
   Status() = default;
@@ -52,7 +52,7 @@ class [[nodiscard]] Status {
   std::string message_;
 };
 
-// A failure in the form in which the program speaks to people: its message, ending in " !".
+// Returns the message of a failure as the user reads it: with " !" at its end, added unless it stands there.
 [[nodiscard]] inline std::string SentenceOf(const Status& failure) {
   return failure.message().ends_with(" !") ? failure.message() : failure.message() + " !";
 }

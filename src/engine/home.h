@@ -1,4 +1,4 @@
-// The program folder: made where it is missing, and held by one program at a time.
+// The program folder, in which `data` and `report` lie: makes it and holds it against other programs.
 #pragma once
 
 #include <memory>
@@ -10,11 +10,11 @@
 
 namespace quenlar {
 
-// Makes the folder with all its parents. An existing folder is a success.
+// Makes the folder at `path` with all its missing parents. An existing folder is a success.
 Status MakeFolders(Files& files, const std::string& path, char separator);
 
-// Holds the program folder, which must exist, against every other Quenlar (window or command line). kBusy where
-// another one has it. The folder is held as long as the lock lives.
+// Holds the program folder against every other Quenlar, window or command line, for as long as the lock lives. The
+// folder must exist. kBusy, with a message that names the folder, when another program holds it.
 [[nodiscard]] Result<std::unique_ptr<FolderLock>> LockHome(Files& files, const Installation& installation);
 
 }  // namespace quenlar

@@ -5,9 +5,9 @@
 
 namespace quenlar {
 
-// True when the number at the beginning of the page's first line (up to the first CR LF) is above this program's own
-// version, kProductVersion. A page that begins with no number names none, and
-// so does a number beyond all bounds, which no publisher wrote.
+// Returns whether the page names a newer version than this program's: whether the number at the beginning of its first
+// line (up to the first CR LF) is larger than kProductVersion. A page that does not begin
+// with a number names no version, and neither does one that begins with a number too large for a double.
 [[nodiscard]] bool NewerVersionPublished(std::string_view page);
 
 }  // namespace quenlar

@@ -17,13 +17,15 @@
 
 namespace quenlar {
 
-// The part of a path behind its last "\" (or "/" where that separates folders); the whole text when there is none.
+// Returns the file name of a path: the part behind its last "\", or its last "/" when that separates folders. A path
+// without a separator is returned whole.
 [[nodiscard]] std::string FileTitleOf(std::string_view path);
 
+// One opened address book.
 struct Book {
   std::string Path;
   std::string Mark;  // "*" characters for the second, third ... book of one file name
-  // File name, blank, Mark, trimmed.
+  // Returns what the list box shows: the file name, a blank and the Mark, trimmed.
   [[nodiscard]] std::string ShownText() const;
 };
 
@@ -32,12 +34,14 @@ struct Book {
 // Kept: EmailMergeTool.ShowsAndSavesAsManyAddressesAsSixteenBitsCount.
 inline constexpr std::uint32_t kMaxListed = 32767;
 
-// The distinct addresses found, in the order and spelling of their first occurrence; compared without ASCII case.
+// The merged addresses, each once, in the order and spelling of their first occurrence. Addresses that differ only in
+// ASCII letter case are the same.
 class AddressList {
  public:
   AddressList();
   ~AddressList();
-  // Adds every new address match of the text. True when at least one was added.
+  // Finds all addresses in `text` and adds those that are new. Returns whether it has added any. May throw
+  // std::bad_alloc.
   bool AddMatchesToAddressList(std::string_view text);
   [[nodiscard]] std::uint32_t Count() const;
   [[nodiscard]] TextList::Iterator begin() const;
@@ -49,23 +53,30 @@ class AddressList {
   std::unique_ptr<Impl> impl_;
 };
 
+// Opens books, merges them and saves the result.
+//
+//   eMailBookMerge merge;
+//   merge.AddBook("/home/ann/friends.txt");
+//   for (const std::string& message : merge.Extract(files, code_page, loop)) Warn(message);
+//   const Status saved = merge.Save(files, code_page, "/home/ann/all.txt");
 class eMailBookMerge {
  public:
   std::vector<Book> BookList;
   AddressList Addresses;
 
-  // Appends the book unless one with the same path (without ASCII case) is there, and marks a repeated file name.
-  // kLimit with "Overflow !" beyond kMaxListed books. True when added.
+  // Appends the book at `path` (absolute, UTF-8) and marks a file name that occurs again. Returns false when there is a
+  // book with the same path; ASCII letter case is ignored. kLimit with "Overflow !" beyond kMaxListed books.
   [[nodiscard]] Result<bool> AddBook(const std::string& path);
 
-  // Puts BookList into the order of the (sorted) list box's items.
+  // Puts BookList into the order of the items of the list box, which sorts them.
   void SyncBookListToListBox(const std::vector<std::string>& items);
 
-  // Scans all books, in order, into Addresses. Pumps once a book. Lines are joined as the format says, so an address
-  // never spans two lines. Returns a message for each book that could not be read; the others are merged all the same.
+  // Adds the addresses of all books to Addresses, book by book in the order of BookList. Pumps once a book. An address
+  // never spans two lines. Returns a message for each book that could not be read; the others are merged.
   std::vector<std::string> Extract(const Files& files, const CodePage& code_page, EventLoop& loop);
 
-  // One address and one blank a line, CR LF, ANSI code page; the file is replaced in one step.
+  // Replaces the file at `path` with the merged addresses in one step: one address and a blank on each line, CR LF, in
+  // the ANSI code page.
   Status Save(Files& files, const CodePage& code_page, const std::string& path) const;
 };
 

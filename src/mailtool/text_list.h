@@ -1,4 +1,4 @@
-// A list of texts that only grows, in little memory: the texts lie one behind the other in large blocks.
+// A list of texts that only grows and needs little memory: the texts lie one behind the other in large blocks.
 #pragma once
 
 #include <cstddef>
@@ -13,9 +13,11 @@
 
 namespace quenlar {
 
+// A short text costs one byte more than its length, rounded up to four bytes. Texts keep their places while the list
+// grows.
 class TextList {
  public:
-  // Where a text lies; any number but the largest.
+  // Tells where a text lies. It is never the largest number, so a caller can use that one for "none".
   using Place = std::uint32_t;
 
   TextList() = default;
@@ -25,16 +27,17 @@ class TextList {
   TextList& operator=(TextList&&) = default;
 
   [[nodiscard]] std::uint32_t Count() const { return count_; }
-  // Valid until Clear.
+  // The text at a place that Add has returned. The view is valid until Clear.
   [[nodiscard]] std::string_view At(Place place) const {
     const char* const head = Head(place);
     const auto length = static_cast<unsigned char>(*head);
     return length <= kLongestShort ? std::string_view(head + 1, length) : LongText(head);
   }
-  // Asks the processor to have this text at hand soon.
+  // Asks the processor to load this text before it is needed.
   void Prefetch(Place place) const { quenlar::Prefetch(Head(place)); }
 
-  // Throws std::bad_alloc when memory, or the 16 GiB that a place can tell apart, are used up.
+  // Copies `text` to the end of the list and returns its place. Throws std::bad_alloc when memory is used up, and
+  // beyond the 16 GiB that places can address; the list is then unchanged.
   Place Add(std::string_view text) {
     const std::size_t units = (1 + text.size() + kUnit - 1) / kUnit;
     if (text.size() > kLongestShort || units > kBlockUnits - used_units_) return AddSlowly(text);
@@ -46,7 +49,7 @@ class TextList {
     ++count_;
     return static_cast<Place>(unit);
   }
-  // Gives the memory back.
+  // Removes all texts and gives their memory back.
   void Clear();
 
   // Goes through the texts in the order in which they were added.
@@ -80,13 +83,13 @@ class TextList {
   static constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
   static constexpr std::size_t kBlockUnits = kBlockBytes / kUnit;
   static constexpr std::size_t kMaxBlocks = (std::size_t{1} << 32) / kBlockUnits - 1;
-  // A text is preceded by its length: one byte up to kLongestShort, else kLong and four bytes. kRest stands where a
-  // block has no more texts.
+  // The length stands before its text: one byte for up to kLongestShort, otherwise kLong and four bytes. kRest stands
+  // where the texts of a block end before the block does.
   static constexpr unsigned char kLongestShort = 253, kRest = 254, kLong = 255;
 
   [[nodiscard]] char* Head(std::size_t unit) const { return blocks_[unit / kBlockUnits] + unit % kBlockUnits * kUnit; }
   [[nodiscard]] std::size_t UnitAtEnd() const { return blocks_.size() * kBlockUnits - (kBlockUnits - used_units_); }
-  // Where the text behind this one begins; UnitAtEnd when it is the last.
+  // Where the next text begins, or UnitAtEnd behind the last one.
   [[nodiscard]] std::size_t UnitBehind(std::size_t unit) const {
     const std::string_view text = At(static_cast<Place>(unit));
     const std::size_t bytes = static_cast<std::size_t>(text.data() - Head(unit)) + text.size();
@@ -96,9 +99,9 @@ class TextList {
     return (behind / kBlockUnits + 1) * kBlockUnits;
   }
   static std::string_view LongText(const char* head);
-  // A long text, or one that needs a block of its own.
+  // Add for a long text, and for one that needs a new block.
   Place AddSlowly(std::string_view text);
-  // The first of so many units that lie side by side.
+  // Makes room for that many units side by side and returns the first.
   std::size_t Reserve(std::size_t units);
 
   std::vector<char*> blocks_;                    // a text longer than a block takes several that lie side by side

@@ -1,4 +1,5 @@
-// The object model over the operating system's interface table.
+// The object model over the operating system's table of network interfaces. Names of classes and properties are those
+// that the program publishes.
 #pragma once
 
 #include <cstdint>
@@ -13,27 +14,29 @@
 
 namespace quenlar {
 
-// One row of the interface table. Unsigned counters of the system are stored bit for bit in signed properties.
+// One row of the interface table. The system's unsigned counters are stored bit for bit in signed properties, so a
+// large counter is negative.
 struct CInterface {
   std::string InterfaceDescription;
   std::string AdapterAddress;  // "00-1A-..."
   std::int32_t AdminStatus = 0, InterfaceIndex = 0, DiscardedIncomingPackets = 0, IncomingErrors = 0;
   std::int32_t NonunicastPacketsReceived = 0, OctetsReceived = 0, UnicastPacketsReceived = 0;
   std::int32_t UnknownProtocolPackets = 0;
-  std::optional<double> LastChange;  // a date as days since 1899-12-30; unset where the text is no date
+  std::optional<double> LastChange;  // days since 1899-12-30 (netstat/last_change.h); empty when it is not a date
   std::int32_t MaximumTransmissionUnit = 0, OperationalStatus = 0, DiscardedOutgoingPackets = 0, OutgoingErrors = 0;
   std::int32_t NonunicastPacketsSent = 0, OctetsSent = 0, OutputQueueLength = 0, UnicastPacketsSent = 0;
   std::int32_t Speed = 0, InterfaceType = 0;
   std::string InterfaceName;
 };
 
-// The description text of a property, by its name; empty for InterfaceDescription and unknown names.
+// Returns the description of a property, such as "OctetsSent". Empty for "InterfaceDescription" and unknown names.
 [[nodiscard]] const char* PropertyDescription(std::string_view property);
 
+// The interfaces of one reading, in the system's order.
 class CInterfaces {
  public:
   CInterface& Add(CInterface objInterface);
-  // 1-based. Empty when there is none at this position.
+  // Positions count from 1. Null when there is no interface at this one. Valid until the next Add.
   [[nodiscard]] const CInterface* Item(std::size_t vntIndexKey) const;
   [[nodiscard]] std::size_t Count() const { return items_.size(); }
 
@@ -41,16 +44,19 @@ class CInterfaces {
   std::vector<CInterface> items_;
 };
 
+// Reads the interface table and sums its traffic.
 class CIpHelper {
  public:
+  // Both references must outlive the object.
   CIpHelper(InterfaceTable& table, MessageBoxes& boxes) : table_(table), boxes_(boxes) {}
 
-  // Rebuilds the whole collection from the operating system. Pumps only where the system has no such table (a message
-  // box says so, on every read).
+  // Reads the table and rebuilds the whole collection. On a system without such a table a message box says so at every
+  // call, and pumps; otherwise the call does not pump. The result is empty when the table cannot be read.
   const CInterfaces& Interfaces();
   void SetInterfaces(CInterfaces interfaces) { interfaces_ = std::move(interfaces); }
 
-  // Sums over all rows of the last rebuild; an addition that would overflow is skipped for its row.
+  // The bytes received and sent, summed over all rows of the last reading. A row whose counter would make the sum
+  // overflow is left out.
   [[nodiscard]] std::int32_t BytesReceived() const { return bytes_received_; }
   [[nodiscard]] std::int32_t BytesSent() const { return bytes_sent_; }
 
@@ -67,7 +73,8 @@ class CIpHelper {
 // not; users know the figure under that name. Kept: TrayTest.TheMeterShowsKilobytesPerHalfSecond.
 class TrafficMeter {
  public:
-  // One tick of tmrFlux: the new rate.
+  // Returns the new rate. tmrFlux calls it every half second with the sum of CIpHelper::BytesReceived. The first tick
+  // gives 0, and a sum of 0 counts as "not measured yet".
   std::int32_t Tick(std::int32_t bytes_received);
   [[nodiscard]] std::int32_t rate() const { return rate_; }
 
@@ -76,7 +83,7 @@ class TrafficMeter {
   std::int32_t rate_ = 0;
 };
 
-// A row that differs from the operating system's only in form.
+// Returns the same row in the form of the object model.
 [[nodiscard]] CInterface FromRow(const InterfaceRow& row);
 
 }  // namespace quenlar

@@ -1,4 +1,4 @@
-// The time of an interface's last change, by way of a text that is cut short.
+// The time of an interface's last change, as the object model publishes it.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 
 namespace quenlar {
 
-// A single-precision number as text: up to seven significant digits, no trailing zeros, in the form 1.234568E+07 from
-// ten million on.
+// Returns a single-precision number as text: up to seven significant digits and no trailing zeros. From ten million on
+// it has the form 1.234568E+07.
 [[nodiscard]] std::string SingleText(float value);
 
-// The date that a number text stands for: the number (digits, an optional sign, fraction and exponent, nothing else)
-// counts days since 1899-12-30. Empty for any other text, and outside the years 100 to 9999.
+// Returns the date that a text stands for, in days since 1899-12-30. The text must be a number and nothing else: digits
+// with an optional sign, fraction and exponent. Empty for any other text, and for dates outside the years 100 to 9999.
 [[nodiscard]] std::optional<double> DateFromNumberText(std::string_view text);
 
 // Turns the counter of the last change into a date: it is taken as a signed number in single precision, written as

@@ -23,6 +23,7 @@ class ContentDecoder {
   // passed, and then at every later call. Bytes behind the end of the compressed data are passed over. Throws
   // std::bad_alloc; nothing more can be added then.
   [[nodiscard]] bool Add(std::string_view bytes, std::string& out);
+
   // Whether the data is complete. No data at all is a complete, empty body.
   [[nodiscard]] bool AtEnd() const;
 

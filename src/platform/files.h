@@ -50,6 +50,7 @@ class Files {
 
   // Deletes a plain file. kNotFound when there is none.
   virtual Status Delete(const std::string& path) = 0;
+
   // Renames a file. Replaces a file that has the new name.
   virtual Status Rename(const std::string& from, const std::string& to) = 0;
 

@@ -1,4 +1,4 @@
-// Message boxes, and the form in which the program words a failure.
+// Message boxes of the user interface.
 #pragma once
 
 #include <string>

@@ -16,9 +16,11 @@ class RedirectChain {
 
   // The current address: the one that was given, or the result of ResolveRedirect.
   [[nodiscard]] const std::string& address() const { return address_; }
+
   // The current address for the wire. Empty when the download must fail: the address has no host or another scheme than
   // http and https, or a page that came over https redirects to plain http.
   [[nodiscard]] std::optional<WireAddress> Wire() const;
+
   // Moves on to the target of an answer's `Location: <location>`. Returns false when these are more than kMaxRedirects.
   [[nodiscard]] bool Follow(std::string_view location);
 

@@ -26,6 +26,7 @@ class TimerList {
   // Delivers one tick of every timer that is due, beginning with the one that has been due longest. Returns whether
   // there was one. A tick may pump, and may make, change and destroy timers.
   bool RunDue();
+
   // Returns when the next tick is due, or nothing when no timer is enabled. Timers whose tick runs now do not count.
   [[nodiscard]] std::optional<Time> NextDue() const;
 

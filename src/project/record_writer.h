@@ -1,4 +1,4 @@
-// A text file that is written record by record, so that its owner can let the program run on between two records.
+// A text file that is written record by record, so that the program can go on with other work between two records.
 #pragma once
 
 #include <memory>
@@ -11,12 +11,12 @@
 
 namespace quenlar {
 
-// Lines in the ANSI code page, each ended by CR LF. The old file is replaced by Commit and by nothing else.
+// Writes lines in the ANSI code page, each ended by CR LF. Only Commit replaces the old file.
 //
 //   while (writer->Advance()) { pump(); writer->Write(); }
 //   status = writer->Commit();
 //
-// What the pump runs may finish the whole file (FinishNow, Commit) or give it up (Discard); the loop then just ends.
+// Code inside the pump may finish the whole file (FinishNow, Commit) or give it up (Discard). The loop then ends.
 class RecordWriter {
  public:
   RecordWriter(const CodePage& code_page, std::unique_ptr<FileReplacement> file)
@@ -25,24 +25,25 @@ class RecordWriter {
   RecordWriter& operator=(const RecordWriter&) = delete;
   virtual ~RecordWriter() = default;
 
-  // Looks for the next record to be written; false when none is left, after a failure, or when the file is done with.
+  // Finds the next record. Returns false when there is none left, after a failure, and after Commit or Discard.
   bool Advance();
-  // Writes the record that Advance has found, once.
+  // Writes the record that Advance has found. A second call does nothing.
   void Write();
-  // Writes all that is left.
+  // Writes all records that are left.
   void FinishNow();
 
-  // Writes what is buffered and replaces the file, or gives the failure that happened before. Later calls do nothing
-  // but give the same answer.
+  // Writes what is buffered and replaces the file. Returns the first failure of the whole writing, if there was one;
+  // the old file is whole then. Later calls return the same.
   Status Commit();
-  // Gives the file up: it is not replaced, and Commit answers with success.
+  // Gives the new file up. The old one stays, and Commit succeeds.
   void Discard();
+  // Whether Commit or Discard has been called.
   [[nodiscard]] bool done() const { return file_ == nullptr; }
 
  protected:
-  // The next record in order; false at the end.
+  // Moves on to the next record. Returns false at the end.
   virtual bool Find() = 0;
-  // Puts the found record's line.
+  // Writes the line of that record by Put, PutBlanks and EndLine.
   virtual void Print() = 0;
 
   void Put(std::string_view text) { buffer_.append(text); }
@@ -57,11 +58,12 @@ class RecordWriter {
   std::string buffer_;  // UTF-8, whole lines when flushed
   Status status_;
   bool found_ = false;
-  bool torn_ = false;  // memory ran out in the middle of a line; such a file replaces none
+  bool torn_ = false;  // memory ran out in the middle of a line; such a file must not replace the old one
 };
 
-// The whole of a web address or a title as it stands in one line: a line end inside an address is percent-encoded as
-// it is on the wire, in a title it becomes a blank. `storage` holds the text where it had to be changed.
+// Return a web address or a title without line ends, so that it fits on one line. In an address a line end is
+// percent-encoded as it is on the wire; in a title it becomes a blank. The result points into the argument, or into
+// `storage` when the text had to be changed.
 [[nodiscard]] std::string_view AddressInLine(std::string_view address, std::string& storage);
 [[nodiscard]] std::string_view TitleInLine(std::string_view title, std::string& storage);
 

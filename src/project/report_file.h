@@ -17,33 +17,37 @@
 
 namespace quenlar {
 
-// Begins the report at `path`, over the records that `found` holds now; it may grow until the last record is written,
-// but must not be cleared. Advance and Write go through the rows of the table, the URL list and the home pages; what
-// stands before them is written at once. `all_information` is export mode 1. kLimit with kOverflowText, and nothing
-// touched, when the table holds more than kMaxWritten records.
+// Begins to replace the report at `path`, over the records that `found` holds now. The table may grow until the last
+// record is written, but it must not be cleared. `all_information` is export mode 1: pages and titles too.
+//
+// The heading and the list of addresses are written at once. The writer's records are the rows of the table, the list
+// of URLs and the list of home pages. kLimit with kOverflowText when the table holds more than kMaxWritten records;
+// nothing has been touched then.
 [[nodiscard]] Result<std::unique_ptr<RecordWriter>> StartReport(Files& files, const CodePage& code_page,
                                                                 const std::string& path, const FoundAddresses& found,
                                                                 bool all_information);
 
-// The whole report at once. Pumps before each record of the table, the URL and the home page lists.
+// Writes the whole report. Pumps before each record of the table, the list of URLs and the list of home pages.
 Status WriteReport(Files& files, const CodePage& code_page, EventLoop& loop, const std::string& path,
                    const FoundAddresses& found, bool all_information, Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
 
-// Reads a report's text back, record by record: table rows and padded address lines, or, where there is neither,
-// plain address lines. Finds exactly what the patterns of the format find (docs/data-files.md), in linear time.
+// Reads the text of a report back, record by record: first the table rows and the padded address lines, and when there
+// is neither, the plain address lines. Finds exactly what the patterns of the format find (docs/data-files.md), in
+// linear time.
 //
 //   while (reader.Advance()) { pump(); reader.Take(found); }
 //
-// What the pump runs may take all that is left (FinishNow); the loop then just ends.
+// Code inside the pump may take all that is left (FinishNow). The loop then ends.
 class ReportReader {
  public:
-  // `text` must stay as it is while the reader lives.
+  // `text` (UTF-8) must stay valid and unchanged while the reader lives.
   explicit ReportReader(std::string_view text) : text_(text) {}
 
-  // Looks for the next record; false when there is none left.
+  // Finds the next record. Returns false when there is none left.
   bool Advance();
-  // Appends the record that Advance has found, once.
+  // Appends the record that Advance has found. A second call does nothing.
   void Take(FoundAddresses& found);
+  // Appends all records that are left.
   void FinishNow(FoundAddresses& found);
 
  private:
@@ -67,8 +71,8 @@ class ReportReader {
   Match match_{};
 };
 
-// Appends what a report's text holds to the table. `pump` is called once a match, before its record is appended;
-// reading stops when it returns false.
+// Appends all records of a report to the table. `pump` is called for each record, before it is appended. Reading stops
+// when it returns false.
 void ReadReport(std::string_view text, FoundAddresses& found, const std::function<bool()>& pump);
 
 }  // namespace quenlar

@@ -1,4 +1,4 @@
-// Whether a run over the project at hand could be saved.
+// Checks before a run that its results can be saved.
 #pragma once
 
 #include "base/status.h"
@@ -7,9 +7,9 @@
 
 namespace quenlar {
 
-// A run whose links could not be saved would be lost, so it does not begin. Fails for a project without files, as that
-// of a keyword without a language is when it is the first one of a start, and for a data file that cannot be written;
-// writes nothing. The message is a sentence without its " !".
+// Fails when a run over `project` could not be saved, so that the run does not begin and its work is not lost. That is
+// so when the data file cannot be written, and when the project has no files: a keyword has none when the settings name
+// no language and no project was open before. Writes nothing. The message is a sentence without " !".
 Status CheckCanBeSaved(Files& files, const Project& project);
 
 }  // namespace quenlar

@@ -1,4 +1,5 @@
-// Why a run has ended, in the words that the user reads.
+// Why a run has ended, in the words that the user reads. The window shows them in a message box, the command line on
+// standard error, and scripts find them in the summary of a run.
 #pragma once
 
 namespace quenlar {

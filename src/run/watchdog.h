@@ -1,4 +1,4 @@
-// The on-line and stalled-download watchdog that the alarm timer ticks once a second.
+// Watches the network connection and stalled downloads once a second.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +11,21 @@
 
 namespace quenlar {
 
+// Ends a run when the computer goes off line, and gives up the pages in flight when none of them makes progress. It
+// also starts the upgrade check, because it is the first to know that the computer is on line.
 class Watchdog {
  public:
-  // `cancel_stalled` is RunDriver::CancelStalled; `start_upgrade_check` starts the download of the upgrade page.
+  // `cancel_stalled` is RunDriver::CancelStalled. `start_upgrade_check` starts the download of the upgrade page. All
+  // references must outlive the watchdog.
   Watchdog(RunState& run, const Settings& settings, InterfaceTable& interfaces, RunView& view,
            std::function<void()> cancel_stalled, std::function<void()> start_upgrade_check);
 
-  // One tick of tmrAlarm. Off line it ends a run through its flags. On line it cancels the downloads of a run in which
-  // no page has finished or failed for eleven ticks, and asks for the upgrade page once.
+  // One tick of the alarm timer, which ticks once a second. Off line it sets the flags of the run that end it. On line
+  // it cancels the downloads of a run in which no page has finished or failed for eleven ticks; at its first tick on
+  // line it asks for the upgrade page, unless the settings say never.
   void Tick();
 
-  // Every finished or failed page calls this: downloads are still moving.
+  // Says that a page has finished or failed, so downloads are still moving. Bytes that arrive do not count.
   void ResetStallCounter() { stallSeconds_ = 0; }
 
  private:
