@@ -1,4 +1,4 @@
-// How a found address is printed.
+// The formats in which found addresses are printed.
 #pragma once
 
 #include <string>
@@ -14,10 +14,11 @@ enum class AddressFormat {
   kJsonl,  // {"URL", "Address", "Title", "TagOnly"}
 };
 
-// One line with its line feed; line ends within a text become blanks in csv.
+// Returns one line with its line feed. In csv, line ends inside a text become blanks.
 [[nodiscard]] std::string FormatAddress(const FoundAddress& record, AddressFormat format);
 
-// A quoted field that no spreadsheet takes for a formula: an apostrophe goes before a leading = + - @ TAB or CR.
+// Returns a text as a quoted csv field that no spreadsheet takes for a formula: a text that begins with = + - @ TAB or
+// CR gets an apostrophe in front.
 [[nodiscard]] std::string CsvField(std::string_view text);
 
 }  // namespace quenlar

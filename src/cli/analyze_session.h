@@ -13,16 +13,16 @@ namespace quenlar {
 
 class AnalyzeSession {
  public:
-  // The platform lends its files, and nothing else: an answer depends on no clock, locale or setting of the computer.
-  // The code page is Windows-1252 everywhere. `installation` names the program folder, whose folders are made and which
-  // is locked when the first project is opened, and not before.
+  // Of the platform only the files are used, so an answer does not depend on a clock, a locale or a setting of the
+  // computer. The code page is Windows-1252 everywhere. `installation` names the program folder. It is made and locked
+  // when the first project is opened, and not before.
   AnalyzeSession(const Platform& platform, Installation installation);
   ~AnalyzeSession();
   AnalyzeSession(const AnalyzeSession&) = delete;
   AnalyzeSession& operator=(const AnalyzeSession&) = delete;
 
-  // The answer to one line of JSON, as a line of JSON with its line feed: to a request, or {"error": ...} to what is
-  // none; `id` comes back in both. A line that fails changes nothing.
+  // Returns the answer to one line of JSON, as a line of JSON with its line feed. A line that is not a request is
+  // answered {"error": ...} and changes nothing. The member `id` of the line comes back in every answer.
   [[nodiscard]] std::string Answer(std::string_view line);
 
  private:
@@ -34,7 +34,7 @@ class AnalyzeSession {
   std::unique_ptr<State> state_;
 };
 
-// {"error": message} as a line.
+// Returns {"error": message} as a line.
 [[nodiscard]] std::string AnalyzeErrorLine(const std::string& message);
 
 }  // namespace quenlar

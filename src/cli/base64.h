@@ -7,7 +7,7 @@
 
 namespace quenlar {
 
-// The decoded bytes; empty where the text is not base64.
+// Returns the decoded bytes, or nothing when the text is not base64.
 [[nodiscard]] std::optional<std::string> DecodeBase64(std::string_view text);
 
 }  // namespace quenlar

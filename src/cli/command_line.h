@@ -10,10 +10,11 @@
 
 namespace quenlar {
 
-// `arguments` without the program's name, UTF-8. Returns the exit status; pumps while the command works.
+// Runs the command that `arguments` name (UTF-8, without the program's name) and returns the exit status. Pumps while
+// the command works.
 [[nodiscard]] int RunCommandLine(System& system, std::vector<std::string> arguments);
 
-// All commands and options. The declaration refers to the members, so they stay together.
+// The declaration of all commands and options. The parser writes into the members, so all of them live together.
 struct CommandLine {
   CommandLine();
   ~CommandLine();

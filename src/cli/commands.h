@@ -14,7 +14,7 @@ class App;
 
 namespace quenlar {
 
-// Texts are empty where an option was not given.
+// A text is empty when the option was not given.
 struct ExtractArguments {
   ExtractOptions options;
   std::string format = "lines", search_engine, proxy, summary;

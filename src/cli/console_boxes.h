@@ -1,4 +1,4 @@
-// Message boxes on a terminal: the text on standard error, the answer from standard input.
+// Message boxes on a terminal: the text goes to standard error, the answer comes from standard input.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ class ConsoleBoxes final : public MessageBoxes {
  public:
   explicit ConsoleBoxes(Console& console) : console_(console) {}
 
-  // A question is answered with yes by "y" or "yes" (any case) alone; the end of the input is a no.
+  // "y" and "yes", in any letter case, answer a question with yes. Everything else is a no, the end of the input too.
   BoxAnswer Show(const std::string& text, const std::string& title, BoxIcon icon, BoxButtons buttons) override;
 
  private:

@@ -1,4 +1,4 @@
-// The commands and options as they are declared, for the man page and the shells' completion.
+// The commands and options as data. The manual page and the completions of the shells are made of them.
 #pragma once
 
 #include <string>
@@ -29,10 +29,10 @@ struct DeclaredCommand {
   std::vector<DeclaredOption> options;
 };
 
-// The program itself first, then its commands in the order of their declaration; hidden ones are left out.
+// Returns the program itself and then its commands, in the order of their declaration. Hidden ones are left out.
 [[nodiscard]] std::vector<DeclaredCommand> Declarations(const CLI::App& root);
 
-// docs/quenlar.1 and packaging/linux/quenlar.bash, _quenlar and quenlar.fish.
+// Return the contents of docs/quenlar.1 and of quenlar.bash, _quenlar and quenlar.fish in packaging/linux.
 [[nodiscard]] std::string ManPage(const std::vector<DeclaredCommand>& commands);
 [[nodiscard]] std::string BashCompletion(const std::vector<DeclaredCommand>& commands);
 [[nodiscard]] std::string ZshCompletion(const std::vector<DeclaredCommand>& commands);

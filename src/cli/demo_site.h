@@ -11,8 +11,8 @@ inline constexpr const char* kDemoSearchEngine = "http://search.example";
 inline constexpr const char* kDemoKeyword = "garden tools";
 inline constexpr const char* kDemoAddress = "museum.example";
 
-// The answer of the host that `url` ("http://host/path?query") names; 404 with a page for what does not exist. Safe
-// to call from several threads.
+// Returns the answer to a request for `url` ("http://host/path?query"). A page that does not exist gives 404 and a page
+// that says so. May be called from several threads.
 [[nodiscard]] ServedAnswer DemoAnswer(std::string_view url);
 
 }  // namespace quenlar

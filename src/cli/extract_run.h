@@ -12,7 +12,7 @@
 
 namespace quenlar {
 
-// Overrides hold for the run alone; what is not given is as stored.
+// What the command line asks for. An option that is not given is as stored. Options hold for the run alone.
 struct ExtractOptions {
   std::string text;  // a keyword or an address
   AddressFormat format = AddressFormat::kLines;
@@ -30,14 +30,16 @@ struct ExtractResult {
   double seconds = 0;
 };
 
-// Hands over a way to stop the run in order; it may be called inside any pump, and after the run has ended.
+// Receives a function that stops the run in order. It may call that function inside any pump, and after the run.
 using StopWatcher = std::function<void(std::function<void()> stop)>;
 
-// Prints the addresses as they are found, progress and messages on standard error. Pumps until the run has ended.
+// Opens the project of `options.text`, records it in the list and runs it to its end. Addresses go to standard output
+// as they are found, progress and messages to standard error. Pumps until the run has ended. A failure is in the result
+// and has been reported to the user.
 [[nodiscard]] ExtractResult RunExtract(Console& console, Workplace& place, const ExtractOptions& options,
                                        const StopWatcher& watch_stop);
 
-// {"reason", "addresses", "new", "scanned", "DataFile", "ReportFile", "seconds"}, one line.
+// Returns {"reason", "addresses", "new", "scanned", "DataFile", "ReportFile", "seconds"} as one line.
 [[nodiscard]] std::string SummaryText(const ExtractResult& result);
 
 }  // namespace quenlar

@@ -1,4 +1,4 @@
-// What every command works with: the system, the chosen program folder, and words for the user.
+// What every command works with: the system, the chosen program folder, and the ways to the user.
 #pragma once
 
 #include <string>
@@ -19,13 +19,13 @@ class Invocation {
   // The program folder, with the standard search engine.
   [[nodiscard]] Installation installation() const;
 
-  // One line on standard error, fit for a terminal.
+  // Writes one line to standard error. Nothing in it can steer a terminal.
   void Say(std::string_view message) { SayOn(console(), message); }
   static void SayOn(Console& console, std::string_view message);
-  // Says why a command fails, and gives the exit status of that.
+  // Writes why the command fails, and returns the exit status for it.
   [[nodiscard]] int Fail(const Status& why);
 
-  // One line of results: `text` and a line feed. False when nobody reads.
+  // Writes one line of results: `text` and a line feed. Returns false when there is no reader any more.
   bool Print(std::string_view text);
 
  private:

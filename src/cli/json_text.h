@@ -9,11 +9,12 @@
 
 namespace quenlar {
 
-// Members stand in the order in which they are put in.
+// JSON whose members keep the order in which they were added.
 using Json = nlohmann::ordered_json;
 
-// One line, with its line feed. Always valid UTF-8, whatever the texts hold (what is no UTF-8 becomes U+FFFD), and one
-// line for every reader: control characters and the Unicode line separators are escaped. `value` may be nested 64 deep.
+// Returns `value` as one line with its line feed. The line is always valid UTF-8: bytes that are not become U+FFFD. It
+// is one line for every reader, because control characters and the line separators of Unicode are escaped. `value` may
+// be nested 64 deep.
 [[nodiscard]] std::string JsonLine(const Json& value);
 
 // {"URL", "Address", "Title", "TagOnly"}

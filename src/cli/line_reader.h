@@ -15,8 +15,8 @@ class LineReader {
 
   LineReader(Console& console, std::size_t longest) : console_(console), longest_(longest) {}
 
-  // The next line without its line feed; the last one may have none. A line of more than `longest` bytes is passed
-  // over, and never held in memory. Blocks.
+  // Reads the next line, without its line feed. The last line may have none. A line of more than `longest` bytes gives
+  // kTooLong and is passed over without being held in memory. Blocks until a line has come.
   [[nodiscard]] Outcome Next(std::string& line);
 
  private:

@@ -1,4 +1,4 @@
-// Checks of the values of options, and what becomes of them. A check returns what is wrong, or "".
+// Checks and tidies the values of options. A check returns what is wrong in words for the user, or "".
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace quenlar {
 // "http://host:port".
 [[nodiscard]] std::string CheckProxyUrl(const std::string& value);
 
-// Anything but "".
+// Any text except "".
 [[nodiscard]] std::string CheckNotEmpty(const std::string& value);
 // A text without line ends.
 [[nodiscard]] std::string CheckOneLine(const std::string& value);
@@ -20,8 +20,8 @@ namespace quenlar {
 // Digits alone, and a number within the bounds.
 [[nodiscard]] std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int32_t highest);
 
-// Filter words as the options dialog tidies its boxes: trimmed, without empty and repeated ones. (An empty word would
-// match every address.)
+// Returns filter words as the options dialog tidies its boxes: trimmed, without empty and repeated ones. An empty word
+// would match every address.
 [[nodiscard]] std::vector<std::string> TidyWords(const std::vector<std::string>& words);
 
 [[nodiscard]] std::string WithoutTrailingSlash(const std::string& value);

@@ -9,7 +9,7 @@
 
 namespace quenlar {
 
-// Draws nothing where standard error is no terminal. Redraws a few times a second at most.
+// Draws nothing when standard error is not a terminal. Redraws a few times a second at most.
 class ProgressLine {
  public:
   explicit ProgressLine(Console& console) : console_(console), on_(console.ErrorIsTerminal()) {}
@@ -21,13 +21,13 @@ class ProgressLine {
     std::uint32_t addresses = 0;
     std::int64_t scanned = 0;
     std::uint64_t links = 0;    // known so far
-    std::uint64_t visited = 0;  // of them
+    std::uint64_t visited = 0;  // of these links
     std::string stage;
   };
 
   [[nodiscard]] bool on() const { return on_; }
   void Draw(const Figures& figures);
-  // Gives the line back, before something else is written to the terminal.
+  // Removes the line. Call it before something else is written to the terminal.
   void Clear();
 
  private:
@@ -37,7 +37,7 @@ class ProgressLine {
   std::chrono::steady_clock::time_point last_{};
 };
 
-// The line's text, without what steers the terminal.
+// Returns the text of the line, cut to `columns` characters, without the codes that steer the terminal.
 [[nodiscard]] std::string ProgressText(const ProgressLine::Figures& figures, int columns);
 
 }  // namespace quenlar

@@ -6,11 +6,11 @@
 
 namespace quenlar {
 
-// Control characters (ESC, line ends, the C1 range) and bytes that are no UTF-8 become "?", so that no page can steer
-// the terminal. Every other character stays.
+// Returns a copy in which control characters (ESC, line ends, the C1 range) and bytes that are not UTF-8 are "?". So no
+// page can steer the terminal. Every other character stays.
 [[nodiscard]] std::string ForTerminal(std::string_view text);
 
-// The first `columns` characters, counting every character as one column.
+// Returns the first `columns` characters of the text. Every character counts as one column.
 [[nodiscard]] std::string_view FirstColumns(std::string_view utf8, int columns);
 
 [[nodiscard]] bool IsUtf8(std::string_view text);

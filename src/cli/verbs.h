@@ -1,4 +1,5 @@
-// The commands as the command line knows them: names, options and help; usage, man page and completion come from that.
+// Declares the commands with their names, options and help. Usage, manual page and completions are made of that. They
+// stand together in one source, because the parser's header takes long to compile.
 #pragma once
 
 #include <functional>
@@ -11,10 +12,10 @@ class App;
 
 namespace quenlar {
 
-// Does the work and returns the exit status. May pump.
+// The work of a command. Returns the exit status. May pump.
 using Command = std::function<int(Invocation&)>;
 
-// Adds all commands to `root`; when the command line names one, `chosen` becomes its work. Both outlive the parsing.
+// Adds all commands to `root`. When the parser meets one, `chosen` becomes its work. Both must outlive the parsing.
 void DeclareCommands(CLI::App& root, Command& chosen);
 
 }  // namespace quenlar

@@ -1,4 +1,4 @@
-// A program folder that a command has taken into use: made where it is missing, and locked.
+// A program folder in use by a command: it exists and is locked.
 #pragma once
 
 #include <memory>
@@ -17,18 +17,18 @@ struct Workplace {
   std::unique_ptr<FolderLock> lock;
 };
 
-// The platform of a command that needs a program folder; fails where there is none.
+// Opens the platform for a command that needs a program folder. Fails when there is none.
 [[nodiscard]] Result<Platform> OpenHome(Invocation& invocation);
 
-// Makes the program folder where it is missing and holds it. Fails where there is none, where it cannot be made, or
-// where another program works in it; nothing but the folder has been made then.
+// Makes the program folder if it is missing, and locks it. Fails when there is none, when it cannot be made, and when
+// another program works in it. At most the folder itself has been made then.
 [[nodiscard]] Result<std::unique_ptr<FolderLock>> TakeHome(Files& files, const Installation& installation);
 
-// The same for a whole command.
+// Opens the platform and takes the program folder.
 [[nodiscard]] Result<Workplace> TakeWorkplace(Invocation& invocation);
 
-// The stored settings and the project list as they are, without writing anything on a first start. Fails where they
-// cannot be read.
+// Loads the stored settings into `settings` and returns the project list. Writes nothing, even on a first start. Fails
+// when they cannot be read.
 [[nodiscard]] Result<std::vector<std::string>> LoadStored(Registry& registry, Settings& settings);
 
 }  // namespace quenlar

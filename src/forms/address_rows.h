@@ -11,17 +11,18 @@
 
 namespace quenlar {
 
-// "#", "eMail address", "URL", "Title". The widths are those in the smallest window.
+// The four columns: "#", "eMail address", "URL", "Title". The widths fit the smallest window.
 [[nodiscard]] std::vector<ui::ListView::Column> AddressColumns();
 
-// Empty for a row or column that the table does not have.
+// Returns the text of a cell. Rows and columns count from 0. Empty when the table does not have the row or column.
 [[nodiscard]] std::string AddressCell(const FoundAddresses& found, std::uint32_t row, int column);
 
-// Red for an address that stood inside a tag, as its page's only one.
+// Returns red for the address of a record whose TagOnly is set, and nothing for every other cell.
 [[nodiscard]] std::optional<ui::Color> AddressCellColor(const FoundAddresses& found, std::uint32_t row, int column);
 
-// For the clipboard: one line a row, CR LF between lines and none behind the last, whole cells whatever their length.
-// A row's cells stand between TABs; what would break a line or a cell apart becomes a blank.
+// Return what the clipboard gets of these rows: the addresses, or whole rows with TABs between their cells. Each row is
+// one line, with CR LF between the lines and none behind the last. Cells are never cut. A character that would break a
+// line or a cell apart becomes a blank.
 [[nodiscard]] std::string CopyOfAddresses(const FoundAddresses& found, const std::vector<std::uint32_t>& rows);
 [[nodiscard]] std::string CopyOfRows(const FoundAddresses& found, const std::vector<std::uint32_t>& rows);
 

@@ -1,4 +1,4 @@
-// Splits what a file dialog for several files returned.
+// Splits the answer of a file dialog for several files.
 #pragma once
 
 #include <optional>
@@ -13,8 +13,8 @@ struct DlgSelectFileInfo {
   std::vector<std::string> Files;  // bare names
 };
 
-// `current_folder` is the process's current directory as the dialog left it. Empty on an error (the text is no
-// result for this folder); the caller then shows "GetDlgSelectFileInfo error !".
+// Splits the `names` of FileDialogs::Choice into the folder and the bare names. `current_folder` is the other member of
+// the choice. Empty when the text does not fit the folder; the caller then shows "GetDlgSelectFileInfo error !".
 [[nodiscard]] std::optional<DlgSelectFileInfo> GetDlgSelectFileInfo(std::string_view fileNameText,
                                                                     std::string_view current_folder);
 

@@ -7,7 +7,7 @@
 
 namespace quenlar {
 
-// Knows whether the icon is there, so that it is added once and removed once.
+// Remembers whether the icon is there, so that it is added once and removed once.
 class eTray {
  public:
   explicit eTray(TrayIcon& icon) : icon_(icon) {}

@@ -8,7 +8,7 @@
 
 namespace quenlar {
 
-// The window keeps all of its contents in the middle of its width.
+// Shows the product's name and a link to its web page. The contents stand in the middle of the window's width.
 class frmAbout final : public ui::Form {
  public:
   explicit frmAbout(Shell& shell);

@@ -14,7 +14,7 @@ namespace quenlar {
 
 class frmEmailMergeTool final : public ui::Form {
  public:
-  // What the window works on; all of it must outlive the window. The books and addresses outlive its closing.
+  // Everything that the window works on. It must outlive the window. Books and addresses stay when the window closes.
   struct Context {
     eMailBookMerge& books;
     Files& files;
@@ -52,12 +52,12 @@ class frmEmailMergeTool final : public ui::Form {
   void OnCommand(ui::Button& button, void (frmEmailMergeTool::*command)());
   void AddBooks(const FileDialogs::Choice& choice);
   void FillBooks();
-  // Empty when the user gave up.
+  // Asks for the file to save to. Empty when the user has cancelled.
   [[nodiscard]] std::string ChooseTarget();
   BoxAnswer Tell(const std::string& text, BoxIcon icon, BoxButtons buttons = BoxButtons::kOk);
 
   Context context_;
-  bool busy_ = false;  // a command is under way, and pumps
+  bool busy_ = false;  // a command is under way and pumps; other commands do nothing until it ends
 };
 
 }  // namespace quenlar

@@ -8,7 +8,8 @@
 
 namespace quenlar {
 
-// The window keeps all of its contents in the middle of its width. It closes when its link is followed.
+// Shows a link to the help on the web, and closes when the user follows it. The contents stand in the middle of the
+// window's width.
 class frmHelp final : public ui::Form {
  public:
   explicit frmHelp(Shell& shell);

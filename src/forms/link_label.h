@@ -7,11 +7,12 @@
 
 namespace quenlar {
 
-// Blue-green-red.
+// The colours of a link, with the pointer over it and without (0xBBGGRR): magenta and blue.
 inline constexpr ui::Color kLinkHover = 0xFF00FF;
 inline constexpr ui::Color kLinkIdle = 0xFF0000;
 
-// Blue; magenta and underlined while the pointer is over it. A click takes the underline away and calls `open`.
+// Makes a label look and act like a link: blue, and magenta and underlined while the pointer is over it. A click
+// removes the underline and calls `open`.
 void MakeLink(ui::Label& label, std::function<void()> open);
 
 }  // namespace quenlar

@@ -19,11 +19,11 @@ namespace quenlar {
 
 class Program {
  public:
-  // What only the operating system's main function knows.
+  // What only the main function of the operating system knows.
   struct System {
-    // Whether another window program runs already. Asked once, first of all.
+    // Returns whether another window program runs already. Called once, before anything else.
     std::function<bool()> another_instance_runs;
-    // Ends the message loop, and the program with it. May be called from deep inside nested pumps; called once.
+    // Ends the message loop, and with it the program. It is called once, perhaps from deep inside nested pumps.
     std::function<void()> end;
   };
 
@@ -33,18 +33,19 @@ class Program {
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  // Start-up. Pumps (message boxes, opening the newest project). False when the program is to end at once, because
-  // another one is at work; nothing has been written then, and `end` is not called.
+  // Starts the program: loads the settings, shows the main window and opens the newest project. Pumps. Returns false
+  // when another program is at work, so that this one must end at once; it has written nothing then and does not call
+  // `end`.
   [[nodiscard]] bool Start();
 
-  // Writes down what the run at hand has found and has still to visit; nothing without one. For the end of the session,
-  // which waits for no pump. Does not pump.
+  // Saves what the current run has found and has still to visit. Does nothing when no run goes on. It is for the end of
+  // the user's session, which does not wait for pumps. Does not pump.
   void SaveRun();
 
-  // `end` has been called.
+  // Whether `end` has been called.
   [[nodiscard]] bool ended() const { return ended_; }
 
-  // The forms that have windows, for the binder.
+  // The forms that have windows, which the binder ties to native ones.
   [[nodiscard]] std::vector<ui::Form*> Windows();
 
  private:

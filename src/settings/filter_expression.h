@@ -11,17 +11,19 @@ namespace quenlar {
 
 enum class FilterAnswer { kNoMatch, kMatch, kTooManySteps };
 
-// Perl syntax, letter case ignored (ASCII), "^" and "$" at the ends of the text alone. No locale has a part in it.
+// The syntax is that of Perl. ASCII letter case is ignored. "^" and "$" match only at the ends of the text. The locale
+// makes no difference.
 class FilterExpression {
  public:
-  // kFormat with the engine's words when the pattern is none.
+  // Returns kFormat, with the words of the regular-expression engine, when `pattern` is not an expression.
   [[nodiscard]] static Result<FilterExpression> Compile(const std::string& pattern);
 
   FilterExpression(FilterExpression&&) noexcept;
   FilterExpression& operator=(FilterExpression&&) noexcept;
   ~FilterExpression();
 
-  // Whether the pattern occurs in the text. The steps grow at most with the product of the lengths of pattern and text.
+  // Returns whether the pattern occurs in `text` (UTF-8). The limit of steps grows with the product of both lengths. A
+  // pattern that backtracks for ever reaches it and gives kTooManySteps.
   [[nodiscard]] FilterAnswer Find(std::string_view text) const;
 
  private:

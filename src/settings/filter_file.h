@@ -12,13 +12,15 @@
 
 namespace quenlar {
 
+// The path of the filter file below the program folder.
 [[nodiscard]] std::string FilterFilePath(const Installation& installation);
 
-// Replaces the file. One that could not be read is kept aside first, so that its words are not lost.
+// Replaces the file with the words of both lists. A file that could not be read is kept aside first, so that its words
+// are not lost. kLimit with "Overflow !" when a list has more than 32,768 words; nothing has been touched then.
 Status WriteFilterFile(Files& files, const CodePage& code_page, const std::string& path, FilterWords& words);
 
-// ReadFilterFile: appends the file's words to both lists and builds the patterns; a missing file changes nothing.
-// Returns the messages of BuildFilterPatterns; an unreadable file is one more message, and is kept by the next save.
+// Appends the words of the file to both lists and builds the patterns. A missing file changes nothing. Returns the
+// messages of BuildFilterPatterns, and one more when the file cannot be read; the next save keeps such a file aside.
 [[nodiscard]] std::vector<std::string> ReadFilterFile(const Files& files, const CodePage& code_page,
                                                       const std::string& path, FilterWords& words);
 

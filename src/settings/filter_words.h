@@ -1,4 +1,4 @@
-// The words that addresses are filtered by, and the patterns made of them.
+// The words by which addresses are filtered, and the patterns that are made of them.
 #pragma once
 
 #include <functional>
@@ -23,16 +23,18 @@ class FilterWords final : public AddressFilter {
   std::string ExtractFilterPattern;
   bool keep_old_file = false;  // the filter file could not be read; the next save keeps it under another name
 
-  // Rebuilds both patterns from the words. A word is a regular expression as it stands; "*" in it is [\s\S]*.
-  // Where a pattern is no valid expression, the words that are none by themselves count as no match. Returns one
-  // message for each list with such words: a sentence ending in " !".
+  // Rebuilds both patterns. Call it when a list has changed. A word is a regular expression as it stands, in which "*"
+  // is any text. When a pattern is not a valid expression, its words are tried one by one, and those that are not valid
+  // match nothing. Returns one message for each list with such words: a sentence that ends in " !".
   [[nodiscard]] std::vector<std::string> BuildFilterPatterns();
 
-  // Called once, with a message, when a match has run into the step limit; then not again until the next build.
+  // Sets a function that is called with a message when a match has reached the limit of steps. It is called once, and
+  // once more after each BuildFilterPatterns.
   void OnStepLimit(std::function<void(const std::string& message)> report);
 
-  // The remove and the extract filter, by the switches of the settings. What takes more steps than the engine's limit
-  // counts as no match for this address. Never pumps.
+  // Returns false when the remove filter is on and matches, and when the extract filter is on and does not match. A
+  // filter without words matches and removes nothing. A word that takes too many steps for this address does not match
+  // it. Does not pump.
   [[nodiscard]] bool Keeps(std::string_view address) override;
 
  private:

@@ -1,4 +1,4 @@
-// Page downloads over libcurl.
+// Page downloads over libcurl, driven by the event loop.
 #pragma once
 
 #include <memory>
@@ -9,6 +9,7 @@
 
 namespace quenlar {
 
+// Any number of downloads run side by side on the one thread. Connections are kept and used again.
 class CurlPageFetcher : public PageFetcher {
  public:
   enum class ProxySource {
@@ -18,8 +19,8 @@ class CurlPageFetcher : public PageFetcher {
   };
   struct Options {
     ProxySource proxy_source = ProxySource::kEnvironment;
-    std::string proxy;        // kGiven: "http://host:port"; every download goes through it, and fails where it fails
-    std::string authorities;  // a file of certificates (PEM) to trust; empty: the system's
+    std::string proxy;        // kGiven: "http://host:port"; every download goes through it and is never made without it
+    std::string authorities;  // a file of certificates (PEM) that are trusted; empty: those of the system
   };
 
   // The loop must outlive the fetcher.

@@ -17,29 +17,29 @@
 
 namespace quenlar {
 
-// Keeps its curl handle from hop to hop and from download to download; each time the handle is set anew, for curl
-// counts over all of a handle's requests how many it has repeated on a fresh connection, and stops at five. Nothing of
-// the program runs inside curl's callbacks: they fill in what stands here.
+// Uses one curl handle for all hops and downloads. All options are set anew for each hop, because curl counts how many
+// requests of a handle it has repeated on a fresh connection and gives up after five. The callbacks of curl only fill
+// in members; no other code of the program runs inside them.
 class CurlTransfer {
  public:
-  // `headers` are sent with every request. The number of a download is added to `arrivals` when the first bytes of its
-  // page have come. All three must outlive the transfer.
+  // `headers` are sent with every request. The transfer appends the number of its download to `arrivals` when the first
+  // bytes of the page have come. All three must outlive the transfer.
   CurlTransfer(const CurlPageFetcher::Options& options, curl_slist* headers, std::vector<std::uint64_t>& arrivals);
   CurlTransfer(const CurlTransfer&) = delete;
   CurlTransfer& operator=(const CurlTransfer&) = delete;
   ~CurlTransfer();
 
-  // Makes the handle ready to be added, for a hop of this download; false when memory is short.
+  // Prepares the handle for a hop of this download. Returns false when there is not enough memory.
   [[nodiscard]] bool Prepare(const WireAddress& address, std::uint64_t download);
   [[nodiscard]] CURL* handle() const { return handle_; }
 
-  // What the hop has come to, once curl says that it is over.
+  // Returns how the hop has ended. Call it when curl says that it has.
   enum class Outcome { kFailed, kRedirected, kPage };
   [[nodiscard]] Outcome Finish(CURLcode result) const;
   [[nodiscard]] const std::string& location() const { return head_.location(); }
   [[nodiscard]] std::string TakeBody() { return std::exchange(body_, {}); }
 
-  // Whose hop this is.
+  // The number of the download that this hop belongs to.
   [[nodiscard]] std::uint64_t download() const { return download_; }
 
  private:
@@ -54,7 +54,7 @@ class CurlTransfer {
   AnswerHead head_;
   std::optional<ContentDecoder> decoder_;
   std::string body_;
-  std::size_t redirect_bytes_ = 0;  // of a redirect's own body, which nobody reads
+  std::size_t redirect_bytes_ = 0;  // of the body of a redirect, which is dropped
   bool malformed_ = false;
   std::uint64_t download_ = 0;
   std::vector<std::uint64_t>& arrivals_;

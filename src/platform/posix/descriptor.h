@@ -20,7 +20,7 @@ class Descriptor {
 
   [[nodiscard]] bool valid() const { return fd_ >= 0; }
   [[nodiscard]] int get() const { return fd_; }
-  // False when the system tells of an error that earlier writes have met; the descriptor is closed all the same.
+  // Closes the descriptor. Returns false when the system reports an error of earlier writes; it is closed even then.
   bool Close() { return fd_ < 0 || close(std::exchange(fd_, -1)) == 0; }
 
  private:

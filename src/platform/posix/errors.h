@@ -1,4 +1,4 @@
-// The system's error numbers as statuses.
+// Turns the system's error numbers into statuses.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace quenlar {
 
-// "what: No such file or directory", with the kind that callers tell apart.
+// Returns a failure with a message such as "what: No such file or directory" and the kind that fits `error`.
 [[nodiscard]] Status StatusOfErrno(int error, const std::string& what);
 
 }  // namespace quenlar

@@ -13,13 +13,15 @@
 
 namespace quenlar {
 
-// Read when it is made. Changes hold at once here; the file takes all of them in one step in the next pump, or when the
-// registry dies, so that a key that is deleted and written anew is never seen half done. They are made in what the file
-// holds by then, under a lock: two programs do not lose each other's values. A file with lines that cannot be
-// understood, or that could not be read at first, is kept under its name with ".bak" before it is replaced.
+// The file is read at construction. A change holds at once in memory. The file takes all changes in one step, in the
+// next pump or at destruction, so another program never sees a key that has been deleted and not yet written again. The
+// changes are applied to what the file holds by then, under a lock, so two programs do not lose each other's values.
+//
+// A file that could not be read, or that has lines which cannot be understood, is kept under its name with ".bak"
+// before it is replaced.
 class FileRegistry : public Registry {
  public:
-  // The folders of `path` are made when something is written.
+  // `path` is the file. Its folders are made at the first write. Both references must outlive the registry.
   FileRegistry(Files& files, EventLoop& loop, std::string path);
   FileRegistry(const FileRegistry&) = delete;
   FileRegistry& operator=(const FileRegistry&) = delete;
@@ -30,7 +32,7 @@ class FileRegistry : public Registry {
   void DeleteRegKey(const std::string& key) override;
   [[nodiscard]] bool KeyExists(const std::string& key) const override;
   [[nodiscard]] bool ValueExists(const std::string& key, const std::string& name) const override;
-  // The values hold for this program whatever comes of it, and the next flush tries again.
+  // When it fails, the changes stay in memory and the next flush tries again.
   Status Flush() override;
 
  private:
@@ -48,7 +50,7 @@ class FileRegistry : public Registry {
   RegistryContents contents_;
   std::vector<Change> changes_;  // not yet in the file
   bool flush_posted_ = false;
-  Status unread_;  // why the file could not be read, if so: nobody knows then what it holds
+  Status unread_;  // why the file could not be read at construction, if it could not
   std::shared_ptr<char> alive_ = std::make_shared<char>();  // posted flushes hold it weakly
 };
 

@@ -5,8 +5,8 @@
 
 namespace quenlar {
 
-// A standard stream that is closed when the process starts is kept from becoming some other file: it counts as one that
-// is at its end, or that nobody reads. So one is made first of all.
+// Make the console before anything opens a file. It occupies standard streams that were closed when the process
+// started, so that no other file takes their numbers. Such an input is at its end, and such an output has no reader.
 class PosixConsole : public Console {
  public:
   PosixConsole();
@@ -22,7 +22,7 @@ class PosixConsole : public Console {
 
  private:
   bool gone_ = false;  // a write to standard output has failed
-  bool full_ = false;  // for want of space
+  bool full_ = false;  // because there was no space left
 };
 
 }  // namespace quenlar

@@ -16,8 +16,8 @@
 
 namespace quenlar {
 
-// Something of the platform that waits for file descriptors or a moment: the transport, signals. Called inside pumps;
-// runs no code of the program, but posts to the loop what it has to tell.
+// A part of the platform that waits for file descriptors or for a moment, such as the transport and the signal watcher.
+// The loop calls it inside pumps. It must not run code of the program itself, but posts that to the loop.
 class IoSource {
  public:
   virtual ~IoSource() = default;
@@ -25,7 +25,7 @@ class IoSource {
     bool readable = false, writable = false, broken = false;
   };
   virtual void OnReady(int fd, Readiness readiness) = 0;
-  // When OnDeadline is to be called; asked for before each sleep. Empty: never.
+  // When OnDeadline is to be called, or empty for never. The loop asks before each sleep.
   [[nodiscard]] virtual std::optional<std::chrono::steady_clock::time_point> Deadline() const { return std::nullopt; }
   virtual void OnDeadline() {}
 };
@@ -44,7 +44,9 @@ class PosixEventLoop : public EventLoop {
   [[nodiscard]] std::unique_ptr<LoopTimer> MakeTimer(std::chrono::milliseconds interval,
                                                      std::function<void()> tick) override;
 
-  // Sources are forgotten before they die. A descriptor has one source, and is forgotten before it is closed.
+  // Registers a source, or a descriptor of a source. Remove a source before it is destroyed, and forget a descriptor
+  // before it is closed. A descriptor belongs to one source. Watching a descriptor again changes what it is watched
+  // for.
   void AddSource(IoSource& source);
   void RemoveSource(IoSource& source);
   void Watch(int fd, bool readable, bool writable, IoSource& source);

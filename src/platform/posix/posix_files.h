@@ -9,9 +9,9 @@
 
 namespace quenlar {
 
-// A replaced file keeps its permissions; where the path is a symbolic link, what it points to is replaced. Temporary
-// files are called ".<name>.<process>-<random>.partial" and lie beside their target; those that a dead process has
-// left behind are removed when their target is replaced for the first time.
+// A replaced file keeps its permissions. When the path is a symbolic link, the file to which it points is replaced.
+// Temporary files lie beside their target and are named ".<name>.<process>-<random>.partial". Those that a dead process
+// has left are removed when their target is replaced for the first time.
 class PosixFiles : public Files {
  public:
   [[nodiscard]] bool FileExists(const std::string& path) const override;
@@ -21,7 +21,7 @@ class PosixFiles : public Files {
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
   Status Delete(const std::string& path) override;
   Status Rename(const std::string& from, const std::string& to) override;
-  // A lock of the open file: it ends with the process, however that ends.
+  // The lock belongs to the open file, so it ends with the process, even when that is killed.
   [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder,
                                                          const std::string& lock_name) override;
 

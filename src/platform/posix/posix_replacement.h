@@ -10,15 +10,15 @@
 
 namespace quenlar {
 
-// The path that a write to `path` reaches: the end of a chain of symbolic links, which need not exist.
+// Returns the path that a write to `path` reaches: the end of a chain of symbolic links. The file need not exist.
 [[nodiscard]] Result<std::string> ResolveLinks(const std::string& path);
 
-// Removes the temporary files of `target` that dead processes have left behind. What cannot be removed stays.
+// Removes the temporary files of `target` that dead processes have left. A file that cannot be removed stays.
 void RemoveLeftovers(const std::string& target);
 
 class PosixReplacement : public FileReplacement {
  public:
-  // `target` is no symbolic link.
+  // Begins to replace `target`, which must not be a symbolic link.
   [[nodiscard]] static Result<std::unique_ptr<PosixReplacement>> Begin(std::string target);
   PosixReplacement(const PosixReplacement&) = delete;
   PosixReplacement& operator=(const PosixReplacement&) = delete;

@@ -8,8 +8,8 @@
 
 namespace quenlar {
 
-// No command line passes through a shell. What is started has a session of its own, so Ctrl-C does not reach it, and
-// neither reads the standard input nor writes to the standard output.
+// No command line passes through a shell of the system. A program that is started gets a session of its own, so Ctrl-C
+// does not reach it, and it neither reads standard input nor writes to standard output.
 class PosixShell : public Shell {
  public:
   PosixShell() = default;
@@ -17,22 +17,22 @@ class PosixShell : public Shell {
   PosixShell& operator=(const PosixShell&) = delete;
   ~PosixShell() override;
 
-  // "xdg-open" where it is installed.
+  // "xdg-open" when it is installed.
   [[nodiscard]] std::optional<std::string> HttpOpenCommand() const override;
-  // The parameters are one argument.
+  // `parameters` are passed as one argument.
   void Open(const std::string& program, const std::string& parameters) override;
   [[nodiscard]] std::string SystemDirectory() const override { return "/usr/bin"; }
-  // The program's name ends at the first blank, or at the second quote when it begins with one; the rest is one
-  // argument.
+  // The name of the program ends at the first blank, or at the second quote when it begins with one. All that follows
+  // is one argument.
   Status Start(const std::string& command_line, WindowMode mode) override;
-  // There is no clipboard without a desktop's own library.
+  // Does nothing: a clipboard needs the library of a desktop.
   void CopyToClipboard(const std::string& text) override;
 
  private:
   Status Run(const std::vector<std::string>& arguments);
   void Reap();
 
-  std::vector<int> children_;  // started and not yet seen to end
+  std::vector<int> children_;  // processes that were started and have not been seen to end
 };
 
 }  // namespace quenlar

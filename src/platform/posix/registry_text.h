@@ -1,4 +1,4 @@
-// The settings file as text.
+// The settings file as text, and its contents in memory.
 #pragma once
 
 #include <map>
@@ -7,24 +7,25 @@
 
 namespace quenlar {
 
-// Keys and value names are found whatever the case of their letters, and written as they were first spelled.
+// Keys and values by name. Letter case makes no difference when one is looked up; each is written as it was first
+// spelt.
 class RegistryContents {
  public:
   void Save(const std::string& key, const std::string& name, const std::string& text);
-  // A key with keys below it stays as it is.
+  // Deletes a key and its values. A key with other keys below it stays as it is.
   void Delete(const std::string& key);
   [[nodiscard]] bool HasKey(const std::string& key) const;
-  // The whole text, or null.
+  // Returns the text of a value, or null when there is none. Valid until the next change.
   [[nodiscard]] const std::string* Find(const std::string& key, const std::string& name) const;
 
   //   # comment
   //   [Software\Quenlar\Project]
   //   StopNumber=99999
-  // Control characters, percent signs and whatever would be taken for another part of a line stand as %XX.
+  // Control characters, percent signs and characters that would end a part of a line are written as %XX.
   [[nodiscard]] std::string Format() const;
 
   struct Parsed;
-  // What can be read of any bytes at all.
+  // Reads any bytes, as far as they can be understood.
   [[nodiscard]] static Parsed Parse(std::string_view text);
 
  private:

@@ -1,4 +1,4 @@
-// The user's and the system's wish that the program ends, delivered by the event loop.
+// Delivers the signals that ask the program to end through the event loop.
 #pragma once
 
 #include <functional>
@@ -7,9 +7,10 @@
 
 namespace quenlar {
 
-// From its construction to its destruction SIGINT, SIGTERM and SIGHUP call `on_signal`, with the signal's number,
-// inside a pump: the first one of the three. A second one ends the process at once, as if nobody watched. A SIGHUP that
-// was ignored before (nohup) stays ignored. At most one watcher lives at a time.
+// While it lives, the first of SIGINT, SIGTERM and SIGHUP calls `on_signal` inside a pump, with the number of the
+// signal. A second signal ends the process at once, as the system would by itself. A SIGHUP that was ignored before
+// (nohup) stays ignored. Only one watcher may live at a time, because a signal handler reaches nothing but static
+// memory.
 class SignalWatcher : public IoSource {
  public:
   SignalWatcher(PosixEventLoop& loop, std::function<void(int signal)> on_signal);
@@ -25,7 +26,7 @@ class SignalWatcher : public IoSource {
   int pipe_[2];
 };
 
-// A reader that goes away is told by the failing write, for the rest of the process.
+// From now on a reader that goes away makes the write fail and does not end the process.
 void IgnoreBrokenPipes();
 
 }  // namespace quenlar

@@ -16,7 +16,8 @@ class SysInterfaceTable : public InterfaceTable {
  public:
   SysInterfaceTable();
 
-  // In the kernel's order, which begins with the loopback interface. Numbers are the low 32 bits of the kernel's.
+  // The rows come in the kernel's order, which begins with the loopback interface. A number is the low 32 bits of the
+  // kernel's 64.
   [[nodiscard]] TableOutcome Read(std::vector<InterfaceRow>& rows) override;
   // True when an interface other than loopback is up and connected.
   [[nodiscard]] bool IsOnline() override;
@@ -29,7 +30,7 @@ class SysInterfaceTable : public InterfaceTable {
   Descriptor socket_;
   std::uint32_t sequence_ = 0;
   std::vector<char> buffer_;
-  std::map<std::string, std::uint32_t> speeds_;  // bits a second; asked for once, since asking is slow
+  std::map<std::string, std::uint32_t> speeds_;  // in bits a second; kept, because asking for one is slow
 };
 
 }  // namespace quenlar

@@ -1,4 +1,4 @@
-// The code page of systems that have none: Windows-1252, whatever the locale.
+// The code page of systems without one: Windows-1252 in every locale.
 #pragma once
 
 #include <string>

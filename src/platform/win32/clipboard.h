@@ -5,8 +5,8 @@
 
 namespace quenlar::win32 {
 
-// Replaces what is on the clipboard by this text (UTF-8). Does nothing when another program does not
-// let go of the clipboard for a fifth of a second.
+// Replaces the contents of the clipboard with `text` (UTF-8). Does nothing when another program holds the clipboard for
+// longer than a fifth of a second.
 void PutOnClipboard(const std::string& text);
 
 }  // namespace quenlar::win32

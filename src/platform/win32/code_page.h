@@ -17,7 +17,7 @@ class Win32CodePage final : public CodePage {
 
  private:
   unsigned number_;
-  bool exact_;  // the system can be told not to replace characters by similar ones
+  bool exact_;  // the system has an option not to replace characters with similar ones
 };
 
 }  // namespace quenlar

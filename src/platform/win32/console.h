@@ -5,7 +5,7 @@
 
 namespace quenlar {
 
-// Files and pipes get the bytes as they are; a console gets the characters that they spell.
+// A file or a pipe gets the bytes as they are. A console gets the characters that the UTF-8 spells.
 class Win32Console final : public Console {
  public:
   Win32Console();
@@ -16,13 +16,13 @@ class Win32Console final : public Console {
   [[nodiscard]] std::size_t Read(char* buffer, std::size_t size) override;
 
   [[nodiscard]] bool OutputIsTerminal() const override;
-  // A console that does not understand escape sequences counts as none.
+  // False for a console that does not understand escape sequences.
   [[nodiscard]] bool ErrorIsTerminal() const override { return error_understands_escapes_; }
   [[nodiscard]] int ErrorColumns() const override;
 
  private:
   bool gone_ = false;  // a write to standard output has failed
-  bool full_ = false;  // for want of space
+  bool full_ = false;  // because there was no space left
   bool error_understands_escapes_ = false;
 };
 

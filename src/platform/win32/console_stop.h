@@ -7,9 +7,9 @@
 
 namespace quenlar {
 
-// While it lives, the first Ctrl-C or Ctrl-Break (or the console window being closed, the user logging off) calls
-// `stop` inside a pump; a second one ends the process at once with the status 130. When the window is being closed the
-// system gives the process some seconds; they are used until this object goes. One at a time in a process.
+// While it lives, the first wish to stop calls `stop` inside a pump: Ctrl-C, Ctrl-Break, closing the console window,
+// logging off. A second one ends the process at once with the status 130. When the console window closes, the system
+// gives the process a few seconds; this object uses them until it is destroyed. Only one may live in a process.
 class Win32ConsoleStop {
  public:
   Win32ConsoleStop(EventLoop& loop, std::function<void()> stop);

@@ -14,9 +14,9 @@ struct HWND__;  // behind the system's window handle
 
 namespace quenlar {
 
-// Posted tasks and timers are messages to a hidden window, so that the system's own message loops (menus, message
-// boxes, file dialogs, a window being dragged) deliver them too. Timers are not finer than the system's (10 to 16 ms).
-// All members but Post belong to the thread that made the loop.
+// Posted tasks and timers are messages to a hidden window. So the message loops of the system itself, such as those of
+// menus, message boxes, file dialogs and a window that is being dragged, deliver them too. Timers are as coarse as
+// those of the system (10 to 16 ms). Only Post may be called from other threads.
 class Win32EventLoop final : public EventLoop {
  public:
   Win32EventLoop();
@@ -30,11 +30,12 @@ class Win32EventLoop final : public EventLoop {
   [[nodiscard]] std::unique_ptr<LoopTimer> MakeTimer(std::chrono::milliseconds interval,
                                                      std::function<void()> tick) override;
 
-  // Sees every message that Yield and Wait take from the queue before it is dispatched, in the order of the
-  // registrations; true says that the message is done with. The argument is an MSG*. Registered for good.
+  // Adds a filter for good. It sees every message that Yield and Wait take from the queue, before the message is
+  // dispatched. The argument is an MSG*. A filter that returns true has handled the message. Filters are called in the
+  // order in which they were added.
   void AddMessageFilter(std::function<bool(void* message)> filter);
 
-  // The system has asked the thread to end (WM_QUIT); it stays so.
+  // Whether the system has asked the thread to end (WM_QUIT).
   [[nodiscard]] bool quit_requested() const { return quit_; }
 
  private:

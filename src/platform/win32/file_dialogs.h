@@ -5,7 +5,8 @@
 
 namespace quenlar {
 
-// Modal for the thread's active window. The process's current directory is afterwards the folder that was shown.
+// The dialogs are modal for the active window of the thread. They set the current directory of the process to the
+// folder that they show.
 class Win32FileDialogs final : public FileDialogs {
  public:
   [[nodiscard]] std::optional<Choice> Open(const FileDialogRequest& request) override;

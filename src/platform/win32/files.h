@@ -10,12 +10,12 @@
 
 namespace quenlar {
 
-// Wide paths throughout, of any length. A replacement is written through to the medium before it takes the name. A file
-// that another program holds is waited for, about 0.3 s at most, when it is to be renamed or replaced.
+// Paths may have any length. A replacement is written through to the medium before it takes the name. When another
+// program holds a file that is to be renamed or replaced, the call waits for about 0.3 s at most.
 class Win32Files final : public Files {
  public:
   Win32Files();
-  // `pause` is called between two tries, nine times at most.
+  // `pause` is called between two attempts, nine times at most.
   explicit Win32Files(std::function<void()> pause) : pause_(std::move(pause)) {}
   [[nodiscard]] bool FileExists(const std::string& path) const override;
   [[nodiscard]] bool FolderExists(const std::string& path) const override;
@@ -29,7 +29,7 @@ class Win32Files final : public Files {
 
  private:
   const std::function<void()> pause_;
-  std::set<std::wstring> swept_;  // folders in which no temporary file of a process that was cut off is left
+  std::set<std::wstring> swept_;  // folders from which the temporary files of dead processes have been removed
 };
 
 }  // namespace quenlar

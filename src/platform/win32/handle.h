@@ -1,4 +1,4 @@
-// Owns a system handle.
+// Owns a handle of the system and closes it.
 #pragma once
 
 #include <utility>
@@ -20,7 +20,7 @@ class Handle {
 
   [[nodiscard]] bool valid() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
   [[nodiscard]] HANDLE get() const { return handle_; }
-  // False when the system reports a failure that it had kept until now.
+  // Closes the handle. Returns false when the system reports a failure of earlier work only now.
   bool Close() {
     const HANDLE handle = std::exchange(handle_, INVALID_HANDLE_VALUE);
     return handle == INVALID_HANDLE_VALUE || handle == nullptr || CloseHandle(handle) != 0;

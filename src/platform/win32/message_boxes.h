@@ -5,7 +5,7 @@
 
 namespace quenlar {
 
-// Modal for the thread's active window, or for all of its windows where none is active.
+// A box is modal for the active window of the thread, or for all of its windows when none is active.
 class Win32MessageBoxes final : public MessageBoxes {
  public:
   BoxAnswer Show(const std::string& text, const std::string& title, BoxIcon icon, BoxButtons buttons) override;

@@ -8,15 +8,15 @@
 
 namespace quenlar {
 
-// Texts are stored in the ANSI code page. Everything lies below one root, chosen once.
+// Texts are stored in the ANSI code page. All keys lie below one root, which is chosen once.
 class Win32Registry final : public Registry {
  public:
   enum class Root { kMachine, kUser };
 
-  // The root for a key: the machine's, or the user's where the machine's cannot be written. Leaves no trace.
+  // Returns the root for a key: the machine's, or the user's when the machine's cannot be written. Changes nothing.
   [[nodiscard]] static Root WritableRoot(const std::string& key);
 
-  // The same decision over any registry. `access` says what the machine's root has to say about the key with this path.
+  // The same decision over any registry, for tests. `access` says what may be done with a key of the machine's root.
   enum class Access { kNoKey, kReadOnly, kWritable };
   [[nodiscard]] static Root WritableRoot(std::string key, const std::function<Access(const std::string& path)>& access);
 

@@ -1,4 +1,4 @@
-// The system's error numbers as statuses.
+// Turns the system's error numbers into statuses.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace quenlar::win32 {
 
-// "object: the system's words". `error` is what GetLastError gave.
+// Returns a failure with the message "object: the system's words". `error` is a result of GetLastError.
 [[nodiscard]] Status SystemError(const std::string& object, unsigned long error);
 
 }  // namespace quenlar::win32

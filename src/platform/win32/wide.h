@@ -1,4 +1,4 @@
-// Texts between the program (UTF-8) and the system (UTF-16).
+// Converts texts between the program (UTF-8) and the system (UTF-16).
 #pragma once
 
 #include <string>
@@ -11,11 +11,11 @@ namespace quenlar::win32 {
 // Lone surrogates become U+FFFD.
 [[nodiscard]] std::string FromWide(std::wstring_view wide);
 
-// The system's name for a file: backslashes, and beyond the length that old calls take, the prefix "\\?\". A path with
-// a NUL, which the system would take for its end, gives a name that no file can have.
+// Returns the system's name for a file: with backslashes, and with the prefix "\\?\" when it is longer than old calls
+// take. A NUL would end the path early, so a path with one gives a name that no file can have.
 [[nodiscard]] std::wstring NativePath(std::string_view utf8_path);
 
-// The process's current directory, UTF-8.
+// The current directory of the process, in UTF-8.
 [[nodiscard]] std::string CurrentFolder();
 
 }  // namespace quenlar::win32

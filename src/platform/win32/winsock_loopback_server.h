@@ -7,7 +7,7 @@
 
 namespace quenlar {
 
-// Serves from one thread of its own, which calls `handler`.
+// Serves `handler` on a free port of 127.0.0.1, from one thread of its own.
 [[nodiscard]] Result<std::unique_ptr<LoopbackServer>> MakeWinsockLoopbackServer(ServeHandler handler);
 
 }  // namespace quenlar
