@@ -33,7 +33,7 @@ bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
   for (std::size_t i = 0; i + 8 < size; i += 8) {
     if (!SameEight(a.data() + i, b.data() + i)) return false;
   }
-  return SameEight(a.data() + size - 8, b.data() + size - 8);  // together with some before them
+  return SameEight(a.data() + size - 8, b.data() + size - 8);  // the last eight overlap the ones before
 }
 
 bool EndsWithIgnoreCase(std::string_view text, std::string_view lower_suffix) {

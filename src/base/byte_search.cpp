@@ -25,8 +25,8 @@ inline bool AnyInSixtyFour(const char* data, __m128i wanted) {
   return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d))) != 0;
 }
 
-// Long stretches without the byte are the rule, so those go as fast as the processor can: these return where to look
-// closer, `at` or a place behind it with no such byte between them.
+// Long stretches without the byte are the rule, so these functions skip them as fast as the processor can. They return
+// a place at or behind `at`, with no such byte in between, from which the caller searches step by step.
 std::size_t PassOver(const char* data, char byte, std::size_t at, std::size_t end) {
   const __m128i wanted = _mm_set1_epi8(byte);
   while (end - at >= 64 && !AnyInSixtyFour(data + at, wanted)) at += 64;
@@ -34,10 +34,10 @@ std::size_t PassOver(const char* data, char byte, std::size_t at, std::size_t en
 }
 
 __attribute__((target("avx2"))) std::size_t PassOverAvx2(const char* data, char byte, std::size_t at, std::size_t end) {
-  constexpr std::size_t kReadAhead = 2048;  // behind the end of the text, too: that is allowed and does nothing
+  constexpr std::size_t kReadAhead = 2048;  // it may reach behind the end of the text, where it has no effect
   const __m256i wanted = _mm256_set1_epi8(byte);
   for (; end - at >= 128; at += 128) {
-    // The processor reads ahead by itself, but not far enough for this.
+    // The processor loads ahead by itself, but not far enough for this pace.
     _mm_prefetch(data + at + kReadAhead, _MM_HINT_T0);
     _mm_prefetch(data + at + kReadAhead + 64, _MM_HINT_T0);
     const auto* blocks = reinterpret_cast<const __m256i*>(data + at);
@@ -113,7 +113,7 @@ std::size_t FindOneOf(std::string_view text, const std::array<char, 3>& bytes, s
 
 std::size_t FindLastByte(std::string_view text, char byte, std::size_t from, std::size_t end) {
   const char* data = text.data();
-  std::size_t at = end;  // everything from here on has been looked at
+  std::size_t at = end;  // everything from here on has been searched
 #if defined(__SSE2__)
   if (at <= from) return kNone;
   if (text.size() - from >= 16) {

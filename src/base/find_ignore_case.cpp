@@ -22,7 +22,7 @@ bool HasAt(std::string_view text, std::size_t at, std::string_view lower_needle)
 
 #if defined(__SSE2__)
 
-// Sixteen times one wanted byte; a letter is met in either case.
+// Sixteen copies of one wanted byte. A letter matches in either case.
 struct Wanted {
   explicit Wanted(char lower) : byte(_mm_set1_epi8(lower)), fold(_mm_set1_epi8(IsLetter(lower) ? 0x20 : 0)) {}
   [[nodiscard]] __m128i In(const char* data) const {

@@ -29,13 +29,14 @@ double LeadingNumber(std::string_view text) {
   text.remove_prefix(first);
   const bool negative = text.front() == '-';
   if (negative || text.front() == '+') text.remove_prefix(1);
-  // from_chars would read "inf" and "nan", which are no numbers here.
+  // from_chars would read "inf" and "nan", which count as 0 here.
   if (text.empty() || !(IsDigit(text.front()) || text.front() == '.')) return 0;
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error == std::errc::invalid_argument) return 0;
   if (error == std::errc::result_out_of_range) {
-    // Too large, or too small to tell from 0: only the first has a positive exponent or a long integer part.
+    // The number is too large, or too small to differ from 0. Only a large one has a positive
+    // exponent or a long integer part.
     const std::string_view number = text.substr(0, static_cast<std::size_t>(end - text.data()));
     const bool tiny = number.find("e-") != number.npos || number.find("E-") != number.npos;
     value = tiny ? 0 : std::numeric_limits<double>::infinity();

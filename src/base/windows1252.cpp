@@ -22,8 +22,8 @@ char Encode(std::uint32_t character) {
   return '?';
 }
 
-// A byte as UTF-8: three bytes at most. Four bytes in all, so that one store writes it; the length is overwritten by
-// what comes next.
+// A byte as UTF-8, three bytes at most, and its length behind them. That makes four bytes, so one store writes them
+// all. The next character overwrites the length.
 struct Utf8 {
   char bytes[3];
   std::uint8_t length;
@@ -59,7 +59,7 @@ inline char* PutByte(char* out, char byte) {
   return out + utf8.length;
 }
 
-// Reads one character and moves `at` behind it; a malformed sequence is one bad byte long and reads as U+FFFD.
+// Reads one character and moves `at` behind it. A malformed sequence reads as U+FFFD and is one byte long.
 std::uint32_t NextCharacter(std::string_view text, std::size_t& at) {
   const auto byte = [&](std::size_t i) -> std::uint32_t { return static_cast<unsigned char>(text[i]); };
   const std::uint32_t lead = byte(at);
@@ -93,7 +93,7 @@ bool IsAscii(std::string_view bytes) {
   return true;
 }
 
-// Pages are ASCII with a few other characters nearly always, so ASCII goes eight bytes at a time.
+// Nearly all pages are ASCII with a few other characters, so ASCII is copied eight bytes at a time.
 std::string Windows1252ToUtf8(std::string bytes) {
   if (IsAscii(bytes)) return bytes;
   constexpr std::size_t kPiece = 1024;
@@ -106,7 +106,7 @@ std::string Windows1252ToUtf8(std::string bytes) {
     left -= static_cast<std::size_t>(end - at);
     char* out = piece;
     for (; end - at >= 8; at += 8) {
-      // A long stretch of it goes in longer steps.
+      // A long stretch of ASCII is copied in longer steps.
       for (; end - at >= 24 && ((Eight(at) | Eight(at + 8)) & kTopBits) == 0; at += 16) {
         std::memcpy(out, at, 16);
         out += 16;

@@ -3,7 +3,7 @@
 namespace quenlar {
 
 Status MakeFolders(Files& files, const std::string& path, char separator) {
-  // From the end: the nearest parent that exists, then the missing ones below it.
+  // Finds the nearest parent that exists, beginning at the end of the path, and then makes the missing ones below it.
   std::size_t exists = path.size();
   while (exists > 0 && exists != std::string::npos && !files.FolderExists(path.substr(0, exists))) {
     exists = path.find_last_of(separator == '\\' ? "\\/" : "/", exists - 1);

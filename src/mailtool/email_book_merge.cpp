@@ -21,8 +21,8 @@ std::string Book::ShownText() const { return std::string(TrimBlanks(FileTitleOf(
 
 // --- The merged addresses ---
 
-// New addresses are looked up a batch at a time: first all their slots are asked for, then the texts in those, and
-// only then is anything compared, so that the waits for memory overlap. Batches do not outlive a call.
+// Addresses are looked up in batches. First the processor is asked to load all their slots, then the texts in these
+// slots, and only then are texts compared. So the waits for memory overlap. A batch ends with its call.
 struct AddressList::Impl {
   static constexpr std::size_t kBatch = 32;
   struct Candidate {
@@ -94,7 +94,7 @@ Result<bool> eMailBookMerge::AddBook(const std::string& path) {
   return true;
 }
 
-// After a deletion two books can show the same text. Each item then takes one of them, so that no book is lost.
+// After a deletion two books may show the same text. Each item then takes one of them, so no book is lost.
 void eMailBookMerge::SyncBookListToListBox(const std::vector<std::string>& items) {
   const std::vector<Book> copy = BookList;
   std::unordered_map<std::string, std::deque<std::size_t>> shown;
@@ -112,7 +112,7 @@ std::vector<std::string> eMailBookMerge::Extract(const Files& files, const CodeP
   try {
     for (std::size_t i = 0; i < BookList.size(); ++i) {
       const std::string path = BookList[i].Path;
-      loop.Yield();  // whatever runs here may change the list
+      loop.Yield();  // code inside the pump may change the list
       BookScanner scanner([&](std::string_view piece) {
         if (IsAscii(piece)) {
           Addresses.AddMatchesToAddressList(piece);
@@ -135,7 +135,7 @@ std::vector<std::string> eMailBookMerge::Extract(const Files& files, const CodeP
 
 namespace {
 
-// Gathers the lines of the merged book and writes them a block at a time.
+// Collects the lines of the merged book and writes them in blocks.
 class LineWriter {
  public:
   LineWriter(FileReplacement& file, const CodePage& code_page) : file_(file), code_page_(code_page) {}

@@ -65,7 +65,7 @@ bool FitsInt32(std::int64_t value) {
   return value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
 }
 
-// A sum that does not fit leaves the total as it was: that row does not count.
+// Adds a row to a total. When the sum does not fit, the total stays as it was and the row does not count.
 void AddUnlessTooLarge(std::int32_t& total, std::int32_t octets) {
   const std::int64_t sum = std::int64_t{total} + octets;
   if (FitsInt32(sum)) total = static_cast<std::int32_t>(sum);
@@ -131,7 +131,8 @@ const CInterfaces& CIpHelper::Interfaces() {
 
 std::int32_t TrafficMeter::Tick(std::int32_t bytes_received) {
   if (previous_ == 0) previous_ = bytes_received;
-  // In 64 bits, since a total that wraps makes a difference below all 32-bit numbers: one negative rate.
+  // Computed in 64 bits, because the difference does not fit into 32 when a counter wraps. That tick shows a negative
+  // rate.
   rate_ = static_cast<std::int32_t>((std::int64_t{bytes_received} - previous_) / 128 / 8);
   previous_ = bytes_received;
   return rate_;

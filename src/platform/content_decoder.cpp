@@ -17,7 +17,7 @@ bool HasZlibHeader(std::string_view bytes) {
   return (first & 0x0F) == 8 && (first * 256 + second) % 31 == 0;
 }
 
-// Grows in powers of two, so that a body at the limit is moved for the last time when it has half of its size.
+// Grows in powers of two. A body that reaches the limit is then moved for the last time at half of its size.
 void Append(std::string_view bytes, std::string& out) {
   const std::size_t size = out.size() + bytes.size();
   if (size > out.capacity()) out.reserve(std::bit_ceil(size));
@@ -43,7 +43,7 @@ ContentDecoder::~ContentDecoder() = default;
 
 bool ContentDecoder::Add(std::string_view bytes, std::string& out) {
   taken_ += bytes.size();
-  failed_ = failed_ || taken_ > max_bytes_;  // also of what decodes to nothing, or follows the end
+  failed_ = failed_ || taken_ > max_bytes_;  // bytes that decode to nothing count too, and those behind the end
   if (failed_ || bytes.empty()) return !failed_;
   if (coding_ == ContentCoding::kIdentity) {
     Append(bytes, out);

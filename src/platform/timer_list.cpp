@@ -5,7 +5,7 @@
 
 namespace quenlar {
 
-// Says that a tick goes on, also one that ends by an exception: its timer ticks again.
+// Marks a tick as running. The mark goes even when the tick ends by an exception, so its timer ticks again.
 class TimerList::Ticking {
  public:
   explicit Ticking(State& state) : state_(state) { state_.ticking = true; }

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kMaxHostBytes = 253;
 constexpr std::size_t kMaxLabelBytes = 63;
 
-// A percent sign stays: what follows it has been encoded by whoever wrote the address.
+// A percent sign stays, because the author of the address has encoded what follows it.
 std::string EncodeTarget(std::string_view text) {
   std::string encoded;
   encoded.reserve(text.size());
@@ -27,7 +27,7 @@ std::string EncodeTarget(std::string_view text) {
   return encoded;
 }
 
-// RFC 3986, 5.2.4, for a path that begins with "/". Linear: nothing is looked at twice.
+// Removes dot segments by RFC 3986, 5.2.4, from a path that begins with "/". It reads each byte once.
 std::string RemoveDotSegments(std::string_view path) {
   std::vector<std::string_view> kept;
   const std::vector<std::string_view> segments = Split(path.substr(1), "/");
@@ -54,7 +54,7 @@ bool IsAsciiHost(std::string_view host) {
   return true;
 }
 
-// "www.M\u00FCller.de" as "www.xn--mller-kva.de"; empty when it is no host.
+// Returns "www.M\u00FCller.de" as "www.xn--mller-kva.de", or nothing when the text is not a host.
 std::string WireHost(std::string_view host) {
   std::string wire;
   for (const std::string_view label : Split(host, ".")) {
@@ -76,7 +76,7 @@ std::string WireHost(std::string_view host) {
   return wire.size() <= kMaxHostBytes && wire.find_first_not_of('.') != std::string::npos ? wire : "";
 }
 
-// "[::1]", checked as far as its characters go; the resolver does the rest.
+// Accepts "[::1]" when all characters are possible ones. The resolver checks the rest.
 bool IsBracketed(std::string_view host) {
   return host.size() > 3 && host.size() < 50 && host.ends_with(']') &&
          host.substr(1, host.size() - 2).find_first_not_of("0123456789abcdefABCDEF:.") == host.npos;
@@ -122,7 +122,7 @@ std::size_t SchemeLength(std::string_view text) {
   return at > 0 && at < text.size() && text[at] == ':' ? at + 1 : 0;
 }
 
-// One line of UTF-8, whatever the bytes.
+// Returns any bytes as one line of UTF-8.
 std::string CleanHeaderText(std::string_view text) {
   std::string clean;
   while (!text.empty()) {

@@ -75,7 +75,7 @@ class DataFileWriter final : public RecordWriter {
   std::string storage_;
 };
 
-// Takes the file's lines one after the other and files them by the section that they stand in.
+// Takes the lines of the file one after the other and puts each into the queue of its section.
 class SectionReader {
  public:
   explicit SectionReader(LinkQueues& queues) : queues_(queues) {}
@@ -83,8 +83,8 @@ class SectionReader {
   // True when the line was added to a queue, false for a marker.
   bool Take(std::string_view line) {
     const int marker = MarkerOf(line);
-    // A marker counts unless it comes too early: in section k, only those up to k + 1 are looked at before the line
-    // is taken for a link of section k.
+    // In section k the markers of the sections up to k + 1 count. A marker of a later section is taken for a link of
+    // section k.
     if (marker != 0 && (section_ == 0 || marker <= section_ + 1)) {
       section_ = marker;
       return false;
@@ -107,7 +107,7 @@ class SectionReader {
   int section_ = 0;
 };
 
-// Cuts blocks of bytes into lines and hands them on as UTF-8 until it is told to stop.
+// Cuts blocks of bytes into lines and hands them on as UTF-8, until a call for a line returns false.
 class LineCutter {
  public:
   LineCutter(const CodePage& code_page, std::function<bool(std::string_view line)> take)
@@ -125,7 +125,7 @@ class LineCutter {
     return go_on;
   }
 
-  // The line that nothing ends, if there is one. A file cut inside its last line end has half of one there.
+  // Hands on the last line when no line end follows it. In a file that was cut inside a CR LF, the line ends in CR.
   void AtEnd() {
     if (rest_.ends_with('\r')) rest_ += '\n';
     if (!rest_.empty()) HandOn();

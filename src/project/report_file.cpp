@@ -19,7 +19,7 @@ std::size_t Characters(std::string_view text) {
       std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-// Whether the texts looked at hold printable ASCII alone: then a byte is a character, and no line ends inside.
+// Finds out whether texts hold only printable ASCII. A byte is a character then, and no line ends inside a text.
 class PlainTest {
  public:
   void Look(std::string_view text) {
@@ -138,7 +138,7 @@ class ReportWriter final : public RecordWriter {
     }
   }
 
-  // One text kept once, as those of a page are.
+  // Whether both views show the same copy of a text. The records of one page share one.
   static bool IsSameText(std::string_view a, std::string_view b) {
     return a.data() == b.data() && a.size() == b.size();
   }
@@ -209,7 +209,7 @@ class ReportWriter final : public RecordWriter {
   std::uint32_t next_ = 0, record_ = 0, rows_ = 0;
   TextHash hash_;
   IndexTable seen_;            // of the part's values, by the first record that has each
-  std::string_view last_url_;  // its place is compared, never its text
+  std::string_view last_url_;  // compared by its place in memory, not by its text
   std::string url_storage_, title_storage_;
 };
 

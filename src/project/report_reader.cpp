@@ -16,7 +16,7 @@ constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kFewestBlanks = 7;  // white space behind a padded address, its line end apart
 
-// What a character may be a part of, as the patterns' classes say; one bit a class.
+// The classes of the patterns, one bit each. A character may belong to several.
 enum Class : unsigned char { kSpace = 1, kLocal = 2, kDomain = 4, kLabel = 8, kPath = 16 };
 
 constexpr auto kClasses = [] {
@@ -43,9 +43,8 @@ std::size_t Skip(Class wanted, std::string_view text, std::size_t at) {
   return at;
 }
 
-// The end of an address whose "@" stands at `at` and which white space follows, or kNone. White space belongs to no
-// part of an address, so the domain is the whole run of its characters, and the last "." of the run begins its
-// last label, which has 2 to 4 letters.
+// Returns the end of an address with its "@" at `at` and white space behind it, or kNone. White space cannot belong to
+// an address, so the domain is the whole run of domain characters. Its last label has 2 to 4 letters.
 std::size_t AddressEnd(std::string_view text, std::size_t at) {
   const std::size_t end = Skip(kDomain, text, at + 1);
   if (end == text.size() || !Is(kSpace, text[end])) return kNone;
@@ -78,8 +77,8 @@ std::string_view LeadingUrl(std::string_view text) {
   return text.substr(0, end);
 }
 
-// `text` without the occurrences of `needle`. `anchor` occurs once in the needle, at `anchor_at`: what is compared
-// around one anchor of the text cannot reach beyond the next, so the time is linear.
+// Returns `text` without the occurrences of `needle`. The character `anchor` occurs in the needle exactly once. So what
+// is compared around one anchor of the text does not reach beyond the next one, and the time is linear.
 std::string Without(std::string_view text, std::string_view needle, char anchor) {
   const std::size_t anchor_at = needle.find(anchor);
   std::string result;

@@ -7,7 +7,7 @@
 namespace quenlar {
 namespace {
 
-constexpr int kStallLimit = 10;  // ticks without a finished page that a run may see
+constexpr int kStallLimit = 10;  // so many ticks without a finished page are allowed
 
 }  // namespace
 
@@ -33,7 +33,7 @@ void Watchdog::Tick() {
 
 void Watchdog::WatchRun() {
   if (!run_.running) {
-    stallSeconds_ = 0;  // what one run counted is no matter of the next one
+    stallSeconds_ = 0;  // each run counts from the start
     return;
   }
   if (++stallSeconds_ <= kStallLimit) return;

@@ -17,8 +17,8 @@ using Regex = boost::basic_regex<char, boost::cpp_regex_traits<char>>;
 
 constexpr std::int64_t kFewestSteps = 200'000;
 
-// The engine's own limit grows with the square of the pattern's length, so a long list of words with one bad word
-// among them would take minutes. Therefore the text is read through an iterator that counts.
+// The engine's own limit of steps grows with the square of the pattern's length. A long list of words with one bad word
+// in it would take minutes. So the text is read through an iterator that counts the steps.
 struct StepLimit {};
 
 class CountingIterator {
@@ -32,7 +32,7 @@ class CountingIterator {
   CountingIterator() = default;
   CountingIterator(const char* at, std::int64_t* steps_left) : at_(at), steps_left_(steps_left) {}
 
-  // Throws once: what the engine reads while it cleans up is free.
+  // Throws only once, because the engine may read again while it cleans up.
   reference operator*() const {
     if (--*steps_left_ == 0) throw StepLimit();
     return *at_;

@@ -9,7 +9,7 @@
 namespace quenlar {
 namespace {
 
-// The word as a part of the pattern: one "*" at either end is dropped, any other stands for any text.
+// Returns the word as a part of the pattern. One "*" at each end is dropped, and any other stands for any text.
 std::string PatternOf(std::string_view word) {
   if (word.starts_with('*')) word.remove_prefix(1);
   if (word.ends_with('*')) word.remove_suffix(1);
@@ -22,11 +22,11 @@ std::string JoinPattern(const std::vector<std::string>& words) {
   return pattern;
 }
 
-// One of the two filters, ready to be asked. Words are looked for together, in one expression; a word that takes too
-// many steps, or is no valid pattern, must not keep the others from being found.
+// One of the two filters, compiled. All words are searched together in one expression. A word that takes too many
+// steps, or is not a valid expression, must not keep the others from being found, so such words are searched apart.
 class WordFilter {
  public:
-  // A message about words that are no valid patterns, or "".
+  // A message about the words that are not valid expressions, or "".
   std::string Build(const std::string& name, const std::vector<std::string>& words, const std::string& pattern) {
     apart_.clear();
     together_.reset();
@@ -71,7 +71,7 @@ class WordFilter {
  private:
   static constexpr std::size_t kMostWordsDivided = 10'000;
 
-  // The expression of all these words; none where there are no words, or too many for one.
+  // The expression of all these words. Empty when there are no words, or too many for one expression.
   static std::optional<FilterExpression> Join(const std::vector<std::string>& words) {
     if (words.empty()) return std::nullopt;
     auto joined = FilterExpression::Compile(JoinPattern(words));
@@ -79,8 +79,8 @@ class WordFilter {
     return joined.take();
   }
 
-  // Sets the words apart that take too many steps for this address. False when there is none. Memory that cannot be had
-  // leaves everything as it was.
+  // Sets those words apart that take too many steps for this address. Returns false when there are none. When memory
+  // runs out, nothing has changed.
   bool Divide(std::string_view address) {
     if (!divisible_) return false;
     std::vector<std::string> rest;

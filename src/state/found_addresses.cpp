@@ -19,7 +19,7 @@ void FoundAddresses::Add(const FoundAddress& record) {
   const bool is_new = !Contains(record.Address, hash);
   index_.MakeRoom();
   Append(page, record.Address, record.TagOnly);
-  // Of equal addresses only the first goes into the index: many of them would make one long row of slots.
+  // Only the first of several equal addresses goes into the index. All of them would fill row after row with one hash.
   if (is_new) index_.Insert(hash, Count() - 1);
 }
 

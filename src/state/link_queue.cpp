@@ -46,7 +46,7 @@ bool LinkQueue::Contains(const Index& index, Key key, std::string_view wanted, s
   return index.table.Contains(hash, [&](std::uint32_t number) { return key(records_[number].url()) == wanted; });
 }
 
-// Of equal keys only the first goes in: many of them would make one long row of slots.
+// Only the first of several equal keys goes into the index. All of them would fill row after row with one hash.
 void LinkQueue::Cover(Index& index, Key key) {
   for (; index.covered < Count(); ++index.covered) {
     const std::string_view covered = key(records_[index.covered].url());

@@ -45,7 +45,7 @@ void RowOrder::SortAll() {
   std::transform(cells.begin(), cells.end(), order_.begin(), [](const Cell& cell) { return cell.row; });
 }
 
-// A row that has come is put into its place without reading more than a few cells of the others.
+// Puts a new row into its place by binary search, which reads only a few cells of the other rows.
 void RowOrder::Insert(std::uint32_t row) {
   const Cell cell = ReadCell(row);
   const auto place =
@@ -58,7 +58,8 @@ void RowOrder::SetRows(std::uint32_t rows) {
   const std::uint32_t before = rows_;
   rows_ = rows;
   if (!key_) return;
-  // Insertion costs a logarithm of cell reads a row, so beyond a small share sorting anew is cheaper.
+  // Each inserted row reads a number of cells that grows with the logarithm of the rows. So when many rows have come,
+  // sorting all of them anew is cheaper.
   if (rows < before || rows - before > 16 + before / 16) {
     SortAll();
   } else {

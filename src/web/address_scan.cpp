@@ -46,7 +46,7 @@ std::size_t DomainRunEnd(std::string_view text, std::size_t begin) {
   return end;
 }
 
-// Where the run of local characters that ends at `end` begins; it reaches back to `from` at most.
+// Returns where the run of local characters that ends at `end` begins. It does not reach back beyond `from`.
 std::size_t LocalRunBegin(std::string_view text, std::size_t from, std::size_t end) {
   std::size_t begin = end;
 #if defined(__SSE2__)
@@ -59,8 +59,8 @@ std::size_t LocalRunBegin(std::string_view text, std::size_t from, std::size_t e
   return std::max(from, begin);
 }
 
-// Where the local part that ends before `sign` begins: the first word boundary in the run of local characters, which
-// reaches back to `from` at most; `sign` itself when there is none.
+// Returns where the local part in front of the "@" at `sign` begins: at the first word boundary in the run of local
+// characters, which does not reach back beyond `from`. Returns `sign` when the run has no word boundary.
 std::size_t LocalStart(std::string_view text, std::size_t from, std::size_t sign) {
 #if defined(__SSE2__)
   // Most local parts are shorter than sixteen characters. Where no word character stands in front of one, the first
@@ -91,7 +91,8 @@ std::size_t LocalStart(std::string_view text, std::size_t from, std::size_t sign
   return sign;
 }
 
-// The end of the top-level name behind the dot: two to four letters, then no word character; 0 when there is none.
+// Returns the end of the top-level name behind the dot: two to four letters with no word character behind them. Returns
+// 0 when the dot does not have one.
 std::size_t TopLevelEnd(std::string_view text, std::size_t dot) {
   std::size_t end = dot + 1;
   while (end < text.size() && end < dot + 6 && Is(text[end], kLetter)) ++end;
@@ -125,7 +126,7 @@ inline std::optional<std::size_t> ShortDomainEnd(std::string_view text, std::siz
   const unsigned letters = both(near.Letters(), far.Letters()), no_word = ~both(near.Word(), far.Word());
   const unsigned top_level =
       letters >> 1 & letters >> 2 & (no_word >> 3 | (letters >> 3 & (no_word >> 4 | (letters >> 4 & no_word >> 5))));
-  // The run has such a dot, but not as its first character.
+  // Only dots of the run count, and not its first character.
   const unsigned dots = both(near.Dots(), far.Dots()) & top_level & ((1u << run) - 1) & ~1u;
   if (dots == 0) return 0;
   const auto behind_dot = static_cast<std::size_t>(std::bit_width(dots));
@@ -134,7 +135,8 @@ inline std::optional<std::size_t> ShortDomainEnd(std::string_view text, std::siz
 
 #endif
 
-// The end of the domain that begins at `begin`: the last dot that is followed by a top-level name wins; 0 without one.
+// Returns the end of the domain that begins at `begin`: that of the top-level name behind the last dot that has one.
+// Returns 0 when no dot has one.
 std::size_t DomainEnd(std::string_view text, std::size_t begin) {
 #if defined(__SSE2__)
   if (text.size() - begin >= 32) {
@@ -149,7 +151,8 @@ std::size_t DomainEnd(std::string_view text, std::size_t begin) {
   return 0;
 }
 
-// Whether a dot with two letters behind it stands in the domain that begins at `begin`, but not first.
+// Returns whether the domain that begins at `begin` has a dot with two letters behind it, not counting its first
+// character.
 bool HasLooseDomain(std::string_view text, std::size_t begin) {
   for (std::size_t at = begin; at < text.size() && Is(text[at], kDomain); ++at) {
     if (text[at] == '.' && at > begin && at + 2 < text.size() && Is(text[at + 1], kLetter) &&

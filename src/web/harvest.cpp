@@ -20,7 +20,8 @@ PageAddresses::Place PlaceOf(const PageMatch& match) {
   return IsMailLink(match.text) ? PageAddresses::Place::kMailLink : PageAddresses::Place::kTag;
 }
 
-// Pumps at every match. Matches are found some ahead, for what is known of their addresses to be at hand by then.
+// Collects the addresses of a page. Pumps at every match. Matches are found sixteen ahead of the one that is added, so
+// that the processor has loaded the index entries of an address before they are read.
 void Collect(AnalysisContext& context, std::string_view page, PageAddresses& addresses) {
   constexpr std::size_t kAhead = 16;
   struct Found {
@@ -51,13 +52,13 @@ class Inserter {
            std::string_view page_address)
       : context_(context), addresses_(addresses), page_(page), texts_{page_address, {}} {}
 
-  // Pumps before every address. Returns how many addresses were dealt with: all of them, or those up to the one that
-  // reached the stop number.
+  // Adds the addresses of a list. Pumps before each. Returns how many it has handled: all of them, or those up to the
+  // one that reached the stop number.
   std::size_t Insert(const PageAddresses::List& list, bool tag_only) {
     for (std::size_t i = 0; i < list.size(); ++i) {
       LookAhead(list, i);
       context_.pump();
-      // Tested only now: a harvest inside the pump may have added it.
+      // Tested only now, because a harvest inside the pump may have added it.
       if (!Add(addresses_.At(list[i]), tag_only)) continue;
       if (InRun() >= context_.settings.EffectiveStopNumber()) {
         context_.run.stop_requested = true;
@@ -80,12 +81,12 @@ class Inserter {
     if (left > kStep) found.PrefetchText(addresses_.At(list[i + kStep]).hash);
   }
 
-  // Addresses of this run, without those that the project brought along.
+  // The addresses found in this run, without those that the project had before.
   [[nodiscard]] std::int64_t InRun() const {
     return static_cast<std::int64_t>(context_.project.found.Count()) - context_.run.baseline;
   }
 
-  // Pumps where a save is due. False when the table has the address.
+  // Pumps when a save is due. Returns false when the table has the address already.
   bool Add(const PageAddresses::Address& address, bool tag_only) {
     FoundAddresses& found = context_.project.found;
     if (found.Contains(address.text, address.hash)) return false;

@@ -18,7 +18,7 @@ bool IsItsOwnHost(std::string_view address) {
   return address.starts_with(kScheme) && address.find('/', kScheme.size()) == kNone;
 }
 
-// The part of the page's address that a relative target is put behind.
+// Returns the part of the page's address behind which a relative target is put.
 std::string FolderOf(std::string_view page) {
   constexpr std::string_view kHosted = "/hosted/";
   if (IsItsOwnHost(page)) return std::string(page) + "/";
@@ -28,12 +28,12 @@ std::string FolderOf(std::string_view page) {
   return std::string(page.substr(0, slash == kNone ? 0 : slash + 1));
 }
 
-// Puts a link at the end of its level's queue, once. Visited links count too, other levels do not.
+// Appends a link to the queue of its level unless that queue has it, visited or not. Other levels are not asked.
 bool QueueLink(Project& project, int level, std::string_view address, std::int16_t number) {
   return project.queues[static_cast<std::size_t>(level)].AddIfNew(address, number);
 }
 
-// Another site: one entry a site, in level 0.
+// Appends a link to another site to level 0, which holds one link of each site.
 bool QueueOtherSite(Project& project, const Settings& settings, std::string_view address) {
   if (!project.IsKeywordProject && settings.CorrelationMode != 1) return false;
   return project.queues[0].AddIfNewHost(address, 1);
@@ -41,7 +41,8 @@ bool QueueOtherSite(Project& project, const Settings& settings, std::string_view
 
 constexpr std::string_view kFragment = "/#", kSecureScheme = "https://", kMaker = "microsoft";
 
-// Whether no rule can drop the address: it holds no two neighbouring letters out of any text that one is dropped for.
+// Returns true when no rule can drop the address: it does not hold the pair of letters that each rule needs. False is
+// not an answer; the rules themselves are asked then.
 bool IsPlain(std::string_view address) {
   static_assert(kSecureScheme.find("s:") != kNone && kMaker.find("ft") != kNone);
   static_assert(std::string_view(kEncyclopediaDomain).find("ik") != kNone);
@@ -83,7 +84,7 @@ std::string_view LinkResolver::Resolve(std::string_view target) {
   if (target.starts_with('#')) return page_.With(target);
   if (StartsWithIgnoreCase(target, "mailto:")) return {};
   if (StartsWithIgnoreCase(target, kScheme)) {
-    // It has a "/" behind its host at least.
+    // A host alone gets the "/" behind it that every absolute address has.
     return target.find('/', kScheme.size()) == kNone ? bare_host_.assign(target).append("/") : target;
   }
   if (target.empty()) return {};

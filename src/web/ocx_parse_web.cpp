@@ -36,7 +36,7 @@ ocxParseWeb::~ocxParseWeb() {
 }
 
 void ocxParseWeb::BeginDownload(const std::string& address, const std::string& request_name) {
-  pending_.push_back(request_name);  // before it starts, so that none is under way that no cancel reaches
+  pending_.push_back(request_name);  // before it starts, so that a cancel reaches every download
   fetcher_.Start(address, request_name);
   context_.view.ShowStage("Connecting: " + address);
 }
@@ -60,7 +60,7 @@ void ocxParseWeb::CancelAllDownload() {
     try {
       fetcher_.Cancel(name);
     } catch (const std::bad_alloc&) {
-      // What fails keeps no other from being cancelled.
+      // A failure with one download does not keep the others from being cancelled.
     }
   }
   pending_.clear();
@@ -84,7 +84,7 @@ ocxParseWeb::Outcome ocxParseWeb::CompleteText(const std::string& request_name, 
   return Analyze(request_name, [&] { return Parse(request_name, text); });
 }
 
-// The one place where a fault inside a parser (no memory for what a page holds) ends: the host must hear of every
+// This is the one place where a fault inside a parser ends, which is a lack of memory. The host must hear of every
 // finished page, or a run would wait for ever. A page that was not analysed to its end is still to be visited.
 template <typename Parser>
 ocxParseWeb::Outcome ocxParseWeb::Analyze(const std::string& request_name, Parser parse) {
@@ -105,7 +105,7 @@ ocxParseWeb::Outcome ocxParseWeb::Analyze(const std::string& request_name, Parse
   return Finish(request_name, outcome, whole);
 }
 
-// A text that memory does not hold is not shown; the page that it tells of is dealt with all the same.
+// When there is no memory for the text, it is not shown. The page itself is handled all the same.
 void ocxParseWeb::ShowStage(const char* text) {
   try {
     context_.view.ShowStage(text);
@@ -155,14 +155,14 @@ ocxParseWeb::Parsed ocxParseWeb::Parse(const std::string& request_name, const st
   }
 }
 
-// Raises the event of a request that has ended, in whatever way.
+// Raises the event of a request that has ended, by success, failure or a fault.
 ocxParseWeb::Outcome ocxParseWeb::Finish(const std::string& request_name, Outcome outcome, bool whole) {
   if (outcome.level >= 0 && events_ != nullptr) events_->DownloadComplete(outcome.level, request_name, whole);
   if (reset_stall_counter_) reset_stall_counter_();
   return outcome;
 }
 
-// Only the first entry of that name.
+// Removes only the first entry of that name, because two downloads may have the same one.
 void ocxParseWeb::RemovePending(const std::string& request_name) {
   const auto found = std::find(pending_.begin(), pending_.end(), request_name);
   if (found != pending_.end()) pending_.erase(found);

@@ -40,7 +40,7 @@ constexpr std::uint32_t Four(std::string_view text) {
   return value;
 }
 
-// Whether the target ends so that it names a file in which no addresses are looked for.
+// Returns whether the target names a kind of file that is never downloaded, such as a picture.
 bool IsUnwantedFile(std::string_view target) {
   if (target.size() < 4) return false;
   switch (Four(target.substr(target.size() - 4))) {
@@ -80,7 +80,8 @@ bool IsNamed(std::string_view tag, std::string_view name) {
   return tag.empty() || tag.front() == ' ' || StartsWithIgnoreCase(tag, "&nbsp;");
 }
 
-// The last closing anchor of the page, or npos. Anything that begins like one is one.
+// Returns the position of the last closing anchor of the page, or npos. Every text that begins with "</a" counts as
+// one.
 std::size_t LastClosingAnchor(std::string_view page) {
   std::size_t at = page.size();
   do {
@@ -89,7 +90,7 @@ std::size_t LastClosingAnchor(std::string_view page) {
   return at;
 }
 
-// Who found the links, and where they go.
+// The page whose links are queued, and the queue to which they go.
 struct PageKind {
   int level;
   std::string_view address;
@@ -105,13 +106,13 @@ class TagWalk {
   TagWalk(const TagWalk&) = delete;
   TagWalk& operator=(const TagWalk&) = delete;
 
-  // Pumps at every tag. False when a stop request cut the walk short.
+  // Walks through all tags. Pumps at each. Returns false when a stop request has ended the walk early.
   bool Run() {
     bool cut_short = false;
     const auto passed = [&](std::size_t first, std::uint64_t tags) {
       context_.pump.Light(tags);
       if (!context_.run.stop_requested) return true;
-      cut_short = FindByte(page_, '>', first) != kNone;  // what is never closed is no tag, so it is not missed
+      cut_short = FindByte(page_, '>', first) != kNone;  // a tag without ">" does not count
       return false;
     };
     TagScanner tags(page_);
@@ -121,7 +122,7 @@ class TagWalk {
   }
 
  private:
-  // False when the walk is over.
+  // Handles one tag. Returns false when the walk must end.
   bool Look(TagScanner::Tag tag) {
     const std::string_view text = TrimBlanks(page_.substr(tag.open + 1, tag.close - tag.open - 1));
     if (IsNamed(text, "a")) return Anchor(text, tag.close);
@@ -144,7 +145,7 @@ class TagWalk {
   }
 
   void Queue(std::string_view target) {
-    if (target.starts_with('#')) return;  // what it resolves to is never followed, so it need not be made
+    if (target.starts_with('#')) return;  // it would be dropped after it is resolved
     const std::string_view address = resolver_.Resolve(target);
     if (address.empty()) return;
     if (kind_.level == 0) {

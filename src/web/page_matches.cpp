@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 
-// The first address of a match whose first sign is known.
+// Returns the first address of a match. `sign` is the first "@" in it that makes a match.
 std::string_view FirstAddress(std::string_view page, std::size_t end, const AddressSign& sign) {
   return sign.address.empty() ? NextAddress(page.substr(0, end), sign.at + 1) : sign.address;
 }
@@ -29,7 +29,7 @@ bool PageMatches::Next(PageMatch& match) {
   }
 }
 
-// Settles the segment around `sign_`; true when its tag matches. It lies behind the segment before it.
+// Finds the ends of the segment around `sign_`, which lies behind the segment before. Returns whether its tag matches.
 bool PageMatches::NextSegment(PageMatch& match) {
   const std::size_t open = FindLastByte(page_, '<', end_, sign_.at);
   const std::size_t close = FindByte(page_, '<', sign_.at);
@@ -40,7 +40,7 @@ bool PageMatches::NextSegment(PageMatch& match) {
   return opened_ && TagMatch(match);
 }
 
-// The tag ends at the first ">" behind the first sign, whichever of its signs lets the pattern match.
+// The tag ends at the first ">" behind the first "@" of the segment, even when a later "@" makes the match.
 bool PageMatches::TagMatch(PageMatch& match) const {
   const std::size_t close = FindByte(page_.substr(0, end_), '>', sign_.at);
   if (close == kNone) return false;
@@ -50,7 +50,7 @@ bool PageMatches::TagMatch(PageMatch& match) const {
   return true;
 }
 
-// The text begins at the first ">" of the segment and needs a sign behind it.
+// The text begins at the first ">" of the segment, and an "@" must follow in it.
 bool PageMatches::BetweenMatch(PageMatch& match) const {
   const std::size_t start = FindByte(page_.substr(0, end_), '>', begin_);
   if (start == kNone) return false;

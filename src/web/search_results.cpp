@@ -10,9 +10,9 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kHeading = "<h3 class=", kTarget = "href=\"";
 
-// The first match at or after `from`, or empty. Every gap of the pattern takes as little as it can and anything may
-// stand in it, so each piece is found at its first place behind the piece before it; and where one piece is missing,
-// no later heading has it either.
+// Returns the first match at or after `from`, or an empty view. Every gap of the pattern is as short as possible and
+// may hold any text. So each piece stands at its first place behind the piece before it. When one piece is missing, it
+// is missing behind every later heading as well.
 std::string_view NextResult(std::string_view page, std::size_t from) {
   const std::size_t start = FindIgnoreCase(page, kHeading, from);
   if (start == kNone) return {};

@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 
-// An attribute's value: up to its closing quote, a blank or a line's end ("\r\n"), whatever comes first. Without a
-// quote `quote` is a blank.
+// Returns the value of an attribute: the text up to its closing quote, a blank or a line end ("\r\n"), whichever comes
+// first. For a value without quotes `quote` is a blank.
 std::string_view ValueAt(std::string_view tag, std::size_t begin, char quote) {
   for (std::size_t end = begin;; ++end) {
     end = FindOneOf(tag, {quote, ' ', '\r'}, end);
@@ -22,7 +22,7 @@ std::string_view ValueAt(std::string_view tag, std::size_t begin, char quote) {
 constexpr bool IsPlain(char c) { return c >= 33 && c < 127; }
 constexpr bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
-// One blank a character, not a byte.
+// Puts one blank in place of each character, and not of each byte.
 std::string BlankOut(std::string_view text) {
   std::string result;
   result.reserve(text.size());
@@ -32,7 +32,8 @@ std::string BlankOut(std::string_view text) {
   return result;
 }
 
-// One after the other, so that "&amp;gt;" becomes ">". The star stays, although it is not ASCII: it is put in last.
+// The entities are replaced one after the other, so "&amp;gt;" becomes ">". The star is not ASCII and stays all the
+// same, because it is put in last.
 constexpr struct {
   std::string_view entity, text;
 } kEntities[] = {{"&#9733;", "\xE2\x98\x85"},
@@ -93,7 +94,7 @@ std::string GetPageTitle(std::string_view page) {
   const std::size_t open = FindIgnoreCase(page, kOpening);
   if (open == kNone) return {};
   const std::size_t close = FindIgnoreCase(page, kClosing, open + kOpening.size());
-  if (close == kNone) return {};  // no later opening can have a closing either
+  if (close == kNone) return {};  // no later opening delimiter has a closing one either
   return CleanText(TextBetween(page.substr(open, close + kClosing.size() - open), ">", "<", SearchFrom::kStart));
 }
 

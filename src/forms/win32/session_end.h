@@ -1,4 +1,4 @@
-// Hears that the user logs off or the system shuts down, which ends the program without any of its own doings.
+// Saves the run when the user logs off or the system shuts down, which ends the program from outside.
 #pragma once
 
 #include <functional>
@@ -7,8 +7,8 @@
 
 namespace quenlar::ui {
 
-// Owns a hidden window, since only top-level windows hear of it. `save` has a few seconds; the process is ended when
-// it returns. It may pump.
+// Owns a hidden window, because only top-level windows are told of the end of a session. `save` has a few seconds, and
+// the system ends the process when it returns. It may pump.
 class SessionEnd {
  public:
   SessionEnd(HINSTANCE program, std::function<void()> save);

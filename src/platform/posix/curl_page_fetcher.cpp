@@ -29,8 +29,9 @@ struct Download {
 
 }  // namespace
 
-// curl's multi interface, driven by the loop's descriptors. What it has to tell is posted to the loop and looked up by
-// the download's number when its turn comes, so a cancelled download is silent.
+// curl's multi interface, driven by the descriptors of the loop. Its reports are posted to the loop with the number of
+// their download. When a report's turn comes and the download has been cancelled, the number is unknown and nothing
+// happens.
 class CurlPageFetcher::Engine : public IoSource {
  public:
   Engine(PosixEventLoop& loop, Options options);
@@ -57,7 +58,7 @@ class CurlPageFetcher::Engine : public IoSource {
   void EndHop(CurlTransfer& transfer, CURLcode result);
   void StartHop(Id id);
   void EndTransfer(std::unique_ptr<CurlTransfer> transfer);
-  // Posts a call of one of the members below, which is made if the download is still wanted then.
+  // Posts a call of one of the members below. It is made if the download has not been cancelled by then.
   void PostCall(Id id, void (Engine::*call)(Id));
   void TellRedirect(Id id);
   void TellFirstBytes(Id id);
@@ -202,7 +203,7 @@ void CurlPageFetcher::Engine::EndHop(CurlTransfer& transfer, CURLcode result) {
   PostCall(id, call);
 }
 
-// Also of a hop that is not over: its connection is closed then.
+// Also ends a hop that is not over; its connection is closed then.
 void CurlPageFetcher::Engine::EndTransfer(std::unique_ptr<CurlTransfer> transfer) {
   curl_multi_remove_handle(multi_, transfer->handle());
   static_cast<void>(transfer->TakeBody());  // of a page that failed or is no longer wanted: a spare one keeps no memory

@@ -11,7 +11,7 @@ constexpr std::size_t kMaxRedirectBody = 64 * 1024;  // beyond it the connection
 constexpr long kReceiveBytes = 16 * 1024;
 constexpr long kIdleSeconds = 60;  // connections that were idle for longer are not used again
 
-// What curl calls lets no exception out: what memory does not hold is not added, and spoils the answer.
+// curl's callbacks must not throw. When there is no memory for a piece of the answer, the whole answer fails.
 template <typename Add>
 bool AddWithinMemory(bool& malformed, Add add) {
   try {
@@ -73,7 +73,7 @@ void CurlTransfer::SetOptions() {
 
 CurlTransfer::Outcome CurlTransfer::Finish(CURLcode result) const {
   if (malformed_ || !head_.complete()) return Outcome::kFailed;
-  if (!head_.location().empty()) return Outcome::kRedirected;  // its own body is of no interest, whole or not
+  if (!head_.location().empty()) return Outcome::kRedirected;  // its body does not matter, even when it is cut short
   return result == CURLE_OK && (!decoder_ || decoder_->AtEnd()) ? Outcome::kPage : Outcome::kFailed;
 }
 

@@ -10,7 +10,7 @@
 namespace quenlar {
 namespace {
 
-// Also where whoever shares the descriptor has made it non-blocking.
+// Waits also when another process that shares the descriptor has made it non-blocking.
 bool WaitFor(int fd, short events) {
   pollfd one{fd, events, 0};
   int ready;
@@ -36,7 +36,7 @@ bool WriteAll(int fd, std::string_view bytes) {
 }  // namespace
 
 PosixConsole::PosixConsole() {
-  // Descriptors are given out from the lowest free one on. What is opened for reading alone cannot be written to.
+  // The system gives out the lowest free descriptor first. One that is opened only for reading cannot be written to.
   for (int fd = open("/dev/null", O_RDONLY); fd >= 0; fd = open("/dev/null", O_RDONLY)) {
     if (fd <= STDERR_FILENO) continue;
     close(fd);

@@ -70,7 +70,7 @@ void PosixEventLoop::Watch(int fd, bool readable, bool writable, IoSource& sourc
   event.events = (readable ? EPOLLIN : 0u) | (writable ? EPOLLOUT : 0u);
   event.data.fd = fd;
   const int operation = by_descriptor_[index] == nullptr ? EPOLL_CTL_ADD : EPOLL_CTL_MOD;
-  // A descriptor that was closed and opened again behind our back is no longer in the set, and the other way round.
+  // A library may close a descriptor and open one with the same number, and the set then lacks it, or has it already.
   if (epoll_ctl(epoll_, operation, fd, &event) != 0 && (errno == ENOENT || errno == EEXIST)) {
     epoll_ctl(epoll_, errno == ENOENT ? EPOLL_CTL_ADD : EPOLL_CTL_MOD, fd, &event);
   }
@@ -92,7 +92,7 @@ void PosixEventLoop::Pump(std::optional<std::chrono::milliseconds> sleep) {
 // How long a sleep may last, rounded up so that it does not end just before the moment for which it waits.
 int PosixEventLoop::SleepMilliseconds(std::chrono::milliseconds limit) {
   const Instant now = std::chrono::steady_clock::now();
-  // A day is as good as for ever, and fits the system's argument.
+  // A day is long enough, and it fits into the system's argument.
   std::chrono::steady_clock::duration sleep = std::clamp<std::chrono::milliseconds>(limit, {}, std::chrono::hours(24));
   if (const auto due = timers_.NextDue()) sleep = std::min(sleep, *due - now.time_since_epoch());
   for (const IoSource* source : sources_) {
@@ -105,8 +105,8 @@ int PosixEventLoop::SleepMilliseconds(std::chrono::milliseconds limit) {
   return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(sleep).count());
 }
 
-// Collects what the system has; nothing of the program runs in here, so a descriptor of this batch cannot change its
-// meaning before its turn.
+// Collects what the system reports. No code of the program runs in here, so a descriptor of this batch cannot be closed
+// and used for something else before its turn.
 void PosixEventLoop::RunIo(int timeout) {
   std::array<epoll_event, 64> events;
   const int count = epoll_wait(epoll_, events.data(), events.size(), timeout);

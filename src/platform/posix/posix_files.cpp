@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kBlockBytes = 64 * 1024;
 
-// The system takes a path up to its first NUL, which would name another file.
+// The system reads a path up to its first NUL. A path with a NUL inside would therefore name another file.
 Status CheckPath(const std::string& path) {
   if (!path.empty() && path.find('\0') == std::string::npos) return Status::Ok();
   return {StatusKind::kFailed, path + ": not a path"};

@@ -29,7 +29,7 @@ std::pair<std::string, std::string> FolderAndName(const std::string& path) {
   return {slash == 0 ? "/" : path.substr(0, slash), path.substr(slash + 1)};
 }
 
-// What the names of a target's temporary files begin with, cut so that they fit the system's limit of 255 bytes.
+// Returns the beginning of the names of a target's temporary files, cut so that a name fits into 255 bytes.
 std::string TemporaryPrefix(const std::string& name) { return "." + name.substr(0, 180) + "."; }
 
 std::string TemporaryName(const std::string& name) {
@@ -54,8 +54,8 @@ pid_t OwnerOf(std::string_view name, std::string_view prefix) {
   return rest[digits] == '-' && random.find_first_not_of("0123456789abcdef") == random.npos ? owner : 0;
 }
 
-// True when the temporary file belongs to nobody: its process is gone, and nobody else (a process of another name
-// space, with numbers of its own) holds it.
+// Returns whether no process uses the temporary file: the process in its name is gone, and no other holds its lock. A
+// process of another name space has numbers of its own, so the lock is needed too.
 bool IsAbandoned(const std::string& path, pid_t owner) {
   if (kill(owner, 0) == 0 || errno != ESRCH) return false;
   const Descriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
@@ -96,7 +96,7 @@ Result<std::unique_ptr<PosixReplacement>> PosixReplacement::Begin(std::string ta
   const bool exists = stat(target.c_str(), &old) == 0;
   if (exists && S_ISDIR(old.st_mode)) return StatusOfErrno(EISDIR, target);
   if (exists && !S_ISREG(old.st_mode)) return Status(StatusKind::kFailed, target + ": not a plain file");
-  // Renaming would get around a file's own write protection, which somebody has set on purpose.
+  // Renaming would ignore the write protection of the file, and a user has set that on purpose.
   if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return StatusOfErrno(errno, target);
 
   const auto [folder, name] = FolderAndName(target);

@@ -30,7 +30,7 @@ std::optional<unsigned> HexadecimalDigit(char c) {
   return std::nullopt;
 }
 
-// A percent sign that begins no escape stands for itself: people edit the file.
+// A percent sign that does not begin an escape stands for itself, because people edit the file.
 std::string Unescape(std::string_view text) {
   std::string plain;
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -8,7 +8,7 @@
 namespace quenlar::win32 {
 namespace {
 
-// Programs that watch the clipboard hold it for moments, so a refusal is not the last word.
+// Programs that watch the clipboard hold it for moments, so a refusal is tried again.
 bool OpenInTheEnd(HWND owner) {
   constexpr int kTries = 20;
   constexpr DWORD kBetweenTriesMs = 10;

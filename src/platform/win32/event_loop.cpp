@@ -13,7 +13,7 @@ namespace {
 constexpr wchar_t kClass[] = L"QuenlarEventLoop";
 constexpr UINT kWake = WM_APP + 1;
 
-// One pump ends after so many messages even where more keep coming (a window that asks to be painted for ever).
+// The most messages of one pump. It ends even when more keep coming, as from a window that asks to be painted for ever.
 constexpr int kMostMessages = 256;
 
 }  // namespace
@@ -48,7 +48,7 @@ struct Win32EventLoop::WindowProcedure {
     if (message == WM_TIMER) {
       loop->Tick(w);
     } else {
-      // Pump keeps these for itself, so this is a message loop of the system's.
+      // Pump handles these messages itself, so here a message loop of the system has delivered one.
       {
         const std::lock_guard lock(loop->mutex_);
         loop->wake_posted_ = false;
@@ -99,7 +99,7 @@ std::unique_ptr<LoopTimer> Win32EventLoop::MakeTimer(std::chrono::milliseconds i
 
 void Win32EventLoop::AddMessageFilter(std::function<bool(void*)> filter) { filters_.push_back(std::move(filter)); }
 
-// Delivers what is there. What arrives or is posted meanwhile may have to wait for the next pump: each timer ticks
+// Delivers what has arrived before the call. What arrives meanwhile may wait for the next pump. So each timer ticks
 // about once, and a task that posts another one does not keep the pump going.
 void Win32EventLoop::Pump() {
   const std::uint64_t end = NextTask();
@@ -152,7 +152,8 @@ void Win32EventLoop::RunTasks(std::uint64_t end) {
   }
 }
 
-// Sees to it that a wake message is in the queue while tasks are: at most one, since the system's queue is finite.
+// Makes sure that one wake message is in the system's queue while tasks wait. There is never a second one, because that
+// queue is finite.
 void Win32EventLoop::Wake() {
   const std::lock_guard lock(mutex_);
   if (!tasks_.empty() && !wake_posted_) wake_posted_ = PostMessageW(window_, kWake, 0, 0) != 0;

@@ -44,7 +44,7 @@ bool IsFolder(const std::wstring& path) {
 
 Status FolderInTheWay(const std::string& path) { return {StatusKind::kFailed, path + ": It is a folder"}; }
 
-// Whether another program may be in the way that looks at the file only for a moment, as virus scanners do.
+// Returns whether another program may hold the file only for a moment, as virus scanners do.
 bool MayPass(DWORD error, const std::wstring& target) {
   if (error == ERROR_SHARING_VIOLATION) return true;
   if (error != ERROR_ACCESS_DENIED) return false;
@@ -53,7 +53,7 @@ bool MayPass(DWORD error, const std::wstring& target) {
          (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) == 0;
 }
 
-// Renames over an existing target, with several tries. The error of the last one; ERROR_SUCCESS.
+// Renames over an existing target, in several attempts. Returns ERROR_SUCCESS, or the error of the last attempt.
 DWORD MoveOver(const std::wstring& from, const std::wstring& to, const std::function<void()>& pause) {
   constexpr int kTries = 10;
   for (int tries = 1;; ++tries) {
@@ -134,12 +134,12 @@ class HeldLock final : public FolderLock {
   Handle file_;
 };
 
-// With its last separator; "" for the current folder.
+// Returns the folder of a path with its last separator, or "" for the current folder.
 std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\:") + 1); }
 
 constexpr std::wstring_view kTemporary = L"~quenlar-";
 
-// A name in the folder that nothing else has. It tells which process the file belongs to.
+// Returns a name that no other file of the folder has. The number of the process is part of it.
 std::wstring TemporaryName(const std::wstring& folder, unsigned number) {
   return std::wstring(folder).append(kTemporary) + std::to_wstring(GetCurrentProcessId()) + L"-" +
          std::to_wstring(number) + L".tmp";

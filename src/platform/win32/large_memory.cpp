@@ -1,4 +1,4 @@
-// Windows gives large pages to those only who may lock memory, which ordinary users may not.
+// Windows gives large pages only to users who may lock memory, and ordinary users may not. So these wishes do nothing.
 #include "platform/large_memory.h"
 
 namespace quenlar {

@@ -50,7 +50,7 @@ Win32Registry::Root Win32Registry::WritableRoot(const std::string& key) { return
 
 Win32Registry::Root Win32Registry::WritableRoot(std::string key,
                                                 const std::function<Access(const std::string& path)>& access) {
-  // The nearest key that exists decides: what is below it can be made there or not.
+  // The nearest key that exists decides whether keys can be made below it.
   for (;;) {
     const Access found = access(key);
     if (found != Access::kNoKey) return found == Access::kWritable ? Root::kMachine : Root::kUser;
@@ -84,7 +84,7 @@ std::string Win32Registry::GetRegValue(const std::string& key, const std::string
     return RegQueryValueExA(open.get(), value_name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()),
                             &size);
   };
-  // A missing value is no failure here: it leaves the blanks as they are.
+  // A missing value is not a failure: the blanks stay as they are.
   if (query() == ERROR_MORE_DATA) {
     buffer.assign(size, ' ');
     if (query() != ERROR_SUCCESS) return {};

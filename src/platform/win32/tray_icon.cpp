@@ -37,12 +37,12 @@ struct Win32TrayIcon::Implementation {
   bool added = false;
   std::function<void(int message)> callback;
 
-  // A task bar that is too busy, as it is while somebody logs on, does not take the icon, so it is asked again.
+  // A busy task bar, for example while the user logs on, does not take the icon, so it is asked again.
   void Add() {
     if (!Shell_NotifyIconA(NIM_ADD, &record)) SetTimer(window, kAddTimer, kAddAgainMs, nullptr);
   }
 
-  // It may have taken the icon too late for an answer, and then takes it no second time.
+  // The task bar may have taken the icon without answering in time. It does not take it a second time then.
   void AddAgain() {
     if (Shell_NotifyIconA(NIM_MODIFY, &record) || Shell_NotifyIconA(NIM_ADD, &record)) KillTimer(window, kAddTimer);
   }

@@ -13,8 +13,8 @@ namespace {
 // A head larger than this is refused, in bytes of wide characters.
 constexpr DWORD kMaxHead = kMaxHeadBytes * sizeof(wchar_t);
 
-// A connection that the server closed while it was idle shows only when it is used again. Each such failure takes one
-// of them out of the system's store.
+// That a server has closed an idle connection shows only when the connection is used again. Each such failure removes
+// one connection from the system's store.
 constexpr int kMostSends = 8;
 
 constexpr wchar_t kHeaders[] = L"Accept-Encoding: gzip, deflate\r\n";
@@ -57,14 +57,14 @@ bool Exchange::Open(HINTERNET session, const WireAddress& address, std::chrono::
   self_ = shared_from_this();
   auto context = reinterpret_cast<DWORD_PTR>(this);
   WinHttpSetOption(request_, WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof context);
-  // The system's own following of redirects is not to be trusted with what is behind them, and its passwords and
-  // cookies are nobody's business.
+  // The system must not follow redirects itself, because their targets have to be checked. It must not send passwords
+  // or cookies either.
   SetOption(request_, WINHTTP_OPTION_REDIRECT_POLICY, WINHTTP_OPTION_REDIRECT_POLICY_NEVER);
   SetOption(request_, WINHTTP_OPTION_DISABLE_FEATURE, WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_AUTHENTICATION);
   SetOption(request_, WINHTTP_OPTION_AUTOLOGON_POLICY, WINHTTP_AUTOLOGON_SECURITY_LEVEL_HIGH);
   SetOption(request_, WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, static_cast<DWORD>(response_limit.count()));
-  // A server that would like a certificate of the client's and can do without is told that there is none; without a
-  // word the request fails.
+  // Some servers ask for a certificate of the client and can do without one. They are told that there is none; if
+  // nothing is said, the request fails.
   if (address.secure) {
     WinHttpSetOption(request_, WINHTTP_OPTION_CLIENT_CERT_CONTEXT, WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
   }
@@ -109,7 +109,7 @@ void CALLBACK Exchange::OnStatus(HINTERNET, DWORD_PTR context, DWORD status, voi
     case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
       return exchange->Take({Event::Kind::kError, static_cast<WINHTTP_ASYNC_RESULT*>(information)->dwError});
     case WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING:
-      // The last call for this handle. Whoever is at work holds the exchange himself.
+      // This is the last call for this handle. A thread that still works on the queue has its own reference.
       const auto last = std::move(exchange->self_);
   }
 }
@@ -121,7 +121,7 @@ void Exchange::Take(Event event) {
     try {
       events_.push_back(event);
     } catch (const std::bad_alloc&) {
-      finished_ = true;  // in silence; nothing is left to tell it with
+      finished_ = true;  // without a report, for which there is no memory
     }
     if (std::exchange(working_, true)) return;
   }
@@ -142,7 +142,7 @@ void Exchange::Work() {
       event = events_.front();
       events_.pop_front();
     }
-    // No exception may reach the system: what memory does not hold spoils the answer.
+    // No exception may reach the system. When there is no memory, the answer fails.
     try {
       Handle(event);
     } catch (const std::bad_alloc&) {
@@ -205,7 +205,7 @@ void Exchange::OnHead() {
   AskForMore();
 }
 
-// Asking what there is before reading it: a read alone would wait for a full buffer.
+// Asks how many bytes there are before it reads them. A read alone would wait for a full buffer.
 void Exchange::AskForMore() {
   if (!WinHttpQueryDataAvailable(request_, nullptr)) OnError(GetLastError());
 }
@@ -218,8 +218,8 @@ void Exchange::OnRead(DWORD bytes) {
   AskForMore();
 }
 
-// The system takes a body that breaks off before its announced length for a whole one, so the length is compared here.
-// Of a chunked body it tells nothing: one that breaks off is noticed only where the system notices it.
+// The system takes a body that ends before its announced length for a whole one, so the length is compared here. For a
+// chunked body there is nothing to compare: one that breaks off is noticed only when the system notices it.
 void Exchange::End() {
   const bool bodyless = head_.status() == 204 || head_.status() == 304;
   const bool whole = bodyless || !head_.content_length() || *head_.content_length() == received_;

@@ -25,10 +25,10 @@ struct ExchangeReport {
   std::string text;  // the Location as it came, or the decoded body
 };
 
-// The system calls back on threads of its own, and at times inside the calls that are made to it. So an exchange takes
-// every event into a queue, and whichever thread finds nobody at work on the queue works on it: no two threads are
-// ever inside, and no lock is held while the system is called. A handle that somebody is working with is closed by
-// him when he is done.
+// The system calls back on threads of its own, and sometimes inside a call that is made to it. So an exchange puts
+// every event into a queue. A thread that finds no other thread working on the queue works on it until it is empty. So
+// two threads never work at the same time, and no lock is held while the system is called. The handles of an exchange
+// that is given up are closed by the thread that is working, when it is done.
 class Exchange : public std::enable_shared_from_this<Exchange> {
  public:
   // Called on any thread, also inside Start, never two at a time.
@@ -41,8 +41,8 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
   Exchange(const Exchange&) = delete;
   Exchange& operator=(const Exchange&) = delete;
 
-  // Gives the exchange up without waiting: nothing is reported any more, save what is being reported right now. The
-  // system may take its time to let go of it.
+  // Gives the exchange up and returns at once. It reports nothing more, except a report that another thread is making
+  // right now. The system may hold on to the request for a while.
   void Abandon();
 
   static void CALLBACK OnStatus(HINTERNET handle, DWORD_PTR context, DWORD status, void* information, DWORD length);
@@ -66,7 +66,8 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
   void End();
   // Every kind but kFirstBytes ends the exchange.
   void Report(ExchangeReport::Kind kind, std::string text = {});
-  // A download that falls silent because not even its failure can be told is for the watchdog to cancel.
+  // Fails when there is no memory. When there is not even enough to report that, the download falls silent and the
+  // watchdog cancels it.
   void FailForWantOfMemory();
   void CloseHandles();
   [[nodiscard]] std::optional<std::string> HeaderLines() const;
@@ -76,7 +77,7 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
   HINTERNET request_ = nullptr;
   std::shared_ptr<Exchange> self_;  // until the system has let go of the request
 
-  // Of whoever is at work on the queue.
+  // Used only by the thread that works on the queue.
   AnswerHead head_;
   std::optional<ContentDecoder> decoder_;
   std::string body_;
@@ -87,7 +88,7 @@ class Exchange : public std::enable_shared_from_this<Exchange> {
 
   std::mutex mutex_;  // guards what follows; never held while the system is called
   std::deque<Event> events_;
-  bool working_ = true;    // somebody is at work on the queue; at first that is Start
+  bool working_ = true;    // a thread works on the queue; at first it is the one that calls Start
   bool finished_ = false;  // nothing more is to be done or reported
   bool closed_ = false;    // the handles have been given back, or are about to be
 };

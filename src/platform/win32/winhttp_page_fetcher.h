@@ -17,15 +17,15 @@ struct ExchangeReport;
 
 struct WinHttpOptions {
   std::string proxy;  // "http://host:port", used for every address; empty: the system's own proxy settings
-  // A server that has taken a request and does not begin to answer for so long has failed. Also bounds how long the
-  // system may hold on to a cancelled request.
+  // A server that has received a request and has not begun to answer after this time has failed. It is also the longest
+  // time for which the system holds on to a cancelled request.
   std::chrono::milliseconds response_limit{60'000};
 };
 
-// The downloads run on the system's threads; what they have to say comes through the loop, so all calls to the
-// listener are made inside a pump. Redirects are followed here. Certificates are checked by the system's rules. A body
-// that is shorter than announced is a failure; of a chunked body that breaks off Windows tells, some look-alikes do
-// not.
+// The downloads run on threads of the system. Their reports come through the loop, so the listener is called inside a
+// pump. Redirects are followed here, and certificates are checked by the system's rules. A body that is shorter than
+// announced is a failure. So is a chunked body that breaks off, as far as the system notices it: Windows does, and
+// other systems that run its programs may not.
 class WinHttpPageFetcher final : public PageFetcher {
  public:
   // `loop` must outlive the fetcher. Tasks that are still in the loop when the fetcher goes do nothing.
