@@ -1,4 +1,11 @@
-// Everything of the program that has no window: the objects that both front ends drive.
+// Everything of the program that has no face, as one object. The window and the command line both drive it.
+//
+//   struct Printer : RunView, RunHost, ProjectView { ... };  // what is shown and answered
+//   Printer printer;
+//   Engine engine(platform, site, {printer, printer, printer});
+//   const Engine::StartNotes notes = engine.Start();          // folders, filter file, settings, project list
+//   engine.projects.OpenProject("garden tools");
+//   engine.driver.Run();                                      // to the end of the run
 #pragma once
 
 #include <functional>
@@ -16,14 +23,15 @@
 
 namespace quenlar {
 
-// What a front end implements.
+// The three interfaces that a front end implements. One object may implement all of them.
 struct FrontEnd {
   RunView& view;
   RunHost& host;
   ProjectView& project_view;
 };
 
-// Owns the state and the objects that work on it; all references handed in must outlive it.
+// Owns the state and the objects that work on it, in the order in which they need each other. The platform and the
+// front end must outlive the engine. Two engines may live side by side.
 class Engine {
  public:
   Engine(const Platform& platform, Installation installation, FrontEnd front_end,
@@ -44,22 +52,22 @@ class Engine {
   Watchdog watchdog;
   eMailBookMerge books;
 
-  // Start-up up to the point at which a front end appears: the folders `data` and `report`, the filter file, the
-  // settings and the project list. A folder that cannot be made is the failure; notes hold what is worth telling
-  // (an invalid filter word).
+  // Does what comes before a front end appears: makes the folders `data` and `report`, reads the filter file, and loads
+  // the settings and the project list. The front end shows the result and goes on: `folders` is the first failure to
+  // make a folder, and `notes` holds messages such as those about invalid filter words, one a line.
   struct StartNotes {
     Status folders;
     std::string notes;
   };
   [[nodiscard]] StartNotes Start();
 
-  // The upgrade check: done once per start, by the watchdog's first on-line tick; the arrived page is judged, and
-  // `show` called (inside a pump) when it names a newer version. Without `show` the answer is dropped.
+  // Sets what happens when a newer version has been published: `show` is called inside a pump. The watchdog starts the
+  // upgrade check at its first tick on line, once in each start of the program. Without `show` the answer is dropped.
   void OnNewerVersion(std::function<void()> show) { show_newer_version_ = std::move(show); }
   bool upgradeDone = false;  // the check has ended, with or without an answer
 
  private:
-  // The address of a result page in the language of the settings, "" where they name none.
+  // See RunDriver::SearchAddressAt.
   [[nodiscard]] std::string SearchAddressAt(int result_offset) const;
   // Starts the download of the upgrade page and counts it in the level-0 counter.
   void StartUpgradeCheck();

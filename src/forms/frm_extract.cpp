@@ -168,7 +168,7 @@ void frmExtract::StopRun() {
 
 // --- Projects ---
 
-// False for a project that memory does not hold, which is told.
+// Opens the project. Returns false for one that does not fit into memory, after a message.
 bool frmExtract::cmbURL_Change() {
   if (RunGoesOn()) return true;
   ++opening_;
@@ -358,7 +358,7 @@ void frmExtract::EnableExtract() {
   if (!starting_ && opening_ <= 1) cmdExtract.SetEnabled(true);
 }
 
-// Whoever goes on typing goes on at the end.
+// The caret goes to the end of the text, where the user goes on typing.
 void frmExtract::SetInputText(const std::string& text) {
   cmbURL.SetText(text);
   cmbURL.MoveCaretToEnd();

@@ -53,8 +53,8 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void FillProjectCombo();
   void ExportReport();  // cmdExport click
 
-  // A message that the user must see, but not in the middle of a run: in a message box when the run has ended, at
-  // once when none goes on. The same message is told once.
+  // Shows a message in a message box: at once when no run goes on, otherwise when the run has ended. The same message
+  // is shown once.
   void TellAfterRun(const std::string& message);
 
   // RunView
@@ -95,10 +95,10 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void ShowModalFrom(ui::Button& button, ui::Form& form);
   void cmdHide_Click();
 
-  // A run is under way, or about to begin with the next tick of its timer.
+  // Whether a run is under way, or will begin with the next tick of its timer.
   [[nodiscard]] bool RunGoesOn() const;
   [[nodiscard]] bool MayStart() const;
-  // What can be used only while no run goes on.
+  // The controls that can be used only while no run goes on.
   [[nodiscard]] std::vector<ui::Control*> Inputs();
   void Warn(const std::string& text);
   void WarnOnFailure(const Status& status);
@@ -109,7 +109,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   bool exporting_ = false;  // the report is being written for the editor
   int opening_ = 0;         // projects being opened, one inside the other
   std::vector<std::string> after_run_;
-  std::string data_failure_;  // of the data file's save at the end of the run
+  std::string data_failure_;  // of saving the data file at the end of the run
 };
 
 }  // namespace quenlar

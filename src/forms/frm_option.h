@@ -16,8 +16,8 @@ namespace quenlar {
 
 class frmOption final : public ui::Form {
  public:
-  // What the dialog works on; all of it must outlive the dialog. `show_language` puts a language code into the hidden
-  // field of the main window.
+  // Everything that the dialog works on. It must outlive the dialog. `show_language` puts the code of a language into
+  // the hidden field of the main window.
   struct Context {
     Settings& settings;
     SettingsStore& store;
@@ -49,7 +49,7 @@ class frmOption final : public ui::Form {
 
   ui::Button cmdOK{"cmdOK", "OK"};
 
-  // False until the controls are filled, and again after the dialog has gone. Until then no filter warning appears.
+  // Whether the controls have been filled and the dialog is there. Only then do filter warnings appear.
   bool loaded = false;
 
   [[nodiscard]] std::vector<ui::Control*> Controls() override;
@@ -72,11 +72,13 @@ class frmOption final : public ui::Form {
   Context context_;
 };
 
-// The words of a filter's text box, one a line, blanks cut and repeated words dropped (the first one stays); a text of
-// one line is one word as it stands. Puts the tidied text back into `text`. Empty for a text without words.
+// Returns the words of a filter's text box, one from each line. Blanks at the ends are cut, and of words that are the
+// same the first one stays. A text of one line is one word as it stands. Puts the tidied text back into `text`. Empty
+// for a text without words.
 [[nodiscard]] std::vector<std::string> TidyFilterWords(std::string& text);
 
-// What the stop number's box counts as a number: a sign, digits, a fraction, an exponent, with blanks around them.
+// Returns whether the box of the stop number takes the text for a number: digits with an optional sign, fraction and
+// exponent, and blanks around them.
 [[nodiscard]] bool IsNumeric(std::string_view text);
 
 }  // namespace quenlar

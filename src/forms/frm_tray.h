@@ -17,7 +17,7 @@
 
 namespace quenlar {
 
-// Never shown; it has no window of its own.
+// It is never shown and has no window of its own.
 class frmTray final : public ui::Form {
  public:
   // Nothing of these is used before Load, so they may be constructed later than the form. `end` ends the program.

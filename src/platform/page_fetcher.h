@@ -1,5 +1,5 @@
-// Asynchronous page downloads, keyed by text. The transport behind it follows redirects, keeps its own limits and
-// knows nothing of what the pages are for.
+// Asynchronous page downloads. Each has a key, which is any text. The transport follows redirects and keeps limits of
+// its own; it does not know what the pages are for.
 #pragma once
 
 #include <string>
@@ -7,24 +7,25 @@
 
 namespace quenlar {
 
-// The status codes of an asynchronous read, by the numbers that the download manager knows.
+// The status codes of a download, with the numbers that the program publishes.
 enum class FetchCode {
   kError = 0,          // the download has failed; no completion follows
   kRedirecting = 3,    // `text` is the absolute address of the next hop, as found in the answer
   kDataAvailable = 14  // the first bytes of the final body have arrived
 };
 
-// Who hears of downloads. Every call is made inside EventLoop::Yield or Wait, never inside a member of PageFetcher.
-// `key` outlives the call, whatever the call does.
+// Receives the reports of downloads. Every call is made inside a pump and never inside a member of PageFetcher. `key`
+// stays valid during the call, even when the call cancels the download.
 class FetchListener {
  public:
   virtual ~FetchListener() = default;
   virtual void OnFetchProgress(const std::string& key, FetchCode code, const std::string& text) = 0;
-  // The whole decoded body, bytes as they came; ownership passes. Called once a key, never after kError.
+  // The download is complete. `body` is the whole decoded body, byte for byte as the server has sent it. Called once
+  // for each download, and never after kError.
   virtual void OnFetchComplete(const std::string& key, std::string body) = 0;
 };
 
-// Limits that every implementation keeps (each is a failure when passed).
+// The limits that every implementation keeps. A download that passes one fails.
 inline constexpr int kMaxRedirects = 20;
 inline constexpr std::size_t kMaxBodyBytes = 64u << 20;  // decoded bytes
 
@@ -34,19 +35,18 @@ class PageFetcher {
 
   virtual void SetListener(FetchListener* listener) = 0;
 
-  // Starts one GET of `address` (UTF-8, as found on a page; blanks, quotes, control and non-ASCII characters and
-  // everything else a request line cannot hold are percent-encoded on the wire, a fragment is not sent). Returns at
-  // once; even an address that cannot be spoken (a scheme other than http and https, no host) fails later, inside a
-  // pump. A key that is already under way gets a second, independent download under the same key.
+  // Starts one GET of `address` and returns at once. The address is UTF-8, as it was found on a page. What a request
+  // line cannot hold, such as blanks, quotes, control and non-ASCII characters, is percent-encoded on the wire, and a
+  // fragment is not sent (platform/wire_address.h). A second download with the same key is independent of the first.
   //
-  // Failure is what cannot be delivered: no host, refused, reset, body cut short or malformed, more than
-  // kMaxRedirects, a redirect from https to plain http, more than kMaxBodyBytes, an unknown scheme or content encoding,
-  // certificate not valid, a proxy that asks for a password (407). A page with an HTTP error status and a body is a
-  // page.
+  // A download fails when its page cannot be delivered: the address has no host or another scheme than http and https,
+  // the connection is refused or reset, the body is cut short or malformed or in an unknown encoding, a certificate is
+  // not valid, a proxy asks for a password (407), https redirects to plain http, or a limit is passed. A page with an
+  // HTTP error status is a page. Every failure is reported inside a later pump.
   virtual void Start(const std::string& address, const std::string& key) = 0;
 
-  // Forgets every download of this key at once: no call is made for it any more, not even one that has already
-  // arrived. Unknown keys are ignored.
+  // Cancels every download with this key. No report of them is made any more, even of one that has arrived already. An
+  // unknown key is ignored.
   virtual void Cancel(const std::string& key) = 0;
 };
 

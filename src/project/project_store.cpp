@@ -34,7 +34,7 @@ Status Sentence(const Status& status, const std::string& path, const char* what)
   return {status.kind(), path + " cannot be " + what + ": " + reason + " !"};
 }
 
-// The report's text in UTF-8. A report that memory does not hold is an unreadable one.
+// Returns the text of the report in UTF-8. A report that does not fit into memory counts as one that cannot be read.
 Result<std::string> ReadReportText(const Platform& platform, const std::string& path) {
   try {
     auto bytes = ReadWhole(platform.files, path, kMaxReportBytes);
@@ -59,7 +59,7 @@ ProjectStore::ProjectStore(const Platform& platform, Project& project, const Set
 
 // ---- opening ----
 
-// A project that memory does not hold is not open: what it lacks must not replace what its files hold.
+// A project that does not fit into memory is not opened. What has been loaded of it must not replace its whole files.
 void ProjectStore::OpenProject(std::string_view text) {
   const std::uint64_t opening = openings_ + 1;
   try {
@@ -178,8 +178,8 @@ Status ProjectStore::BringReportUpToDate() {
   return FinishSave(report_);
 }
 
-// Without its addresses on the disk no page may leave the data file, save where the report can never hold them: a run
-// with more of them than a report takes could not be continued then.
+// No page may leave the data file before its addresses are on the disk. The exception is a table with more addresses
+// than a report takes: without it such a run could not be continued.
 bool ProjectStore::KeepsDataBack(const Status& report) { return !report.ok() && report.kind() != StatusKind::kLimit; }
 
 bool ProjectStore::ReportIsBehind() const {
@@ -217,7 +217,7 @@ Status ProjectStore::Write(Save& save) {
   return status;
 }
 
-// A save that memory does not hold has failed, and the run goes on, as with one that the disk does not hold.
+// A save for which there is no memory has failed, and the run goes on, as after one for which there is no disk space.
 Status ProjectStore::WriteOnce(Save& save) {
   std::string path;
   try {
@@ -269,7 +269,7 @@ Result<std::unique_ptr<RecordWriter>> ProjectStore::Start(Save& save) {
 }
 
 Status ProjectStore::Commit(Save& save, RecordWriter& writer, const std::string& path) {
-  if (writer.done()) return Sentence(writer.Commit(), path, "saved");  // whoever was run by a pump has ended it
+  if (writer.done()) return Sentence(writer.Commit(), path, "saved");  // code inside a pump has finished it
   const Status committed = Replace(save, writer, path);
   if (committed.ok() && save.file == File::kReport) reported_ = save.addresses;
   return committed;
@@ -291,7 +291,7 @@ Status ProjectStore::Replace(Save& save, RecordWriter& writer, const std::string
   return Sentence(status, path, "saved");
 }
 
-// Brings the save that is under way to its end, or makes the one that was asked for meanwhile, without pumping.
+// Finishes the save that is under way, or makes the one that was asked for meanwhile, without pumping.
 Status ProjectStore::FinishSave(Save& save) {
   if (save.under_way == nullptr) return Status::Ok();
   RecordWriter& writer = *std::exchange(save.under_way, nullptr);

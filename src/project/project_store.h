@@ -1,4 +1,4 @@
-// Opens, saves and deletes the project at hand.
+// Opens, saves and deletes the open project.
 #pragma once
 
 #include <cstdint>
@@ -39,34 +39,39 @@ class ProjectStore final : public PeriodicSaver {
   ProjectStore(const ProjectStore&) = delete;
   ProjectStore& operator=(const ProjectStore&) = delete;
 
-  // The change handler of the input box: names the project and loads it. Pumps. Called again while it pumps, the
-  // later call wins and the earlier one returns without touching the project any more. A save that is under way is
-  // finished first, or fails, without pumping. Throws std::bad_alloc where memory does not hold it; then no project is
-  // open.
+  // Opens the project that `text` names: derives its names, loads its data file into the queues and its report into the
+  // table, and shows both. A save that is under way is finished first, or fails, without pumping.
+  //
+  // Pumps. When it is called again inside a pump, the later call wins, and the earlier one returns without touching the
+  // project any more. Throws std::bad_alloc; no project is open then.
   void OpenProject(std::string_view text);
 
-  // Loads at once what is left of the report that is being loaded, if one is. Does not pump.
+  // Loads the rest of a report at once when an opening further up the stack is still loading it. Does not pump.
   void FinishLoading();
 
-  // Write the data file and the report; do nothing while no project is open. Pump. A call during a save of the same
-  // file succeeds at once and the save happens once more, after the one that is under way. A call while the project
-  // is being loaded loads the rest first. A failure leaves the previous file whole; its message is complete
-  // ("Overflow !", or a sentence ending in " !"). A data file comes behind a report that holds all addresses of the
-  // pages it drops: WriteData writes that first and fails with it, save where it fails with "Overflow !".
+  // Replace the data file or the report with the current state. Both pump. Without an open project they do nothing.
+  //
+  // A call during a save of the same file returns success at once, and the file is saved once more after that save. A
+  // call while the project is being loaded loads the rest first. A failure leaves the old file whole, and its message
+  // is complete: "Overflow !" or a sentence that ends in " !".
+  //
+  // A data file drops the links of finished pages, so a report with the addresses of these pages must be on the disk
+  // before it. WriteData therefore writes the report first when it is behind, and fails when that fails. "Overflow !"
+  // of the report is the exception: such a project could never be saved again.
   Status WriteData();
   Status WriteReport();
 
-  // Writes both files of the project at hand, in the same order and with the same condition, without pumping, after
-  // what is being saved or loaded has been finished. For the end of the program. Failures go where those of
-  // SaveProjectData go.
+  // Writes both files, in the same order and on the same condition as WriteData, without pumping. What is being saved
+  // or loaded is finished first. It is for the end of the program. Failures are shown as those of SaveProjectData are.
   void SaveAtOnce();
 
-  // PeriodicSaver: the same as Write..., with a failure shown in panel 1 and told to whoever has asked.
+  // PeriodicSaver. The same as WriteData and WriteReport, but a failure is shown in panel 1 and reported to the
+  // function that OnSaveFailure has set.
   void SaveProjectData() override;
   void SaveProjectReport() override;
   void OnSaveFailure(std::function<void(const Status&)> told) { on_save_failure_ = std::move(told); }
 
-  // Deletes the data file and the report of the project at hand, those that exist. A save that is under way is given
+  // Deletes the data file and the report of the open project, as far as they exist. A save that is under way is given
   // up. The message of a failure is a complete sentence.
   Status DeleteFiles();
 
@@ -76,9 +81,9 @@ class ProjectStore final : public PeriodicSaver {
     File file;
     RecordWriter* under_way = nullptr;
     bool again = false;
-    std::uint32_t addresses = 0;  // known when the latest save began
+    std::uint32_t addresses = 0;  // in the table when the latest save began
     bool waits_for_report = false;
-    // The file on disk holds what could not be loaded; the first save keeps it under another name.
+    // The file on the disk could not be loaded, so the first save keeps it under another name.
     bool keep_old = false;
   };
 

@@ -14,8 +14,8 @@ constexpr int kSearchAttempts = 4;  // for a first result page without results
 constexpr int kResultsPerPage = 100;
 constexpr int kLastResultOffset = 32700;  // the last one that a 16-bit number holds
 
-// How long a wait sleeps when nothing arrives. Everything that a wait is for arrives through the event loop, so this
-// is no poll interval; it only bounds the harm of an event that got lost.
+// How long a wait sleeps when nothing arrives. Everything for which it waits arrives through the event loop, so this is
+// not a polling interval. It only limits the harm of an event that was lost.
 constexpr std::chrono::milliseconds kWaitLimit{500};
 
 }  // namespace
@@ -31,8 +31,8 @@ RunDriver::RunDriver(EventLoop& loop, RunState& run, Project& project, SearchAdd
       saver_(saver),
       host_(host) {}
 
-// A run that memory does not hold ends in order, with what it has found saved. (A page that memory does not hold ends
-// alone, in ocxParseWeb.)
+// A run that runs out of memory ends in order, and what it has found is saved. When memory runs out for a page, only
+// that page ends, in ocxParseWeb.
 void RunDriver::Run() {
   try {
     if (project_.IsKeywordProject) {
@@ -90,10 +90,10 @@ bool RunDriver::OnlySearchPageQueued() const {
          sites.At(0).URL == project_.search_page;
 }
 
-// Null when the links are to be visited, else why the run ends here.
+// Returns null when the links are to be visited next, and otherwise the reason why the run ends here.
 const char* RunDriver::Search() {
   LinkQueue& sites = project_.queues[0];
-  if (OnlySearchPageQueued()) sites.Clear();  // it is no site
+  if (OnlySearchPageQueued()) sites.Clear();  // the search page is not a link to visit
   std::uint32_t seen = sites.Count();
   for (int attempts = 0; attempts < kSearchAttempts;) {
     const std::string name = "G" + project_.StartURL;
@@ -114,7 +114,7 @@ const char* RunDriver::Search() {
   return kEndAllParsed;
 }
 
-// False when a stop was requested meanwhile.
+// Returns false when a stop was requested meanwhile.
 bool RunDriver::WaitForSearchPage() {
   do {
     if (run_.stop_requested) {
@@ -137,8 +137,9 @@ bool RunDriver::GoToNextResultPage() {
 
 // --- Links ---
 
-// Passes over the queues: a pass that may start a level-0 page does nothing else. A pass ends with a pump, which
-// sleeps when no pass could do anything before something arrives; so the order of events is that of a busy loop.
+// Makes one pass over the queues after another. A pass that may start a page of level 0 does nothing else. Each pass
+// ends with a pump. The pump sleeps when no pass could do anything before something arrives, so the order of events is
+// that of a loop that never sleeps.
 void RunDriver::Crawl() {
   SeedAddressProject();
   run_.baseline = static_cast<std::int32_t>(project_.found.Count());
@@ -171,7 +172,7 @@ void RunDriver::SeedAddressProject() {
   project_.queues[0].AddIfNew(project_.StartURL);
 }
 
-// Pumps. Whether another level-0 page may be started in the next pass.
+// Starts a page of level 0. Pumps. Returns whether another one may be started in the next pass.
 bool RunDriver::StartSite() {
   const LinkQueue& sites = project_.queues[0];
   if (sites.Next() >= sites.Count() || run_.LevelZeroPending()) return false;
@@ -207,8 +208,8 @@ void RunDriver::Start(int level, const std::string& tag) {
   web_.BeginDownload(address, tag + address);
 }
 
-// The digit of the first expansion level that holds no links ('0' is level 10): the links of the level-0 page that is
-// started now will go there.
+// Returns the digit of the first expansion level without links, where '0' is level 10. The links of the page of level 0
+// that is started now will go there.
 std::optional<char> RunDriver::FirstEmptyLevel() const {
   for (int level = 1; level < kLevels; ++level) {
     if (project_.queues[level].Count() == 0) return static_cast<char>('0' + level % 10);
@@ -225,8 +226,8 @@ bool RunDriver::AllVisited() const {
   return true;
 }
 
-// Whether one of the next passes, with nothing arriving before it, starts a page or empties a level. (A level without
-// links allows a level-0 start in every pass, so it does not matter whether one is allowed now.)
+// Returns whether one of the next passes would start a page or empty a level even if nothing arrives. A level without
+// links allows a page of level 0 to start in every pass, so it does not matter whether one is allowed now.
 bool RunDriver::SomethingToDo() const {
   const LinkQueue& sites = project_.queues[0];
   if (sites.Next() < sites.Count() && !run_.LevelZeroPending() && FirstEmptyLevel()) return true;
@@ -264,7 +265,7 @@ void RunDriver::CancelStalled() {
   CountRequests();
 }
 
-// No event comes for what is cancelled. The records stay in flight in their queues: a later run visits them again.
+// No event comes for a cancelled download. Its record stays in flight in its queue, so a later run visits it again.
 void RunDriver::CancelAll() {
   web_.CancelAllDownload();
   requests_.clear();

@@ -1,4 +1,13 @@
-// Turns the opened project into a crawl: schedules downloads level by level and decides when the run ends.
+// Turns the open project into a crawl: starts downloads level by level and decides when the run ends.
+//
+//   RunDriver driver(loop, run, project, search_address, web, files, saver, host);
+//   web.SetEvents(&driver);     // the web control reports finished downloads to the driver
+//   projects.OpenProject("www.shop.de");
+//   driver.Run();               // pumps until the run has ended, and the host has been told why
+//
+// Inside Run the driver takes links out of the queues and starts their downloads. In its pumps pages arrive and are
+// analysed, which fills the queues again, and DownloadComplete is called. The user's wish to stop, the stop number and
+// the watchdog set flags of RunState; the driver sees them at its next step and ends the run in order.
 #pragma once
 
 #include <cstdint>
@@ -33,35 +42,38 @@ class RunHost {
   virtual void EnableExit() = 0;
 };
 
-// The driver only takes links out of the queues. They come in (QueueLink, one operation a level) through the link
-// builders of the web control. The yield that goes before each of them is page analysis's own: it pumps at every tag
-// and again at every anchor and frame, right before it takes the target, and nothing runs between that pump and the
-// duplicate test; so a link that a nested page has queued meanwhile is seen. A second yield would change nothing.
+// Schedules one run after the other over the project of its references.
+//
+// The driver only takes links out of the queues. Page analysis puts them in, by the link builders of web/links.h. It
+// pumps right before it takes the target of an anchor or frame, and nothing runs between that pump and the duplicate
+// test. So a link that another page has queued inside the pump is seen, and the driver need not pump for that.
 class RunDriver final : public WebEvents {
  public:
-  // The address of the result page that begins `result_offset` results on, in the language chosen at this moment; ""
-  // for a language that is none (the address then stays as it was).
+  // Returns the address of the search engine's result page that begins with the result `result_offset`, counted from 0,
+  // in the language that is set at this moment. Returns "" when the setting names no language; the driver then asks for
+  // the same page again.
   using SearchAddressAt = std::function<std::string(int result_offset)>;
 
+  // All references must outlive the driver.
   RunDriver(EventLoop& loop, RunState& run, Project& project, SearchAddressAt search_address, ocxParseWeb& web,
             Files& files, PeriodicSaver& saver, RunHost& host);
 
-  // What tmrExtract's tick does after it has disabled itself: KeywordRun for a keyword project, else LinkRun.
-  // Pumps until the run has ended. Not to be called while a run goes on. Memory that cannot be had ends it in order.
+  // Makes one run: KeywordRun for a keyword project, LinkRun for any other. Pumps until the run has ended. It must not
+  // be called while a run goes on. When memory runs out, the run ends in order with a reason that says so.
   void Run();
   void KeywordRun();
   void LinkRun();
 
-  // CancelAllDownload on behalf of the watchdog: the pages in flight are done, the counters hold what is still in
-  // flight, the run goes on. A page that is being analysed at this moment (the watchdog ticks in its pumps too) has
-  // arrived already and is not cancelled.
+  // Gives up the downloads in flight, because none of them has made progress; the watchdog calls it. Their links count
+  // as done, and the run goes on. A page that is being analysed has arrived already and is not given up: the watchdog
+  // may tick in one of its pumps.
   void CancelStalled();
 
   // WebEvents.
   void DownloadComplete(int level, const std::string& request_name, bool whole) override;
 
  private:
-  // A download that was started and whose event has not come.
+  // A download whose event has not come yet.
   struct Request {
     int level;
     std::optional<std::uint32_t> index;  // of the record in its queue; none for a search page

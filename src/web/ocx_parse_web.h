@@ -1,4 +1,5 @@
-// The web control: downloads pages by request name, hands each to its parser, tells the host.
+// The web control: downloads pages by request name, hands each page to the parser of its request, and reports the end
+// of each download. Names of members and events are those that the program publishes.
 #pragma once
 
 #include <array>
@@ -14,23 +15,23 @@
 
 namespace quenlar {
 
-// Who hears of finished downloads. Called inside a pump, after the page has been analysed.
+// Receives the ends of downloads. Called inside a pump, after the page has been analysed.
 class WebEvents {
  public:
   virtual ~WebEvents() = default;
-  // The event of a level: 0 is DownloadTovasperComplete, 1 to 10 are DownloadTovasperExpand1Complete to
-  // DownloadTovasperExpand10Complete. `request_name` is the request that ended; `whole` is false when a stop, or
-  // memory that could not be had, dropped a part of its page.
+  // A download has ended, by success or failure. This is the event of its level: DownloadTovasperComplete for level 0,
+  // and DownloadTovasperExpand1Complete to DownloadTovasperExpand10Complete for the others. `whole` is false when a
+  // stop or a lack of memory has dropped a part of the page.
   virtual void DownloadComplete(int level, const std::string& request_name, bool whole) = 0;
 };
 
-// "DownloadTovasperComplete" for level 0, "DownloadTovasperExpand<level>Complete" for the others.
+// Returns "DownloadTovasperComplete" for level 0, and "DownloadTovasperExpand<level>Complete" for the others.
 [[nodiscard]] std::string DownloadEventName(int level);
 
 class ocxParseWeb final : private FetchListener {
  public:
-  // What the upgrade check does with its page. `parse_upgrade` receives the upgrade page's text, `upgrade_failed` the
-  // news that it could not be had.
+  // What the upgrade check does: `parse_upgrade` receives the text of its page, and `upgrade_failed` is called when the
+  // page could not be downloaded.
   struct UpgradeHandler {
     std::function<void(const std::string& page)> parse_upgrade;
     std::function<void()> upgrade_failed;
@@ -42,16 +43,18 @@ class ocxParseWeb final : private FetchListener {
   ocxParseWeb& operator=(const ocxParseWeb&) = delete;
 
   void SetEvents(WebEvents* events) { events_ = events; }
-  // Called at the end of the handling of every finished or failed download.
+  // Sets a function that is called for every finished or failed download, after it has been handled.
   void SetResetStallCounter(std::function<void()> reset) { reset_stall_counter_ = std::move(reset); }
   void SetUpgradeHandler(UpgradeHandler handler) { upgrade_ = std::move(handler); }
 
-  // Starts one asynchronous download; returns at once, nothing limits how many run together.
+  // Starts a download and returns at once. The caller limits how many run at a time. `request_name` is a letter for the
+  // parser ("M" for level 0, "X" to "T" for the others, "G" for a search page, "U" for the upgrade check), then a digit
+  // and the address for a page of a level.
   void BeginDownload(const std::string& address, const std::string& request_name);
 
   void ParseUpgradeHtml(const std::string& page);
 
-  // Plain stored values that nothing reads.
+  // Published properties that are stored and that nothing reads.
   bool SaveFile = false;
   std::int32_t AsyncReadOptions = 0;
   std::string Pattern;
@@ -61,7 +64,7 @@ class ocxParseWeb final : private FetchListener {
   bool ParseGoogleHtml(std::string_view page);
   void CollectResultLinks(std::string_view page);
 
-  // Cancels everything that is pending; raises no event.
+  // Cancels every pending download. No event comes for them.
   void CancelAllDownload();
 
   // Link builders, see web/links.h. They cut a trailing "/" off the address where they do not drop it.
@@ -80,17 +83,18 @@ class ocxParseWeb final : private FetchListener {
   void MakeExpand10Link(std::string& address, std::string_view page, std::int16_t number) { MakeExpandLink(10, address, page, number); }
   // clang-format on
 
-  // Request names started and not yet completed, in the order in which they were started.
+  // The request names of downloads that have not ended, in the order in which they were started.
   [[nodiscard]] const std::vector<std::string>& pending() const { return pending_; }
 
-  // What a finished download did, for front ends that answer page by page.
+  // What the end of a download has caused, for front ends that answer page by page.
   struct Outcome {
     int level = -1;       // the event raised, or -1
     bool parsed = false;  // a parser ran to its return
     bool result = false;  // its result
   };
-  // The completion, redirect and failure of a request as the transport reports them. Pump (Redirect does not). A
-  // completion that comes as text has already been converted from the code page. `request_name` must outlive the call.
+  // Handle a completion, a redirect or a failure as if the transport had reported it. Complete takes the body as bytes
+  // in the ANSI code page, and CompleteText takes it as UTF-8. All but Redirect pump. `request_name` must stay valid
+  // during the call, even when the download is cancelled inside it.
   Outcome Complete(const std::string& request_name, std::string body);
   Outcome CompleteText(const std::string& request_name, const std::string& text);
   void Redirect(const std::string& request_name, std::string new_address);

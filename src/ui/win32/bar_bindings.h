@@ -5,7 +5,7 @@
 
 namespace quenlar::ui {
 
-// Texts that follow each other quickly are shown together.
+// Shows the panels' texts. Texts that follow each other quickly are shown together, so a fast run does not flicker.
 class StatusBarBinding final : public ControlBinding {
  public:
   StatusBarBinding(StatusBar& bar, HWND window, BindingHost& host) : ControlBinding(bar, window, host), bar_(bar) {}
@@ -29,9 +29,9 @@ class TabStripBinding final : public ControlBinding {
 
   // Chooses the tab with this access key. False when there is none.
   bool ChooseByKey(wchar_t key);
-  // Chooses the next tab, or the one before, round and round.
+  // Selects the tab that many places further on (negative: back). Behind the last tab comes the first.
   void Step(int direction);
-  // The room for the pages, in the coordinates of the window around the strip.
+  // The rectangle for the pages, in client coordinates of the window around the strip.
   [[nodiscard]] RECT PageRoom() const;
 
  protected:

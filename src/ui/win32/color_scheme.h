@@ -1,18 +1,18 @@
-// Which of the forms' own colours the user's colour scheme leaves room for.
+// Whether the user's colour scheme allows the forms their own colours.
 #pragma once
 
 #include "ui/win32/windows_api.h"
 
 namespace quenlar::ui {
 
-// Whether the user wants the system's own high-contrast colours, so that no others may be used.
+// Returns whether the user has chosen high contrast. Only colours of the system may be used then.
 [[nodiscard]] inline bool IsHighContrast() {
   HIGHCONTRASTW state{};
   state.cbSize = sizeof state;
   return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof state, &state, 0) && (state.dwFlags & HCF_HIGHCONTRASTON);
 }
 
-// Whether a dark colour of the forms, such as blue, cannot be read on this colour of the system (COLOR_...).
+// Returns whether a colour of the system (COLOR_...) is too dark for a dark text on it, such as the blue of links.
 [[nodiscard]] inline bool IsDarkBackground(int system_color) {
   const COLORREF color = GetSysColor(system_color);
   return 299 * GetRValue(color) + 587 * GetGValue(color) + 114 * GetBValue(color) < 128 * 1000;

@@ -1,4 +1,4 @@
-// Reads the places of a dialog's controls out of its resource, where they stand as pixels at 96 dots per inch.
+// Reads the places of a dialog's controls from its resource. They are pixels at 96 dots per inch.
 #pragma once
 
 #include <vector>

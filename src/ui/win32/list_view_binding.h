@@ -1,4 +1,5 @@
-// Binding of a virtual report list: it keeps no cell, it asks the model for those that are seen.
+// The binding of a list view. It keeps no cells: the native control asks for those that it draws, and they come from
+// the model. It keeps the order of the rows, the widths of the columns and which rows are marked.
 #pragma once
 
 #include <optional>
@@ -34,11 +35,12 @@ class ListViewBinding final : public ControlBinding {
   void TellSelection();
   void SelectAll();
   [[nodiscard]] std::vector<std::uint32_t> MarkedRows() const;
-  // What the user has done with the rows, by the table's rows, not by their places in the list.
+  // Which rows the user has marked and where the focus is. These are rows of the table and not places in the list, so
+  // they survive sorting.
   struct Marks {
     std::vector<std::uint32_t> rows;
     std::optional<std::uint32_t> focused;
-    std::optional<std::uint32_t> anchor;  // from which Shift marks
+    std::optional<std::uint32_t> anchor;  // the row from which Shift marks
   };
   [[nodiscard]] Marks TakeMarks() const;
   void MarkOnly(const Marks& marks);
@@ -47,9 +49,9 @@ class ListViewBinding final : public ControlBinding {
   ListView& list_;
   RowOrder order_;
   struct ColumnWidth {
-    int own;    // without the share of what the window has grown; negative for one made narrower than that share
-    int least;  // it is shown no narrower
-    int shown;  // as last set; another width is the user's
+    int own;    // the width without the column's share of the window's growth; may be negative
+    int least;  // the column is never shown narrower
+    int shown;  // the width that the binding has set; when the column has another one, the user has set it
   };
   std::vector<ColumnWidth> widths_;
   int grown_ = 0;

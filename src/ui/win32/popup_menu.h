@@ -8,8 +8,9 @@
 
 namespace quenlar::ui {
 
-// At the pointer; pumps until the user has chosen or gone elsewhere, then calls the chosen item's Click. `owner` is a
-// window of this thread; it is brought to the foreground, or a click elsewhere would not close the menu.
+// Shows the menu at the pointer. Pumps until the user has chosen an item or left the menu, and then calls the Click of
+// the chosen item. `owner` is a window of this thread. It is brought to the foreground, because otherwise a click
+// outside would not close the menu.
 void ShowPopupMenu(HWND owner, const std::vector<MenuItem*>& items);
 
 }  // namespace quenlar::ui

@@ -19,8 +19,8 @@ class ButtonBinding final : public ControlBinding {
   Button& button_;
 };
 
-// A label; one with a Click event behaves like a link: it takes no more room than its text, in the middle of its
-// place, follows the pointer, and can be reached and followed by the keyboard.
+// A label. One with a Click event is a link: it is as small as its text, stands in the middle of its place, changes
+// with the pointer, and can be reached and followed by the keyboard.
 class LabelBinding final : public ControlBinding {
  public:
   LabelBinding(Label& label, HWND window, BindingHost& host);
@@ -44,7 +44,7 @@ class LabelBinding final : public ControlBinding {
   bool pressed_ = false;
 };
 
-// A container, a line, or the program's picture, which is loaded at the size of its place.
+// A container, a line, or the program's picture. The picture is loaded at the size of its place.
 class PanelBinding final : public ControlBinding {
  public:
   using ControlBinding::ControlBinding;
