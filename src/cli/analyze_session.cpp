@@ -82,8 +82,8 @@ class KeptPanels final : public RunView {
 
 Platform WithoutTheComputer(const Platform& lent, IdleLoop& loop, IdleFetcher& fetcher, FixedCodePage& code_page,
                             KeptMessages& boxes) {
-  return {loop,      fetcher,    lent.registry, lent.interfaces, lent.files,
-          code_page, lent.clock, lent.shell,    boxes,           lent.idna};
+  return {loop,       fetcher,    lent.registry, lent.interfaces, lent.files,       code_page,
+          lent.clock, lent.shell, boxes,         lent.idna,       lent.text_decoder};
 }
 
 constexpr std::array<int, kLevels> kAllLevels = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
@@ -314,7 +314,7 @@ Json AnalyzeSession::Answering::operator()(ResetRequest) const {
 }
 
 Json AnalyzeSession::Answering::operator()(DoorRequest request) const {
-  return request.door(request.members, session.lent_.idna);
+  return request.door(request.members, session.lent_);
 }
 
 std::string AnalyzeSession::Answer(std::string_view line) {

@@ -33,7 +33,8 @@ class AssumedOnline final : public InterfaceTable {
 };
 
 Platform WithInterfaces(const Platform& p, InterfaceTable& interfaces) {
-  return {p.loop, p.fetcher, p.registry, interfaces, p.files, p.code_page, p.clock, p.shell, p.boxes, p.idna};
+  return {p.loop,  p.fetcher, p.registry, interfaces, p.files,       p.code_page,
+          p.clock, p.shell,   p.boxes,    p.idna,     p.text_decoder};
 }
 
 class ExtractRun final : public CommandFrontEnd {

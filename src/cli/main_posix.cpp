@@ -7,6 +7,7 @@
 #include "platform/posix/curl_page_fetcher.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/httplib_loopback_server.h"
+#include "platform/posix/iconv_text_decoder.h"
 #include "platform/posix/idn2_idna.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_console.h"
@@ -47,7 +48,8 @@ class PosixSystem final : public System {
       options.proxy = choice.proxy;
       fetcher_ = std::make_unique<CurlPageFetcher>(*loop_, options);
     }
-    return Platform{*loop_, *fetcher_, *registry_, interfaces_, files_, code_page_, clock_, shell_, boxes_, idna_};
+    return Platform{*loop_, *fetcher_, *registry_, interfaces_, files_,       code_page_,
+                    clock_, shell_,    boxes_,     idna_,       text_decoder_};
   }
 
   void OnStop(std::function<void()> stop) override {
@@ -66,6 +68,7 @@ class PosixSystem final : public System {
   PosixShell shell_;
   Windows1252CodePage code_page_;
   Idn2Idna idna_;
+  IconvTextDecoder text_decoder_;
   SysInterfaceTable interfaces_;
   // In the order in which they need each other.
   std::unique_ptr<PosixEventLoop> loop_;

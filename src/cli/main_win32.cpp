@@ -14,6 +14,7 @@
 #include "platform/win32/process.h"
 #include "platform/win32/registry.h"
 #include "platform/win32/shell.h"
+#include "platform/win32/text_decoder.h"
 #include "platform/win32/winhttp_page_fetcher.h"
 #include "platform/win32/winsock_loopback_server.h"
 #include "state/settings.h"
@@ -36,7 +37,8 @@ class Win32System final : public System {
       options.proxy = choice.proxy;
       fetcher_ = std::make_unique<WinHttpPageFetcher>(loop_, options);
     }
-    return Platform{loop_, *fetcher_, *registry_, interfaces_, files_, code_page_, clock_, shell_, boxes_, idna_};
+    return Platform{loop_,  *fetcher_, *registry_, interfaces_, files_,       code_page_,
+                    clock_, shell_,    boxes_,     idna_,       text_decoder_};
   }
 
   void OnStop(std::function<void()> stop) override {
@@ -53,6 +55,7 @@ class Win32System final : public System {
   Win32EventLoop loop_;
   Win32CodePage code_page_;
   Win32Idna idna_;
+  Win32TextDecoder text_decoder_;
   Win32Files files_;
   Win32Clock clock_;
   Win32Shell shell_;

@@ -10,7 +10,7 @@
 #include "base/text_hash.h"
 #include "base/windows1252.h"
 #include "mailtool/book_scanner.h"
-#include "state/index_table.h"
+#include "platform/index_table.h"
 #include "web/address_scan.h"
 
 namespace quenlar {

@@ -2,13 +2,39 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "base/byte_search.h"
+#include "page/html_blanks.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace quenlar {
+
+[[nodiscard]] constexpr bool EndsTagName(char c) { return c == '>' || c == '/' || IsHtmlBlank(c); }
+
+// The first byte at or behind `at` that ends the name of a tag, or is `other`; the end of the page if there is none.
+[[nodiscard]] inline std::size_t FindEndOfName(std::string_view page, std::size_t at, char other) {
+#if defined(__SSE2__)
+  // Nearly all names are shorter than sixteen bytes, and differ in length too much to be foreseen.
+  if (at < page.size() && page.size() - at >= 16) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(page.data() + at));
+    const auto equal = [&](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+    const __m128i low =
+        _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(' ')), bytes);  // also other control characters
+    const __m128i ends = _mm_or_si128(_mm_or_si128(low, equal('/')), _mm_or_si128(equal('>'), equal(other)));
+    const auto bits = static_cast<unsigned>(_mm_movemask_epi8(ends));
+    at += bits == 0 ? 16 : static_cast<std::size_t>(std::countr_zero(bits));
+  }
+#endif
+  while (at < page.size() && !EndsTagName(page[at]) && page[at] != other) ++at;
+  return at;
+}
 
 // Views into the page: the name as it is written, the value without its quotes, references not decoded.
 struct TagAttribute {
@@ -25,7 +51,7 @@ class AttributeReader {
   [[nodiscard]] bool Next(TagAttribute& attribute) {
     if (!FindName()) return false;
     const std::size_t name = at_++;  // the first byte is part of the name, also when it is "="
-    while (at_ < page_.size() && !Ends(kName)) ++at_;
+    at_ = FindEndOfName(page_, at_, '=');
     attribute.name = page_.substr(name, at_ - name);
     attribute.value = {};
     PassBlanks();
@@ -42,13 +68,12 @@ class AttributeReader {
   [[nodiscard]] bool self_closing() const { return self_closing_; }
 
  private:
-  // What ends a name, an unquoted value, a row of blanks; as bits.
-  static constexpr std::uint8_t kName = 1, kValue = 2, kBlank = 4;
+  // What ends an unquoted value, a row of blanks; as bits.
+  static constexpr std::uint8_t kValue = 1, kBlank = 2;
   static constexpr auto kEnds = [] {
     std::array<std::uint8_t, 256> ends{};
     for (std::size_t byte = 0; byte < ends.size(); ++byte) {
-      const bool blank = byte == ' ' || byte == '\t' || byte == '\n' || byte == '\f' || byte == '\r';
-      if (blank || byte == '/' || byte == '>' || byte == '=') ends[byte] |= kName;
+      const bool blank = IsHtmlBlank(static_cast<char>(byte));
       if (blank || byte == '>') ends[byte] |= kValue;
       if (!blank) ends[byte] |= kBlank;
     }

@@ -7,6 +7,7 @@
 #include "base/byte_search.h"
 #include "base/windows1252.h"
 #include "page/attributes.h"
+#include "page/html_blanks.h"
 #include "platform/utf8.h"
 
 namespace quenlar {
@@ -77,24 +78,16 @@ constexpr Labels kLabels[] = {
 constexpr std::size_t kPrescanned = 1024;  // bytes
 constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
 
-constexpr bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\f' || c == '\r'; }
-
-std::string_view Trim(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 // "Extracting a character encoding from a meta element": what follows "charset=" in a content attribute.
 std::string_view CharsetInContent(std::string_view content) {
   constexpr std::string_view kName = "charset";
   for (std::size_t at = FindIgnoreCase(content, kName); at != std::string_view::npos;
        at = FindIgnoreCase(content, kName, at)) {
     at += kName.size();
-    while (at < content.size() && IsBlank(content[at])) ++at;
+    while (at < content.size() && IsHtmlBlank(content[at])) ++at;
     if (at >= content.size() || content[at] != '=') continue;
     ++at;
-    while (at < content.size() && IsBlank(content[at])) ++at;
+    while (at < content.size() && IsHtmlBlank(content[at])) ++at;
     if (at >= content.size()) return {};
     const char quote = content[at];
     if (quote == '"' || quote == '\'') {
@@ -102,7 +95,7 @@ std::string_view CharsetInContent(std::string_view content) {
       return end == std::string_view::npos ? std::string_view() : content.substr(at + 1, end - at - 1);
     }
     std::size_t end = at;
-    while (end < content.size() && !IsBlank(content[end]) && content[end] != ';') ++end;
+    while (end < content.size() && !IsHtmlBlank(content[end]) && content[end] != ';') ++end;
     return content.substr(at, end - at);
   }
   return {};
@@ -146,7 +139,8 @@ std::optional<Charset> Prescan(std::string_view bytes) {
     const std::size_t letter = at + (end_tag ? 2 : 1);
     if (letter < bytes.size() && IsLetter(bytes[letter])) {
       std::size_t name_end = letter;
-      while (name_end < bytes.size() && !IsBlank(bytes[name_end]) && bytes[name_end] != '>' && bytes[name_end] != '/') {
+      while (name_end < bytes.size() && !IsHtmlBlank(bytes[name_end]) && bytes[name_end] != '>' &&
+             bytes[name_end] != '/') {
         ++name_end;
       }
       AttributeReader attributes(bytes, name_end);
@@ -208,7 +202,7 @@ std::string FromUserDefined(std::string_view bytes) {
 }  // namespace
 
 std::optional<Charset> CharsetOfLabel(std::string_view label) {
-  const std::string wanted = Lower(Trim(label));
+  const std::string wanted = Lower(TrimHtmlBlanks(label));
   if (wanted.empty() || wanted.find(' ') != std::string::npos) return std::nullopt;
   for (const Labels& row : kLabels) {
     for (std::size_t at = row.labels.find(wanted); at != std::string_view::npos; at = row.labels.find(wanted, at + 1)) {
@@ -224,7 +218,7 @@ std::optional<Charset> CharsetOfLabel(std::string_view label) {
 ContentType ParseContentType(std::string_view value) {
   ContentType parsed;
   const std::size_t type_end = std::min(value.find(';'), value.size());
-  parsed.type = Trim(value.substr(0, type_end));
+  parsed.type = TrimHtmlBlanks(value.substr(0, type_end));
   for (std::size_t at = type_end; at < value.size();) {
     const std::size_t name_begin = at + 1;
     const std::size_t name_end = value.find_first_of("=;", name_begin);
@@ -232,7 +226,7 @@ ContentType ParseContentType(std::string_view value) {
     at = name_end;
     if (value[name_end] == ';') continue;
     std::size_t begin = name_end + 1;
-    while (begin < value.size() && IsBlank(value[begin])) ++begin;
+    while (begin < value.size() && IsHtmlBlank(value[begin])) ++begin;
     std::string_view parameter;
     if (begin < value.size() && value[begin] == '"') {
       const std::size_t end = std::min(value.find('"', begin + 1), value.size());
@@ -240,9 +234,9 @@ ContentType ParseContentType(std::string_view value) {
       at = std::min(value.find(';', end), value.size());
     } else {
       at = std::min(value.find(';', begin), value.size());
-      parameter = Trim(value.substr(begin, at - begin));
+      parameter = TrimHtmlBlanks(value.substr(begin, at - begin));
     }
-    if (!EqualsIgnoreCase(Trim(value.substr(name_begin, name_end - name_begin)), "charset")) continue;
+    if (!EqualsIgnoreCase(TrimHtmlBlanks(value.substr(name_begin, name_end - name_begin)), "charset")) continue;
     parsed.charset = parameter;
     break;
   }

@@ -11,8 +11,7 @@ constexpr std::size_t kNone = std::string_view::npos;
 bool IsEndTagOf(std::string_view page, std::size_t at, std::string_view name) {
   const std::size_t end = at + 2 + name.size();
   if (end >= page.size() || page[at + 1] != '/' || !StartsWithIgnoreCase(page.substr(at + 2), name)) return false;
-  const char c = page[end];
-  return c == '>' || c == '/' || c == ' ' || c == '\t' || c == '\n' || c == '\f' || c == '\r';
+  return EndsTagName(page[end]);
 }
 
 // Whether "<script" and a byte that ends a name stand at page[at], which is "<".
@@ -20,8 +19,7 @@ bool IsScriptStart(std::string_view page, std::size_t at) {
   constexpr std::string_view kName = "script";
   const std::size_t end = at + 1 + kName.size();
   if (end >= page.size() || !StartsWithIgnoreCase(page.substr(at + 1), kName)) return false;
-  const char c = page[end];
-  return c == '>' || c == '/' || c == ' ' || c == '\t' || c == '\n' || c == '\f' || c == '\r';
+  return EndsTagName(page[end]);
 }
 
 }  // namespace

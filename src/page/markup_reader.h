@@ -9,6 +9,7 @@
 #include "base/ascii.h"
 #include "base/byte_search.h"
 #include "page/attributes.h"
+#include "page/html_blanks.h"
 #include "page/tag_names.h"
 
 namespace quenlar {
@@ -87,10 +88,9 @@ class MarkupReader {
 
   // False where the page ends within the tag.
   bool Tag(Markup& markup, std::size_t open, std::size_t name_begin) {
-    std::size_t at = name_begin + 1;
-    while (at < page_.size() && !EndsTagName(page_[at])) ++at;
+    const std::size_t at = FindEndOfName(page_, name_begin + 1, '>');
     if (at >= page_.size()) return false;
-    markup.name = FindTagName(page_.substr(name_begin, at - name_begin));
+    markup.name = FindTagName(page_, name_begin, at - name_begin);
     markup.begin = open;
     markup.attributes = at;
     markup.self_closing = false;
@@ -105,10 +105,6 @@ class MarkupReader {
     at_ = markup.end = attributes.end();
     markup.self_closing = attributes.self_closing();
     return true;
-  }
-
-  static bool EndsTagName(char c) {
-    return c == '>' || c == ' ' || c == '/' || c == '\n' || c == '\t' || c == '\r' || c == '\f';
   }
 
   void StartTag(Markup& markup) {

@@ -311,10 +311,15 @@ inline constexpr auto kTable = [] {
   return (tag_names::kList[static_cast<std::size_t>(name)].traits & traits) != 0;
 }
 
-// In any letter case; kOther where the name is not in the list. `name` is not empty.
-[[nodiscard]] inline TagName FindTagName(std::string_view name) {
+// The name page[begin, begin + size) in any letter case; kOther where it is not in the list. `size` is not 0.
+[[nodiscard]] inline TagName FindTagName(std::string_view page, std::size_t begin, std::size_t size) {
+  const std::string_view name = page.substr(begin, size);
   std::uint64_t key = 0;
-  std::memcpy(&key, name.data(), name.size() < 8 ? name.size() : 8);
+  if (page.size() - begin >= sizeof key)
+    std::memcpy(&key, name.data(), sizeof key);
+  else
+    std::memcpy(&key, name.data(), page.size() - begin);
+  if (size < sizeof key) key &= (std::uint64_t{1} << (8 * size)) - 1;
   key = LowerEight(key);
   const tag_names::Slot& slot = tag_names::kTable[tag_names::SlotOf(key, tag_names::kFactor)];
   if (slot.key != key) return TagName::kOther;

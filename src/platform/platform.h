@@ -14,6 +14,7 @@ class Clock;
 class Shell;
 class MessageBoxes;
 class Idna;
+class TextDecoder;
 class FileDialogs;
 class TrayIcon;
 
@@ -28,6 +29,7 @@ struct Platform {
   Shell& shell;
   MessageBoxes& boxes;
   const Idna& idna;
+  const TextDecoder& text_decoder;
 };
 
 // What only a program with windows needs.

@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "base/text_hash.h"
+#include "platform/index_table.h"
 #include "project/data_file.h"
 #include "state/get_host.h"
-#include "state/index_table.h"
 
 namespace quenlar {
 namespace {

@@ -9,7 +9,7 @@
 #include "base/prefetch.h"
 #include "base/text_arena.h"
 #include "base/text_hash.h"
-#include "state/index_table.h"
+#include "platform/index_table.h"
 
 namespace quenlar {
 

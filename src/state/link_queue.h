@@ -10,7 +10,7 @@
 
 #include "base/text_arena.h"
 #include "base/text_hash.h"
-#include "state/index_table.h"
+#include "platform/index_table.h"
 
 namespace quenlar {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/text_hash.h"
-#include "state/index_table.h"
+#include "platform/index_table.h"
 
 namespace quenlar {
 

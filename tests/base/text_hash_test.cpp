@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/ascii.h"
-#include "state/index_table.h"
+#include "platform/index_table.h"
 
 namespace quenlar {
 namespace {

@@ -33,8 +33,8 @@ class CommandSystem : public System {
   Result<Platform> Open(const PlatformChoice& choice) override {
     opened = choice;
     const Platform& p = fake.platform;
-    return Platform{p.loop,      p.fetcher, p.registry, p.interfaces, p.files,
-                    p.code_page, p.clock,   p.shell,    boxes_,       p.idna};
+    return Platform{p.loop,  p.fetcher, p.registry, p.interfaces, p.files,       p.code_page,
+                    p.clock, p.shell,   boxes_,     p.idna,       p.text_decoder};
   }
   void OnStop(std::function<void()> handler) override {
     stop = std::move(handler);

@@ -28,7 +28,7 @@ struct FakePlatform {
   RecordingFileDialogs dialogs;
   RecordingTray tray;
 
-  Platform platform{loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna};
+  Platform platform{loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna, text_decoder};
   DesktopPlatform desktop{dialogs, tray};
 };
 

@@ -88,7 +88,8 @@ struct Net {
   }
   [[nodiscard]] Platform WithFetcher() {
     const Platform& p = fakes.platform;
-    return {p.loop, fetcher, p.registry, p.interfaces, p.files, p.code_page, p.clock, p.shell, p.boxes, p.idna};
+    return {p.loop,  fetcher, p.registry, p.interfaces, p.files,       p.code_page,
+            p.clock, p.shell, p.boxes,    p.idna,       p.text_decoder};
   }
   // With the alarm's ticks before it, the first of which asks for the upgrade page.
   void Run() {

@@ -14,6 +14,7 @@
 #include "platform/win32/process.h"
 #include "platform/win32/registry.h"
 #include "platform/win32/shell.h"
+#include "platform/win32/text_decoder.h"
 #include "platform/win32/tray_icon.h"
 #include "platform/win32/winhttp_page_fetcher.h"
 #include "ui/win32/binder.h"
@@ -51,6 +52,7 @@ int Run(HINSTANCE program_handle) {
   Win32EventLoop loop;
   Win32CodePage code_page;
   Win32Idna idna;
+  Win32TextDecoder text_decoder;
   Win32Registry registry(code_page, Win32Registry::WritableRoot(kProjectKey));
   // The variable that other programs that download use as well.
   WinHttpPageFetcher fetcher(loop, {.proxy = win32::EnvironmentValue("http_proxy").value_or("")});
@@ -66,8 +68,8 @@ int Run(HINSTANCE program_handle) {
   installation.program_folder = win32::ProgramFolder();
   installation.separator = '\\';
 
-  Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna}, {dialogs, tray},
-                  installation, {AnotherInstanceRuns, EndProcess});
+  Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna, text_decoder},
+                  {dialogs, tray}, installation, {AnotherInstanceRuns, EndProcess});
   ui::Binder binder(ProgramResources(program_handle), loop);
   for (ui::Form* form : program.Windows()) binder.Bind(*form);
   loop.AddMessageFilter([&binder](void* message) { return binder.FilterMessage(*static_cast<MSG*>(message)); });

@@ -1,0 +1,237 @@
+#include "page/page_signs.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+
+#include "base/ascii.h"
+#include "page/html_blanks.h"
+#include "page/references.h"
+
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+// Three bytes in a row that a sign may begin with: of each, the bytes that it can be. All others mean any byte.
+struct Beginning {
+  std::string_view first, second, third;
+};
+constexpr std::string_view kAny = "";
+// In no bracket of a word for "at": a digit or most letters behind it.
+constexpr std::string_view kBehindBracket = "aAkKcC \t\n\r\f&<\xC2\xC3\xE3";
+constexpr std::array<Beginning, 8> kBeginnings = {{
+    {"@", kAny, kAny},
+    {"&", "#clpL", kAny},
+    {"%", "4", "0"},
+    {"\\", "ux", "04"},
+    {"cC", "fF", "eE"},
+    {"[({", kBehindBracket, kAny},
+    {"dD\xE3", "oO\x83", "tT\x89"},
+    {"pP", "oOuU", "iInN"},
+}};
+constexpr std::size_t kBeginningBytes = 3;
+
+constexpr bool CanBe(std::string_view bytes, std::size_t byte) {
+  return bytes.empty() || bytes.find(static_cast<char>(byte)) != std::string_view::npos;
+}
+
+// A bit for each of kBeginnings that can have this byte at this place.
+using ByteTable = std::array<std::uint8_t, 256>;
+constexpr auto kTables = [] {
+  std::array<ByteTable, kBeginningBytes> tables{};
+  for (std::size_t byte = 0; byte < 256; ++byte) {
+    for (std::size_t i = 0; i < kBeginnings.size(); ++i) {
+      const auto bit = static_cast<std::uint8_t>(1u << i);
+      if (CanBe(kBeginnings[i].first, byte)) tables[0][byte] |= bit;
+      if (CanBe(kBeginnings[i].second, byte)) tables[1][byte] |= bit;
+      if (CanBe(kBeginnings[i].third, byte)) tables[2][byte] |= bit;
+    }
+  }
+  return tables;
+}();
+
+bool MayBegin(std::string_view page, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return i < page.size() ? static_cast<unsigned char>(page[i]) : 0; };
+  return (kTables[0][byte(at)] & kTables[1][byte(at + 1)] & kTables[2][byte(at + 2)]) != 0;
+}
+
+#if defined(__SSE2__)
+
+// The same bits by the halves of a byte: a byte has those that both of its halves have. Some bytes get too many.
+struct HalfTables {
+  alignas(16) std::array<std::uint8_t, 16> low{}, high{};
+};
+constexpr auto kHalves = [] {
+  std::array<HalfTables, kBeginningBytes> halves{};
+  for (std::size_t place = 0; place < halves.size(); ++place) {
+    for (std::size_t byte = 0; byte < 256; ++byte) {
+      halves[place].low[byte & 15] |= kTables[place][byte];
+      halves[place].high[byte >> 4] |= kTables[place][byte];
+    }
+  }
+  return halves;
+}();
+
+// A place at or behind `from` before which no sign begins: that of the first bytes that may be one, or one near the
+// end.
+__attribute__((target("avx2"))) std::size_t PassOverAvx2(std::string_view page, std::size_t from) {
+  constexpr std::size_t kBlock = 32;
+  __m256i low[kBeginningBytes], high[kBeginningBytes];
+  for (std::size_t i = 0; i < kBeginningBytes; ++i) {
+    low[i] = _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(kHalves[i].low.data())));
+    high[i] = _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(kHalves[i].high.data())));
+  }
+  const __m256i half = _mm256_set1_epi8(15);
+  std::size_t at = from;
+  for (; at + kBlock + kBeginningBytes <= page.size(); at += kBlock) {
+    __m256i all = _mm256_set1_epi8(-1);
+    for (std::size_t i = 0; i < kBeginningBytes; ++i) {
+      const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(page.data() + at + i));
+      const __m256i by_low = _mm256_shuffle_epi8(low[i], _mm256_and_si256(bytes, half));
+      const __m256i by_high = _mm256_shuffle_epi8(high[i], _mm256_and_si256(_mm256_srli_epi16(bytes, 4), half));
+      all = _mm256_and_si256(all, _mm256_and_si256(by_low, by_high));
+    }
+    const __m256i none = _mm256_cmpeq_epi8(all, _mm256_setzero_si256());
+    for (auto hits = ~static_cast<std::uint32_t>(_mm256_movemask_epi8(none)); hits != 0; hits &= hits - 1) {
+      const std::size_t hit = at + static_cast<std::size_t>(std::countr_zero(hits));
+      if (MayBegin(page, hit)) return hit;
+    }
+  }
+  return at;
+}
+
+const bool kHasAvx2 = [] {
+  __builtin_cpu_init();
+  return __builtin_cpu_supports("avx2") != 0;
+}();
+
+#endif
+
+// The first place at or behind `from` where a sign may begin.
+std::size_t NextBeginning(std::string_view page, std::size_t from) {
+  std::size_t at = from;
+#if defined(__SSE2__)
+  if (kHasAvx2) at = PassOverAvx2(page, from);
+#endif
+  while (at < page.size() && !MayBegin(page, at)) ++at;
+  return at;
+}
+
+constexpr std::array<std::string_view, 8> kAtWords = {"at",          "arobase",    "ät",     "Ät",
+                                                      "klammeraffe", "chiocciola", "arroba", "アット"};
+constexpr std::array<std::string_view, 5> kDotWords = {"dot", "point", "punkt", "punto", "ドット"};
+constexpr std::size_t kWordsApart = 256;   // bytes of the page, tags and all, from a word for "at" to one for "dot"
+constexpr std::size_t kBlanksApart = 256;  // from a bracket to the word in it
+
+bool MayBeginAtWord(char c) {
+  const char small = ToLower(c);
+  return small == 'a' || small == 'k' || small == 'c' || static_cast<unsigned char>(c) >= 0x80;
+}
+bool IsWordByte(char c) { return IsLetter(c) || IsDigit(c); }
+
+// Whether one of the words stands at page[at], and no letter of ASCII behind it.
+template <std::size_t N>
+bool IsWordAt(std::string_view page, std::size_t at, const std::array<std::string_view, N>& words) {
+  for (const std::string_view word : words) {
+    if (!EqualsIgnoreCase(page.substr(at, word.size()), word)) continue;
+    const std::size_t end = at + word.size();
+    if (end >= page.size() || !IsWordByte(page[end])) return true;
+  }
+  return false;
+}
+
+// Behind blanks, tags and references to blanks.
+std::size_t PassBlanks(std::string_view page, std::size_t at) {
+  const std::size_t most = std::min(page.size(), at + kBlanksApart);
+  while (at < most) {
+    const std::string_view rest = page.substr(at, most - at);
+    if (IsHtmlBlank(rest[0])) {
+      ++at;
+    } else if (rest.starts_with("\u00A0")) {
+      at += 2;
+    } else if (rest.starts_with("\u3000")) {
+      at += 3;
+    } else if (rest[0] == '<' && rest.find('>') != kNone) {
+      at += rest.find('>') + 1;
+    } else if (rest[0] == '&') {
+      const Reference reference = ReadReference(rest, ReferencePlace::kText);
+      const char32_t code = reference.codes[0];
+      if (reference.length == 0 || (code != 0xA0 && code != 0x3000 && (code > ' ' || code == 0))) break;
+      at += reference.length;
+    } else {
+      break;
+    }
+  }
+  return at;
+}
+
+bool IsBracketedAt(std::string_view page, std::size_t behind_bracket) {
+  return IsWordAt(page, PassBlanks(page, behind_bracket), kAtWords);
+}
+
+bool IsReferenceSign(std::string_view page, std::size_t at) {
+  const Reference reference = ReadReference(page.substr(at), ReferencePlace::kText);
+  switch (reference.codes[0]) {
+    case '@':
+    case '%':
+    case '[':
+    case '(':
+    case '{':
+      return true;
+    case '<':
+      return IsBracketedAt(page, at + reference.length);
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+bool PageSigns::IsDot(std::size_t at) {
+  if (at == 0 || IsWordByte(page_[at - 1]) || !IsWordAt(page_, at, kDotWords)) return false;
+  const std::size_t first = at > kWordsApart ? at - kWordsApart : 0;
+  for (std::size_t word = std::max(first, words_looked_for_); word < at; ++word) {
+    if (!MayBeginAtWord(page_[word]) || (word > 0 && IsWordByte(page_[word - 1]))) continue;
+    if (IsWordAt(page_, word, kAtWords)) last_at_word_ = word;
+  }
+  words_looked_for_ = std::max(words_looked_for_, at);
+  return last_at_word_ != kNone && last_at_word_ >= first;
+}
+
+bool PageSigns::IsSign(std::size_t at) {
+  const std::string_view rest = page_.substr(at);
+  switch (rest[0]) {
+    case '@':
+      return true;
+    case '&':
+      return IsReferenceSign(page_, at);
+    case '%':
+      return rest.starts_with("%40");
+    case '\\':
+      return rest.starts_with("\\u0040") || rest.starts_with("\\x40");
+    case 'c':
+    case 'C':
+      return StartsWithIgnoreCase(rest, "cfemail");
+    case '[':
+    case '(':
+    case '{':
+      return IsBracketedAt(page_, at + 1);
+    default:
+      return IsDot(at);
+  }
+}
+
+void PageSigns::Find(std::size_t from) {
+  for (next_ = NextBeginning(page_, from); next_ < page_.size(); next_ = NextBeginning(page_, next_ + 1)) {
+    if (IsSign(next_)) return;
+  }
+  next_ = kNone;
+}
+
+}  // namespace quenlar
