@@ -10,6 +10,7 @@ class App;
 
 namespace quenlar {
 
+// An option of a command, or an argument that it takes by its position.
 struct DeclaredOption {
   std::vector<std::string> names;  // "-y", "--yes"; the name alone for an argument by position
   std::string type;                // "FILE", "a|b|c", or "" where no value is taken
@@ -18,10 +19,11 @@ struct DeclaredOption {
   bool repeated = false;  // takes several values, or may be given several times
 
   [[nodiscard]] bool positional() const { return names.front().front() != '-'; }
-  // "a", "b", "c" of a type "a|b|c"; empty for any other type.
+  // Returns "a", "b" and "c" for the type "a|b|c", and nothing for any other type.
   [[nodiscard]] std::vector<std::string> choices() const;
 };
 
+// A command with its help and its options.
 struct DeclaredCommand {
   std::string name;  // "" for the program itself
   std::string help;

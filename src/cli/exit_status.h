@@ -1,4 +1,4 @@
-// Exit statuses of the program, for scripts.
+// Exit statuses of the program. Scripts rely on them, and docs/command-line.md lists them, so they do not change.
 #pragma once
 
 namespace quenlar {

@@ -9,10 +9,12 @@
 
 namespace quenlar {
 
+// Reads in blocks, so it must be the only reader of standard input.
 class LineReader {
  public:
   enum class Outcome { kLine, kTooLong, kEnd };
 
+  // `longest` is the limit in bytes, without the line feed. The console must outlive the reader.
   LineReader(Console& console, std::size_t longest) : console_(console), longest_(longest) {}
 
   // Reads the next line, without its line feed. The last line may have none. A line of more than `longest` bytes gives

@@ -25,7 +25,9 @@ class ProgressLine {
     std::string stage;
   };
 
+  // Whether there is a terminal to draw on. A caller that finds none need not collect figures.
   [[nodiscard]] bool on() const { return on_; }
+  // Shows the figures, unless the line was drawn a moment ago.
   void Draw(const Figures& figures);
   // Removes the line. Call it before something else is written to the terminal.
   void Clear();

@@ -21,6 +21,8 @@ struct PlatformChoice {
   std::string proxy;        // "http://host:port", or "" for the system's own proxy settings
 };
 
+// The system as a command sees it. One object lives for the whole run of the program, and everything that it hands out
+// lives as long.
 class System {
  public:
   virtual ~System() = default;

@@ -11,6 +11,7 @@
 
 namespace quenlar {
 
+// The platform and the program folder. The lock holds the folder for as long as this lives.
 struct Workplace {
   Platform platform;
   Installation installation;

@@ -12,6 +12,7 @@ class eTray {
  public:
   explicit eTray(TrayIcon& icon) : icon_(icon) {}
 
+  // Adds the icon, or removes it. A second call of the same kind does nothing.
   void AddTrayIcon();
   void RemoveTrayIcon();
 

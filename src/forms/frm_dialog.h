@@ -11,9 +11,11 @@
 
 namespace quenlar {
 
+// The user chooses between an upgrade now, which starts the upgrader and ends the program, and the next time, which
+// ends the question until the next start. It is not modal, because a run may go on.
 class frmDialog final : public ui::Form {
  public:
-  // `end_at_once` ends the program; the notification icon stays, since the upgrader replaces the program.
+  // `end_at_once` ends the program and leaves the notification icon, because the upgrader replaces the program.
   frmDialog(Settings& settings, Shell& shell, const Installation& installation, std::function<void()> end_at_once);
 
   ui::Label lblVersion{"lblVersion", "New Version published"};

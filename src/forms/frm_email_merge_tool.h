@@ -12,6 +12,8 @@
 
 namespace quenlar {
 
+// The window lists the opened books on its left and the merged addresses on its right. A command that pumps lets no
+// other one in until it has ended.
 class frmEmailMergeTool final : public ui::Form {
  public:
   // Everything that the window works on. It must outlive the window. Books and addresses stay when the window closes.
@@ -27,10 +29,12 @@ class frmEmailMergeTool final : public ui::Form {
 
   explicit frmEmailMergeTool(Context context);
 
+  // The books, and the commands on them.
   ui::ListBox lstBook{"lstBook"};
   ui::Button cmdOpen{"cmdOpen", "&Open ..."};
   ui::Button cmdDelete{"cmdDelete", "&Delete"};
   ui::Button cmdDeleteAll{"cmdDeleteAll", "Delete &All"};
+  // The merged addresses, and the commands on them.
   ui::ListBox lstAddress{"lstAddress"};
   ui::Button cmdExtract{"cmdExtract", "&Extract"};
   ui::Button cmdClear{"cmdClear", "&Clear"};

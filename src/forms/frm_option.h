@@ -14,6 +14,9 @@
 
 namespace quenlar {
 
+// A dialog with three tabs. It is modal, and its state is that of the settings: Load fills the controls, and each
+// handler stores what the user has changed. So closing the dialog in any way keeps the settings; only the filter words
+// need OK.
 class frmOption final : public ui::Form {
  public:
   // Everything that the dialog works on. It must outlive the dialog. `show_language` puts the code of a language into
@@ -34,14 +37,18 @@ class frmOption final : public ui::Form {
   ui::TabStrip tabOption{"tabOption", {"&Search", "&Export", "&Filter"}};
   ui::Panel picSearch{"picSearch"}, picExport{"picExport"}, picFilter{"picFilter"};
 
+  // Tab Search: the language of the search engine, whether a run stays on its site, how often a run saves, and after
+  // how many addresses it ends.
   ui::ComboBox cmbSearch{"cmbSearch", "English"};
   ui::CheckBox chkCorrelation{"chkCorrelation", "High Correlation between eMail Addresses and Keyword"};
   ui::ComboBox cmbSave{"cmbSave"};
   ui::TextBox txtStopNumber{"txtStopNumber", "99999"};
 
+  // Tab Export: whether a report holds the addresses alone, or their pages and titles too.
   ui::OptionButton optEmailAddress{"optEmailAddress", "Export &only Email addresses"};
   ui::OptionButton optAllInfo{"optAllInfo", "Export &all information"};
 
+  // Tab Filter: the two filters, each with a switch and with one word a line.
   ui::CheckBox chkRemoveFilter{"chkRemoveFilter", "Enable to remove like this:"};
   ui::TextBox txtRemoveFilter{"txtRemoveFilter"};
   ui::CheckBox chkExtractFilter{"chkExtractFilter", "Enable to extract like this:"};

@@ -29,13 +29,18 @@ class frmTray final : public ui::Form {
     std::function<void()> end;
   };
 
+  // `icon` must outlive the form.
   frmTray(Context context, TrayIcon& icon);
 
+  // tmrExtract starts a run a tenth of a second after the button, outside of the button's own event. tmrFormatFlux
+  // reads the interface table, tmrFlux shows the rate of the traffic, and tmrAlarm is the watchdog's clock.
   ui::Timer tmrExtract{"tmrExtract", std::chrono::milliseconds(100), false};
   ui::Timer tmrFormatFlux{"tmrFormatFlux", std::chrono::milliseconds(10), true};
   ui::Timer tmrFlux{"tmrFlux", std::chrono::milliseconds(500), true};
   ui::Timer tmrAlarm{"tmrAlarm", std::chrono::milliseconds(1000), false};
 
+  // The menu of the icon. mnuExtractor shows the main window again; mnuExit ends the program and is disabled during a
+  // run.
   ui::PopupMenu mnuPopup{"SysTray Popup Menu"};
   ui::MenuItem mnuExtractor{"mnuExtractor", "&Brenvy Quenlar Pro"};
   ui::MenuItem sep2{"sep2", "-"};
