@@ -19,7 +19,7 @@ class IdleLoop final : public EventLoop {
   std::size_t yields = 0;
 };
 
-class PageBench : private AddressFilter, private PeriodicSaver, private RunView {
+class PageBench : private AddressFilter, private PeriodicSaver {
  public:
   explicit PageBench(Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed) : pump_(loop_, pace) {
     settings.StopNumber = 2'000'000'000;
@@ -45,14 +45,10 @@ class PageBench : private AddressFilter, private PeriodicSaver, private RunView 
   bool Keeps(std::string_view) override { return true; }
   void SaveProjectData() override {}
   void SaveProjectReport() override {}
-  void ShowStage(const std::string&) override {}
-  void ShowAddressCount(std::uint32_t) override {}
-  void ShowScanCount(std::int64_t) override {}
-  void AddRow(std::uint32_t, bool) override {}
-  void ClearRows() override {}
 
+  RunView view_;
   Pump pump_;
-  AnalysisContext context_{run, project, settings, *this, *this, *this, pump_};
+  AnalysisContext context_{run, project, settings, *this, *this, view_, pump_};
 };
 
 }  // namespace quenlar::bench

@@ -36,9 +36,6 @@ class PageWorld : private AddressFilter, private PeriodicSaver, private RunView 
   bool Keeps(std::string_view) override { return true; }
   void SaveProjectData() override { ++saves; }
   void SaveProjectReport() override { ++saves; }
-  void ShowStage(const std::string&) override {}
-  void ShowAddressCount(std::uint32_t) override {}
-  void ShowScanCount(std::int64_t) override {}
   void AddRow(std::uint32_t, bool) override { ++rows_; }
   void ClearRows() override { rows_ = 0; }
 

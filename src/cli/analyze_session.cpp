@@ -72,8 +72,6 @@ class KeptPanels final : public RunView {
   void ShowStage(const std::string& text) override { panel1.push_back(text); }
   void ShowAddressCount(std::uint32_t count) override { panel2 = fmt::format("{} Address", count); }
   void ShowScanCount(std::int64_t count) override { panel3 = fmt::format("Scan {}", count); }
-  void AddRow(std::uint32_t, bool) override {}
-  void ClearRows() override {}
 
   std::vector<std::string> panel1;  // every text since the request came
   std::string panel2 = "0 Address";
@@ -90,29 +88,14 @@ constexpr std::array<int, kLevels> kAllLevels = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1
 
 }  // namespace
 
-struct AnalyzeSession::State final : ProjectView, PeriodicSaver {
+struct AnalyzeSession::State {
   State(const Platform& lent, Installation given_installation)
       : platform(WithoutTheComputer(lent, loop, fetcher, code_page, boxes)),
         installation(std::move(given_installation)),
         filter(settings),
-        store(platform, project, settings, installation, panels, *this),
+        store(platform, project, settings, installation, panels, project_view),
         pump(loop),
-        web(fetcher, code_page, AnalysisContext{run, project, settings, filter, *this, panels, pump}) {}
-
-  // ProjectView. Nobody has asked for buttons.
-  void EnableDelete(bool) override {}
-  void EnableExport(bool) override {}
-  void EnableExtract() override {}
-  bool Ready() const override { return true; }
-  void SetInputText(const std::string& text) override { store.OpenProject(text); }
-
-  // PeriodicSaver. Without a project there is nothing to save, and no file to save it in.
-  void SaveProjectData() override {
-    if (opened()) store.SaveProjectData();
-  }
-  void SaveProjectReport() override {
-    if (opened()) store.SaveProjectReport();
-  }
+        web(fetcher, code_page, AnalysisContext{run, project, settings, filter, store, panels, pump}) {}
 
   [[nodiscard]] bool opened() const { return lock != nullptr; }
 
@@ -141,6 +124,7 @@ struct AnalyzeSession::State final : ProjectView, PeriodicSaver {
   FixedCodePage code_page;
   KeptMessages boxes;
   KeptPanels panels;
+  ProjectView project_view;
   Platform platform;
   Installation installation;
   std::unique_ptr<FolderLock> lock;  // held from the first opened project on

@@ -1,8 +1,8 @@
 // quenlar delete: deletes a project with its files.
 #include <algorithm>
+#include <utility>
 
 #include "base/product.h"
-#include "cli/command_front_end.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/workplace.h"
@@ -12,6 +12,17 @@
 
 namespace quenlar {
 namespace {
+
+// The text that names the project: the one that was given, or what opening it has left of that.
+class ProjectText final : public ProjectView {
+ public:
+  explicit ProjectText(std::string given) : text_(std::move(given)) {}
+  void InputText(const std::string& text) override { text_ = text; }
+  [[nodiscard]] const std::string& text() const { return text_; }
+
+ private:
+  std::string text_;
+};
 
 bool Holds(const std::vector<std::string>& entries, const std::string& name) {
   return std::find(entries.begin(), entries.end(), name) != entries.end();
@@ -27,12 +38,14 @@ std::string NameInList(const Engine& engine, const std::string& text) {
 
 int DeleteIn(Invocation& invocation, const Workplace& place, const DeleteArguments& arguments) {
   if (const Status read = place.platform.registry.Flush(); !read.ok()) return invocation.Fail(read);
-  CommandFrontEnd front_end;
-  Engine engine(place.platform, place.installation, front_end.AsFrontEnd());
+  RunView view;
+  RunHost host;
+  ProjectText named(arguments.text);
+  Engine engine(place.platform, place.installation, {view, host, named});
   const Engine::StartNotes notes = engine.Start();
   if (!notes.folders.ok()) return invocation.Fail(notes.folders);
-  front_end.Open(engine, arguments.text);
-  const std::string name = NameInList(engine, front_end.input_text());
+  engine.projects.OpenProject(arguments.text);
+  const std::string name = NameInList(engine, named.text());
   const bool has_files = place.platform.files.FileExists(engine.project.DataFile) ||
                          place.platform.files.FileExists(engine.project.ReportFile);
   if (!has_files && !Holds(engine.project_list.entries(), name)) {

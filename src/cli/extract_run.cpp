@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "base/status.h"
-#include "cli/command_front_end.h"
 #include "cli/exit_status.h"
 #include "cli/json_text.h"
 #include "cli/progress_line.h"
@@ -37,15 +36,16 @@ Platform WithInterfaces(const Platform& p, InterfaceTable& interfaces) {
           p.clock, p.shell,   p.boxes,    p.idna,     p.text_decoder};
 }
 
-class ExtractRun final : public CommandFrontEnd {
+class ExtractRun final : public RunView, public RunHost, public ProjectView {
  public:
   ExtractRun(Console& console, Workplace& place, const ExtractOptions& options)
       : console_(console),
         options_(options),
+        input_text_(options.text),
         assumed_(place.platform.interfaces),
         progress_(console),
         engine_(WithInterfaces(place.platform, options.assume_online ? assumed_ : place.platform.interfaces),
-                place.installation, AsFrontEnd()) {}
+                place.installation, {*this, *this, *this}) {}
 
   ExtractResult Run();
 
@@ -62,10 +62,14 @@ class ExtractRun final : public CommandFrontEnd {
   void AddRow(std::uint32_t index, bool) override;
 
   // RunHost.
-  [[nodiscard]] bool StopButtonShown() const override { return !stop_pressed_; }
-  void ShowEnd(const std::string& reason) override;
-  void SaveDataAtEnd() override { TellSave(engine_.projects.WriteData()); }
-  void SaveReportAtEnd() override { TellSave(engine_.projects.WriteReport()); }
+  [[nodiscard]] bool StopPressed() const override { return stop_pressed_; }
+  void RunEnded(const std::string& reason) override;
+  void DataSaved(const Status& saved) override { TellSave(saved); }
+  void ReportSaved(const Status& saved) override { TellSave(saved); }
+
+  // ProjectView.
+  void ProjectReady() override { ShowStage(kReadyStage); }
+  void InputText(const std::string& text) override { input_text_ = text; }
 
  private:
   bool Prepare();
@@ -81,6 +85,7 @@ class ExtractRun final : public CommandFrontEnd {
 
   Console& console_;
   const ExtractOptions& options_;
+  std::string input_text_;  // what names the project
   AssumedOnline assumed_;
   ProgressLine progress_;
   ExtractResult result_;
@@ -121,7 +126,7 @@ bool ExtractRun::Prepare() {
   }
   const Settings stored = engine_.settings;
   OverrideSettings();
-  Open(engine_, options_.text);
+  engine_.projects.OpenProject(options_.text);
   if (const Status can = CheckCanBeSaved(engine_.platform.files, engine_.project); !can.ok()) {
     Refuse(kExitFailed, SentenceOf(can));
     return false;
@@ -156,7 +161,7 @@ void ExtractRun::OverrideSettings() {
 // language of a keyword is that of the run.
 void ExtractRun::RecordInProjectList(int language_of_run) {
   const bool is_keyword = engine_.project.IsKeywordProject;
-  engine_.project_list.Add(ListedName(input_text(), is_keyword, language_of_run), is_keyword);
+  engine_.project_list.Add(ListedName(input_text_, is_keyword, language_of_run), is_keyword);
 }
 
 void ExtractRun::RunToTheEnd() {
@@ -204,7 +209,7 @@ void ExtractRun::ShowStage(const std::string& text) {
   Redraw();
 }
 
-void ExtractRun::ShowEnd(const std::string& reason) {
+void ExtractRun::RunEnded(const std::string& reason) {
   result_.reason = reason;
   if (!nobody_reads_) TellOnce(reason);
 }

@@ -1,6 +1,5 @@
 // quenlar report: rewrites a project's report.
 
-#include "cli/command_front_end.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/workplace.h"
@@ -13,11 +12,13 @@ namespace {
 
 int ReportIn(Invocation& invocation, const Workplace& place, const std::string& text) {
   if (const Status read = place.platform.registry.Flush(); !read.ok()) return invocation.Fail(read);
-  CommandFrontEnd front_end;
-  Engine engine(place.platform, place.installation, front_end.AsFrontEnd());
+  RunView view;
+  RunHost host;
+  ProjectView project_view;
+  Engine engine(place.platform, place.installation, {view, host, project_view});
   const Engine::StartNotes notes = engine.Start();
   if (!notes.folders.ok()) return invocation.Fail(notes.folders);
-  front_end.Open(engine, text);
+  engine.projects.OpenProject(text);
   const Status read = place.platform.files.Read(engine.project.ReportFile, [](std::string_view) { return false; });
   if (!read.ok() && read.kind() != StatusKind::kNotFound) return invocation.Fail(read);
   if (engine.project.found.Count() < 1) {

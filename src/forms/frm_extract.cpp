@@ -308,37 +308,36 @@ void frmExtract::ClearRows() { lstMail.SetRows(0); }
 
 // --- RunHost ---
 
-bool frmExtract::StopButtonShown() const { return cmdExtract.text() == kStopCaption; }
+bool frmExtract::StopPressed() const { return cmdExtract.text() != kStopCaption; }
 
-void frmExtract::ShowEnd(const std::string& reason) {
+void frmExtract::RunEnded(const std::string& reason) {
   data_failure_.clear();
   Warn(reason);
   for (const std::string& message : std::exchange(after_run_, {})) Warn(message);
 }
 
-void frmExtract::SaveDataAtEnd() {
-  const Status saved = context_.engine.projects.WriteData();
+void frmExtract::DataSaved(const Status& saved) {
   WarnOnFailure(saved);
   data_failure_ = saved.message();
 }
 
 // The data file fails with the report before it; that is told once.
-void frmExtract::SaveReportAtEnd() {
-  const Status saved = context_.engine.projects.WriteReport();
+void frmExtract::ReportSaved(const Status& saved) {
   if (saved.message() != data_failure_) WarnOnFailure(saved);
 }
 
-void frmExtract::RestoreIdle(bool enable_export) {
+// A run that ends in its search phase leaves Report disabled, although the project may hold addresses of earlier runs:
+// only a link run enables it. Kept: MainWindowRun.ARunThatEndsInsideTheSearchPhaseLeavesExportDisabled.
+void frmExtract::Idle(bool links_visited) {
   cmdExtract.SetText(kExtractCaption);
   cmdExtract.SetEnabled(true);
   for (ui::Control* control : Inputs()) control->SetEnabled(true);
   cmdDelete.SetEnabled(!context_.engine.project_list.entries().empty());
-  if (enable_export) cmdExport.SetEnabled(true);
+  if (links_visited) cmdExport.SetEnabled(true);
+  ShowStage("Extract process ended at " + context_.engine.platform.clock.TimeText());
 }
 
-void frmExtract::ShowEndTime() { ShowStage("Extract process ended at " + context_.engine.platform.clock.TimeText()); }
-
-void frmExtract::EnableExit() { context_.mnuExit.SetEnabled(true); }
+void frmExtract::RunOver() { context_.mnuExit.SetEnabled(true); }
 
 void frmExtract::TellAfterRun(const std::string& message) {
   if (RunGoesOn()) {
@@ -350,16 +349,21 @@ void frmExtract::TellAfterRun(const std::string& message) {
 
 // --- ProjectView ---
 
-void frmExtract::EnableDelete(bool enabled) { cmdDelete.SetEnabled(enabled); }
+void frmExtract::ProjectClosed() { cmdDelete.SetEnabled(false); }
 
-void frmExtract::EnableExport(bool enabled) { cmdExport.SetEnabled(enabled); }
+void frmExtract::ProjectFiles(bool has_data, bool has_report) {
+  cmdExport.SetEnabled(has_report);
+  cmdDelete.SetEnabled(has_data);
+}
 
-void frmExtract::EnableExtract() {
+void frmExtract::ProjectReady() {
+  if (!ready_) return;
   if (!starting_ && opening_ <= 1) cmdExtract.SetEnabled(true);
+  ShowStage(kReadyStage);
 }
 
 // The caret goes to the end of the text, where the user goes on typing.
-void frmExtract::SetInputText(const std::string& text) {
+void frmExtract::InputText(const std::string& text) {
   cmbURL.SetText(text);
   cmbURL.MoveCaretToEnd();
 }

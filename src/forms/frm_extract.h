@@ -65,20 +65,21 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void ClearRows() override;
 
   // RunHost
-  [[nodiscard]] bool StopButtonShown() const override;
-  void ShowEnd(const std::string& reason) override;
-  void SaveDataAtEnd() override;
-  void SaveReportAtEnd() override;
-  void RestoreIdle(bool enable_export) override;
-  void ShowEndTime() override;
-  void EnableExit() override;
+  [[nodiscard]] bool StopPressed() const override;
+  void RunEnded(const std::string& reason) override;
+  void DataSaved(const Status& saved) override;
+  void ReportSaved(const Status& saved) override;
+  void Idle(bool links_visited) override;
+  void RunOver() override;
 
   // ProjectView
-  void EnableDelete(bool enabled) override;
-  void EnableExport(bool enabled) override;
-  void EnableExtract() override;
-  [[nodiscard]] bool Ready() const override { return ready_; }
-  void SetInputText(const std::string& text) override;
+  void ProjectClosed() override;
+  void ProjectFiles(bool has_data, bool has_report) override;
+  void ProjectReady() override;
+  void InputText(const std::string& text) override;
+
+  // The window is loaded.
+  [[nodiscard]] bool Ready() const { return ready_; }
 
  private:
   void SetUpList();

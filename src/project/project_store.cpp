@@ -76,24 +76,32 @@ void ProjectStore::OpenProject(std::string_view text) {
 
 void ProjectStore::Open(const std::string& typed) {
   const std::uint64_t opening = ++openings_;
-  project_view_.EnableDelete(false);
+  project_view_.ProjectClosed();
   project_.ProjectLoaded = false;
   FinishSaves();
   if (NameProject(project_, typed, settings_, installation_) == NamingOutcome::kUnknownSuffix) {
     platform_.boxes.Show(UnknownSuffixText(), kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
-    if (opening == openings_) project_view_.SetInputText(typed.substr(0, typed.find('_')));
+    if (opening == openings_) OpenFirstPiece(typed);
     return;
   }
   Clear();
-  if (!LoadLinks(opening) || !LoadReport(opening)) return;
-  project_view_.EnableDelete(platform_.files.FileExists(project_.DataFile));
+  if (!LoadLinks(opening)) return;
+  const bool has_report = platform_.files.FileExists(project_.ReportFile);
+  report_.keep_old = false;
+  if (has_report && !LoadReport(opening)) return;
+  project_view_.ProjectFiles(platform_.files.FileExists(project_.DataFile), has_report);
   view_.ShowStage("Load data finished ");
   view_.ShowAddressCount(project_.found.Count());
   view_.ShowScanCount(0);
   project_.ProjectLoaded = true;
-  if (!project_view_.Ready()) return;
-  project_view_.EnableExtract();
-  view_.ShowStage("Ready now !");
+  project_view_.ProjectReady();
+}
+
+void ProjectStore::OpenFirstPiece(const std::string& typed) {
+  const std::uint64_t opening = openings_;
+  const std::string piece = typed.substr(0, typed.find('_'));
+  project_view_.InputText(piece);
+  if (opening == openings_) OpenProject(piece);
 }
 
 void ProjectStore::Clear() {
@@ -125,12 +133,6 @@ bool ProjectStore::LoadLinks(std::uint64_t opening) {
 }
 
 bool ProjectStore::LoadReport(std::uint64_t opening) {
-  report_.keep_old = false;
-  if (!platform_.files.FileExists(project_.ReportFile)) {
-    project_view_.EnableExport(false);
-    project_view_.EnableDelete(false);
-    return true;
-  }
   auto read = ReadReportText(platform_, project_.ReportFile);
   report_.keep_old = !read.ok();
   const std::string text = read.ok() ? read.take() : std::string();
@@ -148,8 +150,6 @@ bool ProjectStore::LoadReport(std::uint64_t opening) {
   // Where one of the pumps has loaded the rest, the list starts anew.
   if (taken != project_.found.Count()) view_.ClearRows();
   for (std::uint32_t i = 0; i < project_.found.Count(); ++i) view_.AddRow(i, false);
-  project_view_.EnableExport(true);
-  project_view_.EnableDelete(true);
   return true;
 }
 

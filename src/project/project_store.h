@@ -12,27 +12,34 @@
 #include "platform/pump.h"
 #include "project/record_writer.h"
 #include "project/report_file.h"
-#include "state/page_host.h"
+#include "state/project_saver.h"
 #include "state/run_state.h"
 #include "state/run_view.h"
 #include "state/settings.h"
 
 namespace quenlar {
 
-// What opening a project changes in the window, besides the rows and panels of RunView.
+// The stage text of a front end that has a project ready to be run.
+inline constexpr const char* kReadyStage = "Ready now !";
+
+// What a front end learns of the project at hand, besides the rows and panels of RunView. What it does not override
+// shows nothing. One opening tells ProjectClosed, then ProjectFiles, then ProjectReady; one that another opening
+// overtakes ends early.
 class ProjectView {
  public:
   virtual ~ProjectView() = default;
-  virtual void EnableDelete(bool enabled) = 0;
-  virtual void EnableExport(bool enabled) = 0;
-  virtual void EnableExtract() = 0;
-  // Whether the main window is ready to be used (its ready flag).
-  [[nodiscard]] virtual bool Ready() const = 0;
-  // Puts another text into the input box, which opens that project (SetInputText("cars") leads to OpenProject("cars")).
-  virtual void SetInputText(const std::string& text) = 0;
+  // Another project is about to be loaded.
+  virtual void ProjectClosed() {}
+  // The project is loaded, and has these files.
+  virtual void ProjectFiles(bool /*has_data*/, bool /*has_report*/) {}
+  // The project can be run.
+  virtual void ProjectReady() {}
+  // This text names the project instead of the text that was given. It is opened next, unless showing it has opened a
+  // project already, as an input box does whose change handler is OpenProject.
+  virtual void InputText(const std::string& /*text*/) {}
 };
 
-class ProjectStore final : public PeriodicSaver {
+class ProjectStore final : public ProjectSaver {
  public:
   ProjectStore(const Platform& platform, Project& project, const Settings& settings, const Installation& installation,
                RunView& view, ProjectView& project_view, Pump::Pace pace = Pump::Pace::kWhenTimeHasPassed);
@@ -58,8 +65,8 @@ class ProjectStore final : public PeriodicSaver {
   // A data file drops the links of finished pages, so a report with the addresses of these pages must be on the disk
   // before it. WriteData therefore writes the report first when it is behind, and fails when that fails. "Overflow !"
   // of the report is the exception: such a project could never be saved again.
-  Status WriteData();
-  Status WriteReport();
+  Status WriteData() override;
+  Status WriteReport() override;
 
   // Writes both files, in the same order and on the same condition as WriteData, without pumping. What is being saved
   // or loaded is finished first. It is for the end of the program. Failures are shown as those of SaveProjectData are.
@@ -104,6 +111,7 @@ class ProjectStore final : public PeriodicSaver {
   [[nodiscard]] bool ReportIsBehind() const;
 
   void Open(const std::string& typed);
+  void OpenFirstPiece(const std::string& typed);
   void Clear();
   [[nodiscard]] bool LoadLinks(std::uint64_t opening);
   [[nodiscard]] bool LoadReport(std::uint64_t opening);

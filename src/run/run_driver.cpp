@@ -21,7 +21,7 @@ constexpr std::chrono::milliseconds kWaitLimit{500};
 }  // namespace
 
 RunDriver::RunDriver(EventLoop& loop, RunState& run, Project& project, SearchAddressAt search_address, ocxParseWeb& web,
-                     Files& files, PeriodicSaver& saver, RunHost& host)
+                     Files& files, ProjectSaver& saver, RunHost& host)
     : loop_(loop),
       run_(run),
       project_(project),
@@ -73,7 +73,7 @@ void RunDriver::LinkRun() {
 void RunDriver::Begin() {
   assert(!run_.running);
   run_.running = true;
-  run_.stop_requested = !host_.StopButtonShown();
+  run_.stop_requested = host_.StopPressed();
   run_.off_line = false;
   run_.ScanCount = 0;
   requests_.clear();
@@ -282,22 +282,19 @@ void RunDriver::CountRequests() {
 
 const char* RunDriver::StopReason() const {
   if (run_.off_line) return kEndOffLine;
-  return host_.StopButtonShown() ? kEndStopNumber : kEndStopButton;
+  return host_.StopPressed() ? kEndStopButton : kEndStopNumber;
 }
 
 void RunDriver::End(const char* reason) {
-  host_.ShowEnd(reason);
+  host_.RunEnded(reason);
   if (phase_ == Phase::kLinks) {
     const auto unvisited = [](const LinkQueue& queue) { return queue.HasUnvisited(); };
-    if (std::any_of(project_.queues.begin(), project_.queues.end(), unvisited)) host_.SaveDataAtEnd();
-    if (project_.found.Count() >= 1) host_.SaveReportAtEnd();
+    if (std::any_of(project_.queues.begin(), project_.queues.end(), unvisited)) host_.DataSaved(saver_.WriteData());
+    if (project_.found.Count() >= 1) host_.ReportSaved(saver_.WriteReport());
   }
-  // A run that ends in its search phase leaves export disabled, although the project may hold addresses of earlier
-  // runs: only a link run enables it. Kept: MainWindowRun.ARunThatEndsInsideTheSearchPhaseLeavesExportDisabled.
-  host_.RestoreIdle(phase_ == Phase::kLinks);
-  host_.ShowEndTime();
+  host_.Idle(phase_ == Phase::kLinks);
   run_.running = false;
-  host_.EnableExit();
+  host_.RunOver();
 }
 
 }  // namespace quenlar

@@ -16,30 +16,35 @@
 #include <string>
 #include <vector>
 
+#include "base/status.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
 #include "run/end_reasons.h"
+#include "state/project_saver.h"
 #include "state/run_state.h"
 #include "web/ocx_parse_web.h"
 
 namespace quenlar {
 
-// What the driver needs of the front end that it runs under.
+// What the driver asks of the front end that it runs under, and tells it. The front end decides what to show of it, and
+// which of its controls can be used; what it does not override shows nothing.
+//
+// At the end of a run the calls come in the order of their declaration: RunEnded; DataSaved and ReportSaved for the
+// files that were saved; Idle; RunOver.
 class RunHost {
  public:
   virtual ~RunHost() = default;
-  // True while the Extract button still reads "&Stop" (the user has not pressed it).
-  [[nodiscard]] virtual bool StopButtonShown() const = 0;
-  // Tells the user why the run has ended. May pump.
-  virtual void ShowEnd(const std::string& reason) = 0;
-  // Saves, at the end of a run; failures are told to the user. Pump.
-  virtual void SaveDataAtEnd() = 0;
-  virtual void SaveReportAtEnd() = 0;
-  // Puts the controls back to idle; export only after a link run.
-  virtual void RestoreIdle(bool enable_export) = 0;
-  // "Extract process ended at" and the time, in panel 1.
-  virtual void ShowEndTime() = 0;
-  virtual void EnableExit() = 0;
+  // True once the user has asked this run to stop.
+  [[nodiscard]] virtual bool StopPressed() const { return false; }
+  // The run has ended, for this reason, a sentence. Nothing has been saved yet. May pump.
+  virtual void RunEnded(const std::string& /*reason*/) {}
+  // The file has been saved, or could not be. May pump.
+  virtual void DataSaved(const Status& /*saved*/) {}
+  virtual void ReportSaved(const Status& /*saved*/) {}
+  // Everything is done, and `running` still holds. `links_visited`: the run did not end in its search phase.
+  virtual void Idle(bool /*links_visited*/) {}
+  // `running` does not hold any more.
+  virtual void RunOver() {}
 };
 
 // Schedules one run after the other over the project of its references.
@@ -56,7 +61,7 @@ class RunDriver final : public WebEvents {
 
   // All references must outlive the driver.
   RunDriver(EventLoop& loop, RunState& run, Project& project, SearchAddressAt search_address, ocxParseWeb& web,
-            Files& files, PeriodicSaver& saver, RunHost& host);
+            Files& files, ProjectSaver& saver, RunHost& host);
 
   // Makes one run: KeywordRun for a keyword project, LinkRun for any other. Pumps until the run has ended. It must not
   // be called while a run goes on. When memory runs out, the run ends in order with a reason that says so.
@@ -105,7 +110,7 @@ class RunDriver final : public WebEvents {
   SearchAddressAt search_address_;
   ocxParseWeb& web_;
   Files& files_;
-  PeriodicSaver& saver_;
+  ProjectSaver& saver_;
   RunHost& host_;
   std::vector<Request> requests_;
   Phase phase_ = Phase::kLinks;

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "state/page_host.h"
+#include "state/address_filter.h"
 #include "state/settings.h"
 
 namespace quenlar {

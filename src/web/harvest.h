@@ -4,7 +4,8 @@
 #include <string_view>
 
 #include "platform/pump.h"
-#include "state/page_host.h"
+#include "state/address_filter.h"
+#include "state/project_saver.h"
 #include "state/run_state.h"
 #include "state/run_view.h"
 #include "state/settings.h"

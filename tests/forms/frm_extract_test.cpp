@@ -155,6 +155,26 @@ TEST_F(MainWindow, LoadingAProjectShowsItsProgress) {
                                   "Load data ....", "Load data ......", "Load data finished ", "Ready now !"));
 }
 
+TEST_F(MainWindow, AWindowThatIsNotLoadedKeepsTheLoadMessage) {
+  extract.cmdExtract.SetEnabled(false);
+  engine.projects.OpenProject("cars");
+  EXPECT_EQ(Panel(1), "Load data finished ");
+  EXPECT_FALSE(extract.cmdExtract.enabled());
+}
+
+TEST_F(MainWindow, DeleteNeedsADataFileAndReportAReport) {
+  Start();
+  const auto buttons = [this](const std::string& text) {
+    Type(text);
+    return std::pair(extract.cmdDelete.enabled(), extract.cmdExport.enabled());
+  };
+  files.Put("/home/data/a_test.dat", HeaderLine() + "\r\n");
+  files.Put("/home/report/b_test.rpt", "a@b.test\r\n");
+  EXPECT_EQ(buttons("a.test"), std::pair(true, false));
+  EXPECT_EQ(buttons("b.test"), std::pair(false, true));
+  EXPECT_EQ(buttons("c.test"), std::pair(false, false));
+}
+
 TEST_F(MainWindow, ACutSuffixIsToldAndTheTextBecomesTheKeyword) {
   Start();
   Type("cars_jp");

@@ -21,7 +21,6 @@ constexpr const char* kCarsReport = "/q/report/cars_en.rpt";
 class Window : public RecordingView, public ProjectView {
  public:
   Texts log;
-  bool ready = true;
   std::function<void(const std::string& text)> input_changed;
 
   void ShowStage(const std::string& text) override {
@@ -44,11 +43,12 @@ class Window : public RecordingView, public ProjectView {
     RecordingView::ClearRows();
     log.push_back("clear");
   }
-  void EnableDelete(bool enabled) override { log.push_back(enabled ? "delete on" : "delete off"); }
-  void EnableExport(bool enabled) override { log.push_back(enabled ? "export on" : "export off"); }
-  void EnableExtract() override { log.push_back("extract on"); }
-  [[nodiscard]] bool Ready() const override { return ready; }
-  void SetInputText(const std::string& text) override {
+  void ProjectClosed() override { log.emplace_back("closed"); }
+  void ProjectFiles(bool has_data, bool has_report) override {
+    log.push_back(std::string("files:") + (has_data ? " data" : "") + (has_report ? " report" : ""));
+  }
+  void ProjectReady() override { log.emplace_back("ready"); }
+  void InputText(const std::string& text) override {
     log.push_back("input " + text);
     if (input_changed) input_changed(text);
   }
@@ -106,8 +106,8 @@ TEST_F(ProjectStoreTest, NewKeywordProjectPutsItsStartUrlIntoQueueMAndTheSearchP
   EXPECT_EQ(project.queues[0].Next(), 0u);
   EXPECT_EQ(project.search_page, project.StartURL);
   EXPECT_TRUE(project.ProjectLoaded);
-  EXPECT_EQ(window.log, (Texts{"delete off", "clear", "export off", "delete off", "delete off",
-                               "stage Load data finished ", "0 Address", "Scan 0", "extract on", "stage Ready now !"}));
+  EXPECT_EQ(window.log,
+            (Texts{"closed", "clear", "files:", "stage Load data finished ", "0 Address", "Scan 0", "ready"}));
 }
 
 TEST_F(ProjectStoreTest, NewAddressProjectHasEmptyQueues) {
@@ -123,29 +123,22 @@ TEST_F(ProjectStoreTest, SavedProjectComesBackWithItsLinksAndRows) {
   EXPECT_THAT(All(project.queues[0]), ElementsAre("http://m"));
   EXPECT_EQ(project.search_page, "");
   EXPECT_THAT(Addresses(), ElementsAre("0@cars.com", "1@cars.com"));
-  EXPECT_EQ(window.log, (Texts{"delete off", "clear", "row 0", "row 1", "export on", "delete on", "delete on",
-                               "stage Load data finished ", "2 Address", "Scan 0", "extract on", "stage Ready now !"}));
+  EXPECT_EQ(window.log, (Texts{"closed", "clear", "row 0", "row 1", "files: data report", "stage Load data finished ",
+                               "2 Address", "Scan 0", "ready"}));
 }
 
-TEST_F(ProjectStoreTest, ReportWithoutADataFileEnablesExportAloneInTheEnd) {
+TEST_F(ProjectStoreTest, AReportWithoutADataFileIsToldAlone) {
   PutCars();
   ASSERT_TRUE(fakes.files.Delete(kCarsData).ok());
   store.OpenProject("cars");
-  EXPECT_EQ(Texts(window.log.begin() + 4, window.log.begin() + 7), (Texts{"export on", "delete on", "delete off"}));
+  EXPECT_EQ(window.log[4], "files: report");
 }
 
-TEST_F(ProjectStoreTest, DataFileWithoutAReportEnablesDeleteInTheEnd) {
+TEST_F(ProjectStoreTest, ADataFileWithoutAReportIsToldAlone) {
   PutCars();
   ASSERT_TRUE(fakes.files.Delete(kCarsReport).ok());
   store.OpenProject("cars");
-  EXPECT_EQ(Texts(window.log.begin() + 2, window.log.begin() + 5), (Texts{"export off", "delete off", "delete on"}));
-}
-
-TEST_F(ProjectStoreTest, WindowThatIsNotReadyKeepsItsLoadMessage) {
-  window.ready = false;
-  store.OpenProject("cars");
-  EXPECT_EQ(window.last_stage(), "Load data finished ");
-  EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "extract on"), 0);
+  EXPECT_EQ(window.log[2], "files: data");
 }
 
 TEST_F(ProjectStoreTest, OpeningEmptiesWhatTheLastProjectLeft) {
@@ -165,7 +158,6 @@ TEST_F(ProjectStoreTest, ProgressIsShownAtTwentyFortyAndSixtyLinesAcrossProjects
   std::string lines;
   for (int i = 0; i < 50; ++i) lines += "http://" + std::to_string(i) + "\r\n";
   fakes.files.Put(kCarsData, kHeader + "[A]\r\n" + lines);
-  window.ready = false;
   store.OpenProject("cars");  // the counter stands at 50 then
   EXPECT_EQ(window.stages, (Texts{"Load data ..", "Load data ....", "Load data finished "}));
   window.stages.clear();
@@ -185,6 +177,14 @@ TEST_F(ProjectStoreTest, UnknownSuffixIsToldAndTheFirstPieceBecomesTheProject) {
   EXPECT_TRUE(project.ProjectLoaded);
   EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "clear"), 1);
   EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "input cars"), 1);
+}
+
+TEST_F(ProjectStoreTest, AFrontEndWithoutAnInputBoxLeavesTheFirstPieceToTheStore) {
+  window.input_changed = nullptr;
+  store.OpenProject("cars_jp");
+  EXPECT_EQ(project.DataFile, kCarsData);
+  EXPECT_EQ(std::count(window.log.begin(), window.log.end(), "clear"), 1);
+  EXPECT_EQ(window.log.back(), "ready");
 }
 
 TEST_F(ProjectStoreTest, SuffixBehindASecondUnderscoreFailsLikeAnyOther) {

@@ -11,15 +11,6 @@
 namespace quenlar {
 namespace {
 
-class NoProjectView : public ProjectView {
- public:
-  void EnableDelete(bool) override {}
-  void EnableExport(bool) override {}
-  void EnableExtract() override {}
-  bool Ready() const override { return false; }
-  void SetInputText(const std::string&) override {}
-};
-
 class ReportBeforeData : public testing::Test {
  protected:
   ReportBeforeData() {
@@ -57,7 +48,7 @@ class ReportBeforeData : public testing::Test {
   Settings settings_;
   Installation installation_;
   RecordingView view_;
-  NoProjectView project_view_;
+  ProjectView project_view_;
   ProjectStore store_{fakes_.platform, project_, settings_, installation_, view_, project_view_, Pump::Pace::kAlways};
 };
 

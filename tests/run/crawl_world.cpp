@@ -12,7 +12,7 @@ Installation HomeInstallation() {
 }  // namespace
 
 CrawlWorld::CrawlWorld()
-    : engine((fakes.files.AddFolder("/home"), fakes.platform), HomeInstallation(), FrontEnd{view, *this, *this},
+    : engine((fakes.files.AddFolder("/home"), fakes.platform), HomeInstallation(), FrontEnd{view, *this, project_view},
              Pump::Pace::kAlways) {
   const Engine::StartNotes notes = engine.Start();
   calls.clear();
@@ -22,14 +22,14 @@ CrawlWorld::CrawlWorld()
 }
 
 void CrawlWorld::Run() {
-  stop_shown_ = true;
+  stop_pressed_ = false;
   tmrAlarm_->SetEnabled(true);
   engine.driver.Run();
   tmrAlarm_->SetEnabled(false);
 }
 
 void CrawlWorld::Stop() {
-  stop_shown_ = false;
+  stop_pressed_ = true;
   engine.run.stop_requested = true;
 }
 
@@ -67,14 +67,13 @@ std::vector<std::string> CrawlWorld::Queues() const {
   return lines;
 }
 
-void CrawlWorld::SaveDataAtEnd() {
-  const Status saved = engine.projects.WriteData();
-  calls.push_back(saved.ok() ? "data" : "data: " + saved.message());
+void CrawlWorld::NoteSave(const std::string& file, const Status& saved) {
+  calls.push_back(saved.ok() ? file : file + ": " + saved.message());
 }
 
-void CrawlWorld::SaveReportAtEnd() {
-  const Status saved = engine.projects.WriteReport();
-  calls.push_back(saved.ok() ? "report" : "report: " + saved.message());
+void CrawlWorld::Idle(bool links_visited) {
+  calls.emplace_back(links_visited ? "idle, links visited" : "idle");
+  view.ShowStage("Extract process ended at " + fakes.clock.TimeText());
 }
 
 }  // namespace quenlar

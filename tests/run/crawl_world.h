@@ -10,7 +10,7 @@
 
 namespace quenlar {
 
-class CrawlWorld : private RunHost, private ProjectView {
+class CrawlWorld : private RunHost {
  public:
   CrawlWorld();
   CrawlWorld(const CrawlWorld&) = delete;
@@ -18,6 +18,7 @@ class CrawlWorld : private RunHost, private ProjectView {
 
   FakePlatform fakes;
   RecordingView view;
+  ProjectView project_view;
   std::vector<std::string> calls;  // of the driver's host, in order
   Engine engine;
 
@@ -31,21 +32,16 @@ class CrawlWorld : private RunHost, private ProjectView {
   [[nodiscard]] std::vector<std::string> Queues() const;
 
  private:
-  [[nodiscard]] bool StopButtonShown() const override { return stop_shown_; }
-  void ShowEnd(const std::string& reason) override { calls.push_back("end: " + reason); }
-  void SaveDataAtEnd() override;
-  void SaveReportAtEnd() override;
-  void RestoreIdle(bool enable_export) override { calls.emplace_back(enable_export ? "idle, export" : "idle"); }
-  void ShowEndTime() override { view.ShowStage("Extract process ended at " + fakes.clock.TimeText()); }
-  void EnableExit() override { calls.emplace_back("exit"); }
+  [[nodiscard]] bool StopPressed() const override { return stop_pressed_; }
+  void RunEnded(const std::string& reason) override { calls.push_back("end: " + reason); }
+  void DataSaved(const Status& saved) override { NoteSave("data", saved); }
+  void ReportSaved(const Status& saved) override { NoteSave("report", saved); }
+  void Idle(bool links_visited) override;
+  void RunOver() override { calls.emplace_back("over"); }
 
-  void EnableDelete(bool) override {}
-  void EnableExport(bool) override {}
-  void EnableExtract() override {}
-  [[nodiscard]] bool Ready() const override { return false; }
-  void SetInputText(const std::string& text) override { Open(text); }
+  void NoteSave(const std::string& file, const Status& saved);
 
-  bool stop_shown_ = true;
+  bool stop_pressed_ = false;
   std::unique_ptr<LoopTimer> tmrAlarm_;
 };
 

@@ -27,29 +27,38 @@ class KeepAll : public AddressFilter {
 };
 
 // Everything that the driver asks its surroundings for, in one list.
-class RecordingHost : public RunHost, public PeriodicSaver {
+class RecordingHost : public RunHost, public ProjectSaver {
  public:
   explicit RecordingHost(const RunState& run) : run_(run) {}
 
   Strings calls;
-  bool stop_shown = true;
+  bool stop_pressed = false;
+  Status save_result;  // of the saves at the end
   std::function<void()> while_end_shown, while_saving;
 
-  [[nodiscard]] bool StopButtonShown() const override { return stop_shown; }
-  void ShowEnd(const std::string& reason) override {
+  [[nodiscard]] bool StopPressed() const override { return stop_pressed; }
+  void RunEnded(const std::string& reason) override {
     calls.push_back("end: " + reason);
     if (while_end_shown) while_end_shown();
   }
-  void SaveDataAtEnd() override { calls.emplace_back("data"); }
-  void SaveReportAtEnd() override { calls.emplace_back("report"); }
-  void RestoreIdle(bool enable_export) override {
-    calls.emplace_back(enable_export ? "idle, export" : "idle");
+  void DataSaved(const Status& saved) override { NoteSave(saved); }
+  void ReportSaved(const Status& saved) override { NoteSave(saved); }
+  void Idle(bool links_visited) override {
+    calls.emplace_back(links_visited ? "idle, links visited" : "idle");
     EXPECT_TRUE(run_.running);
   }
-  void ShowEndTime() override { calls.emplace_back("time"); }
-  void EnableExit() override {
-    calls.emplace_back("exit");
+  void RunOver() override {
+    calls.emplace_back("over");
     EXPECT_FALSE(run_.running);
+  }
+
+  Status WriteData() override {
+    calls.emplace_back("data");
+    return save_result;
+  }
+  Status WriteReport() override {
+    calls.emplace_back("report");
+    return save_result;
   }
   void SaveProjectData() override {
     calls.emplace_back("periodic data");
@@ -65,6 +74,10 @@ class RecordingHost : public RunHost, public PeriodicSaver {
   }
 
  private:
+  void NoteSave(const Status& saved) {
+    if (!saved.ok()) calls.push_back(saved.message());
+  }
+
   const RunState& run_;
 };
 
@@ -115,13 +128,13 @@ struct DriverWorld {
     for (const std::string& url : urls) project.queues[static_cast<std::size_t>(level)].AddIfNew(url);
   }
   void Stop() {
-    host.stop_shown = false;
+    host.stop_pressed = true;
     run.stop_requested = true;
   }
   // The Extract button again, after a run has ended.
   void RunAgain() {
     host.calls.clear();
-    host.stop_shown = true;
+    host.stop_pressed = false;
     driver.Run();
   }
 
@@ -178,6 +191,6 @@ inline std::string ResultsOf(const Strings& links) {
   return page + "</html>";
 }
 
-inline const Strings kEndOfUnfinished = {"data", "report", "idle, export", "time", "exit"};
+inline const Strings kEndOfUnfinished = {"data", "report", "idle, links visited", "over"};
 
 }  // namespace quenlar

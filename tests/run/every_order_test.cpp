@@ -241,7 +241,7 @@ TEST(EveryStep, ARunOfKeywordsStopsInOrderAtEachOfItsSteps) {
     more = RunWithEventInPump(world, site, n, [&] { world.Stop(); });
     if (!more) break;
     EXPECT_EQ(world.host.reason(), kEndStopButton) << n;
-    EXPECT_EQ(world.host.calls.back(), "exit");
+    EXPECT_EQ(world.host.calls.back(), "over");
     world.RunAgain();
     CheckComplete(world, site);
     ASSERT_FALSE(testing::Test::HasFailure()) << n;

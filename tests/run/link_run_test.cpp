@@ -26,7 +26,7 @@ TEST_F(LinkRun, BeginsAtTheStartAddressOfAnAddressProject) {
   driver.Run();
   EXPECT_EQ(Keys(), (Strings{"M1http://start.test", "X1http://start.test/a.html", "X1http://start.test/b.html"}));
   EXPECT_EQ(Found(), (Strings{"me@start.test"}));
-  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "report", "idle, export", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "report", "idle, links visited", "over"}));
   EXPECT_EQ(view.last_stage(), "Canceling ...");
 }
 
@@ -54,7 +54,7 @@ TEST_F(LinkRun, IsNotSeededForAKeywordProject) {
   files.Put("/data", "saved");
   driver.Run();
   EXPECT_TRUE(Keys().empty());
-  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle, export", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle, links visited", "over"}));
 }
 
 // --- Request names ---
@@ -193,7 +193,7 @@ TEST_F(LinkRun, GoesOnAfterFailedPages) {
 TEST_F(LinkRun, EndsWhenTheStartPageFails) {
   fetcher.Serve("http://start.test", Failure());
   driver.Run();
-  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle, export", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle, links visited", "over"}));
 }
 
 TEST_F(LinkRun, VisitsEachRecordOfTwoThatHaveOneRequestName) {
@@ -305,7 +305,7 @@ TEST_F(LinkRun, DoesNothingForAStopOrAFlagFromBeforeItsTime) {
 TEST_F(LinkRun, SavesNoReportWithoutAnAddressAndNoDataWithoutALink) {
   ServeEmptyPages();
   driver.Run();
-  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle, export", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle, links visited", "over"}));
 }
 
 TEST_F(LinkRun, KeepsTheCancelledLinksWhenTheWatchdogTicksBehindTheMessageBox) {
@@ -327,7 +327,7 @@ TEST_F(LinkRun, GoesOnAfterElevenSecondsWithoutAFinishedDownload) {
   EXPECT_EQ(loop.now(), 11s);
   EXPECT_EQ(Keys().size(), 4u);
   EXPECT_EQ(Found(), (Strings{"c@c.com"}));
-  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "report", "idle, export", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "report", "idle, links visited", "over"}));
   EXPECT_TRUE(Unvisited().empty());  // abandoned pages are done
 }
 
@@ -422,6 +422,14 @@ TEST_F(LinkRun, DoesNotTakeTheUpgradeChecksShareOffForAStrayEvent) {
   driver.DownloadComplete(3, "Zstray", true);
   EXPECT_EQ(run.pending[0], 1);
   EXPECT_EQ(run.pending[3], 0);
+}
+
+TEST_F(LinkRun, AHostLearnsOfASaveThatFailsAtTheEnd) {
+  fetcher.Serve("http://start.test", PageOf({}, "me@start.test"));
+  host.save_result = {StatusKind::kFailed, "no room"};
+  driver.Run();
+  EXPECT_EQ(host.calls,
+            (Strings{"end: All links have been parsed !", "report", "no room", "idle, links visited", "over"}));
 }
 
 }  // namespace

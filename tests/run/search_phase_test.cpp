@@ -29,7 +29,7 @@ TEST_F(SearchPhase, RetriesAFirstPageWithoutLinksThreeTimesThenEndsWithAllLinksP
   driver.Run();
   EXPECT_EQ(SearchPages(), Strings(4, SearchAddressAt(0)));
   EXPECT_EQ(Keys()[0], "G" + SearchAddressAt(0));
-  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: All links have been parsed !", "idle", "over"}));
   EXPECT_TRUE(Unvisited().empty());
 }
 
@@ -58,8 +58,7 @@ TEST_F(SearchPhase, GoesFromPageToPageUntilTheListDoesNotGrowAndVisitsItBackward
   EXPECT_EQ(Keys(),
             (Strings{"G" + SearchAddressAt(0), "G" + SearchAddressAt(100), "G" + SearchAddressAt(200),
                      "M1http://site4.test", "M1http://site3.test", "M1http://site2.test", "M1http://site1.test"}));
-  EXPECT_EQ(host.calls,
-            (Strings{"periodic data", "end: All links have been parsed !", "idle, export", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"periodic data", "end: All links have been parsed !", "idle, links visited", "over"}));
   EXPECT_EQ(project.StartURL, SearchAddressAt(200));
 }
 
@@ -102,7 +101,7 @@ TEST_F(SearchPhase, EndsWithTheStopMessageAndDoesNotSaveTheQueues) {
   fetcher.Serve(SearchAddressAt(0), Results(1, 5));
   loop.Schedule(std::chrono::seconds(2), [this] { Stop(); });
   driver.Run();
-  EXPECT_EQ(host.calls, (Strings{"end: You press the stop button !", "idle", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: You press the stop button !", "idle", "over"}));
   EXPECT_EQ(view.last_stage(), "Canceling ...");
   EXPECT_TRUE(fetcher.in_flight().empty());
   EXPECT_EQ(run.pending[0], 0);
@@ -112,7 +111,7 @@ TEST_F(SearchPhase, EndsWithAStopThatComesInThePumpThatBringsThePage) {
   fetcher.Serve(SearchAddressAt(0), Results(1, 2));
   loop.OnPump([this] { Stop(); });
   driver.Run();
-  EXPECT_EQ(host.calls, (Strings{"end: You press the stop button !", "idle", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: You press the stop button !", "idle", "over"}));
   EXPECT_EQ(Urls(0).size(), 2u);  // the page has been read all the same
   EXPECT_EQ(SearchPages().size(), 1u);
 }
@@ -134,7 +133,7 @@ TEST_F(SearchPhase, EndsWhenTheComputerGoesOffLine) {
   EnableAlarm();
   loop.Schedule(std::chrono::milliseconds(1500), [this] { interfaces.alive = false; });
   driver.Run();
-  EXPECT_EQ(host.calls, (Strings{"end: You are not on the internet !", "idle", "time", "exit"}));
+  EXPECT_EQ(host.calls, (Strings{"end: You are not on the internet !", "idle", "over"}));
 }
 
 TEST_F(SearchPhase, EndsPastTheLastOffsetThatSixteenBitsHold) {

@@ -66,12 +66,12 @@ class FailingFetcher final : public PageFetcher, private FetchListener {
 struct Net {
   FakePlatform fakes;
   FailingFetcher fetcher{fakes.fetcher, fakes.interfaces};
-  QuietFrontEnd front;
-  Engine engine{WithFetcher(), World::MakeInstallation(), {front, front, front}};
+  Messages front;
+  ProjectView project_view;
+  Engine engine{WithFetcher(), World::MakeInstallation(), {front, front, project_view}};
   int newer_versions = 0;
 
   Net() {
-    front.engine = &engine;
     fakes.files.AddFolder("/home/data");
     fakes.files.AddFolder("/home/report");
     ServeSearch(fakes.fetcher);

@@ -57,26 +57,13 @@ inline std::string MissingIn(const std::string& text) {
   return missing;
 }
 
-// The front end of a run that nobody looks at, but for its messages.
-class QuietFrontEnd : public RunView, public RunHost, public ProjectView {
+// What a run says.
+class Messages : public RunView, public RunHost {
  public:
   void ShowStage(const std::string& text) override { stages.push_back(text); }
-  void ShowAddressCount(std::uint32_t) override {}
-  void ShowScanCount(std::int64_t) override {}
-  void AddRow(std::uint32_t, bool) override {}
-  void ClearRows() override {}
-  bool StopButtonShown() const override { return true; }
-  void ShowEnd(const std::string& reason) override { ends.push_back(reason); }
-  void SaveDataAtEnd() override { Note(engine->projects.WriteData()); }
-  void SaveReportAtEnd() override { Note(engine->projects.WriteReport()); }
-  void RestoreIdle(bool) override {}
-  void ShowEndTime() override {}
-  void EnableExit() override {}
-  void EnableDelete(bool) override {}
-  void EnableExport(bool) override {}
-  void EnableExtract() override {}
-  bool Ready() const override { return true; }
-  void SetInputText(const std::string& text) override { engine->projects.OpenProject(text); }
+  void RunEnded(const std::string& reason) override { ends.push_back(reason); }
+  void DataSaved(const Status& saved) override { Note(saved); }
+  void ReportSaved(const Status& saved) override { Note(saved); }
 
   [[nodiscard]] bool Staged(const std::string& text) const {
     for (const std::string& stage : stages) {
@@ -85,7 +72,6 @@ class QuietFrontEnd : public RunView, public RunHost, public ProjectView {
     return false;
   }
 
-  Engine* engine = nullptr;
   std::vector<std::string> stages, ends, failures;
 
  private:
@@ -100,11 +86,11 @@ inline constexpr const char* kReport = "/home/report/h_example.rpt";
 // The program folder is "/home".
 struct World {
   FakePlatform fakes;
-  QuietFrontEnd front;
-  Engine engine{fakes.platform, MakeInstallation(), {front, front, front}};
+  Messages front;
+  ProjectView project_view;
+  Engine engine{fakes.platform, MakeInstallation(), {front, front, project_view}};
 
   World() {
-    front.engine = &engine;
     fakes.files.AddFolder("/home/data");
     fakes.files.AddFolder("/home/report");
     ServeSite(fakes.fetcher);
