@@ -103,6 +103,9 @@ report kept "$(comm -23 <(printf '%s\n' "$kept") <(named_on docs/kept.md) | sed 
 report kept "$(comm -13 <(printf '%s\n' "$kept") <(named_on docs/kept.md) | sed 's|$| is on docs/kept.md and not in the code|')"
 report kept "$(grep_in "$all" -E '(^|[^A-Za-z])[Mm]eant([^A-Za-z]|$)|Kept:$' || true)"
 
+# 9. What takes the protections out of the program to see them missed still finds them.
+report protections "$(tests/reliability/protections.sh --dry 2>&1 || true)"
+
 if [ "$failures" -gt 0 ]; then
   echo "check: rules are broken" >&2
   exit 1

@@ -2,17 +2,22 @@
 # Shows that a test notices when a protection is gone: takes one after the other out of a copy of the sources, builds the
 # test program that is named for it, and expects the named tests to fail (or not to come to their end). The work tree is
 # left alone. usage: tests/reliability/protections.sh [NAME ...]      (all without names; the copy is build/without)
+#                    tests/reliability/protections.sh --dry           (only: does each protection still stand where it did?)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 copy=$PWD/build/without
 chosen=("$@")
 noticed=0 missed=()
-
-rm -rf "$copy"
-mkdir -p "$copy/build"
-git ls-files -z --cached | xargs -0 cp --parents -t "$copy"
-cd "$copy"
-cmake --preset linux >build/configure.log
+dry=
+if [ "${1:-}" = --dry ]; then
+  dry=yes chosen=()
+else
+  rm -rf "$copy"
+  mkdir -p "$copy/build"
+  git ls-files -z --cached | xargs -0 cp --parents -t "$copy"
+  cd "$copy"
+  cmake --preset linux >build/configure.log
+fi
 
 build() { cmake --build --preset linux --target "$@" >build/build.log 2>&1; }
 run_tests() { # PROGRAM FILTER: true when they pass
@@ -25,8 +30,13 @@ run_tests() { # PROGRAM FILTER: true when they pass
 without() {
   local name=$1 file=$2 program=$3 filter=$4 expression=$5 result
   if [ ${#chosen[@]} -gt 0 ] && [[ " ${chosen[*]} " != *" $name "* ]]; then return 0; fi
+  local change="\$done = $expression; END { exit(\$done == 1 ? 0 : 1) }"
+  if [ -n "$dry" ]; then
+    perl -0777 -ne "$change" "$file" || missed+=("$name ($file)")
+    return 0
+  fi
   cp "$file" build/kept
-  perl -0777 -pi -e "\$done = $expression; END { exit(\$done == 1 ? 0 : 1) }" "$file" || { echo "protections: $name: $file has changed" >&2; exit 2; }
+  perl -0777 -pi -e "$change" "$file" || { echo "protections: $name: $file has changed" >&2; exit 2; }
   if ! build "$program" $([ "$program" != platform_test ] || echo hostile_server); then
     tail -n 20 build/build.log >&2
     echo "protections: $name: cannot be built" >&2
@@ -49,7 +59,7 @@ without atomic-replacement src/platform/posix/posix_replacement.cpp platform_tes
 without decoded-limit src/platform/content_decoder.cpp platform_test '*ContentDecoder.Counts*:HostileServer.ACompressionBomb*' \
   's/if \(given_ > max_bytes_\) return false;//'
 without announced-limit src/platform/answer_head.cpp platform_test 'AnswerHead.RefusesImpossibleLengths' \
-  's/return length <= kMaxBodyBytes;/return true;/'
+  's/return content_length_ && \*content_length_ <= kMaxBodyBytes;/return content_length_.has_value();/'
 without memory-for-a-page src/platform/posix/curl_transfer.cpp platform_test 'HostileServer.APageThatMemoryDoesNotHold*' \
   's/catch \(const std::bad_alloc&\)/catch (const char*)/'
 without redirect-limit src/platform/redirect_chain.cpp platform_test 'HostileServer.ARedirectToItself*:HostileServer.TwentyHops*' \
@@ -85,5 +95,9 @@ without terminal src/cli/terminal_text.cpp cli_test 'ForTerminal.*:ExtractTest.N
 without line-limit src/cli/line_reader.cpp cli_test 'LineReader.*:Analyze.*' \
   's/line.size\(\) \+ length > longest_/line.size() + length == SIZE_MAX/'
 
+if [ -n "$dry" ]; then
+  [ ${#missed[@]} -eq 0 ] || printf 'protections: %s has changed\n' "${missed[@]}" >&2
+  exit $((${#missed[@]} > 0))
+fi
 echo "protections: $noticed of $((noticed + ${#missed[@]})) are noticed when they are taken out${missed[0]:+; not noticed: ${missed[*]}}"
 [ ${#missed[@]} -eq 0 ]
