@@ -1,8 +1,6 @@
 #include "bench/measure.h"
 
 #include <algorithm>
-#include <fstream>
-#include <string>
 
 #include <sys/resource.h>
 #include <time.h>

@@ -1,7 +1,6 @@
 // The program's own page analysis with nothing around it, for measuring.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "state/run_state.h"

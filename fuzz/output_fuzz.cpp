@@ -1,7 +1,6 @@
 // What is printed: csv and JSON lines are read back, by readers that share no code with the writers, as the record they
 // were made of; nothing in csv is a formula, and nothing that is shown steers a terminal.
 #include <array>
-#include <cstdint>
 #include <string>
 #include <vector>
 

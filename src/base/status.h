@@ -8,7 +8,6 @@
 #pragma once
 
 #include <cassert>
-#include <optional>
 #include <string>
 #include <utility>
 #include <variant>

@@ -1,7 +1,6 @@
 // What every command works with: the system, the chosen program folder, and the ways to the user.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "cli/system.h"

@@ -1,6 +1,5 @@
 #include "cli/line_reader.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace quenlar {

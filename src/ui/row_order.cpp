@@ -1,7 +1,6 @@
 #include "ui/row_order.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "base/ascii.h"
 

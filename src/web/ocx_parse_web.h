@@ -2,7 +2,6 @@
 // of each download. Names of members and events are those that the program publishes.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>

@@ -1,7 +1,6 @@
 #include "platform/answer_head.h"
 
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 

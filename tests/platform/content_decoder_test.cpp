@@ -1,6 +1,5 @@
 #include "platform/content_decoder.h"
 
-#include <algorithm>
 #include <string>
 
 #include <gtest/gtest.h>

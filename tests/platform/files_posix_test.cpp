@@ -2,7 +2,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

@@ -1,7 +1,6 @@
 // The contract of Files.
 #include "platform/files.h"
 
-#include <memory>
 #include <string>
 #include <vector>
 

@@ -1,7 +1,6 @@
 // The contract of PageFetcher that needs nothing but a well-behaved server. hostile_server_test.cpp has the others.
 #include "platform/page_fetcher.h"
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>

@@ -1,6 +1,4 @@
 // The Windows implementations under test.
-#include <algorithm>
-#include <filesystem>
 #include <utility>
 
 #include "platform/win32/clock.h"

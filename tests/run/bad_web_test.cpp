@@ -1,6 +1,5 @@
 // Runs over a web that is slow, endless or out of order.
 #include <algorithm>
-#include <map>
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,6 @@
 // watchdog's cancel or a failure at every step.
 #include <algorithm>
 #include <map>
-#include <memory>
 #include <set>
 
 #include <gtest/gtest.h>

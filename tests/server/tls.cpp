@@ -1,6 +1,5 @@
 #include "tls.h"
 
-#include <memory>
 #include <thread>
 
 #include <openssl/evp.h>

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace quenlar {

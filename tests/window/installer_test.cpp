@@ -1,5 +1,4 @@
 // The installer: installs silently for one user, the installed program runs, the uninstaller leaves the user's files.
-#include <cstdlib>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

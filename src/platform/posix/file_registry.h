@@ -1,7 +1,6 @@
 // The settings registry as one file of text.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>

@@ -5,7 +5,6 @@
 #include <deque>
 #include <map>
 #include <mutex>
-#include <utility>
 #include <vector>
 
 #include "platform/event_loop.h"

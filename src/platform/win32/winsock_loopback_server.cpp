@@ -1,6 +1,5 @@
 #include "platform/win32/winsock_loopback_server.h"
 
-#include <algorithm>
 #include <array>
 #include <list>
 #include <optional>
