@@ -7,9 +7,12 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 stages=${QUENLAR_TEST_ONLY:-check linux asan windows}
 
+echo "Stages: $stages. All of them take about half an hour on two cores where nothing is built yet, later about half of" \
+  "that, and installing the packages comes first; each stage tells its time."
 scripts/install.sh test
 for stage in $stages; do
   started=$SECONDS
+  echo "== $stage"
   case "$stage" in
     check)
       scripts/check.sh

@@ -2,6 +2,7 @@
 # Installs what is missing of the Debian packages that a task needs. usage: scripts/install.sh run|windows|window|test|bench|fuzz
 # Each line of packages_for is one task: the task that it includes, and its own packages.
 set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 packages_for() {
   case "$1" in
@@ -27,7 +28,7 @@ done
 
 root=()
 if [ "$(id -u)" -ne 0 ]; then root=(sudo); fi
-echo "Installing: ${missing[*]}" >&2
 export DEBIAN_FRONTEND=noninteractive
-"${root[@]}" apt-get update -qq >&2
-"${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+"${root[@]}" apt-get update -q | "$here/one_line.sh" "Fetching the lists of packages"
+"${root[@]}" apt-get install -y -q --no-install-recommends "${missing[@]}" |
+  "$here/one_line.sh" "Installing ${missing[*]} and what they need"
