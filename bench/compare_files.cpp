@@ -5,7 +5,7 @@
 
 #include "bench/quenlar_pages.h"
 #include "bench/table.h"
-#include "platform/posix/posix_files.h"
+#include "platform/posix/files.h"
 #include "project/data_file.h"
 #include "project/report_file.h"
 

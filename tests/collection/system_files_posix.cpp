@@ -1,5 +1,5 @@
 #include "collection/scratch_collection.h"
-#include "platform/posix/posix_files.h"
+#include "platform/posix/files.h"
 
 namespace quenlar {
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/posix/file_registry.h"
-#include "platform/posix/posix_files.h"
+#include "platform/posix/files.h"
 #include "platform/posix/registry_text.h"
 #include "posix_folder.h"
 #include "support/fake_event_loop.h"

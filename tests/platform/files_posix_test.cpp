@@ -9,7 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/posix/posix_files.h"
+#include "platform/posix/files.h"
 #include "posix_folder.h"
 
 namespace quenlar {

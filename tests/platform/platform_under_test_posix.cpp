@@ -2,15 +2,15 @@
 #include <fstream>
 #include <utility>
 
+#include "platform/posix/clock.h"
 #include "platform/posix/curl_page_fetcher.h"
 #include "platform/posix/curl_web_client.h"
+#include "platform/posix/event_loop.h"
 #include "platform/posix/file_registry.h"
+#include "platform/posix/files.h"
 #include "platform/posix/httplib_loopback_server.h"
 #include "platform/posix/iconv_text_decoder.h"
 #include "platform/posix/idn2_idna.h"
-#include "platform/posix/posix_clock.h"
-#include "platform/posix/posix_event_loop.h"
-#include "platform/posix/posix_files.h"
 #include "platform/posix/sys_interface_table.h"
 #include "platform/posix/windows1252_code_page.h"
 #include "platform_under_test.h"

@@ -54,7 +54,7 @@ without() {
   cp build/kept "$file"
 }
 
-without atomic-replacement src/platform/posix/posix_replacement.cpp platform_test 'FilesContract.*/*:FilesContract.*:PosixFilesTest.*' \
+without atomic-replacement src/platform/posix/replacement.cpp platform_test 'FilesContract.*/*:FilesContract.*:PosixFilesTest.*' \
   's/std::string temporary = folder \+ "\/" \+ TemporaryName\(name\);/std::string temporary = (TemporaryName(name), target);/ + s/O_WRONLY \| O_CREAT \| O_EXCL \|/O_WRONLY | O_CREAT | O_TRUNC |/ - 1'
 without decoded-limit src/platform/content_decoder.cpp platform_test '*ContentDecoder.Counts*:HostileServer.ACompressionBomb*' \
   's/if \(given_ > max_bytes_\) return false;//'

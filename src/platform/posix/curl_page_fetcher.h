@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/page_fetcher.h"
-#include "platform/posix/posix_event_loop.h"
+#include "platform/posix/event_loop.h"
 
 namespace quenlar {
 

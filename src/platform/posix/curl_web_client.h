@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/posix/posix_event_loop.h"
+#include "platform/posix/event_loop.h"
 #include "platform/proxy_choice.h"
 #include "platform/web_client.h"
 

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/posix/posix_event_loop.h"
+#include "platform/posix/event_loop.h"
 
 namespace quenlar {
 

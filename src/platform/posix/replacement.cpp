@@ -1,4 +1,4 @@
-#include "platform/posix/posix_replacement.h"
+#include "platform/posix/replacement.h"
 
 #include <cerrno>
 #include <charconv>

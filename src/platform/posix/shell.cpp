@@ -1,4 +1,4 @@
-#include "platform/posix/posix_shell.h"
+#include "platform/posix/shell.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "platform/posix/posix_files.h"
+#include "platform/posix/files.h"
 
 #include <array>
 #include <cerrno>
@@ -11,7 +11,7 @@
 
 #include "platform/posix/descriptor.h"
 #include "platform/posix/errors.h"
-#include "platform/posix/posix_replacement.h"
+#include "platform/posix/replacement.h"
 
 namespace quenlar {
 namespace {

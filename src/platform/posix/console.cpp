@@ -1,4 +1,4 @@
-#include "platform/posix/posix_console.h"
+#include "platform/posix/console.h"
 
 #include <cerrno>
 
