@@ -19,8 +19,8 @@ QUENLAR_FUZZ_TARGET(links) {
     const std::string resolved = ResolveLink(feed.Text(), page);
     if (resolved.empty()) continue;
     FUZZ_CHECK(ResolveLink("#" + resolved, page).find("/#") != std::string::npos);
-    MakeLink(project, settings, resolved, page, std::string(1, static_cast<char>('0' + choice % 10)));
-    MakeExpandLink(project, settings, 1 + choice % 10, resolved, page, 1);
+    QueueLink(project, settings, resolved, page, std::string(1, static_cast<char>('0' + choice % 10)));
+    QueueExpandLink(project, settings, 1 + choice % 10, resolved, page, 1);
   }
   for (const LinkQueue& queue : project.queues) {
     for (std::uint32_t i = 0; i < queue.Count(); ++i) {

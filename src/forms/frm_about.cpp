@@ -10,7 +10,7 @@
 namespace quenlar {
 
 frmAbout::frmAbout(Shell& shell) : Form("frmAbout") {
-  MakeLink(lblWebPage, [&shell] { OpenWebPage(shell, kHomePage); });
+  StyleAsLink(lblWebPage, [&shell] { OpenWebPage(shell, kHomePage); });
   cmdOK.Click = [this] { Close(); };
 }
 

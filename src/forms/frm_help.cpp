@@ -8,7 +8,7 @@
 namespace quenlar {
 
 frmHelp::frmHelp(Shell& shell) : Form("frmHelp", std::string(kProductName) + " Online Help") {
-  MakeLink(lblHelp, [this, &shell] {
+  StyleAsLink(lblHelp, [this, &shell] {
     OpenWebPage(shell, kHomePage);
     Close();
   });

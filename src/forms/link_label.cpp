@@ -4,7 +4,7 @@
 
 namespace quenlar {
 
-void MakeLink(ui::Label& label, std::function<void()> open) {
+void StyleAsLink(ui::Label& label, std::function<void()> open) {
   label.SetColor(kLinkIdle);
   label.MouseMove = [&label] {
     label.SetColor(kLinkHover);

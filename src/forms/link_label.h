@@ -13,6 +13,6 @@ inline constexpr ui::Color kLinkIdle = 0xFF0000;
 
 // Makes a label look and act like a link: blue, and magenta and underlined while the pointer is over it. A click
 // removes the underline and calls `open`.
-void MakeLink(ui::Label& label, std::function<void()> open);
+void StyleAsLink(ui::Label& label, std::function<void()> open);
 
 }  // namespace quenlar

@@ -99,8 +99,8 @@ std::optional<std::string_view> FollowedAddress(int level, std::string_view addr
   return address;
 }
 
-bool MakeLink(Project& project, const Settings& settings, std::string_view address, std::string_view page,
-              std::string_view level_digit) {
+bool QueueLink(Project& project, const Settings& settings, std::string_view address, std::string_view page,
+               std::string_view level_digit) {
   const auto followed = FollowedAddress(0, address);
   if (!followed) return false;
   if (HostPart(*followed) != HostPart(page)) return QueueOtherSite(project, settings, *followed);
@@ -108,8 +108,8 @@ bool MakeLink(Project& project, const Settings& settings, std::string_view addre
   return level != 0 && QueueLink(project, level, *followed, 1);
 }
 
-bool MakeExpandLink(Project& project, const Settings& settings, int level, std::string_view address,
-                    std::string_view page, std::int16_t number) {
+bool QueueExpandLink(Project& project, const Settings& settings, int level, std::string_view address,
+                     std::string_view page, std::int16_t number) {
   const auto followed = FollowedAddress(level, address);
   if (!followed) return false;
   if (HostPart(*followed) != HostPart(page)) return QueueOtherSite(project, settings, *followed);

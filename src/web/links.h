@@ -1,7 +1,7 @@
 // Turns the targets of anchors and frames into absolute addresses, and decides which of them are queued, and where.
 //
 //   const std::string address = ResolveLink("c.html", "http://shop.de/a/b.html");  // "http://shop.de/a/c.html"
-//   if (!address.empty()) MakeLink(project, settings, address, "http://shop.de/a/b.html", "1");
+//   if (!address.empty()) QueueLink(project, settings, address, "http://shop.de/a/b.html", "1");
 #pragma once
 
 #include <cstddef>
@@ -27,13 +27,13 @@ namespace quenlar {
 
 // Queues a link that stands on a page of level 0. `level_digit` is one character that names the queue for links to the
 // page's own site: "1" to "9" for the levels 1 to 9, "0" for level 10. Any other character drops such links.
-bool MakeLink(Project& project, const Settings& settings, std::string_view address, std::string_view page,
-              std::string_view level_digit);
+bool QueueLink(Project& project, const Settings& settings, std::string_view address, std::string_view page,
+               std::string_view level_digit);
 
 // Queues a link that stands on a page of `level` (1 to 10). A link to the page's own site goes to the same level with
 // `number` + 1, where `number` is that of the page.
-bool MakeExpandLink(Project& project, const Settings& settings, int level, std::string_view address,
-                    std::string_view page, std::int16_t number);
+bool QueueExpandLink(Project& project, const Settings& settings, int level, std::string_view address,
+                     std::string_view page, std::int16_t number);
 
 // Returns what the link builder of `level` would queue for `address`: a view of it without its trailing "/". Empty when
 // it would drop the address whatever the queues hold.

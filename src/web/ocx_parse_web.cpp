@@ -67,12 +67,12 @@ void ocxParseWeb::CancelAllDownload() {
 }
 
 void ocxParseWeb::MakeLink(std::string& address, std::string_view page, std::string_view level_digit) {
-  quenlar::MakeLink(context_.project, context_.settings, address, page, level_digit);
+  QueueLink(context_.project, context_.settings, address, page, level_digit);
   if (const auto followed = FollowedAddress(0, address)) address.resize(followed->size());
 }
 
 void ocxParseWeb::MakeExpandLink(int level, std::string& address, std::string_view page, std::int16_t number) {
-  quenlar::MakeExpandLink(context_.project, context_.settings, level, address, page, number);
+  QueueExpandLink(context_.project, context_.settings, level, address, page, number);
   if (const auto followed = FollowedAddress(level, address)) address.resize(followed->size());
 }
 

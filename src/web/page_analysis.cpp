@@ -149,9 +149,9 @@ class TagWalk {
     const std::string_view address = resolver_.Resolve(target);
     if (address.empty()) return;
     if (kind_.level == 0) {
-      MakeLink(context_.project, context_.settings, address, kind_.address, kind_.digit);
+      QueueLink(context_.project, context_.settings, address, kind_.address, kind_.digit);
     } else {
-      MakeExpandLink(context_.project, context_.settings, kind_.level, address, kind_.address, kind_.number);
+      QueueExpandLink(context_.project, context_.settings, kind_.level, address, kind_.address, kind_.number);
     }
   }
 

@@ -49,10 +49,10 @@ TEST(ResolveLink, MakesTargetsAbsolute) {
 class LinkBuilders : public testing::Test {
  protected:
   bool Level0(std::string_view address, std::string_view digit = "3") {
-    return MakeLink(project_, settings_, address, "http://h/page.html", digit);
+    return QueueLink(project_, settings_, address, "http://h/page.html", digit);
   }
   bool Expand(int level, std::string_view address, std::int16_t number = 1) {
-    return MakeExpandLink(project_, settings_, level, address, "http://h/page.html", number);
+    return QueueExpandLink(project_, settings_, level, address, "http://h/page.html", number);
   }
   [[nodiscard]] std::uint32_t Total() const {
     std::uint32_t total = 0;
