@@ -94,16 +94,17 @@ void DeclareExtract(CLI::App& root, Command& chosen) {
       ->type_name("FILE")
       ->check(CheckNotEmpty);
   verb->footer(
-      "Each new address is printed as it is found; the same command continues a project that was stopped. Ctrl-C ends\n"
-      "the run in order, with everything saved; a second Ctrl-C ends it at once. Options hold for this run alone.\n"
-      "Nothing but the pages of the run is downloaded.\n\n"
-      "Exit status: 0 all links parsed or stop number reached, 1 no run or a file could not be saved (the message "
-      "says\n"
-      "why), 2 wrong usage, 3 off line, 130 stopped by a signal.\n\n"
-      "Examples:\n"
-      "  quenlar extract \"picture search\"\n"
-      "  quenlar extract www.example.org --other-sites no --stop-number 100\n"
-      "  quenlar extract gardening --language de --format jsonl --summary run.json");
+      R"(Each new address is printed as it is found; the same command continues a project that was stopped. Ctrl-C ends
+the run in order, with everything saved; a second Ctrl-C ends it at once. Options hold for this run alone.
+Nothing but the pages of the run is downloaded.
+
+Exit status: 0 all links parsed or stop number reached, 1 no run or a file could not be saved (the message says
+why), 2 wrong usage, 3 off line, 130 stopped by a signal.
+
+Examples:
+  quenlar extract "picture search"
+  quenlar extract www.example.org --other-sites no --stop-number 100
+  quenlar extract gardening --language de --format jsonl --summary run.json)");
   Choose(*verb, chosen, Extract, arguments);
 }
 
@@ -111,22 +112,23 @@ void DeclareAnalyze(CLI::App& root, Command& chosen) {
   CLI::App* verb = root.add_subcommand("analyze", "Answer requests on standard input with page analysis");
   verb->add_flag("--jsonl")->description("One JSON object a line, in and out")->required();
   verb->footer(
-      "Each line of standard input is a request, each line of standard output its answer. Pages are analysed as in a\n"
-      "run, but nothing is downloaded, and nothing is written before a project is opened. docs/analyze.md lists the\n"
-      "requests.\n\n"
-      "Examples:\n"
-      "  echo '{\"name\":\"M1http://a.example\",\"text\":\"<p>me@a.test</p>\"}' | quenlar analyze --jsonl\n"
-      "  echo '{\"resolve\":\"../x.html\",\"page\":\"http://a.example/b/c.html\"}' | quenlar analyze --jsonl");
+      R"(Each line of standard input is a request, each line of standard output its answer. Pages are analysed as in a
+run, but nothing is downloaded, and nothing is written before a project is opened. docs/analyze.md lists the
+requests.
+
+Examples:
+  echo '{"name":"M1http://a.example","text":"<p>me@a.test</p>"}' | quenlar analyze --jsonl
+  echo '{"resolve":"../x.html","page":"http://a.example/b/c.html"}' | quenlar analyze --jsonl)");
   verb->callback([&chosen] { chosen = Analyze; });
 }
 
 void DeclareProjects(CLI::App& root, Command& chosen) {
   CLI::App* verb = root.add_subcommand("projects", "List the projects, newest first");
-  verb->footer(
-      "One project a line, as `extract`, `report` and `delete` take it.\n\n"
-      "Examples:\n"
-      "  quenlar projects\n"
-      "  quenlar projects | head -1");
+  verb->footer(R"(One project a line, as `extract`, `report` and `delete` take it.
+
+Examples:
+  quenlar projects
+  quenlar projects | head -1)");
   verb->callback([&chosen] { chosen = Projects; });
 }
 
@@ -136,12 +138,13 @@ void DeclareDelete(CLI::App& root, Command& chosen) {
   verb->add_option("TEXT", arguments->text, "The project, as `quenlar projects` lists it")->type_name("")->required();
   verb->add_flag("-y,--yes", arguments->yes, "Do not ask");
   verb->footer(
-      "Asks on the terminal, and deletes nothing unless the answer is yes. A keyword without its language is taken in\n"
-      "that of the setting Search. A project that has files but stands nowhere in the list takes the oldest entry of\n"
-      "the list with it; that entry's files stay.\n\n"
-      "Examples:\n"
-      "  quenlar delete gardening_en\n"
-      "  quenlar delete --yes www.example.org");
+      R"(Asks on the terminal, and deletes nothing unless the answer is yes. A keyword without its language is taken in
+that of the setting Search. A project that has files but stands nowhere in the list takes the oldest entry of
+the list with it; that entry's files stay.
+
+Examples:
+  quenlar delete gardening_en
+  quenlar delete --yes www.example.org)");
   Choose(*verb, chosen, Delete, arguments);
 }
 
@@ -149,11 +152,11 @@ void DeclareReport(CLI::App& root, Command& chosen) {
   const auto text = std::make_shared<std::string>();
   CLI::App* verb = root.add_subcommand("report", "Rewrite a project's report and print its path");
   verb->add_option("TEXT", *text, "The project, as `quenlar projects` lists it")->type_name("")->required();
-  verb->footer(
-      "The report holds the addresses alone or all information, as the setting Export says.\n\n"
-      "Examples:\n"
-      "  quenlar report www.example.org\n"
-      "  less \"$(quenlar report gardening_en)\"");
+  verb->footer(R"help(The report holds the addresses alone or all information, as the setting Export says.
+
+Examples:
+  quenlar report www.example.org
+  less "$(quenlar report gardening_en)")help");
   Choose(*verb, chosen, Report, text);
 }
 
@@ -166,12 +169,13 @@ void DeclareMerge(CLI::App& root, Command& chosen) {
   verb->add_option("-o,--output", arguments->output, "Where the merged list goes")->type_name("FILE")->required();
   verb->add_flag("-f,--force", arguments->force, "Replace an existing file, which may be one of the books");
   verb->footer(
-      "Addresses keep the order and the spelling of their first occurrence; case makes no difference. A book that\n"
-      "cannot be read is passed over with a message, and the exit status is 1; the others are merged all the same.\n"
-      "Nothing is written when no address is found.\n\n"
-      "Examples:\n"
-      "  quenlar merge customers.txt report/gardening_en.rpt --output all.txt\n"
-      "  quenlar merge all.txt new.txt --output all.txt --force");
+      R"(Addresses keep the order and the spelling of their first occurrence; case makes no difference. A book that
+cannot be read is passed over with a message, and the exit status is 1; the others are merged all the same.
+Nothing is written when no address is found.
+
+Examples:
+  quenlar merge customers.txt report/gardening_en.rpt --output all.txt
+  quenlar merge all.txt new.txt --output all.txt --force)");
   Choose(*verb, chosen, Merge, arguments);
 }
 
@@ -182,11 +186,12 @@ void DeclareOptions(CLI::App& root, Command& chosen) {
       ->type_name("");
   verb->add_option("VALUE", arguments->value, "Its new value, a number")->type_name("");
   verb->footer(
-      "A list has the name, the value and the meaning of each setting; one setting is shown by its value alone.\n\n"
-      "Examples:\n"
-      "  quenlar options\n"
-      "  quenlar options StopNumber\n"
-      "  quenlar options Search 2");
+      R"(A list has the name, the value and the meaning of each setting; one setting is shown by its value alone.
+
+Examples:
+  quenlar options
+  quenlar options StopNumber
+  quenlar options Search 2)");
   Choose(*verb, chosen, Options, arguments);
 }
 
@@ -209,13 +214,13 @@ void DeclareFilter(CLI::App& root, Command& chosen) {
   DeclareWords(*verb, "--extract", arguments->extract,
                "Keep only addresses in which one of these words occurs; no word empties the list");
   verb->footer(
-      "A word is a regular expression; \"*\" stands for anything. The filters work where the settings RemoveFilter "
-      "and\n"
-      "ExtractFilter are 1. Each line shown is \"remove\" or \"extract\", a tab, and the word.\n\n"
-      "Examples:\n"
-      "  quenlar filter\n"
-      "  quenlar filter --remove noreply example\\\\.com --extract sales\n"
-      "  quenlar filter --remove");
+      R"(A word is a regular expression; "*" stands for anything. The filters work where the settings RemoveFilter and
+ExtractFilter are 1. Each line shown is "remove" or "extract", a tab, and the word.
+
+Examples:
+  quenlar filter
+  quenlar filter --remove noreply example\\.com --extract sales
+  quenlar filter --remove)");
   Choose(*verb, chosen, Filter, arguments);
 }
 
@@ -224,24 +229,25 @@ void DeclareNet(CLI::App& root, Command& chosen) {
   CLI::App* verb = root.add_subcommand("net", "Show the network interfaces and the traffic");
   verb->add_flag("-w,--watch", *watch, "The rate instead of the table, a line every 500 ms, until Ctrl-C");
   verb->footer(
-      "Received and Sent are the octets that each interface has counted; the rate is in kilobytes received per half\n"
-      "second, all interfaces together, and is called Kbps as in the window.\n\n"
-      "Examples:\n"
-      "  quenlar net\n"
-      "  quenlar net --watch");
+      R"(Received and Sent are the octets that each interface has counted; the rate is in kilobytes received per half
+second, all interfaces together, and is called Kbps as in the window.
+
+Examples:
+  quenlar net
+  quenlar net --watch)");
   Choose(*verb, chosen, Net, watch);
 }
 
 void DeclareDemo(CLI::App& root, Command& chosen) {
   CLI::App* verb = root.add_subcommand("demo", "Run over a small web site on this computer");
   verb->footer(
-      "Serves a search engine and a few invented sites on a loopback port, runs a keyword and an address over them,\n"
-      "prints the addresses and says where the reports lie. Without --home it works in a new folder below the "
-      "system's\n"
-      "folder for temporary files.\n\n"
-      "Examples:\n"
-      "  quenlar demo\n"
-      "  quenlar --home demo-folder demo");
+      R"(Serves a search engine and a few invented sites on a loopback port, runs a keyword and an address over them,
+prints the addresses and says where the reports lie. Without --home it works in a new folder below the system's
+folder for temporary files.
+
+Examples:
+  quenlar demo
+  quenlar --home demo-folder demo)");
   verb->callback([&chosen] { chosen = Demo; });
 }
 
