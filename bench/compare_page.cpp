@@ -68,6 +68,7 @@ void GumboParse(const std::string& page) {
 void OneCorpus(const std::string& title, const std::vector<std::string>& pages, int rounds, bool goals) {
   LiteralHarvest pcre2(Pcre2Jit);
   PageBench ours;
+  const ReadBench reader;
   FoundSet by_pcre2;
   LiteralLinks links;
   std::vector<Side> sides = {
@@ -104,6 +105,10 @@ void OneCorpus(const std::string& title, const std::vector<std::string>& pages, 
        [&] {
          for (const auto& p : pages) GumboParse(p);
        }},
+      {"Quenlar, the reader of a collection",
+       [&] {
+         for (const auto& p : pages) Keep(reader.Read(p));
+       }},
   };
   const auto timings = Compare(sides, rounds);
   PrintComparison(title, timings, static_cast<double>(TotalBytes(pages)));
@@ -112,6 +117,8 @@ void OneCorpus(const std::string& title, const std::vector<std::string>& pages, 
   PrintGoal("page analysis: times libxml2's push parser", 10, timings[2].ratio, true);
   PrintGoal("page analysis: times libxml2's tree", 30, timings[3].ratio, true);
   PrintGoal("page analysis: times gumbo", 45, timings[4].ratio, true);
+  PrintGoal("page reader: its time, times the classic analysis's", 2.5, timings[5].ratio, false);
+  PrintGoal("page reader: times libxml2's push parser", 5, timings[2].ratio / timings[5].ratio, true);
 }
 
 void PumpPoints(int rounds) {

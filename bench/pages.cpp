@@ -154,6 +154,15 @@ const std::vector<Family>& HostileFamilies() {
       {"tags without text", [](std::size_t n) { return Repeat("<b></b>", n); }},
       {"href= again and again", [](std::size_t n) { return "<a " + Repeat("href=", n) + "></a>"; }},
       {"result without a quote", [](std::size_t n) { return Repeat("<h3 class=r>href=", n); }},
+      {"comment never closed", [](std::size_t n) { return Repeat("<!-- -- >", n); }},
+      {"script never closed", [](std::size_t n) { return Repeat("<script><!--", n); }},
+      {"quotes never closed", [](std::size_t n) { return Repeat("<a b='", n) + "\"@"; }},
+      {"references", [](std::size_t n) { return Repeat("&am&#6", n) + "@"; }},
+      {"at and dot", [](std::size_t n) { return Repeat("a at b dot ", n); }},
+      {"brackets", [](std::size_t n) { return Repeat("[< ", n); }},
+      {"open elements", [](std::size_t n) { return Repeat("<b hidden></i>", n) + "@"; }},
+      {"svg in HTML in svg", [](std::size_t n) { return Repeat("<svg><desc>", n); }},
+      {"links with fragments", [](std::size_t n) { return Repeat("<a href=\"page.html#x\">", n); }},
   };
   return kFamilies;
 }

@@ -1,8 +1,12 @@
 // The program's own page analysis with nothing around it, for measuring.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
+#include "page/page_reader.h"
+#include "platform/posix/iconv_text_decoder.h"
+#include "platform/posix/idn2_idna.h"
 #include "state/run_state.h"
 #include "web/page_analysis.h"
 
@@ -48,6 +52,24 @@ class PageBench : private AddressFilter, private PeriodicSaver {
   RunView view_;
   Pump pump_;
   AnalysisContext context_{run, project, settings, *this, *this, view_, pump_};
+};
+
+// The reader of today's pages, as a collection uses it.
+class ReadBench {
+ public:
+  // Returns the number of links and addresses.
+  std::size_t Read(std::string_view page) const {
+    ReadRequest request;
+    request.body = page;
+    request.url = &*url_;
+    const ReadResult result = ReadPage(request, idna_, decoder_);
+    return result.links.size() + result.addresses.size();
+  }
+
+ private:
+  Idn2Idna idna_;
+  IconvTextDecoder decoder_;
+  std::optional<Url> url_ = ParseUrl("http://www.bench.example/docs/page.html", nullptr, idna_);
 };
 
 }  // namespace quenlar::bench
