@@ -5,6 +5,7 @@
 #include "fuzz/target.h"
 #include "page/site.h"
 #include "page/url_host.h"
+#include "platform/ip_address.h"
 #include "support/fake_idna.h"
 
 using namespace quenlar;
@@ -19,7 +20,7 @@ QUENLAR_FUZZ_TARGET(site) {
     FUZZ_CHECK(!IsTopLevelDomain(host) || host.find('.') == std::string::npos);
     return;
   }
-  FUZZ_CHECK(!IpOfHost(host));
+  FUZZ_CHECK(!ParseIpAddress(host));
   const std::string name = host.ends_with('.') ? host.substr(0, host.size() - 1) : host;
   FUZZ_CHECK(name == site || name.ends_with("." + std::string(site)));
   FUZZ_CHECK(site.find('.') != site.npos && site.front() != '.' && site.back() != '.');

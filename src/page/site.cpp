@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "page/site_table.h"
-#include "page/url_host.h"
+#include "platform/ip_address.h"
 
 namespace quenlar {
 namespace {
@@ -51,7 +51,7 @@ std::size_t SuffixBegin(std::string_view host) {
 std::string_view RegistrableDomain(std::string_view host) {
   if (host.ends_with('.')) host.remove_suffix(1);
   if (host.empty() || host.front() == '.' || host.back() == '.' || host.find("..") != host.npos) return {};
-  if (IpOfHost(host)) return {};
+  if (ParseIpAddress(host)) return {};
   const std::size_t suffix = SuffixBegin(host);
   return suffix == 0 ? std::string_view() : host.substr(LabelBefore(host, suffix));
 }

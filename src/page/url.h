@@ -8,6 +8,7 @@
 
 #include "page/url_host.h"
 #include "platform/idna.h"
+#include "platform/ip_address.h"
 
 namespace quenlar {
 
@@ -33,7 +34,7 @@ class Url {
   [[nodiscard]] std::string Origin() const;
 
   // The address that the host is; empty for a domain.
-  [[nodiscard]] std::optional<IpAddress> ip() const { return IpOfHost(host()); }
+  [[nodiscard]] std::optional<IpAddress> ip() const { return ParseIpAddress(host()); }
 
   bool operator==(const Url& other) const { return href_ == other.href_; }
 

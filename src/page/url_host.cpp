@@ -1,8 +1,11 @@
 #include "page/url_host.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 
 #include "base/ascii.h"
 #include "base/windows1252.h"
@@ -219,23 +222,6 @@ bool AppendHost(std::string_view text, const Idna& idna, std::string& out) {
   const auto address = ParseIpv4(text);
   if (address) AppendIpv4(*address, out);
   return address.has_value();
-}
-
-std::optional<IpAddress> IpOfHost(std::string_view host) {
-  IpAddress address;
-  if (host.starts_with('[')) {
-    const auto pieces = host.ends_with(']') ? ParseIpv6(host.substr(1, host.size() - 2)) : std::nullopt;
-    if (!pieces) return std::nullopt;
-    address.v6 = true;
-    for (std::size_t at = 0; at < 16; ++at) {
-      address.bytes[at] = static_cast<std::uint8_t>((*pieces)[at / 2] >> (at % 2 == 0 ? 8 : 0));
-    }
-    return address;
-  }
-  const auto number = EndsInNumber(host) ? ParseIpv4(host) : std::nullopt;
-  if (!number) return std::nullopt;
-  for (std::size_t at = 0; at < 4; ++at) address.bytes[at] = static_cast<std::uint8_t>(*number >> (24 - 8 * at));
-  return address;
 }
 
 }  // namespace quenlar

@@ -1,9 +1,6 @@
 // The host of a URL as the WHATWG URL Standard parses and serialises it: a domain, an IPv4 or an IPv6 address.
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,18 +8,8 @@
 
 namespace quenlar {
 
-struct IpAddress {
-  bool v6 = false;
-  std::array<std::uint8_t, 16> bytes{};  // in network order; the first four of an IPv4 address, the others are 0
-
-  bool operator==(const IpAddress&) const = default;
-};
-
 // Appends the host that `text` spells: percent signs decoded, domains in lower-case ASCII, "0x7F.1" as "127.0.0.1",
 // IPv6 addresses in brackets, shortened. False where it is not a host; `out` then has whatever was appended so far.
 [[nodiscard]] bool AppendHost(std::string_view text, const Idna& idna, std::string& out);
-
-// The address that a serialised host is ("127.0.0.1", "[::1]"); empty for a domain.
-[[nodiscard]] std::optional<IpAddress> IpOfHost(std::string_view host);
 
 }  // namespace quenlar
