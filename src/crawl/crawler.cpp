@@ -1,0 +1,274 @@
+#include "crawl/crawler.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace quenlar {
+namespace {
+
+// Hosts that have answered and asked to wait, or whose robots.txt cannot be had for now, are waited for this long when
+// nothing else is left to do.
+constexpr CrawlDuration kLongestWait = std::chrono::minutes(5);
+// The budgets of time and the commit are looked at this often.
+constexpr CrawlDuration kLongestSleep{1000};
+constexpr const char* kSearchKey = "s";
+
+std::string UserAgent(const std::string& contact) {
+  const std::string agent = std::string(kCrawlAgent) + "/3.0";
+  return contact.empty() ? agent : agent + " (+" + contact + ")";
+}
+
+}  // namespace
+
+std::string_view NameOf(CrawlEnd end) {
+  switch (end) {
+    case CrawlEnd::kFinished:
+      return "finished";
+    case CrawlEnd::kPages:
+      return "pages";
+    case CrawlEnd::kAddresses:
+      return "addresses";
+    case CrawlEnd::kMinutes:
+      return "minutes";
+    case CrawlEnd::kStopped:
+      return "stopped";
+    case CrawlEnd::kOffLine:
+      return "off line";
+    case CrawlEnd::kNothingToDo:
+      return "nothing to do";
+    case CrawlEnd::kFailed:
+      break;
+  }
+  return "failed";
+}
+
+Crawler::Crawler(const CrawlWorld& world, Collection& collection, const CrawlOptions& options)
+    : world_(world),
+      collection_(collection),
+      options_(options),
+      user_agent_(UserAgent(options.contact)),
+      schedule_(std::max<std::size_t>(options.hosts, 1)),
+      scope_(options.scope) {
+  world_.client.SetListener(this);
+}
+
+Crawler::~Crawler() {
+  CancelRequests();
+  world_.client.SetListener(nullptr);
+}
+
+void Crawler::CancelRequests() {
+  for (const auto& [host, visit] : visits_) {
+    if (visit->under_way != HostVisit::UnderWay::kNothing) world_.client.Cancel(std::to_string(host));
+  }
+  if (search_.under_way) world_.client.Cancel(kSearchKey);
+  search_.under_way = false;
+  visits_.clear();
+}
+
+Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
+  started_ = world_.loop.Now();
+  const std::int64_t now = world_.clock.UtcSeconds();
+  record_.started = now;
+  if (IsOffLine()) return Finish(CrawlEnd::kOffLine);
+  if (Failed(collection_.BeginRun(now))) return Finish(CrawlEnd::kFailed);
+  if (options_.again && Failed(collection_.QueueAgain())) return Finish(CrawlEnd::kFailed);
+  if (Failed(QueueRefusedPages())) return Finish(CrawlEnd::kFailed);
+  AddStarts(starts);
+  const Status queued = collection_.HostsWaiting([this](HostId host, int depth) { QueueHost(host, depth); });
+  if (Failed(queued)) return Finish(CrawlEnd::kFailed);
+  if (Failed(collection_.Commit())) return Finish(CrawlEnd::kFailed);
+  if (search_.keywords.empty() && !schedule_.HasQueued()) {
+    return Finish(start_problems_.empty() ? CrawlEnd::kNothingToDo : CrawlEnd::kFailed);
+  }
+  for (;;) {
+    Step();
+    if (const auto end = EndReached()) return Finish(*end);
+    if (Failed(collection_.CommitIfDue())) continue;
+    CrawlDuration sleep = kLongestSleep;
+    if (const auto next = schedule_.NextTime()) {
+      const auto left = std::chrono::ceil<CrawlDuration>(*next - world_.loop.Now());
+      sleep = std::clamp(left, CrawlDuration{0}, kLongestSleep);
+    }
+    world_.loop.Wait(sleep);
+  }
+}
+
+// What an option refused in an earlier run is judged anew where this run has another one.
+Status Crawler::QueueRefusedPages() {
+  const Status robots = collection_.QueueRefused(kRefusedRobots, options_.obey_robots ? "obey" : "ignore");
+  if (!robots.ok()) return robots;
+  const Status depth = collection_.QueueRefused(kRefusedDepth, std::to_string(options_.depth));
+  if (!depth.ok()) return depth;
+  return collection_.QueueRefused(kRefusedScope, std::to_string(static_cast<int>(options_.scope)));
+}
+
+// Starts every request whose time has come.
+void Crawler::Step() {
+  const CrawlTime now = world_.loop.Now();
+  AskSearchService();
+  while (failure_.ok()) {
+    const auto host = schedule_.Activate(now);
+    if (!host) break;
+    Enter(*host);
+  }
+  while (failure_.ok()) {
+    const auto host = schedule_.NextToAsk(now);
+    if (!host) break;
+    if (const auto found = visits_.find(*host); found != visits_.end()) Ask(*found->second);
+  }
+}
+
+std::optional<CrawlEnd> Crawler::EndReached() {
+  const CrawlTime now = world_.loop.Now();
+  if (!failure_.ok()) return CrawlEnd::kFailed;
+  if (stopped_) return CrawlEnd::kStopped;
+  if (offline_) return CrawlEnd::kOffLine;
+  if (options_.minutes && now - started_ >= std::chrono::duration<double, std::ratio<60>>(*options_.minutes)) {
+    return CrawlEnd::kMinutes;
+  }
+  if (options_.addresses && static_cast<std::uint64_t>(collection_.addresses()) >= *options_.addresses) {
+    return CrawlEnd::kAddresses;
+  }
+  if (options_.pages && figures_.pages >= *options_.pages) {
+    return collection_.waiting() == 0 ? CrawlEnd::kFinished : CrawlEnd::kPages;
+  }
+  if (requests_ > 0 || schedule_.active() > 0 || schedule_.HasQueued() || !search_.keywords.empty()) {
+    waiting_for_.clear();
+    return std::nullopt;
+  }
+  if (WaitsForHosts(now)) return std::nullopt;
+  return NoStartAnswered() ? CrawlEnd::kFailed : CrawlEnd::kFinished;
+}
+
+// Only parked hosts are left. Those that have never answered are not waited for.
+bool Crawler::WaitsForHosts(CrawlTime now) {
+  if (waiting_for_.empty()) alone_since_ = now;
+  std::string names;
+  std::optional<CrawlTime> first;
+  int count = 0;
+  for (const auto& [host, ready] : schedule_.Parked()) {
+    const HostMemory& memory = MemoryOf(host);
+    if (!memory.answered) continue;
+    first = first ? std::min(*first, ready) : ready;
+    constexpr int kMostNamed = 3;
+    if (++count > kMostNamed) continue;
+    const Result<HostRow> row = collection_.Host(host);
+    if (!Failed(row)) names += (names.empty() ? "" : ", ") + row.value().origin;
+  }
+  const CrawlTime last = alone_since_ + kLongestWait;
+  if (!first || *first > last) return false;
+  const auto seconds = std::chrono::ceil<std::chrono::seconds>(*first - now).count();
+  waiting_for_ = "waiting " + std::to_string(std::max<long long>(seconds, 0)) + " s for " + names +
+                 (count > 3 ? " and " + std::to_string(count - 3) + " more" : "");
+  return true;
+}
+
+// Whether every start of this run lies on a host that gave no answer at all.
+bool Crawler::NoStartAnswered() const {
+  if (figures_.pages > 0) return false;
+  if (start_hosts_.empty()) return !start_problems_.empty();
+  return std::all_of(start_hosts_.begin(), start_hosts_.end(), [this](const auto& start) {
+    const auto memory = memories_.find(start.second);
+    return memory != memories_.end() && !memory->second.answered && memory->second.refusals > 0;
+  });
+}
+
+WebRequest Crawler::RequestFor(const std::string& url, bool may_be_private) const {
+  WebRequest request;
+  request.url = url;
+  request.user_agent = user_agent_;
+  request.private_addresses = may_be_private;
+  return request;
+}
+
+// The key of a host's request is the host's number: it never has two.
+bool Crawler::OnHead(const std::string& key, const WebHead& head) {
+  if (key == kSearchKey) return true;
+  const auto found = visits_.find(std::strtoll(key.c_str(), nullptr, 10));
+  if (found == visits_.end() || head.status < 200 || head.status > 299) return false;
+  return found->second->under_way == HostVisit::UnderWay::kRobots || IsPageType(head);
+}
+
+void Crawler::OnEnd(const std::string& key, WebAnswer answer) {
+  figures_.bytes += answer.bytes_received;
+  if (key == kSearchKey) return OnSearchAnswer(std::move(answer));
+  const auto found = visits_.find(std::strtoll(key.c_str(), nullptr, 10));
+  if (found == visits_.end() || !failure_.ok()) return;
+  HostVisit& visit = *found->second;
+  --requests_;
+  const auto was = std::exchange(visit.under_way, HostVisit::UnderWay::kNothing);
+  if (answer.failure == WebFailure::kNone) visit.memory.answered = true;
+  if (was == HostVisit::UnderWay::kRobots) return OnRobotsAnswer(visit, answer);
+  --page_requests_;
+  // A page that was not read leaves its part of the budget to hosts that are held back by it.
+  for (const HostId host : std::exchange(held_, {})) schedule_.AskAt(host, world_.loop.Now());
+  OnPageAnswer(visit, answer);
+}
+
+bool Crawler::IsOffLine() { return !options_.assume_online && !world_.interfaces.IsOnline(); }
+
+bool Crawler::Failed(const Status& status) {
+  if (!status.ok() && failure_.ok()) failure_ = status;
+  return !status.ok();
+}
+
+std::vector<HostUnderWay> Crawler::Slowest(std::size_t most) const {
+  const CrawlTime now = world_.loop.Now();
+  std::vector<HostUnderWay> hosts;
+  for (const auto& [host, visit] : visits_) {
+    if (visit->under_way == HostVisit::UnderWay::kNothing) continue;
+    hosts.push_back({visit->row.origin, std::chrono::duration<double>(now - visit->asked_at).count()});
+  }
+  const auto end = hosts.begin() + static_cast<std::ptrdiff_t>(std::min(most, hosts.size()));
+  std::partial_sort(hosts.begin(), end, hosts.end(),
+                    [](const HostUnderWay& a, const HostUnderWay& b) { return a.seconds > b.seconds; });
+  hosts.erase(end, hosts.end());
+  return hosts;
+}
+
+Crawler::Outcome Crawler::Finish(CrawlEnd end) {
+  Outcome outcome;
+  outcome.end = end;
+  CancelRequests();
+  outcome.message = EndMessage(end);
+  record_.ended = world_.clock.UtcSeconds();
+  record_.reason = NameOf(end);
+  record_.pages = figures_.pages;
+  record_.failed = figures_.failed;
+  record_.refused = figures_.refused;
+  record_.fresh = figures_.fresh;
+  record_.protected_count = figures_.protected_count;
+  record_.filtered = figures_.filtered;
+  record_.bytes = figures_.bytes;
+  record_.seconds = std::chrono::duration<double>(world_.loop.Now() - started_).count();
+  if (failure_.ok() && end != CrawlEnd::kOffLine) {
+    if (!Failed(collection_.SaveRun(record_))) Failed(collection_.Commit());
+  }
+  outcome.status = failure_;
+  if (!failure_.ok()) outcome.end = CrawlEnd::kFailed;
+  return outcome;
+}
+
+// Names the starts that gave no answer, or the hosts whose pages are left.
+std::string Crawler::EndMessage(CrawlEnd end) {
+  std::string message;
+  const auto add = [&](const std::string& sentence) { message += (message.empty() ? "" : "\n") + sentence; };
+  for (const std::string& problem : start_problems_) add(problem);
+  if (end == CrawlEnd::kFailed) {
+    for (const auto& [text, host] : start_hosts_) add(text + ": " + MemoryOf(host).reason);
+    return message;
+  }
+  constexpr std::size_t kMostNamed = 10;
+  std::size_t count = 0;
+  for (const auto& [host, memory] : memories_) {
+    if (memory.reason.empty() || ++count > kMostNamed) continue;
+    const Result<HostRow> row = collection_.Host(host);
+    if (row.ok()) add("Pages are left on " + row.value().origin + ": " + memory.reason);
+  }
+  if (count > kMostNamed) add("Pages are left on " + std::to_string(count - kMostNamed) + " more hosts");
+  return message;
+}
+
+}  // namespace quenlar

@@ -1,0 +1,184 @@
+// A run of a collection: visits pages breadth first, many hosts at a time, with manners.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "collection/collection.h"
+#include "crawl/crawl_options.h"
+#include "crawl/crawl_schedule.h"
+#include "crawl/crawl_view.h"
+#include "crawl/host_visit.h"
+#include "crawl/link_rules.h"
+#include "page/page_reader.h"
+#include "platform/clock.h"
+#include "platform/event_loop.h"
+#include "platform/idna.h"
+#include "platform/interface_table.h"
+#include "platform/text_decoder.h"
+#include "platform/web_client.h"
+#include "state/address_filter.h"
+
+namespace quenlar {
+
+// What a crawl works with. References to objects that outlive it.
+struct CrawlWorld {
+  EventLoop& loop;
+  WebClient& client;
+  InterfaceTable& interfaces;
+  Clock& clock;
+  const Idna& idna;
+  const TextDecoder& decoder;
+  AddressFilter& filter;
+  AddressFilter& suppression;  // Keeps() is false for addresses that are never to be listed
+  CrawlView& view;
+};
+
+class Crawler final : private WebListener {
+ public:
+  // Takes the client's listener for as long as it lives.
+  Crawler(const CrawlWorld& world, Collection& collection, const CrawlOptions& options);
+  ~Crawler() override;
+  Crawler(const Crawler&) = delete;
+  Crawler& operator=(const Crawler&) = delete;
+
+  struct Outcome {
+    CrawlEnd end = CrawlEnd::kFinished;
+    Status status;        // of a collection that could not be written: the run ended with what was committed so far
+    std::string message;  // what else a person should know of the end; may be empty
+  };
+  // Pumps. Visits what is to be visited, from `starts` and from earlier runs, until nothing is left, a budget is used
+  // up, or Stop was called. What was under way then is visited by the next run.
+  [[nodiscard]] Outcome Run(const std::vector<std::string>& starts);
+
+  // Ends the run soon; may be called at any time.
+  void Stop() { stopped_ = true; }
+
+  [[nodiscard]] const CrawlFigures& figures() const { return figures_; }
+  [[nodiscard]] std::size_t requests() const { return requests_; }        // under way
+  [[nodiscard]] std::size_t hosts() const { return schedule_.active(); }  // visited at the same time
+  // The `most` hosts whose request takes longest. Looks at all active hosts: for a view that is drawn now and then.
+  [[nodiscard]] std::vector<HostUnderWay> Slowest(std::size_t most) const;
+  // While nothing is left but hosts that asked to wait: a sentence that names them. Empty otherwise.
+  [[nodiscard]] const std::string& waiting_for() const { return waiting_for_; }
+
+ private:
+  using Visits = std::unordered_map<HostId, std::unique_ptr<HostVisit>>;
+  // Keywords that the search service is still asked for; the first one is under way.
+  struct Search {
+    std::deque<StartRow> keywords;
+    std::unordered_set<std::string> seen;  // results of the first keyword
+    HostPace pace;
+    int page = 1, busy = 0;
+    bool under_way = false;
+  };
+
+  [[nodiscard]] bool OnHead(const std::string& key, const WebHead& head) override;
+  void OnEnd(const std::string& key, WebAnswer answer) override;
+
+  // crawler.cpp: the loop and its end
+  void Step();
+  [[nodiscard]] Status QueueRefusedPages();
+  [[nodiscard]] std::optional<CrawlEnd> EndReached();
+  [[nodiscard]] bool WaitsForHosts(CrawlTime now);
+  [[nodiscard]] bool NoStartAnswered() const;
+  [[nodiscard]] bool IsOffLine();
+  [[nodiscard]] WebRequest RequestFor(const std::string& url, bool may_be_private) const;
+  void CancelRequests();
+  [[nodiscard]] Outcome Finish(CrawlEnd end);
+  [[nodiscard]] std::string EndMessage(CrawlEnd end);
+  // Remember the first failure of the collection, which ends the run. True where there is one.
+  bool Failed(const Status& status);
+  template <typename T>
+  bool Failed(const Result<T>& result) {
+    return !result.ok() && Failed(result.status());
+  }
+
+  // crawler_starts.cpp: site addresses and keywords
+  void AddStarts(const std::vector<std::string>& texts);
+  void AddSite(const StartRow& start);
+  void PlaceSite(const StartRow& start, const Url& url, bool scheme_typed, bool typed);
+  void MoveStart(PageId from, PageId to, const Url& url);
+  [[nodiscard]] bool IsStart(PageId page) const { return start_pages_.contains(page); }
+  void TellOfRefusedStart(const HostVisit& visit, const PageEnd& end);
+  [[nodiscard]] bool FallBackToHttp(HostVisit& visit, const WebAnswer& answer);
+  void AddKeyword(const StartRow& start);
+  void AskSearchService();
+  void OnSearchAnswer(WebAnswer answer);
+  void EndSearch(const std::string& problem);
+
+  // crawler_hosts.cpp: robots.txt, pace, failures
+  [[nodiscard]] HostMemory& MemoryOf(HostId host);
+  void QueueHost(HostId host, int depth);
+  void Enter(HostId host);
+  // The host is not active any more; with `depth` it is queued again. `visit` is gone afterwards.
+  void Leave(HostVisit& visit, std::optional<int> depth);
+  void Ask(HostVisit& visit);
+  void UseStoredRobots(HostVisit& visit);
+  void SetRules(HostVisit& visit, std::string_view rules);
+  void AskForRobots(HostVisit& visit, const std::string& url);
+  void OnRobotsAnswer(HostVisit& visit, const WebAnswer& answer);
+  void UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_view rules);
+  void OnNoRobots(HostVisit& visit, const WebAnswer& answer);
+  [[nodiscard]] bool JudgePage(HostVisit& visit);
+  void AskForPage(HostVisit& visit);
+  void Send(HostVisit& visit, WebRequest request);
+  // These may end the visit.
+  void OnSilence(HostVisit& visit, const WebAnswer& answer);
+  void GiveUp(HostVisit& visit, const std::string& reason);
+  void Continue(HostVisit& visit);
+  // True where the host was given up.
+  [[nodiscard]] bool CountFailure(HostVisit& visit, const std::string& reason);
+  [[nodiscard]] std::optional<CrawlDuration> RetryAfterOf(const WebAnswer& answer) const;
+
+  // crawler_pages.cpp: the answer to a page's request
+  void OnPageAnswer(HostVisit& visit, const WebAnswer& answer);
+  void OnLostPage(HostVisit& visit, const WebAnswer& answer, PageEnd end);
+  void OnBusyHost(HostVisit& visit, const WebAnswer& answer, PageEnd end);
+  void OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end);
+  void OnUnchanged(HostVisit& visit);
+  void OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end);
+  [[nodiscard]] bool CameFromPrivatePlace(const HostVisit& visit, const WebAnswer& answer) const;
+  [[nodiscard]] std::vector<SeenAddress> KeptAddresses(const ReadResult& page, PageEnd& end);
+  void OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place);
+  void EndPage(HostVisit& visit, const PageEnd& end, const std::vector<SeenAddress>& addresses = {});
+
+  const CrawlWorld world_;
+  Collection& collection_;
+  const CrawlOptions options_;
+  const std::string user_agent_;
+  CrawlSchedule schedule_;
+  ScopeRule scope_;
+  Visits visits_;
+  std::unordered_map<HostId, HostMemory> memories_;
+  std::vector<HostId> held_;  // active hosts that wait because requests under way may use up the budget of pages
+  Search search_;
+  std::unordered_map<PageId, StartId> start_pages_;
+  std::unordered_set<PageId> may_fall_back_;   // pages of starts that were typed without a scheme
+  std::map<std::string, HostId> start_hosts_;  // of the sites that this run was started with
+  std::vector<std::string> start_problems_;
+  CrawlFigures figures_;
+  RunRecord record_;
+  std::size_t requests_ = 0, page_requests_ = 0;
+  CrawlTime started_{}, alone_since_{};
+  std::string waiting_for_;
+  bool stopped_ = false, offline_ = false;
+  Status failure_;
+};
+
+// Whether the text of a start is a site's address; any other text is a keyword.
+[[nodiscard]] bool IsSiteText(std::string_view text);
+
+// Whether the head of an answer says that it is a page: HTML, XHTML, plain text, or nothing.
+[[nodiscard]] bool IsPageType(const WebHead& head);
+
+}  // namespace quenlar

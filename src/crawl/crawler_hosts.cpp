@@ -1,0 +1,232 @@
+// The part of Crawler that visits hosts: their robots.txt, their pace, their failures.
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "crawl/crawler.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::int64_t kRobotsAge = 24 * 60 * 60;  // seconds for which a robots.txt is kept
+constexpr int kMostRobotsHops = 5;
+// After a robots.txt that cannot be had, and after a host that gives no answer at all, it is asked again after these
+// waits; then the host is given up for this run.
+constexpr CrawlDuration kWaits[] = {std::chrono::minutes(1), std::chrono::minutes(5), std::chrono::minutes(25)};
+// Pages that are refused one after the other before others have their turn.
+constexpr int kMostRefusedInARow = 100;
+
+CrawlDuration Seconds(double seconds) { return CrawlDuration(static_cast<std::int64_t>(seconds * 1000)); }
+
+bool IsRedirect(int status) {
+  return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+// The line of a text with this number, counted from 1.
+std::string LineOf(std::string_view text, int number) {
+  for (; number > 1 && !text.empty(); --number) text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+  text = number < 1 ? std::string_view() : text.substr(0, text.find_first_of("\r\n"));
+  return std::string(text);
+}
+
+}  // namespace
+
+HostMemory& Crawler::MemoryOf(HostId host) {
+  return memories_.try_emplace(host, HostMemory{HostPace(options_.delay)}).first->second;
+}
+
+void Crawler::QueueHost(HostId host, int depth) {
+  HostMemory& memory = MemoryOf(host);
+  if (!memory.given_up) schedule_.Queue(host, depth, memory.pace.ready(), world_.loop.Now());
+}
+
+void Crawler::Enter(HostId host) {
+  Result<HostRow> row = collection_.Host(host);
+  if (Failed(row)) return;
+  auto visit = std::make_unique<HostVisit>(HostVisit{row.take(), MemoryOf(host)});
+  UseStoredRobots(*visit);
+  schedule_.AskAt(host, visit->memory.pace.ready());
+  visits_[host] = std::move(visit);
+}
+
+// robots.txt is kept in the collection, over runs.
+void Crawler::UseStoredRobots(HostVisit& visit) {
+  visit.rules_known = !options_.obey_robots;
+  if (visit.rules_known || !visit.row.robots_time) return;
+  const std::int64_t age = world_.clock.UtcSeconds() - *visit.row.robots_time;
+  if (age < 0 || age >= kRobotsAge) return;
+  SetRules(visit, visit.row.robots);
+}
+
+void Crawler::SetRules(HostVisit& visit, std::string_view rules) {
+  visit.rules_known = true;
+  visit.rules = RobotsRules(rules, kCrawlAgent);
+  visit.memory.pace.SetCrawlDelay(Seconds(visit.rules.delay().value_or(0)));
+}
+
+void Crawler::Leave(HostVisit& visit, std::optional<int> depth) {
+  const HostId host = visit.row.id;
+  schedule_.Deactivate(host);
+  if (depth) QueueHost(host, *depth);
+  visits_.erase(host);
+}
+
+// Asks for the host's next page, or for its robots.txt before.
+void Crawler::Ask(HostVisit& visit) {
+  if (visit.under_way != HostVisit::UnderWay::kNothing) return;
+  for (int refused = 0; refused < kMostRefusedInARow; ++refused) {
+    auto next = collection_.Next(visit.row.id);
+    if (Failed(next)) return;
+    if (!next.value() || static_cast<std::uint64_t>(visit.row.read) >= options_.pages_per_host) {
+      return Leave(visit, std::nullopt);
+    }
+    const WaitingPage& page = *next.value();
+    if (schedule_.IsNearerQueued(page.depth)) return Leave(visit, page.depth);
+    if (options_.pages && figures_.pages + page_requests_ >= *options_.pages) return held_.push_back(visit.row.id);
+    visit.page = std::move(*next.value());
+    visit.url = ParseUrl(visit.page->url, nullptr, world_.idna);
+    if (!visit.rules_known) return AskForRobots(visit, visit.row.origin + "/robots.txt");
+    if (JudgePage(visit)) return AskForPage(visit);
+    if (!failure_.ok()) return;
+  }
+  schedule_.AskAt(visit.row.id, world_.loop.Now());
+}
+
+// True when the page may be asked for; otherwise its visit has ended.
+bool Crawler::JudgePage(HostVisit& visit) {
+  PageEnd end;
+  end.state = PageState::kRefused;
+  if (!visit.url) {
+    end.reason = "address";
+  } else if (visit.page->depth > options_.depth) {
+    end.reason = kRefusedDepth;
+  } else if (!scope_.Contains(*visit.url) && visit.page->hops == 0) {
+    end.reason = kRefusedScope;
+  } else if (options_.obey_robots) {
+    const RobotsRules::Verdict verdict = visit.rules.Check(visit.url->target());
+    if (verdict.allowed) return true;
+    end.reason = kRefusedRobots;
+    end.line = static_cast<int>(verdict.line.value_or(0));
+    end.rule = LineOf(visit.row.robots, end.line);
+    ++figures_.refused;
+    TellOfRefusedStart(visit, end);
+  } else {
+    return true;
+  }
+  EndPage(visit, end);
+  return false;
+}
+
+void Crawler::AskForPage(HostVisit& visit) {
+  WebRequest request = RequestFor(visit.url->href(), visit.page->may_be_private);
+  if (visit.page->read_before) {
+    request.if_none_match = visit.page->etag;
+    request.if_modified_since = visit.page->modified;
+  }
+  visit.under_way = HostVisit::UnderWay::kPage;
+  ++page_requests_;
+  Send(visit, std::move(request));
+}
+
+void Crawler::AskForRobots(HostVisit& visit, const std::string& url) {
+  WebRequest request = RequestFor(url, visit.page->may_be_private);
+  request.body_limit = kMostRobotsBytes;
+  visit.robots_url = url;
+  visit.under_way = HostVisit::UnderWay::kRobots;
+  Send(visit, std::move(request));
+}
+
+void Crawler::Send(HostVisit& visit, WebRequest request) {
+  ++requests_;
+  visit.asked_at = world_.loop.Now();
+  world_.client.Start(std::move(request), std::to_string(visit.row.id));
+}
+
+void Crawler::OnRobotsAnswer(HostVisit& visit, const WebAnswer& answer) {
+  const int status = answer.head.status;
+  // The page itself will be refused for the same reason, and is told so.
+  if (answer.failure == WebFailure::kPrivateAddress) return UseRobots(visit, answer, "");
+  if (answer.failure != WebFailure::kNone) return OnSilence(visit, answer);
+  if (IsRedirect(status)) {
+    const std::string* const location = answer.head.Find("Location");
+    const auto from = ParseUrl(visit.robots_url, nullptr, world_.idna);
+    const auto to = location && from ? ParseUrl(*location, &*from, world_.idna) : std::nullopt;
+    if (to && ++visit.robots_hops <= kMostRobotsHops) return AskForRobots(visit, to->href());
+  }
+  if (status >= 500) return OnNoRobots(visit, answer);
+  // Where there are no rules, everything is allowed.
+  UseRobots(visit, answer, status <= 299 ? std::string_view(answer.body) : std::string_view());
+}
+
+// The host's rules for the next 24 hours. robots.txt counts as a page for the pause.
+void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_view rules) {
+  HostMemory& memory = visit.memory;
+  visit.row.robots = rules;
+  SetRules(visit, rules);
+  memory.refusals = 0;
+  memory.reason.clear();
+  if (answer.failure == WebFailure::kNone) {
+    const std::int64_t now = world_.clock.UtcSeconds();
+    if (Failed(collection_.SaveRobots(visit.row.id, now, answer.head.status, rules))) return;
+    if (Failed(collection_.SaveHostState(visit.row.id, kHostAnswers, ""))) return;
+  }
+  if (answer.head.status == 429) {
+    memory.pace.OnBusy(world_.loop.Now(), answer.duration, RetryAfterOf(answer));
+  } else {
+    memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
+  }
+  Continue(visit);
+}
+
+// The server fails: nothing may be asked for until robots.txt can be had.
+void Crawler::OnNoRobots(HostVisit& visit, const WebAnswer& answer) {
+  const std::string reason = "its robots.txt answers with status " + std::to_string(answer.head.status);
+  if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, reason);
+  const CrawlDuration wait = kWaits[visit.memory.refusals++];
+  visit.memory.reason = reason;
+  visit.memory.pace.Park(world_.loop.Now(), std::max(wait, RetryAfterOf(answer).value_or(CrawlDuration{0})));
+  Leave(visit, visit.page->depth);
+}
+
+// The host has given no answer. Its pages are left where they are.
+void Crawler::OnSilence(HostVisit& visit, const WebAnswer& answer) {
+  if (IsOffLine()) {
+    offline_ = true;
+    return;
+  }
+  if (FallBackToHttp(visit, answer)) return;
+  if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, answer.message);
+  const CrawlDuration wait = kWaits[visit.memory.refusals++];
+  visit.memory.reason = answer.message;
+  visit.memory.pace.Park(world_.loop.Now(), wait);
+  Leave(visit, visit.page->depth);
+}
+
+bool Crawler::CountFailure(HostVisit& visit, const std::string& reason) {
+  if (++visit.memory.failures < kMostFailures) return false;
+  GiveUp(visit, std::to_string(kMostFailures) + " failures in a row, the last one: " + reason);
+  return true;
+}
+
+void Crawler::GiveUp(HostVisit& visit, const std::string& reason) {
+  visit.memory.given_up = true;
+  visit.memory.reason = reason;
+  if (Failed(collection_.SaveHostState(visit.row.id, kHostGivenUp, reason))) return;
+  Leave(visit, std::nullopt);
+}
+
+// The host's next page is asked for when its time comes; a host that asked to wait makes room for others.
+void Crawler::Continue(HostVisit& visit) {
+  if (!failure_.ok()) return;
+  if (!visit.memory.pace.parked()) return schedule_.AskAt(visit.row.id, visit.memory.pace.ready());
+  auto next = collection_.Next(visit.row.id);
+  if (Failed(next)) return;
+  Leave(visit, next.value() ? std::optional<int>(next.value()->depth) : std::nullopt);
+}
+
+std::optional<CrawlDuration> Crawler::RetryAfterOf(const WebAnswer& answer) const {
+  const std::string* const value = answer.head.Find("Retry-After");
+  return value ? RetryAfter(*value, world_.clock.UtcSeconds()) : std::nullopt;
+}
+
+}  // namespace quenlar

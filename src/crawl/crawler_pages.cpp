@@ -1,0 +1,255 @@
+// The part of Crawler that deals with the answer to a page's request.
+#include <algorithm>
+#include <utility>
+
+#include "base/ascii.h"
+#include "crawl/contact_words.h"
+#include "crawl/crawler.h"
+#include "page/page_reader.h"
+#include "platform/ip_address.h"
+
+namespace quenlar {
+namespace {
+
+constexpr int kMostHops = 5;
+
+// The media type without parameters, in lower case; empty where the answer names none.
+std::string MediaType(const WebHead& head) {
+  const std::string* const field = head.Find("Content-Type");
+  if (field == nullptr) return {};
+  std::string_view type(*field);
+  type = type.substr(0, type.find(';'));
+  while (!type.empty() && (type.back() == ' ' || type.back() == '\t')) type.remove_suffix(1);
+  return Lower(type);
+}
+
+std::string FieldOf(const WebHead& head, std::string_view name) {
+  const std::string* const value = head.Find(name);
+  return value ? *value : std::string();
+}
+
+std::vector<std::string> RobotsHeaders(const WebHead& head) {
+  std::vector<std::string> values;
+  for (const auto& [name, value] : head.fields) {
+    if (EqualsIgnoreCase(name, "X-Robots-Tag")) values.push_back(value);
+  }
+  return values;
+}
+
+}  // namespace
+
+bool IsPageType(const WebHead& head) {
+  const std::string type = MediaType(head);
+  return type.empty() || type == "text/html" || type == "application/xhtml+xml" || type == "text/plain";
+}
+
+void Crawler::OnPageAnswer(HostVisit& visit, const WebAnswer& answer) {
+  const int status = answer.head.status;
+  PageEnd end;
+  end.state = PageState::kFailed;
+  end.reason = "status";
+  end.status = status;
+  end.bytes = answer.bytes_received;
+  if (answer.failure != WebFailure::kNone) return OnLostPage(visit, answer, std::move(end));
+  if (status == 429 || status == 503) return OnBusyHost(visit, answer, std::move(end));
+  visit.memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
+  if (status >= 500) {
+    EndPage(visit, end);
+    if (!CountFailure(visit, "status " + std::to_string(status))) Continue(visit);
+    return;
+  }
+  visit.memory.failures = 0;
+  visit.memory.reason.clear();
+  if (status == 304 && visit.page->read_before) {
+    OnUnchanged(visit);
+  } else if (status >= 300 && status <= 399) {
+    OnRedirect(visit, answer, std::move(end));
+  } else if (status >= 200 && status <= 299) {
+    OnPage(visit, answer, std::move(end));
+  } else {
+    EndPage(visit, end);
+  }
+  Continue(visit);
+}
+
+// No answer, or none that can be used.
+void Crawler::OnLostPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
+  end.reason = answer.message;
+  switch (answer.failure) {
+    case WebFailure::kPrivateAddress:
+      end.state = PageState::kRefused;
+      end.reason = kRefusedPrivate;
+      ++figures_.refused;
+      EndPage(visit, end);
+      return Continue(visit);
+    case WebFailure::kNoName:
+    case WebFailure::kNoConnection:
+    case WebFailure::kNoTls:
+    case WebFailure::kCertificate:
+    case WebFailure::kProxy:
+      if (!visit.memory.answered) return OnSilence(visit, answer);
+      break;
+    case WebFailure::kTimeout:
+    case WebFailure::kBroken:
+      break;
+    case WebFailure::kBadUrl:
+    case WebFailure::kNoMemory:
+    case WebFailure::kNone:
+      EndPage(visit, end);
+      return Continue(visit);
+  }
+  visit.memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
+  EndPage(visit, end);
+  if (!CountFailure(visit, answer.message)) Continue(visit);
+}
+
+// The page is asked for again first when the host may be asked again. It counts as failed when the host is given up.
+void Crawler::OnBusyHost(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
+  visit.memory.pace.OnBusy(world_.loop.Now(), answer.duration, RetryAfterOf(answer));
+  visit.memory.reason = "it answers with status " + std::to_string(answer.head.status);
+  if (visit.memory.failures + 1 == kMostFailures) EndPage(visit, end);
+  if (!CountFailure(visit, "status " + std::to_string(answer.head.status))) Continue(visit);
+}
+
+void Crawler::OnUnchanged(HostVisit& visit) {
+  ++figures_.pages;
+  Failed(collection_.EndUnchanged(visit.row.id, visit.page->page, world_.clock.UtcSeconds()));
+  ++visit.row.read;
+}
+
+void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
+  const std::string location = FieldOf(answer.head, "Location");
+  const auto target = location.empty() ? std::nullopt : ParseUrl(location, &*visit.url, world_.idna);
+  const int hops = visit.page->hops + 1;
+  if (!target || hops > kMostHops || target->href().size() > kLongestPageUrl) {
+    end.reason = target && hops > kMostHops ? "too many redirects" : "redirect without a target";
+    return EndPage(visit, end);
+  }
+
+  const bool start_moves = IsStart(visit.page->page);
+  if (!start_moves && !scope_.Contains(*target)) {
+    end.state = PageState::kRefused;
+    end.reason = kRefusedScope;
+    return EndPage(visit, end);
+  }
+  if (target->PageKey() == visit.url->PageKey()) {
+    const auto host = collection_.Readdress(visit.page->page, *target, SiteOf(*target), hops);
+    if (!Failed(host)) QueueHost(host.value(), visit.page->depth);
+    return;
+  }
+  PageOffer offer{*target, SiteOf(*target)};
+  offer.depth = visit.page->depth;
+  offer.rank = 0;  // a page that was asked for comes before those that were only found
+  offer.hops = hops;
+  offer.parent = visit.page->page;
+  offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(visit, answer);
+  offer.by_id = true;
+  const auto offered = collection_.Offer(offer);
+  if (Failed(offered)) return;
+  if (start_moves) MoveStart(visit.page->page, offered.value().page, *target);
+  if (offered.value().queued) QueueHost(offered.value().host, offer.depth);
+  end.state = PageState::kMoved;
+  end.reason.clear();
+  end.moved_to = offered.value().page;
+  EndPage(visit, end);
+}
+
+// Whether the answer came from an address that no public page may lead to.
+bool Crawler::CameFromPrivatePlace(const HostVisit& visit, const WebAnswer& answer) const {
+  const auto address = ParseIpAddress(answer.head.ip.empty() ? visit.url->host() : std::string_view(answer.head.ip));
+  return address ? !IsPublicAddress(*address) : IsLoopbackName(visit.url->host());
+}
+
+void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
+  end.type = MediaType(answer.head);
+  if (!IsPageType(answer.head)) {
+    end.reason = "type";
+    return EndPage(visit, end);
+  }
+  const std::string content_type = FieldOf(answer.head, "Content-Type");
+  const std::vector<std::string> robots_headers = RobotsHeaders(answer.head);
+  ReadRequest request;
+  request.body = answer.body;
+  request.url = &*visit.url;
+  request.content_type = content_type;
+  request.robots_headers = robots_headers;
+  request.decode_protected = options_.decode_protected;
+  const ReadResult page = ReadPage(request, world_.idna, world_.decoder);
+
+  end.state = PageState::kRead;
+  end.reason.clear();
+  end.title = page.title.value_or("");
+  end.body_hash = collection_.HashOf(answer.body);
+  end.etag = FieldOf(answer.head, "ETag");
+  end.modified = FieldOf(answer.head, "Last-Modified");
+  std::vector<SeenAddress> addresses;
+  if (!options_.obey_robots || !page.robots.noindex()) {
+    end.protected_count = page.protected_addresses;
+    addresses = KeptAddresses(page, end);
+  }
+  // A body that another page of the host had: its links lead to the same places once more, as in a trap.
+  const auto seen = collection_.BodySeen(visit.row.id, visit.page->page, *end.body_hash);
+  if (Failed(seen)) return;
+  const bool follow = !seen.value() && !(options_.obey_robots && page.robots.nofollow());
+  const bool private_place = visit.page->may_be_private && CameFromPrivatePlace(visit, answer);
+  if (follow) OfferLinks(visit, page.links, private_place);
+  ++figures_.pages;
+  ++visit.row.read;
+  figures_.protected_count += end.protected_count;
+  EndPage(visit, end, addresses);
+}
+
+std::vector<SeenAddress> Crawler::KeptAddresses(const ReadResult& page, PageEnd& end) {
+  std::vector<SeenAddress> kept;
+  for (const PageAddress& found : page.addresses) {
+    if (!world_.filter.Keeps(found.address)) {
+      ++end.filtered_count;
+      ++figures_.filtered;
+    } else if (!world_.suppression.Keeps(found.address)) {
+      ++figures_.suppressed;
+    } else {
+      kept.push_back({found.address, found.written, found.place});
+    }
+  }
+  return kept;
+}
+
+void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place) {
+  const int depth = visit.page->depth + 1;
+  for (const PageLink& link : links) {
+    const LinkFollow least = options_.obey_robots ? LinkFollow::kFollowed : LinkFollow::kUnasked;
+    if (link.follow < least) continue;
+    const auto url = ParseUrl(link.url, nullptr, world_.idna);
+    if (!url || url->href().size() > kLongestPageUrl) continue;
+    PageOffer offer{*url, SiteOf(*url)};
+    offer.depth = depth;
+    offer.rank = PromisesContacts(url->path()) ? 0 : 1;
+    offer.parent = visit.page->page;
+    offer.may_be_private = private_place;
+    if (RepeatsSegments(url->path())) {
+      offer.refused = "trap";
+    } else if (!scope_.Contains(*url)) {
+      offer.refused = kRefusedScope;
+    } else if (depth > options_.depth) {
+      offer.refused = kRefusedDepth;
+    }
+    const auto offered = collection_.Offer(offer);
+    if (Failed(offered)) return;
+    if (offered.value().queued) QueueHost(offered.value().host, depth);
+  }
+}
+
+// Ends the visit of the page at hand, and gives the new addresses to the view.
+void Crawler::EndPage(HostVisit& visit, const PageEnd& end, const std::vector<SeenAddress>& addresses) {
+  if (!failure_.ok()) return;
+  if (end.state == PageState::kFailed) ++figures_.failed;
+  const std::int64_t now = world_.clock.UtcSeconds();
+  const auto fresh = collection_.End(visit.row.id, visit.page->page, end, addresses, now);
+  if (Failed(fresh)) return;
+  figures_.fresh += fresh.value().size();
+  for (const std::size_t i : fresh.value()) {
+    world_.view.OnNewAddress({addresses[i].address, visit.url->href(), end.title, addresses[i].place, now});
+  }
+}
+
+}  // namespace quenlar

@@ -1,0 +1,80 @@
+#include "crawl/link_rules.h"
+
+#include <gtest/gtest.h>
+
+#include "crawl/contact_words.h"
+#include "support/fake_idna.h"
+
+namespace quenlar {
+namespace {
+
+Url UrlOf(const std::string& text) {
+  static const FakeIdna idna;
+  return ParseUrl(text, nullptr, idna).value();
+}
+
+TEST(LinkRules, TheSiteIsTheRegistrableDomainOrTheHost) {
+  EXPECT_EQ(SiteOf(UrlOf("https://www.shop.example.co.uk/")), "example.co.uk");
+  EXPECT_EQ(SiteOf(UrlOf("https://localhost:8080/")), "localhost");
+  EXPECT_EQ(SiteOf(UrlOf("http://127.0.0.1/")), "127.0.0.1");
+}
+
+TEST(LinkRules, ASegmentMayComeThreeTimes) {
+  EXPECT_FALSE(RepeatsSegments("/a/a/a/b"));
+  EXPECT_TRUE(RepeatsSegments("/a/a/a/a"));
+  EXPECT_TRUE(RepeatsSegments("/x/y/x/y/x/y/x"));
+  EXPECT_FALSE(RepeatsSegments("/"));
+  EXPECT_FALSE(RepeatsSegments("//////")) << "empty segments are not repeated ones";
+}
+
+TEST(ScopeRule, AHostIsOneUnderBothSchemesButNotUnderAnotherPort) {
+  ScopeRule scope(CrawlScope::kHost);
+  scope.Open("www.example.org", "example.org");
+  EXPECT_TRUE(scope.Contains(UrlOf("http://www.example.org/x")));
+  EXPECT_TRUE(scope.Contains(UrlOf("https://www.example.org/x")));
+  EXPECT_FALSE(scope.Contains(UrlOf("https://www.example.org:8443/x")));
+  EXPECT_FALSE(scope.Contains(UrlOf("https://shop.example.org/x")));
+}
+
+TEST(ScopeRule, ASiteHasAllItsHosts) {
+  ScopeRule scope(CrawlScope::kSite);
+  scope.Open("www.example.org", "example.org");
+  EXPECT_TRUE(scope.Contains(UrlOf("https://shop.example.org:8443/x")));
+  EXPECT_FALSE(scope.Contains(UrlOf("https://example.net/x")));
+}
+
+TEST(ScopeRule, AnywhereIsEverywhere) { EXPECT_TRUE(ScopeRule(CrawlScope::kAnywhere).Contains(UrlOf("http://a.b/"))); }
+
+TEST(ContactWords, PromiseContactsInSixLanguages) {
+  for (const char* const path : {"/contact",           "/en/contact-us.html",
+                                 "/Contacts",          "/about",
+                                 "/ABOUT_US",          "/our-team/",
+                                 "/staff/list",        "/imprint",
+                                 "/legal-notice",      "/nous-contacter",
+                                 "/a-propos",          "/mentions-l%C3%A9gales",
+                                 "/Impressum",         "/kontakt.php",
+                                 "/%C3%BCber-uns",     "/chi-siamo",
+                                 "/contatti",          "/quienes-somos",
+                                 "/aviso-legal",       "/equipo",
+                                 "/otoiawase",         "/%E3%81%8A%E5%95%8F%E3%81%84%E5%90%88%E3%82%8F%E3%81%9B",
+                                 "/x?y=1&page=contact"}) {
+    EXPECT_TRUE(PromisesContacts(path)) << path;
+  }
+}
+
+TEST(ContactWords, OtherPathsPromiseNothing) {
+  for (const char* const path : {"/", "", "/products/steam", "/subcontact", "/illegal", "/news/2026/11", "/%", "/%zz",
+                                 "/roundabout", "/dashboard"}) {
+    EXPECT_FALSE(PromisesContacts(path)) << path;
+  }
+}
+
+TEST(ContactWords, TheTextOfALinkIsLookedAtInTheSameWay) {
+  EXPECT_TRUE(PromisesContacts("Contact us"));
+  EXPECT_TRUE(PromisesContacts("Über uns"));
+  EXPECT_TRUE(PromisesContacts("弊社へのお問い合わせはこちら"));
+  EXPECT_FALSE(PromisesContacts("Our products"));
+}
+
+}  // namespace
+}  // namespace quenlar
