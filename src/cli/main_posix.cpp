@@ -44,8 +44,7 @@ class PosixSystem final : public System {
       const std::string settings = config.empty() ? choice.home : config + "/quenlar";
       registry_ = std::make_unique<FileRegistry>(files_, *loop_, settings + "/quenlar.conf");
       CurlPageFetcher::Options options;
-      if (!choice.proxy.empty()) options.proxy_source = CurlPageFetcher::ProxySource::kGiven;
-      options.proxy = choice.proxy;
+      if (!choice.proxy.empty()) options.proxy = ProxyChoice::Given(choice.proxy);
       fetcher_ = std::make_unique<CurlPageFetcher>(*loop_, options);
     }
     return Platform{*loop_, *fetcher_, *registry_, interfaces_, files_,       code_page_,

@@ -34,7 +34,7 @@ class Win32System final : public System {
     if (!registry_) {
       registry_ = std::make_unique<Win32Registry>(code_page_, Win32Registry::WritableRoot(kProjectKey));
       WinHttpOptions options;
-      options.proxy = choice.proxy;
+      if (!choice.proxy.empty()) options.proxy = ProxyChoice::Given(choice.proxy);
       fetcher_ = std::make_unique<WinHttpPageFetcher>(loop_, options);
     }
     return Platform{loop_,  *fetcher_, *registry_, interfaces_, files_,       code_page_,

@@ -13,7 +13,7 @@ struct ProxyChoice {
     kGiven,
   };
   Kind kind = Kind::kSystem;
-  std::string address = {};  // kGiven: "http://host:port"; every download goes through it, and fails where it fails
+  std::string address = {};  // kGiven: "http://host:port"; every download goes through it and is never made without it
 
   [[nodiscard]] static ProxyChoice None() { return {.kind = Kind::kNone}; }
   [[nodiscard]] static ProxyChoice Given(std::string address) {

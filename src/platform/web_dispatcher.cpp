@@ -302,7 +302,8 @@ void WebDispatcher::OnTransportEnd(WebExchangeId id) {
   if (found == requests_.end()) return;
   Request& request = found->second;
   WebTransport::Outcome outcome = TakeOutcome(id);
-  if (outcome.answer.failure != WebFailure::kNoConnection || request.host->behind_proxy) {
+  const bool may_retry = !request.host->behind_proxy && !transport_->ChoosesAddress();
+  if (outcome.answer.failure != WebFailure::kNoConnection || !may_retry) {
     return Finish(id, std::move(outcome));
   }
   // The host may have another address.

@@ -21,6 +21,7 @@ class HostileWeb : public testing::Test {
     ASSERT_NE(server, nullptr) << "run this through scripts/with_server.sh";
     server_ = server;
     UseClient("", "");
+    LeaveBadConnections();
   }
   void UseClient(const std::string& proxy, const std::string& authorities) {
     client_ = platform_->MakeWebClient(proxy, authorities);
@@ -56,6 +57,7 @@ class HostileWeb : public testing::Test {
   void ExpectBroken(const std::string& url) {
     const WebAnswer answer = Fetch(url);
     EXPECT_TRUE(answer.failure == WebFailure::kBroken || !platform_->HttpIsStrict()) << url << ": " << answer.message;
+    LeaveBadConnections();
   }
   void ExpectPage(const std::string& url, const std::string& body) {
     const WebAnswer answer = Fetch(url);
@@ -94,6 +96,14 @@ class HostileWeb : public testing::Test {
   std::unique_ptr<WebClient> client_;
 
  private:
+  // Until kept connections on which the rest of an earlier answer stands are used up.
+  void LeaveBadConnections() {
+    if (platform_->HttpIsStrict()) return;
+    for (int good = 0, tries = 0; good < 3 && tries < 50; ++tries) {
+      good = Fetch("/page").failure == WebFailure::kNone ? good + 1 : 0;
+    }
+  }
+
   int next_key_ = 0;
 };
 

@@ -36,8 +36,7 @@ class PosixTestPlatform : public TestPlatform {
   [[nodiscard]] std::unique_ptr<PageFetcher> MakeFetcher(const std::string& proxy,
                                                          const std::string& authorities) override {
     CurlPageFetcher::Options options;
-    options.proxy_source = proxy.empty() ? CurlPageFetcher::ProxySource::kNone : CurlPageFetcher::ProxySource::kGiven;
-    options.proxy = proxy;
+    options.proxy = proxy.empty() ? ProxyChoice::None() : ProxyChoice::Given(proxy);
     options.authorities = authorities;
     return std::make_unique<CurlPageFetcher>(*loop_, std::move(options));
   }

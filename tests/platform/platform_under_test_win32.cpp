@@ -12,6 +12,7 @@
 #include "platform/win32/wide.h"
 #include "platform/win32/windows_api.h"
 #include "platform/win32/winhttp_page_fetcher.h"
+#include "platform/win32/winhttp_web_client.h"
 #include "platform/win32/winsock_loopback_server.h"
 #include "platform_under_test.h"
 #include "scratch_win32.h"
@@ -36,11 +37,13 @@ class Win32TestPlatform : public TestPlatform {
                                                          const std::string& authorities) override {
     if (!authorities.empty()) authorities_ = std::make_unique<TrustedAuthority>(authorities);
     WinHttpOptions options;
-    options.proxy = proxy;
+    options.proxy = proxy.empty() ? ProxyChoice{} : ProxyChoice::Given(proxy);
     return std::make_unique<WinHttpPageFetcher>(loop_, options);
   }
-  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string&, const std::string&) override {
-    return nullptr;
+  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy,
+                                                         const std::string& authorities) override {
+    if (!authorities.empty()) authorities_ = std::make_unique<TrustedAuthority>(authorities);
+    return MakeWinHttpWebClient(loop_, proxy.empty() ? ProxyChoice::None() : ProxyChoice::Given(proxy));
   }
   [[nodiscard]] bool HttpIsStrict() const override {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;

@@ -55,7 +55,8 @@ int Run(HINSTANCE program_handle) {
   Win32TextDecoder text_decoder;
   Win32Registry registry(code_page, Win32Registry::WritableRoot(kProjectKey));
   // The variable that other programs that download use as well.
-  WinHttpPageFetcher fetcher(loop, {.proxy = win32::EnvironmentValue("http_proxy").value_or("")});
+  const std::string proxy = win32::EnvironmentValue("http_proxy").value_or("");
+  WinHttpPageFetcher fetcher(loop, {.proxy = proxy.empty() ? ProxyChoice{} : ProxyChoice::Given(proxy)});
   Win32InterfaceTable interfaces;
   Win32Files files;
   Win32Clock clock;

@@ -1,4 +1,4 @@
-// Page downloads over libcurl, driven by the event loop.
+// Page downloads over libcurl.
 #pragma once
 
 #include <memory>
@@ -6,21 +6,16 @@
 
 #include "platform/page_fetcher.h"
 #include "platform/posix/event_loop.h"
+#include "platform/proxy_choice.h"
 
 namespace quenlar {
 
 // Any number of downloads run side by side on the one thread. Connections are kept and used again.
 class CurlPageFetcher : public PageFetcher {
  public:
-  enum class ProxySource {
-    kEnvironment,  // http_proxy, https_proxy, all_proxy and no_proxy
-    kNone,
-    kGiven,
-  };
   struct Options {
-    ProxySource proxy_source = ProxySource::kEnvironment;
-    std::string proxy;        // kGiven: "http://host:port"; every download goes through it and is never made without it
-    std::string authorities;  // a file of certificates (PEM) that are trusted; empty: those of the system
+    ProxyChoice proxy = {};
+    std::string authorities = {};  // a file of certificates (PEM) that are trusted; empty: those of the system
   };
 
   // The loop must outlive the fetcher.

@@ -64,9 +64,9 @@ void CurlTransfer::SetOptions() {
   curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYHOST, 2L);
   if (!options_.authorities.empty()) curl_easy_setopt(handle_, CURLOPT_CAINFO, options_.authorities.c_str());
-  if (options_.proxy_source != CurlPageFetcher::ProxySource::kEnvironment) {
-    const bool given = options_.proxy_source == CurlPageFetcher::ProxySource::kGiven;
-    curl_easy_setopt(handle_, CURLOPT_PROXY, given ? options_.proxy.c_str() : "");
+  if (options_.proxy.kind != ProxyChoice::Kind::kSystem) {
+    const bool given = options_.proxy.kind == ProxyChoice::Kind::kGiven;
+    curl_easy_setopt(handle_, CURLOPT_PROXY, options_.proxy.address.c_str());
     curl_easy_setopt(handle_, CURLOPT_NOPROXY, given ? "" : "*");
   }
 }

@@ -1,47 +1,17 @@
 #include "platform/win32/winhttp_page_fetcher.h"
 
-#include <algorithm>
-#include <mutex>
 #include <utility>
 
-#include "base/ascii.h"
 #include "base/product.h"
 #include "platform/redirect_chain.h"
-#include "platform/win32/wide.h"
 #include "platform/win32/winhttp_exchange.h"
+#include "platform/win32/winhttp_session.h"
 
 namespace quenlar {
 namespace {
 
 using win32::Exchange;
 using win32::ExchangeReport;
-
-constexpr int kConnectLimit = 30'000, kSendLimit = 30'000, kReceiveLimit = 60'000;  // milliseconds
-
-// "http://host:port/" as the system wants it: "host:port".
-std::wstring ProxyName(std::string_view proxy) {
-  if (StartsWithIgnoreCase(proxy, "http://")) proxy.remove_prefix(7);
-  return win32::ToWide(proxy.substr(0, proxy.find('/')));
-}
-
-HINTERNET OpenSession(const WinHttpOptions& options) {
-  HINTERNET session = nullptr;
-  const std::wstring agent = win32::ToWide(kUserAgent);
-  if (!options.proxy.empty()) {
-    session = WinHttpOpen(agent.c_str(), WINHTTP_ACCESS_TYPE_NAMED_PROXY, ProxyName(options.proxy).c_str(),
-                          WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC);
-  } else {
-    session = WinHttpOpen(agent.c_str(), WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY, WINHTTP_NO_PROXY_NAME,
-                          WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC);
-  }
-  if (!session) return nullptr;
-  WinHttpSetTimeouts(session, 0, kConnectLimit, kSendLimit, kReceiveLimit);
-  WinHttpSetStatusCallback(
-      session, Exchange::OnStatus,
-      WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES | WINHTTP_CALLBACK_FLAG_CONNECT_TO_SERVER,
-      0);
-  return session;
-}
 
 }  // namespace
 
@@ -51,38 +21,10 @@ struct WinHttpPageFetcher::Download {
   std::shared_ptr<Exchange> exchange;  // null before the first hop
 };
 
-// The way from the system's threads to the fetcher, cut when the fetcher goes.
-class WinHttpPageFetcher::Outlet : public std::enable_shared_from_this<Outlet> {
- public:
-  Outlet(WinHttpPageFetcher& fetcher, EventLoop& loop) : fetcher_(&fetcher), loop_(loop) {}
-  Outlet(const Outlet&) = delete;
-  Outlet& operator=(const Outlet&) = delete;
-
-  // From any thread.
-  void Post(std::function<void(WinHttpPageFetcher& fetcher)> task) {
-    const std::lock_guard lock(mutex_);
-    if (!fetcher_) return;
-    loop_.Post([self = shared_from_this(), task = std::move(task)] {
-      if (self->fetcher_) task(*self->fetcher_);  // on the fetcher's own thread, where alone it changes
-    });
-  }
-
-  // On the fetcher's own thread.
-  [[nodiscard]] bool IsCut() const { return !fetcher_; }
-
-  void Cut() {
-    const std::lock_guard lock(mutex_);
-    fetcher_ = nullptr;
-  }
-
- private:
-  std::mutex mutex_;
-  WinHttpPageFetcher* fetcher_;
-  EventLoop& loop_;
-};
-
 WinHttpPageFetcher::WinHttpPageFetcher(EventLoop& loop, const WinHttpOptions& options)
-    : options_(options), session_(OpenSession(options)), outlet_(std::make_shared<Outlet>(*this, loop)) {}
+    : options_(options),
+      session_(win32::OpenSession(kUserAgent, options.proxy)),
+      outlet_(std::make_shared<Outlet>(*this, loop)) {}
 
 WinHttpPageFetcher::~WinHttpPageFetcher() {
   outlet_->Cut();

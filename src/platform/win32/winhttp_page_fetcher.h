@@ -8,6 +8,8 @@
 
 #include "platform/event_loop.h"
 #include "platform/page_fetcher.h"
+#include "platform/proxy_choice.h"
+#include "platform/win32/outlet.h"
 
 namespace quenlar {
 
@@ -16,16 +18,16 @@ struct ExchangeReport;
 }
 
 struct WinHttpOptions {
-  std::string proxy;  // "http://host:port", used for every address; empty: the system's own proxy settings
+  ProxyChoice proxy = {};
   // A server that has received a request and has not begun to answer after this time has failed. It is also the longest
   // time for which the system holds on to a cancelled request.
   std::chrono::milliseconds response_limit{60'000};
 };
 
-// The downloads run on threads of the system. Their reports come through the loop, so the listener is called inside a
-// pump. Redirects are followed here, and certificates are checked by the system's rules. A body that is shorter than
-// announced is a failure. So is a chunked body that breaks off, as far as the system notices it: Windows does, and
-// other systems that run its programs may not.
+// The downloads run on the system's threads; what they have to say comes through the loop, so all calls to the
+// listener are made inside a pump. Redirects are followed here. Certificates are checked by the system's rules. A body
+// that is shorter than announced is a failure; of a chunked body that breaks off Windows tells, some look-alikes do
+// not.
 class WinHttpPageFetcher final : public PageFetcher {
  public:
   // `loop` must outlive the fetcher. Tasks that are still in the loop when the fetcher goes do nothing.
@@ -40,7 +42,7 @@ class WinHttpPageFetcher final : public PageFetcher {
 
  private:
   struct Download;
-  class Outlet;
+  using Outlet = win32::Outlet<WinHttpPageFetcher>;
   using Downloads = std::map<std::uint64_t, Download>;  // by number, in the order of the starts
 
   void Begin(std::uint64_t number, Download& download);

@@ -1,9 +1,10 @@
 // The contract of WebClient that needs nothing but a well-behaved server.
+#include "platform/web_client.h"
+
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "platform/web_client.h"
 #include "platform_under_test.h"
 #include "web_log.h"
 

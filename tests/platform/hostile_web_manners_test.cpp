@@ -174,7 +174,10 @@ TEST_F(SecureWeb, ACertificateOfATrustedAuthorityIsAccepted) {
 
 TEST_F(SecureWeb, AWrongCertificateIsAFailureOfItsOwn) {
   for (const char* which : {"stranger", "expired", "wrong-name"}) {
-    ExpectFailure(Secure(which), WebFailure::kCertificate);
+    const WebFailure failure = Fetch(Secure(which)).failure;
+    // Some look-alikes of Windows do not tell why TLS failed.
+    EXPECT_TRUE(failure == WebFailure::kCertificate || (failure == WebFailure::kNoTls && !platform_->HttpIsStrict()))
+        << which;
   }
 }
 
