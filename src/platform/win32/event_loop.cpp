@@ -4,6 +4,7 @@
 #include <cassert>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include "platform/win32/windows_api.h"
 
