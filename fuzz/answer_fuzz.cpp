@@ -6,6 +6,8 @@
 #include "platform/answer_head.h"
 #include "platform/content_decoder.h"
 #include "platform/page_fetcher.h"
+#include "platform/web_body.h"
+#include "platform/web_head_reader.h"
 
 using namespace quenlar;
 
@@ -42,6 +44,45 @@ std::optional<std::string> Decoded(ContentCoding coding, std::string_view body, 
   return out;
 }
 
+// The crawler's reader of the same head: whatever the classic one takes, it takes too, and agrees on.
+void CheckWebHead(std::string_view bytes, const AnswerHead& classic, bool classic_good) {
+  WebHeadReader reader;
+  bool good = true;
+  while (good && !bytes.empty() && !reader.complete()) {
+    const std::size_t length = std::min(bytes.find('\n'), bytes.size() - 1) + 1;
+    good = reader.AddLine(bytes.substr(0, length));
+    bytes.remove_prefix(length);
+  }
+  FUZZ_CHECK(good || !classic_good);
+  for (const auto& [name, value] : reader.head().fields) {
+    FUZZ_CHECK(name.find_first_of(":\n") == std::string::npos && value.find('\n') == std::string::npos);
+    FUZZ_CHECK(reader.head().Find(name) != nullptr);
+  }
+  if (!classic_good) return;
+  FUZZ_CHECK(reader.complete() == classic.complete() && reader.head().status == classic.status());
+  FUZZ_CHECK(reader.content_length() == classic.content_length() && reader.chunked() == classic.chunked());
+  FUZZ_CHECK(reader.coding() == classic.coding());
+}
+
+// The crawler's body is the beginning of what the decoder makes of it, as far as the limit goes.
+void CheckWebBody(ContentCoding coding, std::string_view bytes, std::size_t piece) {
+  constexpr std::size_t kLimit = 1000;
+  bool at_end = false;
+  const auto whole = Decoded(coding, bytes, piece, at_end);
+  WebBody body;
+  body.Begin(coding, kLimit);
+  auto outcome = WebBody::Outcome::kGoesOn;
+  for (; !bytes.empty() && outcome == WebBody::Outcome::kGoesOn; bytes.remove_prefix(std::min(piece, bytes.size()))) {
+    outcome = body.Add(bytes.substr(0, piece));
+  }
+  const bool ended = body.AtEnd(), truncated = body.truncated();
+  const std::string text = body.Take();
+  FUZZ_CHECK(text.size() <= kLimit && truncated == (outcome == WebBody::Outcome::kFull));
+  if (!whole) return;
+  FUZZ_CHECK(outcome != WebBody::Outcome::kBroken && text == whole->substr(0, kLimit));
+  FUZZ_CHECK(truncated == (whole->size() > kLimit) && (truncated || ended == at_end));
+}
+
 }  // namespace
 
 QUENLAR_FUZZ_TARGET(answer) {
@@ -62,7 +103,9 @@ QUENLAR_FUZZ_TARGET(answer) {
       FUZZ_CHECK(head.location().empty() || head.status() / 100 == 3);
     }
   }
+  CheckWebHead(feed.Rest(), head, good);
   for (const ContentCoding coding : {head.coding(), other_coding}) {
+    CheckWebBody(coding, body, piece);
     bool at_end = false, whole_at_end = false;
     const auto in_pieces = Decoded(coding, body, piece, at_end);
     const auto whole = Decoded(coding, body, body.size() + 1, whole_at_end);
