@@ -7,6 +7,7 @@
 #include "platform/posix/clock.h"
 #include "platform/posix/console.h"
 #include "platform/posix/curl_page_fetcher.h"
+#include "platform/posix/curl_web_client.h"
 #include "platform/posix/event_loop.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/files.h"
@@ -43,12 +44,22 @@ class PosixSystem final : public System {
       const std::string config = choice.home_given ? "" : UserConfigFolder();
       const std::string settings = config.empty() ? choice.home : config + "/quenlar";
       registry_ = std::make_unique<FileRegistry>(files_, *loop_, settings + "/quenlar.conf");
+      if (!choice.proxy.empty()) proxy_ = ProxyChoice::Given(choice.proxy);
       CurlPageFetcher::Options options;
-      if (!choice.proxy.empty()) options.proxy = ProxyChoice::Given(choice.proxy);
+      options.proxy = proxy_;
       fetcher_ = std::make_unique<CurlPageFetcher>(*loop_, options);
     }
     return Platform{*loop_, *fetcher_, *registry_, interfaces_, files_,       code_page_,
                     clock_, shell_,    boxes_,     idna_,       text_decoder_};
+  }
+
+  WebClient& web_client() override {
+    if (!web_client_) {
+      // The variable by which OpenSSL's programs are told whom to trust.
+      const std::string authorities = Environment("SSL_CERT_FILE").value_or("");
+      web_client_ = MakeCurlWebClient(*loop_, {.proxy = proxy_, .authorities = authorities});
+    }
+    return *web_client_;
   }
 
   void OnStop(std::function<void()> stop) override {
@@ -72,7 +83,9 @@ class PosixSystem final : public System {
   // In the order in which they need each other.
   std::unique_ptr<PosixEventLoop> loop_;
   std::unique_ptr<FileRegistry> registry_;
+  ProxyChoice proxy_;
   std::unique_ptr<CurlPageFetcher> fetcher_;
+  std::unique_ptr<WebClient> web_client_;
   std::unique_ptr<SignalWatcher> signals_;
 };
 

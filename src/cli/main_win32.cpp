@@ -16,6 +16,7 @@
 #include "platform/win32/shell.h"
 #include "platform/win32/text_decoder.h"
 #include "platform/win32/winhttp_page_fetcher.h"
+#include "platform/win32/winhttp_web_client.h"
 #include "platform/win32/winsock_loopback_server.h"
 #include "state/settings.h"
 
@@ -33,12 +34,18 @@ class Win32System final : public System {
   Result<Platform> Open(const PlatformChoice& choice) override {
     if (!registry_) {
       registry_ = std::make_unique<Win32Registry>(code_page_, Win32Registry::WritableRoot(kProjectKey));
+      if (!choice.proxy.empty()) proxy_ = ProxyChoice::Given(choice.proxy);
       WinHttpOptions options;
-      if (!choice.proxy.empty()) options.proxy = ProxyChoice::Given(choice.proxy);
+      options.proxy = proxy_;
       fetcher_ = std::make_unique<WinHttpPageFetcher>(loop_, options);
     }
     return Platform{loop_,  *fetcher_, *registry_, interfaces_, files_,       code_page_,
                     clock_, shell_,    boxes_,     idna_,       text_decoder_};
+  }
+
+  WebClient& web_client() override {
+    if (!web_client_) web_client_ = MakeWinHttpWebClient(loop_, proxy_);
+    return *web_client_;
   }
 
   void OnStop(std::function<void()> stop) override {
@@ -61,7 +68,9 @@ class Win32System final : public System {
   Win32Shell shell_;
   Win32InterfaceTable interfaces_;
   std::unique_ptr<Win32Registry> registry_;
+  ProxyChoice proxy_;
   std::unique_ptr<WinHttpPageFetcher> fetcher_;
+  std::unique_ptr<WebClient> web_client_;
   std::unique_ptr<Win32ConsoleStop> stop_;
 };
 

@@ -11,6 +11,7 @@
 #include "platform/console.h"
 #include "platform/loopback_server.h"
 #include "platform/platform.h"
+#include "platform/web_client.h"
 
 namespace quenlar {
 
@@ -37,6 +38,10 @@ class System {
 
   // Builds the platform. A second call returns the same one. The references are valid as long as the system lives.
   [[nodiscard]] virtual Result<Platform> Open(const PlatformChoice& choice) = 0;
+
+  // The crawler's client, on the platform's loop and through the proxy that Open was given. It is built by the first
+  // call, which comes after Open.
+  [[nodiscard]] virtual WebClient& web_client() = 0;
 
   // From now on the user's wish to stop, such as Ctrl-C, calls `stop` inside a pump. A second wish ends the process at
   // once. Before this call the first one does. Called once, after Open.

@@ -36,6 +36,7 @@ class CommandSystem : public System {
     return Platform{p.loop,  p.fetcher, p.registry, p.interfaces, p.files,       p.code_page,
                     p.clock, p.shell,   boxes_,     p.idna,       p.text_decoder};
   }
+  WebClient& web_client() override { return fake.web_client; }
   void OnStop(std::function<void()> handler) override {
     stop = std::move(handler);
     if (when_ready) when_ready();

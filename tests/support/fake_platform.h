@@ -10,12 +10,14 @@
 #include "support/in_memory_files.h"
 #include "support/recorders.h"
 #include "support/scripted_fetcher.h"
+#include "support/scripted_web_client.h"
 
 namespace quenlar {
 
 struct FakePlatform {
   FakeEventLoop loop;
   ScriptedFetcher fetcher{loop};
+  ScriptedWebClient web_client{loop};
   FakeRegistry registry;
   FakeInterfaceTable interfaces;
   InMemoryFiles files;
