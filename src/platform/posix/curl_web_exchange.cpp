@@ -11,7 +11,7 @@
 namespace quenlar {
 namespace {
 
-constexpr long kReceiveBytes = 32 * 1024;
+constexpr long kReceiveBytes = 16 * 1024;
 constexpr long kIdleSeconds = 90;  // the caller closes idle connections sooner
 
 // What curl calls lets no exception out: what memory does not hold is not added, and ends the exchange.
