@@ -11,7 +11,7 @@ packages_for() {
     windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 dpkg-dev make tcl ;;
     window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;
     test)    packages_for window; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev \
-                  python3-protego libpsl5 ;;
+                  python3-protego python3-html5lib libpsl5 ;;
     bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \
                   libgumbo-dev wget wget2 curl nginx-light mawk time dpkg ;;
     fuzz)    packages_for run; echo clang libclang-rt-14-dev ;;

@@ -45,7 +45,9 @@ void MarkupReader::Declaration(Markup& markup, std::size_t open) {
   if (rest.starts_with("--")) return Comment(markup, open);
   if (StartsWithIgnoreCase(rest, "doctype")) return UntilClose(markup, Markup::Kind::kDeclaration, open, open + 9);
   constexpr std::string_view kCdata = "[CDATA[";
-  if (!foreign_ || !rest.starts_with(kCdata)) return UntilClose(markup, Markup::Kind::kComment, open, open + 2);
+  // The element at hand counts, and where HTML begins again it still is one of svg or math.
+  const bool in_foreign = !open_.empty() && open_.back().html_open == 0;
+  if (!in_foreign || !rest.starts_with(kCdata)) return UntilClose(markup, Markup::Kind::kComment, open, open + 2);
   const std::size_t inside = open + 2 + kCdata.size();
   std::size_t close = FindByte(page_, '>', inside);
   while (close != kNone && (close < inside + 2 || page_[close - 1] != ']' || page_[close - 2] != ']')) {
@@ -122,19 +124,28 @@ std::size_t MarkupReader::ScriptEnd() const {
   return page_.size();
 }
 
-void MarkupReader::Enter(Realm realm, TagName element) {
-  levels_.push_back({realm, element});
-  foreign_ = realm != Realm::kHtml;
+void MarkupReader::Enter(const Markup& markup, Realm inside) {
+  const std::string_view text = page_.substr(markup.begin + 1, markup.attributes - markup.begin - 1);
+  open_.push_back({TagId(markup.name, text), 0, markup.name, inside});
+  foreign_ = inside != Realm::kHtml;
 }
 
-void MarkupReader::Leave() {
-  levels_.pop_back();
-  foreign_ = !levels_.empty() && levels_.back().realm != Realm::kHtml;
+// Closes all but the outermost `count` elements.
+void MarkupReader::LeaveTo(std::size_t count) {
+  open_.resize(count);
+  foreign_ = count > 0 && open_.back().inside != Realm::kHtml;
+}
+
+// Closes the elements up to the next HTML around them.
+void MarkupReader::LeaveForeign() {
+  std::size_t count = open_.size();
+  while (count > 0 && open_[count - 1].inside != Realm::kHtml) --count;
+  LeaveTo(count);
 }
 
 // Whether HTML begins again in the element: "HTML integration points" and "MathML text integration points".
 bool MarkupReader::BeginsHtml(const Markup& markup) const {
-  if (levels_.back().realm == Realm::kSvg) {
+  if (open_.back().inside == Realm::kSvg) {
     return markup.name == TagName::kForeignObject || markup.name == TagName::kDesc || markup.name == TagName::kTitle;
   }
   if (markup.name == TagName::kAnnotationXml) {
@@ -162,20 +173,32 @@ bool MarkupReader::EndsForeign(const Markup& markup) const {
 }
 
 void MarkupReader::ForeignStart(Markup& markup) {
-  if (foreign_ && EndsForeign(markup)) return Leave();
+  if (foreign_ && EndsForeign(markup)) LeaveForeign();
+  const bool svg = markup.name == TagName::kSvg;
+  if (!foreign_ && !svg && markup.name != TagName::kMath) {
+    if (!open_.empty() && !Has(markup.name, kNoContent)) ++open_.back().html_open;
+    return;
+  }
   markup.foreign = true;
   if (markup.self_closing) return;
-  if (!foreign_) return Enter(markup.name == TagName::kSvg ? Realm::kSvg : Realm::kMath, markup.name);
-  if (markup.name == levels_.back().element)
-    ++levels_.back().depth;
-  else if (BeginsHtml(markup))
-    Enter(Realm::kHtml, markup.name);
+  if (!foreign_ || (svg && open_.back().name == TagName::kAnnotationXml))
+    Enter(markup, svg ? Realm::kSvg : Realm::kMath);
+  else
+    Enter(markup, BeginsHtml(markup) ? Realm::kHtml : open_.back().inside);
 }
 
 void MarkupReader::ForeignEnd(Markup& markup) {
-  if (foreign_ && (markup.name == TagName::kP || markup.name == TagName::kBr)) return Leave();
+  if (foreign_ && (markup.name == TagName::kP || markup.name == TagName::kBr)) return LeaveForeign();
   markup.foreign = foreign_;
-  if (markup.name == levels_.back().element && --levels_.back().depth == 0) Leave();
+  if (open_.back().html_open > 0) {
+    if (!Has(markup.name, kNoContent)) --open_.back().html_open;
+    return;
+  }
+  const std::uint32_t id = TagId(markup.name, page_.substr(markup.begin + 2, markup.attributes - markup.begin - 2));
+  // HTML elements between two elements of svg or math stop the search.
+  for (std::size_t at = open_.size(), left = kDeepest; at-- > 0 && left-- > 0 && open_[at].html_open == 0;) {
+    if (open_[at].id == id) return LeaveTo(at);
+  }
 }
 
 }  // namespace quenlar

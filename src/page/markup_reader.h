@@ -36,11 +36,11 @@ struct Markup {
 };
 
 // Reads a page from its beginning. What is never closed (a comment, a quote, a script) reaches to the end of the page
-// and is looked for once, so the time is linear in the page. Memory: a few bytes a level of svg within HTML within svg.
+// and is looked for once, so the time is linear in the page. Memory: a few bytes an open element of svg or math.
 //
 // The standard's tokenizer asks the tree that is being built about one thing: whether it is in foreign content, where
-// <style> and <title> are no raw text and CDATA sections are text. Here the open svg and math elements and the places
-// where HTML begins again in them stand for the tree.
+// <style> and <title> are no raw text and CDATA sections are text. Here the open elements of svg and math, and how many
+// HTML elements are open in each of them, stand for the tree.
 class MarkupReader {
  public:
   explicit MarkupReader(std::string_view page) : page_(page) {}
@@ -70,12 +70,15 @@ class MarkupReader {
   void StartIn(TagName name) { raw_ = name; }
 
  private:
-  // A stretch of foreign content, or of HTML within one.
+  static constexpr std::size_t kDeepest = 256;  // how far the search for the element that a tag ends goes
+
   enum class Realm : std::uint8_t { kHtml, kSvg, kMath };
-  struct Level {
-    Realm realm;
-    TagName element;          // that began it
-    std::uint32_t depth = 1;  // how many of this name are open
+  // An open element of svg or math.
+  struct Foreign {
+    std::uint32_t id;         // see TagId
+    std::uint32_t html_open;  // how many HTML elements are open in it
+    TagName name;
+    Realm inside;  // what its content is
   };
 
   void AtEnd(Markup& markup) { AtEnd(markup, page_.size()); }
@@ -110,7 +113,7 @@ class MarkupReader {
   void StartTag(Markup& markup) {
     markup.kind = Markup::Kind::kStartTag;
     markup.foreign = false;
-    if (foreign_ || markup.name == TagName::kSvg || markup.name == TagName::kMath) {
+    if (!open_.empty() || markup.name == TagName::kSvg || markup.name == TagName::kMath) {
       ForeignStart(markup);
       if (markup.foreign) return;
     }
@@ -119,7 +122,7 @@ class MarkupReader {
   void EndTag(Markup& markup) {
     markup.kind = Markup::Kind::kEndTag;
     markup.foreign = false;
-    if (!levels_.empty()) ForeignEnd(markup);
+    if (!open_.empty()) ForeignEnd(markup);
   }
 
   void RawText(Markup& markup);
@@ -134,16 +137,17 @@ class MarkupReader {
 
   void ForeignStart(Markup& markup);
   void ForeignEnd(Markup& markup);
-  void Enter(Realm realm, TagName element);
-  void Leave();
+  void Enter(const Markup& markup, Realm inside);
+  void LeaveTo(std::size_t count);
+  void LeaveForeign();
   [[nodiscard]] bool BeginsHtml(const Markup& markup) const;
   [[nodiscard]] bool EndsForeign(const Markup& markup) const;
 
   std::string_view page_;
   std::size_t at_ = 0;
   TagName raw_ = TagName::kOther;  // the element whose raw text comes next
-  bool foreign_ = false;           // the last of `levels_` is not HTML
-  std::vector<Level> levels_;
+  bool foreign_ = false;           // the content at hand is svg or math
+  std::vector<Foreign> open_;
 };
 
 }  // namespace quenlar

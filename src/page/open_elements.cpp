@@ -44,13 +44,6 @@ ElementLook LookOfStyle(std::string_view style) {
   return {not_displayed || invisible, overrides && right_to_left};
 }
 
-std::uint32_t OpenElements::IdOf(TagName name, std::string_view text) {
-  if (name != TagName::kOther) return static_cast<std::uint32_t>(name);
-  std::uint32_t id = 2166136261u;
-  for (const char c : text) id = (id ^ static_cast<unsigned char>(ToLower(c))) * 16777619u;
-  return id | 0x10000u;
-}
-
 void OpenElements::Count(const Element& element, int change) {
   const auto by = static_cast<std::uint32_t>(change);
   open_of_[element.id & 255] += by;
@@ -66,13 +59,13 @@ void OpenElements::Pop() {
 void OpenElements::Start(TagName name, std::string_view text, ElementLook look, bool self_closing) {
   CloseImplied(name);
   if (self_closing || Has(name, kNoContent)) return;
-  const Element element{IdOf(name, text), name, look};
+  const Element element{TagId(name, text), name, look};
   open_.push_back(element);
   Count(element, 1);
 }
 
 void OpenElements::End(TagName name, std::string_view text) {
-  const std::uint32_t id = IdOf(name, text);
+  const std::uint32_t id = TagId(name, text);
   if (open_of_[id & 255] == 0) return;
   bool over_block = false;
   for (std::size_t at = open_.size(), left = kDeepest; at-- > 0 && left-- > 0;) {

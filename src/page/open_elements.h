@@ -37,12 +37,11 @@ class OpenElements {
   static constexpr std::size_t kDeepest = 256;  // how far a search goes
 
   struct Element {
-    std::uint32_t id;  // one a name, except that two unusual names may share one
+    std::uint32_t id;  // see TagId
     TagName name;
     ElementLook look;
   };
 
-  static std::uint32_t IdOf(TagName name, std::string_view text);
   void CloseImplied(TagName starting);
   template <typename Ends, typename Stops>
   void CloseInnermost(Ends ends, Stops stops);

@@ -4,13 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "base/ascii.h"
 #include "base/text_arena.h"
 #include "base/text_hash.h"
 #include "page/address_place.h"
+#include "platform/index_table.h"
 
 namespace quenlar {
 
@@ -33,6 +32,7 @@ class PageAddressList {
  private:
   // An address, whatever its letter case.
   struct Address {
+    std::string_view first;    // as it came first
     std::string_view plain;    // as first written plainly; empty: only protected so far
     std::string_view decoded;  // as first decoded; empty: never protected
     std::uint8_t places = 0;   // a bit a place
@@ -43,16 +43,12 @@ class PageAddressList {
     std::string_view written;
   };
 
-  struct Hash {
-    TextHash hash;
-    std::size_t operator()(std::string_view address) const { return hash.IgnoringCase(address); }
-  };
-  struct Same {
-    bool operator()(std::string_view a, std::string_view b) const { return EqualsIgnoreCase(a, b); }
-  };
+  // The number of the address in `addresses_`.
+  std::uint32_t NumberOf(std::string_view address);
 
   TextArena texts_;
-  std::unordered_map<std::string_view, std::uint32_t, Hash, Same> numbers_;
+  TextHash hash_;
+  IndexTable index_;
   std::vector<Address> addresses_;
   std::vector<Entry> entries_;
 };

@@ -279,9 +279,10 @@ struct Slot {
 
 constexpr std::size_t SlotOf(std::uint64_t key, std::uint64_t factor) { return key * factor >> 54; }
 
-// A factor that puts every name into a slot of its own.
+// A factor that puts every name into a slot of its own. The search begins at the one found for today's list, so that it
+// stays within the steps that compilers allow.
 inline constexpr std::uint64_t kFactor = [] {
-  for (std::uint64_t factor = 0x9E3779B97F4A7C15u;; factor += 0xD6E8FEB86659FD92u) {
+  for (std::uint64_t factor = 0x935C7B21058CB2A3u;; factor += 0xD6E8FEB86659FD92u) {
     std::array<bool, kSlots> used{};
     bool alone = true;
     for (std::size_t i = 1; i < kList.size() && alone; ++i) {
@@ -309,6 +310,14 @@ inline constexpr auto kTable = [] {
 }
 [[nodiscard]] constexpr bool Has(TagName name, std::uint8_t traits) {
   return (tag_names::kList[static_cast<std::size_t>(name)].traits & traits) != 0;
+}
+
+// A number for a tag's name, `text` as written: one a name, except that two unusual names may share one.
+[[nodiscard]] inline std::uint32_t TagId(TagName name, std::string_view text) {
+  if (name != TagName::kOther) return static_cast<std::uint32_t>(name);
+  std::uint32_t id = 2166136261u;
+  for (const char c : text) id = (id ^ static_cast<unsigned char>(ToLower(c))) * 16777619u;
+  return id | 0x10000u;
 }
 
 // The name page[begin, begin + size) in any letter case; kOther where it is not in the list. `size` is not 0.

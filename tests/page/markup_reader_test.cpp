@@ -131,7 +131,8 @@ TEST(Markup, CdataIsTextInForeignContent) {
          {"<math><![CDATA[a]]]]>c", "<math>[a]]]c"},
          {"<svg><![CDATA[a", "<svg>[a]"},
          {"<svg></svg><![CDATA[a]]>", "<svg></svg>{[CDATA[a]]}"},
-         {"<svg/><![CDATA[a]]>", "<svg/>{[CDATA[a]]}"}});
+         {"<svg/><![CDATA[a]]>", "<svg/>{[CDATA[a]]}"},
+         {"<svg><title><![CDATA[a]]><b><![CDATA[a]]></b><![CDATA[a]]>", "<svg><title>[a]<b>{[CDATA[a]]}</b>[a]"}});
 }
 
 TEST(Markup, ForeignContentHasNoRawText) {
@@ -149,6 +150,21 @@ TEST(Markup, ForeignContentHasNoRawText) {
          {"<math><annotation-xml encoding='Text/HTML'><style><a></style>",
           "<math><annotation-xml encoding=Text/HTML><style>[<a>]</style>"},
          {"<math><annotation-xml><style><a>", "<math><annotation-xml><style><a>"}});
+}
+
+TEST(Markup, EndTagsCloseTheElementsOfForeignContentInThem) {
+  Check(
+      {{"<svg><g><svg></g></svg><style><a></style>", "<svg><><svg></></svg><style>[<a>]</style>"},
+       {"<svg><G><x></g><style><a>", "<svg><><></><style><a>"},
+       {"<svg><g></x></svg><style><a></style>", "<svg><></></svg><style>[<a>]</style>"},
+       {"<svg><title><title><a></title></title><style><a>", "<svg><title><title>[<a>]</title></title><style><a>"},
+       {"<svg><title><title><a></title></title></svg><style><a></style>",
+        "<svg><title><title>[<a>]</title></title></svg><style>[<a>]</style>"},
+       {"<math><mi><mi></mi><style><a></style></mi><style><a>",
+        "<math><mi><mi></mi><style>[<a>]</style></mi><style><a>"},
+       {"<math><annotation-xml><svg><desc><style><a></style>", "<math><annotation-xml><svg><desc><style>[<a>]</style>"},
+       {"<svg><desc><svg><g><p><style><a></style></p></desc><style><a>",
+        "<svg><desc><svg><><p><style>[<a>]</style></p></desc><style><a>"}});
 }
 
 TEST(Markup, EveryPageCanBreakOffAnywhere) {

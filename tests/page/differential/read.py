@@ -4,8 +4,10 @@
 usage: read.py QUENLAR [CASES] [SEED]
 
 The reference's tree builder drives its tokenizer, and the tokens are what is compared: the title, the targets of links, and
-which addresses stand in text, attributes, scripts and comments. Not generated is what needs the whole tree, which the program
-does not build: <select> and <frameset>, in which tags are thrown away, and end tags in svg and math of elements around. Ends with status 1 and the pages where the two differ.
+which addresses stand in text, attributes, scripts and comments. What needs the whole tree, which the program does not build, is
+not compared: <select> and <frameset>, in which tags are thrown away, are not generated, and a page on which the two differ is
+excused if an end tag met svg or math that are out of joint with HTML (Recorder.before_end_tag). Ends with status 1 and the other
+pages where the two differ.
 """
 import json
 import random
@@ -121,6 +123,7 @@ class Recorder(html5lib.HTMLParser):
         self.raw = None  # the element whose raw text is being read
         self.text = ""
         self.in_title = False
+        self.out_of_joint = False
         self.parse(page)
         self.end_text()
         return self.title, self.links, self.addresses
@@ -144,6 +147,8 @@ class Recorder(html5lib.HTMLParser):
                 self.end_text()
                 self.note(kind, token)
             name = token.get("name")
+            if kind == tokenTypes["EndTag"]:
+                self.before_end_tag(name)
             yield token
             # What the tree builder made of a start tag shows in the tokenizer's state.
             if kind == tokenTypes["StartTag"]:
@@ -153,6 +158,29 @@ class Recorder(html5lib.HTMLParser):
                 self.in_title = self.raw == "title" and self.title is None
                 if self.in_title:
                     self.title = ""
+
+    def is_html(self, element):
+        return element.namespace == self.tree.defaultNamespace
+
+    def begins_html(self, element):
+        return self.isHTMLIntegrationPoint(element) or self.isMathMLTextIntegrationPoint(element)
+
+    def before_end_tag(self, name):
+        elements = self.tree.openElements
+        if not elements or all(map(self.is_html, elements)):
+            return
+        current = elements[-1]
+        if self.is_html(current):
+            # HTML in svg or math: only an end tag of the innermost element leaves the rest of the tree as it was.
+            self.out_of_joint |= current.name != name
+        elif name in ("p", "br"):
+            # The reference is older than this rule of the standard: the two end svg and math.
+            while not self.is_html(elements[-1]) and not self.begins_html(elements[-1]):
+                elements.pop()
+        else:
+            # The end tag of an HTML element around ends svg and math, too.
+            met = next(element for element in reversed(elements) if self.is_html(element) or element.name.lower() == name)
+            self.out_of_joint |= self.is_html(met)
 
     def note(self, kind, token):
         if kind == tokenTypes["Comment"]:
@@ -194,12 +222,15 @@ def main():
     recorder = Recorder()
     process = subprocess.Popen([program, "analyze", "--jsonl"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
                                encoding="utf-8")
-    wrong = 0
+    wrong = excused = 0
     for _ in range(cases):
         page = generator.page()
         theirs = recorder.read(page)
         ours = ask(process, page)
         if ours == (theirs[0], list(dict.fromkeys(theirs[1])), theirs[2]):
+            continue
+        if recorder.out_of_joint:
+            excused += 1
             continue
         wrong += 1
         if wrong <= 10:
@@ -207,7 +238,7 @@ def main():
                   sorted(ours[2]))
     process.stdin.close()
     process.wait()
-    print("%d pages, %d differ" % (cases, wrong))
+    print("%d pages, %d differ, %d more are excused" % (cases, wrong, excused))
     sys.exit(1 if wrong else 0)
 
 
