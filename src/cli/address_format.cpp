@@ -28,4 +28,8 @@ std::string FormatAddress(const FoundAddress& record, AddressFormat format) {
   return JsonLine(FoundAddressJson(record));
 }
 
+AddressFormat FormatOf(std::string_view word) {
+  return word == "csv" ? AddressFormat::kCsv : word == "jsonl" ? AddressFormat::kJsonl : AddressFormat::kLines;
+}
+
 }  // namespace quenlar

@@ -14,6 +14,9 @@ enum class AddressFormat {
   kJsonl,  // {"URL", "Address", "Title", "TagOnly"}
 };
 
+// "lines", "csv" or "jsonl"; any other word counts as "lines".
+[[nodiscard]] AddressFormat FormatOf(std::string_view word);
+
 // Returns one line with its line feed. In csv, line ends inside a text become blanks.
 [[nodiscard]] std::string FormatAddress(const FoundAddress& record, AddressFormat format);
 

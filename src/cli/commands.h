@@ -5,8 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "cli/collect_run.h"
 #include "cli/extract_run.h"
 #include "cli/invocation.h"
+#include "collection/collection_reader.h"
 
 namespace CLI {
 class App;
@@ -18,6 +20,22 @@ namespace quenlar {
 struct ExtractArguments {
   ExtractOptions options;
   std::string format = "lines", search_engine, proxy, summary;
+};
+
+struct CollectArguments {
+  CollectOptions options;
+  std::string from, scope = "site", robots = "obey", format = "lines", proxy, summary;
+  double delay = 1;  // seconds
+};
+
+struct AddressesArguments {
+  std::string name, format = "lines", since;
+  bool sources = false;
+  SightingChoice choice;
+};
+
+struct WhyArguments {
+  std::string name, what, format = "text";
 };
 
 struct DeleteArguments {
@@ -40,6 +58,10 @@ struct FilterArguments {
 };
 
 [[nodiscard]] int Extract(Invocation& invocation, const ExtractArguments& arguments);
+[[nodiscard]] int Collect(Invocation& invocation, const CollectArguments& arguments);
+[[nodiscard]] int Addresses(Invocation& invocation, const AddressesArguments& arguments);
+[[nodiscard]] int Why(Invocation& invocation, const WhyArguments& arguments);
+[[nodiscard]] int Collections(Invocation& invocation);
 [[nodiscard]] int Analyze(Invocation& invocation);
 [[nodiscard]] int Projects(Invocation& invocation);
 [[nodiscard]] int Delete(Invocation& invocation, const DeleteArguments& arguments);

@@ -9,10 +9,6 @@
 namespace quenlar {
 namespace {
 
-AddressFormat FormatOf(const std::string& word) {
-  return word == "csv" ? AddressFormat::kCsv : word == "jsonl" ? AddressFormat::kJsonl : AddressFormat::kLines;
-}
-
 ExtractOptions OptionsOf(const ExtractArguments& arguments) {
   ExtractOptions options = arguments.options;
   options.format = FormatOf(arguments.format);

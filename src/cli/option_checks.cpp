@@ -5,6 +5,7 @@
 
 #include "base/ascii.h"
 #include "base/number.h"
+#include "cli/time_text.h"
 
 namespace quenlar {
 namespace {
@@ -84,6 +85,31 @@ std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int3
   const bool digits = value.find_first_not_of("0123456789") == std::string::npos;
   if (digits && number >= lowest && number <= highest) return "";
   return "must be a number from " + std::to_string(lowest) + " to " + std::to_string(highest);
+}
+
+std::string CheckServiceUrl(const std::string& value) {
+  std::string_view rest = value;
+  if (StartsWithIgnoreCase(rest, kHttp)) {
+    rest.remove_prefix(kHttp.size());
+  } else if (StartsWithIgnoreCase(rest, kHttps)) {
+    rest.remove_prefix(kHttps.size());
+  } else {
+    return "must be an address that begins with http:// or https://";
+  }
+  return IsHostAndPort(rest.substr(0, rest.find('/'))) ? "" : "must name a host";
+}
+
+std::string CheckContact(const std::string& value) {
+  constexpr std::size_t kLongest = 200;
+  const bool plain = std::all_of(value.begin(), value.end(), [](char c) { return c > ' ' && c < 0x7F; });
+  if (value.empty() || value.size() > kLongest || !plain || value.find_first_of("()\\") != std::string::npos) {
+    return "must be a web or mail address in ASCII, without blanks and parentheses";
+  }
+  return "";
+}
+
+std::string CheckTime(const std::string& value) {
+  return ParseTime(value) ? "" : "must be a date or a time such as 2026-11-22 or 2026-11-22T13:20:00Z";
 }
 
 }  // namespace quenlar

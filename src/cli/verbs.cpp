@@ -9,21 +9,12 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands.h"
+#include "cli/declare.h"
 #include "cli/option_checks.h"
 #include "state/settings_table.h"
 
 namespace quenlar {
-namespace {
 
-// `arguments` are filled in by the parsing, and live as long as the command.
-template <typename Arguments, typename Work>
-void Choose(CLI::App& verb, Command& chosen, Work work, const std::shared_ptr<Arguments>& arguments) {
-  verb.callback([&chosen, work, arguments] {
-    chosen = [work, arguments](Invocation& invocation) { return work(invocation, *arguments); };
-  });
-}
-
-// Holds an option to a few words; its type name lists them ("a|b|c").
 void TakeOneOf(CLI::Option& option, const std::vector<std::string>& words) {
   std::string type;
   for (const std::string& word : words) type += (type.empty() ? "" : "|") + word;
@@ -36,6 +27,25 @@ void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value, 
                    const std::string& help) {
   TakeOneOf(*verb.add_option(name, value, help), words);
 }
+
+void DeclareFilterWords(CLI::App& verb, std::vector<std::string>& remove, std::vector<std::string>& extract) {
+  verb.add_option("--remove", remove, "Drop addresses in which this word occurs (a regular expression; repeatable)")
+      ->type_name("WORD")
+      ->allow_extra_args(false);
+  verb.add_option("--extract", extract,
+                  "Keep only addresses in which such a word occurs (a regular expression; repeatable)")
+      ->type_name("WORD")
+      ->allow_extra_args(false);
+}
+
+void DeclareNetwork(CLI::App& verb, std::string& proxy, bool& assume_online) {
+  verb.add_option("--proxy", proxy, "HTTP proxy for every download instead of the system's own settings")
+      ->type_name("URL")
+      ->check(CheckProxyUrl);
+  verb.add_flag("--assume-online", assume_online, "Do not ask the system whether it is on line");
+}
+
+namespace {
 
 // The option of a setting that is overridden for one run.
 void DeclareOverride(CLI::App& verb, const SettingRow& row, std::vector<SettingChange>& overrides) {
@@ -61,14 +71,7 @@ void DeclareOverrides(CLI::App& verb, ExtractArguments& arguments) {
   for (const SettingRow& row : SettingsTable()) {
     if (row.option.name != nullptr) DeclareOverride(verb, row, arguments.options.overrides);
   }
-  verb.add_option("--remove", arguments.options.remove_words,
-                  "Drop addresses in which this word occurs (a regular expression; repeatable)")
-      ->type_name("WORD")
-      ->allow_extra_args(false);
-  verb.add_option("--extract", arguments.options.extract_words,
-                  "Keep only addresses in which such a word occurs (a regular expression; repeatable)")
-      ->type_name("WORD")
-      ->allow_extra_args(false);
+  DeclareFilterWords(verb, arguments.options.remove_words, arguments.options.extract_words);
 }
 
 void DeclareExtract(CLI::App& root, Command& chosen) {
@@ -86,10 +89,7 @@ void DeclareExtract(CLI::App& root, Command& chosen) {
       ->type_name("URL")
       ->check(CheckHostUrl)
       ->transform(WithoutTrailingSlash);
-  verb->add_option("--proxy", arguments->proxy, "HTTP proxy for every download instead of the system's own settings")
-      ->type_name("URL")
-      ->check(CheckProxyUrl);
-  verb->add_flag("--assume-online", arguments->options.assume_online, "Do not ask the system whether it is on line");
+  DeclareNetwork(*verb, arguments->proxy, arguments->options.assume_online);
   verb->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
       ->type_name("FILE")
       ->check(CheckNotEmpty);
@@ -264,8 +264,9 @@ void DeclareDescribe(CLI::App& root, Command& chosen) {
 }  // namespace
 
 void DeclareCommands(CLI::App& root, Command& chosen) {
-  for (const auto declare : {DeclareExtract, DeclareAnalyze, DeclareProjects, DeclareDelete, DeclareReport,
-                             DeclareMerge, DeclareOptions, DeclareFilter, DeclareNet, DeclareDemo, DeclareDescribe}) {
+  for (const auto declare :
+       {DeclareCollectionCommands, DeclareExtract, DeclareAnalyze, DeclareProjects, DeclareDelete, DeclareReport,
+        DeclareMerge, DeclareOptions, DeclareFilter, DeclareNet, DeclareDemo, DeclareDescribe}) {
     declare(root, chosen);
   }
 }

@@ -232,7 +232,7 @@ Crawler::Outcome Crawler::Finish(CrawlEnd end) {
   Outcome outcome;
   outcome.end = end;
   CancelRequests();
-  outcome.message = EndMessage(end);
+  outcome.messages = EndMessages(end);
   record_.ended = world_.clock.UtcSeconds();
   record_.reason = NameOf(end);
   record_.pages = figures_.pages;
@@ -252,23 +252,21 @@ Crawler::Outcome Crawler::Finish(CrawlEnd end) {
 }
 
 // Names the starts that gave no answer, or the hosts whose pages are left.
-std::string Crawler::EndMessage(CrawlEnd end) {
-  std::string message;
-  const auto add = [&](const std::string& sentence) { message += (message.empty() ? "" : "\n") + sentence; };
-  for (const std::string& problem : start_problems_) add(problem);
+std::vector<std::string> Crawler::EndMessages(CrawlEnd end) {
+  std::vector<std::string> messages = start_problems_;
   if (end == CrawlEnd::kFailed) {
-    for (const auto& [text, host] : start_hosts_) add(text + ": " + MemoryOf(host).reason);
-    return message;
+    for (const auto& [text, host] : start_hosts_) messages.push_back(text + ": " + MemoryOf(host).reason);
+    return messages;
   }
   constexpr std::size_t kMostNamed = 10;
   std::size_t count = 0;
   for (const auto& [host, memory] : memories_) {
     if (memory.reason.empty() || ++count > kMostNamed) continue;
     const Result<HostRow> row = collection_.Host(host);
-    if (row.ok()) add("Pages are left on " + row.value().origin + ": " + memory.reason);
+    if (row.ok()) messages.push_back("Pages are left on " + row.value().origin + ": " + memory.reason);
   }
-  if (count > kMostNamed) add("Pages are left on " + std::to_string(count - kMostNamed) + " more hosts");
-  return message;
+  if (count > kMostNamed) messages.push_back("Pages are left on " + std::to_string(count - kMostNamed) + " more hosts");
+  return messages;
 }
 
 }  // namespace quenlar

@@ -53,8 +53,8 @@ class Crawler final : private WebListener {
 
   struct Outcome {
     CrawlEnd end = CrawlEnd::kFinished;
-    Status status;        // of a collection that could not be written: the run ended with what was committed so far
-    std::string message;  // what else a person should know of the end; may be empty
+    Status status;  // of a collection that could not be written: the run ended with what was committed so far
+    std::vector<std::string> messages;  // what else a person should know of the end, sentences without their ends
   };
   // Pumps. Visits what is to be visited, from `starts` and from earlier runs, until nothing is left, a budget is used
   // up, or Stop was called. What was under way then is visited by the next run.
@@ -95,7 +95,7 @@ class Crawler final : private WebListener {
   [[nodiscard]] WebRequest RequestFor(const std::string& url, bool may_be_private) const;
   void CancelRequests();
   [[nodiscard]] Outcome Finish(CrawlEnd end);
-  [[nodiscard]] std::string EndMessage(CrawlEnd end);
+  [[nodiscard]] std::vector<std::string> EndMessages(CrawlEnd end);
   // Remember the first failure of the collection, which ends the run. True where there is one.
   bool Failed(const Status& status);
   template <typename T>

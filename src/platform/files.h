@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/status.h"
 
@@ -39,6 +40,9 @@ class Files {
   [[nodiscard]] virtual bool FolderExists(const std::string& path) const = 0;
 
   // Makes a folder. Its parent must exist. An existing folder is a success.
+  // The names of the files and folders in a folder, sorted bytewise. kNotFound when there is no such folder.
+  [[nodiscard]] virtual Result<std::vector<std::string>> Names(const std::string& folder) const = 0;
+
   virtual Status MakeFolder(const std::string& path) = 0;
 
   // Hands the bytes of the file to `block` piece by piece and in order, until its end, or until `block` returns false.

@@ -102,7 +102,7 @@ TEST_F(CrawlTest, NothingIsAskedForWhileRobotsTxtCannotBeHadAndTheHostIsGivenUpI
   EXPECT_EQ(At("https://www.firma.de/robots.txt", 3), minutes(31));
   EXPECT_EQ(Count("https://www.firma.de/"), 0);
   EXPECT_EQ(left_, 1);
-  EXPECT_THAT(outcome.message, HasSubstr("https://www.firma.de"));
+  EXPECT_THAT(outcome.messages, Contains(HasSubstr("https://www.firma.de")));
 }
 
 TEST_F(CrawlTest, RobotsTxtMayRedirectFiveTimes) {
@@ -325,7 +325,7 @@ TEST_F(CrawlTest, ABadCertificateIsNoReasonToFallBack) {
   Page("http://www.firma.de/", "a@firma.de");
   const auto outcome = Crawl({"www.firma.de"});
   EXPECT_EQ(outcome.end, CrawlEnd::kFailed);
-  EXPECT_THAT(outcome.message, HasSubstr("www.firma.de: the certificate has expired"));
+  EXPECT_THAT(outcome.messages, Contains(HasSubstr("www.firma.de: the certificate has expired")));
   EXPECT_EQ(left_, 1);
 }
 
@@ -353,7 +353,7 @@ TEST_F(CrawlTest, AHostThatAsksForMoreThanFiveMinutesIsNotWaitedForAlone) {
   const auto outcome = Crawl({"www.firma.de"});
   EXPECT_EQ(outcome.end, CrawlEnd::kFinished);
   EXPECT_EQ(left_, 1);
-  EXPECT_THAT(outcome.message, HasSubstr("https://www.firma.de"));
+  EXPECT_THAT(outcome.messages, Contains(HasSubstr("https://www.firma.de")));
   EXPECT_LT(loop_.now(), minutes(1));
 }
 
@@ -365,7 +365,7 @@ TEST_F(CrawlTest, FiveFailuresInARowGiveAHostUp) {
   const auto outcome = Crawl({"www.firma.de"});
   EXPECT_EQ(figures_.failed, 5u);
   EXPECT_EQ(left_, 3);
-  EXPECT_THAT(outcome.message, HasSubstr("5 failures in a row"));
+  EXPECT_THAT(outcome.messages, Contains(HasSubstr("5 failures in a row")));
 }
 
 TEST_F(CrawlTest, AnotherErrorEndsTheRowOfFailures) {
@@ -501,7 +501,7 @@ TEST_F(CrawlTest, AKeywordBecomesTheSitesOfItsResults) {
 TEST_F(CrawlTest, AKeywordWithoutASearchServiceSaysHowToGetOne) {
   const auto outcome = Crawl({"red cars"});
   EXPECT_EQ(outcome.end, CrawlEnd::kFailed);
-  EXPECT_THAT(outcome.message, HasSubstr("--search URL"));
+  EXPECT_THAT(outcome.messages, Contains(HasSubstr("--search URL")));
 }
 
 TEST_F(CrawlTest, ASearchServiceThatRefusesSaysWhy) {
@@ -509,7 +509,7 @@ TEST_F(CrawlTest, ASearchServiceThatRefusesSaysWhy) {
   client_.ServeOthers([](const WebRequest&) { return ScriptedWebAnswer{.status = 403}; });
   const auto outcome = Crawl({"red cars"});
   EXPECT_EQ(outcome.end, CrawlEnd::kFailed);
-  EXPECT_THAT(outcome.message, HasSubstr("search.formats"));
+  EXPECT_THAT(outcome.messages, Contains(HasSubstr("search.formats")));
 }
 
 TEST_F(CrawlTest, OffLineNothingIsAskedFor) {

@@ -155,6 +155,18 @@ TEST_P(FilesContract, WhatIsNotThereIsNotFound) {
   EXPECT_FALSE(files_.Lock(At("no"), "lock").ok());
 }
 
+TEST_P(FilesContract, NamesAreThoseOfFilesAndFoldersInOrder) {
+  ASSERT_TRUE(files_.MakeFolder(At("sub")).ok());
+  ASSERT_TRUE(WriteWhole(files_, At("b"), "x").ok());
+  ASSERT_TRUE(WriteWhole(files_, At("\xC3\xA4"), "x").ok());
+  ASSERT_TRUE(WriteWhole(files_, At("sub/inside"), "x").ok());
+  const auto names = files_.Names(At(""));
+  ASSERT_TRUE(names.ok()) << names.status().message();
+  EXPECT_EQ(names.value(), (std::vector<std::string>{"b", "sub", "\xC3\xA4"}));
+  EXPECT_EQ(files_.Names(At("sub")).value(), (std::vector<std::string>{"inside"}));
+  EXPECT_EQ(files_.Names(At("none")).status().kind(), StatusKind::kNotFound);
+}
+
 TEST_P(FilesContract, AFileInTheWayIsNoFolder) {
   ASSERT_TRUE(WriteWhole(files_, At("a"), "x").ok());
   EXPECT_FALSE(files_.FolderExists(At("a")));

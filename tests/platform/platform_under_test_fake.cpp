@@ -15,6 +15,9 @@ class FilesReference : public Files {
   explicit FilesReference(Files& files) : files_(files) {}
   [[nodiscard]] bool FileExists(const std::string& path) const override { return files_.FileExists(path); }
   [[nodiscard]] bool FolderExists(const std::string& path) const override { return files_.FolderExists(path); }
+  [[nodiscard]] Result<std::vector<std::string>> Names(const std::string& folder) const override {
+    return files_.Names(folder);
+  }
   Status MakeFolder(const std::string& path) override { return files_.MakeFolder(path); }
   Status Read(const std::string& path, const std::function<bool(std::string_view)>& block) const override {
     return files_.Read(path, block);

@@ -74,6 +74,20 @@ bool InMemoryFiles::FolderExists(const std::string& path) const {
   return plain == "/" || (plain.size() == 2 && plain[1] == ':') || folders_.contains(plain);
 }
 
+Result<std::vector<std::string>> InMemoryFiles::Names(const std::string& folder) const {
+  if (const Status call = CountCall("names", folder); !call.ok()) return call;
+  if (!FolderExists(folder)) return Status(StatusKind::kNotFound, folder + ": no such folder");
+  const std::string plain = Plain(folder);
+  std::vector<std::string> names;
+  const auto add = [&](const std::string& path) {
+    if (Parent(path) == plain) names.push_back(path.substr(path.rfind('/') + 1));
+  };
+  for (const auto& [path, contents] : files_) add(path);
+  for (const std::string& path : folders_) add(path);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 Status InMemoryFiles::MakeFolder(const std::string& path) {
   if (const Status call = CountCall("make folder", path); !call.ok()) return call;
   if (FolderExists(path)) return Status::Ok();

@@ -1,9 +1,12 @@
 #include "platform/posix/files.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <memory>
 #include <utility>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -42,6 +45,23 @@ bool PosixFiles::FileExists(const std::string& path) const {
 bool PosixFiles::FolderExists(const std::string& path) const {
   struct stat about {};
   return CheckPath(path).ok() && stat(path.c_str(), &about) == 0 && S_ISDIR(about.st_mode);
+}
+
+Result<std::vector<std::string>> PosixFiles::Names(const std::string& folder) const {
+  if (const Status checked = CheckPath(folder); !checked.ok()) return checked;
+  const std::unique_ptr<DIR, int (*)(DIR*)> open_folder(opendir(folder.c_str()), closedir);
+  if (!open_folder) return StatusOfErrno(errno, folder);
+  std::vector<std::string> names;
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = readdir(open_folder.get());
+    if (entry == nullptr) break;
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") names.emplace_back(name);
+  }
+  if (errno != 0) return StatusOfErrno(errno, folder);
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 Status PosixFiles::MakeFolder(const std::string& path) {

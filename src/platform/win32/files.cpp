@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cwchar>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -177,6 +178,21 @@ bool Win32Files::FileExists(const std::string& path) const {
 }
 
 bool Win32Files::FolderExists(const std::string& path) const { return IsFolder(NativePath(path)); }
+
+Result<std::vector<std::string>> Win32Files::Names(const std::string& folder) const {
+  WIN32_FIND_DATAW entry;
+  const HANDLE search = FindFirstFileW((NativePath(folder) + L"\\*").c_str(), &entry);
+  if (search == INVALID_HANDLE_VALUE) return LastError(folder);
+  const std::unique_ptr<void, BOOL(WINAPI*)(HANDLE)> closer(search, FindClose);
+  std::vector<std::string> names;
+  do {
+    const std::string name = win32::FromWide(entry.cFileName);
+    if (name != "." && name != "..") names.push_back(name);
+  } while (FindNextFileW(search, &entry));
+  if (GetLastError() != ERROR_NO_MORE_FILES) return LastError(folder);
+  std::sort(names.begin(), names.end());
+  return names;
+}
 
 Status Win32Files::MakeFolder(const std::string& path) {
   const std::wstring native = NativePath(path);

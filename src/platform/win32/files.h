@@ -19,6 +19,7 @@ class Win32Files final : public Files {
   explicit Win32Files(std::function<void()> pause) : pause_(std::move(pause)) {}
   [[nodiscard]] bool FileExists(const std::string& path) const override;
   [[nodiscard]] bool FolderExists(const std::string& path) const override;
+  [[nodiscard]] Result<std::vector<std::string>> Names(const std::string& folder) const override;
   Status MakeFolder(const std::string& path) override;
   Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;

@@ -1,0 +1,29 @@
+// quenlar addresses: what a collection holds.
+#include <string>
+
+#include "cli/commands.h"
+#include "cli/exit_status.h"
+#include "cli/open_collection.h"
+#include "cli/option_checks.h"
+#include "cli/sighting_format.h"
+#include "cli/time_text.h"
+
+namespace quenlar {
+
+int Addresses(Invocation& invocation, const AddressesArguments& arguments) {
+  const auto reader = OpenCollection(invocation, arguments.name);
+  if (!reader.ok()) return invocation.Fail(reader.status());
+  SightingChoice choice = arguments.choice;
+  if (!arguments.since.empty()) choice.since = ParseTime(arguments.since);
+  const AddressFormat format = FormatOf(arguments.format);
+  const auto print = [&](const Sighting& sighting) {
+    std::string line = FormatSighting(sighting, format);
+    line.pop_back();  // Print adds it
+    return invocation.Print(line);
+  };
+  const Status listed =
+      arguments.sources ? reader.value()->Sightings(choice, print) : reader.value()->Addresses(choice, print);
+  return listed.ok() ? kExitDone : invocation.Fail(listed);
+}
+
+}  // namespace quenlar

@@ -1,0 +1,108 @@
+// quenlar collect: visits the sites of its starts and lists every new address as it is found.
+#include <utility>
+
+#include "base/ascii.h"
+#include "cli/collect_run.h"
+#include "cli/commands.h"
+#include "cli/exit_status.h"
+#include "cli/line_reader.h"
+#include "cli/option_checks.h"
+#include "cli/paths.h"
+#include "cli/web_options.h"
+#include "engine/collections.h"
+#include "platform/files.h"
+#include "platform/registry.h"
+
+namespace quenlar {
+namespace {
+
+constexpr std::size_t kLongestStart = 64 * 1024;
+
+// One start a line. Blanks around it do not count, nor do empty lines and lines that begin with "#".
+void AddStartLine(std::string_view line, std::vector<std::string>& starts) {
+  const std::string_view start = TrimBlanks(line);
+  if (!start.empty() && start.front() != '#') starts.emplace_back(start);
+}
+
+Status ReadStarts(Invocation& invocation, const Files& files, const std::string& from,
+                  std::vector<std::string>& starts) {
+  if (from != "-") {
+    const Result<std::string> text = ReadWhole(files, AbsolutePath(from));
+    if (!text.ok()) return text.status();
+    for (const std::string_view line : Split(text.value(), "\n")) AddStartLine(line, starts);
+    return Status::Ok();
+  }
+  LineReader lines(invocation.console(), kLongestStart);
+  std::string line;
+  for (;;) {
+    switch (lines.Next(line)) {
+      case LineReader::Outcome::kEnd:
+        return Status::Ok();
+      case LineReader::Outcome::kTooLong:
+        return {StatusKind::kFormat, "A line of the starts is too long"};
+      case LineReader::Outcome::kLine:
+        AddStartLine(line, starts);
+    }
+  }
+}
+
+CollectOptions OptionsOf(const CollectArguments& arguments) {
+  CollectOptions options = arguments.options;
+  options.format = FormatOf(arguments.format);
+  options.crawl.scope = arguments.scope == "host"       ? CrawlScope::kHost
+                        : arguments.scope == "anywhere" ? CrawlScope::kAnywhere
+                                                        : CrawlScope::kSite;
+  options.crawl.delay = std::chrono::milliseconds(static_cast<std::int64_t>(arguments.delay * 1000));
+  options.crawl.obey_robots = arguments.robots != "ignore";
+  options.remove_words = TidyWords(options.remove_words);
+  options.extract_words = TidyWords(options.extract_words);
+  return options;
+}
+
+// Puts in what is stored, and stores what is new.
+Status UseStored(Registry& registry, CrawlOptions& crawl) {
+  if (Status read = registry.Flush(); !read.ok()) return read;
+  const WebOptions stored = LoadWebOptions(registry);
+  if (Status kept = StoreWebOptions(registry, {crawl.contact, crawl.search_service}); !kept.ok()) return kept;
+  if (crawl.contact.empty()) crawl.contact = stored.contact;
+  if (crawl.search_service.empty()) crawl.search_service = stored.search_service;
+  return Status::Ok();
+}
+
+Result<CollectResult> RunIn(Invocation& invocation, const CollectArguments& arguments) {
+  invocation.choice().proxy = arguments.proxy;
+  Result<Workplace> place = TakeWorkplace(invocation);
+  if (!place.ok()) return place.status();
+  CollectOptions options = OptionsOf(arguments);
+  if (!arguments.from.empty()) {
+    const Status read = ReadStarts(invocation, place.value().platform.files, arguments.from, options.starts);
+    if (!read.ok()) return read;
+  }
+  if (options.starts.empty()) return Status(StatusKind::kNotFound, "There is nothing to start from");
+  if (const Status used = UseStored(place.value().platform.registry, options.crawl); !used.ok()) return used;
+  if (options.name.empty()) {
+    options.name = CollectionName(options.starts.front(), options.crawl.language, place.value().installation);
+  }
+  return RunCollect(invocation.console(), place.value(), invocation.system().web_client(), options,
+                    [&](std::function<void()> stop) { invocation.system().OnStop(std::move(stop)); });
+}
+
+}  // namespace
+
+int Collect(Invocation& invocation, const CollectArguments& arguments) {
+  Result<CollectResult> run = RunIn(invocation, arguments);
+  CollectResult result;
+  if (run.ok()) {
+    result = run.take();
+  } else {
+    result.status = invocation.Fail(run.status());
+    result.reason = SentenceOf(run.status());
+  }
+  if (arguments.summary.empty()) return result.status;
+  const Result<Platform> platform = invocation.system().Open(invocation.choice());
+  if (!platform.ok()) return result.status;
+  const Status written = WriteWhole(platform.value().files, AbsolutePath(arguments.summary), SummaryText(result));
+  return written.ok() ? result.status : invocation.Fail(written);
+}
+
+}  // namespace quenlar

@@ -1,0 +1,161 @@
+// The commands of collections as the command line knows them: names, options and help.
+#include <limits>
+
+#include "cli/commands.h"
+#include "cli/declare.h"
+#include "cli/option_checks.h"
+#include "state/settings.h"
+
+namespace quenlar {
+namespace {
+
+std::vector<std::string> LanguageCodes() {
+  std::vector<std::string> codes;
+  for (const Language& language : kLanguages) codes.emplace_back(language.code);
+  return codes;
+}
+
+void DeclareBudgets(CLI::App& verb, CrawlOptions& crawl) {
+  verb.add_option("--pages", crawl.pages, "End the run after so many pages")
+      ->type_name("N")
+      ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
+  verb.add_option("--pages-per-host", crawl.pages_per_host, "Read so many pages of a host, over all runs (1000)")
+      ->type_name("N")
+      ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
+  verb.add_option("--minutes", crawl.minutes, "End the run after so many minutes; fractions are allowed")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
+  verb.add_option("--addresses", crawl.addresses, "End the run when the collection has so many addresses")
+      ->type_name("N")
+      ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
+}
+
+void DeclareManners(CLI::App& verb, CollectArguments& arguments) {
+  CrawlOptions& crawl = arguments.options.crawl;
+  constexpr std::size_t kMostHosts = 100'000;
+  constexpr double kLongestDelay = 3600;
+  verb.add_option("--hosts", crawl.hosts, "Hosts that are visited at the same time (64)")
+      ->type_name("N")
+      ->check(CLI::Range(std::size_t{1}, kMostHosts));
+  verb.add_option("--delay", arguments.delay,
+                  "Pause between two pages of a host in seconds (1); fractions are allowed, 0 is for your own server")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.0, kLongestDelay));
+  DeclareChoice(verb, "--robots", arguments.robots, {"obey", "ignore"},
+                "Whether the wishes of robots.txt and of pages are obeyed (obey)");
+  verb.add_option("--contact", crawl.contact, "A web or mail address of yours, sent to the sites; kept once given")
+      ->type_name("TEXT")
+      ->check(CheckContact);
+  verb.add_flag("--decode-protected", crawl.decode_protected,
+                "Also list addresses that their owners chose to hide from programs");
+}
+
+void DeclareCollect(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<CollectArguments>();
+  CollectOptions& options = arguments->options;
+  CLI::App* verb = root.add_subcommand("collect", "Visit the sites of addresses or keywords and list their addresses");
+  verb->add_option("START", options.starts, "A site's address (with a dot, without blanks), or a keyword")
+      ->type_name("")
+      ->check(CheckOneLine);
+  verb->add_option("--from", arguments->from, "Read starts from this file, one a line; - is standard input")
+      ->type_name("FILE")
+      ->check(CheckNotEmpty);
+  verb->add_option("--name", options.name, "The collection's name, instead of one made from the first start")
+      ->type_name("NAME")
+      ->check(CheckNotEmpty);
+  DeclareChoice(*verb, "--scope", arguments->scope, {"host", "site", "anywhere"},
+                "What links may lead to: the start's host, its site, or any site (site)");
+  verb->add_option("--depth", options.crawl.depth, "Clicks from a start (5); 0 is the start page alone")
+      ->type_name("N")
+      ->check(CLI::Range(0, 1000));
+  DeclareBudgets(*verb, options.crawl);
+  DeclareManners(*verb, *arguments);
+  verb->add_flag("--again", options.crawl.again, "Visit the pages of a finished collection anew");
+  verb->add_option("--search", options.crawl.search_service,
+                   "A search service with the SearXNG interface, for keywords; kept once given")
+      ->type_name("URL")
+      ->check(CheckServiceUrl);
+  DeclareChoice(*verb, "--language", options.crawl.language, LanguageCodes(), "Language of the search, for a keyword");
+  DeclareFilterWords(*verb, options.remove_words, options.extract_words);
+  DeclareChoice(
+      *verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
+      "How a new address is printed: the address alone; address, page, title and place as csv; a JSON object");
+  DeclareNetwork(*verb, arguments->proxy, options.crawl.assume_online);
+  verb->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
+      ->type_name("FILE")
+      ->check(CheckNotEmpty);
+  verb->footer(
+      R"(Each new address is printed as it is found, and everything lies in one database, data/NAME.sqlite. The same
+command goes on where it stopped. Ctrl-C ends the run in order; a second Ctrl-C ends it at once. Without a
+scheme https is tried first. robots.txt is obeyed, and a host is asked for one page at a time.
+
+Exit status: 0 everything visited or a budget used up, 1 no run, no start that answers, or the collection could
+not be written (the message says why), 2 wrong usage, 3 off line, 130 stopped by a signal.
+
+Examples:
+  quenlar collect www.example.org
+  quenlar collect www.example.org --scope host --pages 100 --format csv
+  quenlar collect --from sites.txt --name members --hosts 200 --contact https://me.example/why
+  quenlar collect "picture search" --search https://search.example.org --language de)");
+  Choose(*verb, chosen, Collect, arguments);
+}
+
+void DeclareAddresses(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<AddressesArguments>();
+  CLI::App* verb = root.add_subcommand("addresses", "List what a collection holds");
+  verb->add_option("NAME", arguments->name, "The collection, as `quenlar collections` lists it")
+      ->type_name("")
+      ->required();
+  DeclareChoice(*verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
+                "The address alone; address, page, title and place as csv; a JSON object");
+  verb->add_flag("--sources", arguments->sources, "One row for each place of each page instead of one an address");
+  DeclareChoice(*verb, "--place", arguments->choice.place,
+                {"text", "mailto", "attribute", "script", "comment", "protected"}, "Only what stands in such a place");
+  verb->add_option("--site", arguments->choice.site, "Only what stands on pages of this site")->type_name("SITE");
+  verb->add_option("--since", arguments->since, "Only what was first seen then or later: a date or a time, in UTC")
+      ->type_name("TIME")
+      ->check(CheckTime);
+  verb->footer(R"(Addresses come in the order in which they were found, with the page on which each was seen first. With
+--sources, what does not stand there any more is marked "gone"; without it, it is left out. A collection can
+be read while a run writes it.
+
+Examples:
+  quenlar addresses example_org
+  quenlar addresses example_org --format csv --place mailto
+  quenlar addresses example_org --sources --since 2026-11-22 --format jsonl)");
+  Choose(*verb, chosen, Addresses, arguments);
+}
+
+void DeclareWhy(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<WhyArguments>();
+  CLI::App* verb = root.add_subcommand("why", "Say why an address is listed or not, or a page was visited or not");
+  verb->add_option("NAME", arguments->name, "The collection, as `quenlar collections` lists it")
+      ->type_name("")
+      ->required();
+  verb->add_option("WHAT", arguments->what, "An e-mail address, or the address of a page")->type_name("")->required();
+  DeclareChoice(*verb, "--format", arguments->format, {"text", "jsonl"}, "Sentences, or the facts as a JSON object");
+  verb->footer(R"(Exit status: 0 when there is something definite to say, 1 when the collection knows nothing of it.
+
+Examples:
+  quenlar why example_org info@example.org
+  quenlar why example_org https://www.example.org/members/ --format jsonl)");
+  Choose(*verb, chosen, Why, arguments);
+}
+
+void DeclareCollections(CLI::App& root, Command& chosen) {
+  CLI::App* verb = root.add_subcommand("collections", "List the collections, the last run first");
+  verb->footer(
+      R"(Each line has the name, the number of addresses, of pages read, and of pages left to visit, parted by tabs.
+
+Examples:
+  quenlar collections)");
+  verb->callback([&chosen] { chosen = Collections; });
+}
+
+}  // namespace
+
+void DeclareCollectionCommands(CLI::App& root, Command& chosen) {
+  for (const auto declare : {DeclareCollect, DeclareAddresses, DeclareWhy, DeclareCollections}) declare(root, chosen);
+}
+
+}  // namespace quenlar

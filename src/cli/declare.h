@@ -1,0 +1,38 @@
+// What the declarations of commands share (verbs.cpp, collection_verbs.cpp).
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/verbs.h"
+
+namespace quenlar {
+
+// `arguments` are filled in by the parsing, and live as long as the command.
+template <typename Arguments, typename Work>
+void Choose(CLI::App& verb, Command& chosen, Work work, const std::shared_ptr<Arguments>& arguments) {
+  verb.callback([&chosen, work, arguments] {
+    chosen = [work, arguments](Invocation& invocation) { return work(invocation, *arguments); };
+  });
+}
+
+// Holds an option to a few words; its type name lists them ("a|b|c").
+void TakeOneOf(CLI::Option& option, const std::vector<std::string>& words);
+
+// An option that takes one of a few words.
+void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value, const std::vector<std::string>& words,
+                   const std::string& help);
+
+// --remove and --extract: the filters of one run.
+void DeclareFilterWords(CLI::App& verb, std::vector<std::string>& remove, std::vector<std::string>& extract);
+
+// --proxy and --assume-online.
+void DeclareNetwork(CLI::App& verb, std::string& proxy, bool& assume_online);
+
+// collect, addresses, why, collections.
+void DeclareCollectionCommands(CLI::App& root, Command& chosen);
+
+}  // namespace quenlar
