@@ -10,6 +10,30 @@ _quenlar() {
   done
   case $command:$before in
     *:--home) COMPREPLY=($(compgen -d -- "$word")); return ;;
+    collect:--from) COMPREPLY=($(compgen -f -- "$word")); return ;;
+    collect:--name) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")); return ;;
+    collect:--scope) COMPREPLY=($(compgen -W "host site anywhere" -- "$word")); return ;;
+    collect:--depth) COMPREPLY=(); return ;;
+    collect:--pages) COMPREPLY=(); return ;;
+    collect:--pages-per-host) COMPREPLY=(); return ;;
+    collect:--minutes) COMPREPLY=(); return ;;
+    collect:--addresses) COMPREPLY=(); return ;;
+    collect:--hosts) COMPREPLY=(); return ;;
+    collect:--delay) COMPREPLY=(); return ;;
+    collect:--robots) COMPREPLY=($(compgen -W "obey ignore" -- "$word")); return ;;
+    collect:--contact) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")); return ;;
+    collect:--search) COMPREPLY=(); return ;;
+    collect:--language) COMPREPLY=($(compgen -W "en fr de it es ja" -- "$word")); return ;;
+    collect:--remove) COMPREPLY=(); return ;;
+    collect:--extract) COMPREPLY=(); return ;;
+    collect:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
+    collect:--proxy) COMPREPLY=(); return ;;
+    collect:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
+    addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
+    addresses:--place) COMPREPLY=($(compgen -W "text mailto attribute script comment protected" -- "$word")); return ;;
+    addresses:--site) COMPREPLY=(); return ;;
+    addresses:--since) COMPREPLY=(); return ;;
+    why:--format) COMPREPLY=($(compgen -W "text jsonl" -- "$word")); return ;;
     extract:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     extract:--language) COMPREPLY=($(compgen -W "en fr de it es ja" -- "$word")); return ;;
     extract:--save-interval) COMPREPLY=($(compgen -W "30 50 100" -- "$word")); return ;;
@@ -27,6 +51,10 @@ _quenlar() {
   esac
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
+    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
+    addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
+    why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;
+    collections:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
     extract:-*) COMPREPLY=($(compgen -W "-h --help --format --language --save-interval --other-sites --stop-number --export --remove --extract --search-engine --proxy --assume-online --summary --version" -- "$word")) ;;
     analyze:-*) COMPREPLY=($(compgen -W "-h --help --jsonl --version" -- "$word")) ;;
     projects:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
@@ -37,7 +65,10 @@ _quenlar() {
     filter:-*) COMPREPLY=($(compgen -W "-h --help --remove --extract --version" -- "$word")) ;;
     net:-*) COMPREPLY=($(compgen -W "-h --help -w --watch --version" -- "$word")) ;;
     demo:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
-    :*) COMPREPLY=($(compgen -W "extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
+    :*) COMPREPLY=($(compgen -W "collect addresses why collections extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
+    collect:*) COMPREPLY=() ;;
+    addresses:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
+    why:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
     extract:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;
     delete:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;
     report:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;

@@ -133,6 +133,39 @@ addresses_of "$work/calm/report/h0_example.rpt" | cmp -s - "$work/expected" || f
 at "$work/rich" "${rich_run[@]}" 2>/dev/null | sorted_lines >"$work/expected_rich"
 expect "addresses of the rich web" 11200 "$(sort -u "$work/expected_rich" | wc -l)"
 
+begin "a collection through a proxy comes to its end, and the same command does nothing more"
+crawl=(collect http://www.h0.example/ --scope anywhere --delay 0 --proxy "$proxy" --assume-online)
+at "$work/crawl" "${crawl[@]}" --summary "$(folder "$work/summary")" >"$work/out" 2>"$work/err"
+expect "exit status" 0 $?
+expect "addresses" 84 "$(sorted_lines <"$work/out" | uniq | wc -l)"
+sorted_lines <"$work/out" | cmp -s - "$work/expected" || fail "the addresses are not those of the classic run"
+expect_in "summary" '{"reason":"finished","addresses":84,"new":84,"pages":28,"failed":0,"refused":0,"left":0,' "$(cat "$work/summary")"
+expect_in "messages" "--contact TEXT" "$(messages)"
+at "$work/crawl" "${crawl[@]}" --summary "$(folder "$work/summary")" >"$work/out" 2>"$work/err"
+expect "exit status of the second" 0 $?
+expect "addresses of the second" "" "$(cat "$work/out")"
+expect_in "summary of the second" '"reason":"nothing to do","addresses":84,"new":0,"pages":0,' "$(cat "$work/summary")"
+
+begin "what a collection holds can be asked for"
+expect "collections" "h0_example	84	28	0" "$(at "$work/crawl" collections | tr -d '\r')"
+at "$work/crawl" addresses h0_example | sorted_lines | cmp -s - "$work/expected" || fail "addresses lists others"
+expect "addresses of a site" 21 "$(at "$work/crawl" addresses h0_example --site h2.example --format csv | wc -l)"
+expect "why" "http://www.h3.example/p1.html" "$(at "$work/crawl" why h0_example http://www.h3.example/p1.html | head -1 | tr -d '\r')"
+at "$work/crawl" why h0_example nobody@h0.example.org >"$work/out" 2>"$work/err"
+expect "status of an address that nobody has" 1 $?
+at "$work/crawl" addresses nothing 2>"$work/err"
+expect "status of a collection that is not there" 1 $?
+expect_in "message" "There is no collection nothing" "$(messages)"
+
+begin "a collection goes on where it stopped"
+at "$work/pieces" "${crawl[@]}" --pages 5 >"$work/out" 2>"$work/err"
+expect "exit status" 0 $?
+at "$work/pieces" "${crawl[@]}" --pages 9 >>"$work/out" 2>"$work/err"
+at "$work/pieces" "${crawl[@]}" --summary "$(folder "$work/summary")" >>"$work/out" 2>"$work/err"
+sorted_lines <"$work/out" | cmp -s - "$work/expected" || fail "the pieces are not the whole"
+expect_in "summary" '"addresses":84,' "$(cat "$work/summary")"
+expect_in "summary" '"pages":14,' "$(cat "$work/summary")"
+
 begin "the settings and the list lie in the folder that is given, else in the user's own"
 expect_in "list" "www.h0.example" "$(at "$work/calm" projects)"
 if [ -z "$windows" ]; then
