@@ -1,5 +1,7 @@
 #include "platform/name_lookups.h"
 
+#include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <system_error>
@@ -7,6 +9,11 @@
 #include <utility>
 
 namespace quenlar {
+namespace {
+
+constexpr std::chrono::seconds kIdleTime{2};  // after which a thread without work ends
+
+}  // namespace
 
 // What the threads share with their maker, and keep when it has gone.
 struct NameLookups::Shared {
@@ -21,7 +28,8 @@ struct NameLookups::Shared {
   std::mutex mutex;  // guards what follows
   bool alive = true;
   std::deque<Name> waiting;
-  std::size_t threads = 0;
+  std::size_t threads = 0, idle = 0;
+  std::condition_variable work;
 };
 
 NameLookups::NameLookups(EventLoop& loop, LookUpName look_up)
@@ -31,11 +39,13 @@ NameLookups::~NameLookups() {
   const std::lock_guard lock(shared_->mutex);
   shared_->alive = false;
   shared_->waiting.clear();
+  shared_->work.notify_all();
 }
 
 void NameLookups::Find(std::string host, Found found) {
   const std::lock_guard lock(shared_->mutex);
   shared_->waiting.push_back({std::move(host), std::move(found)});
+  if (shared_->idle >= shared_->waiting.size()) return shared_->work.notify_one();
   if (shared_->threads == kMaxThreads) return;
   try {
     std::thread(&NameLookups::Work, shared_).detach();
@@ -49,7 +59,12 @@ void NameLookups::Find(std::string host, Found found) {
 
 void NameLookups::Work(const std::shared_ptr<Shared>& shared) {
   std::unique_lock lock(shared->mutex);
-  while (shared->alive && !shared->waiting.empty()) {
+  const auto has_work = [&] { return !shared->alive || !shared->waiting.empty(); };
+  while (true) {
+    ++shared->idle;
+    const bool woken = shared->work.wait_for(lock, kIdleTime, has_work);
+    --shared->idle;
+    if (!woken || !shared->alive) break;
     Shared::Name name = std::move(shared->waiting.front());
     shared->waiting.pop_front();
     lock.unlock();
