@@ -11,7 +11,7 @@ set_source_files_properties(
              "QUENLAR_VERSION_NUMBERS=${version_numbers};QUENLAR_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\""
              INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/src/forms/win32;${CMAKE_BINARY_DIR}"
              OBJECT_DEPENDS
-             "${PROJECT_SOURCE_DIR}/src/forms/win32/quenlar.ico;${CMAKE_BINARY_DIR}/quenlar.manifest;${PROJECT_SOURCE_DIR}/src/forms/win32/resource.h")
+             "${PROJECT_SOURCE_DIR}/src/forms/win32/quenlar.ico;${CMAKE_BINARY_DIR}/quenlar.manifest;${PROJECT_SOURCE_DIR}/src/forms/win32/resource.h;${PROJECT_SOURCE_DIR}/src/ui/win32/dialog_items.h")
 # The same over an interface table that costs nothing, for bench/window.sh.
 add_executable(Quenlar_idle WIN32 EXCLUDE_FROM_ALL ${window_sources}
                                                    tests/window/bench/interface_table.cpp)

@@ -6,6 +6,20 @@
 
 namespace quenlar::ui {
 
+void Button::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void Label::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void TextBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void CheckBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void OptionButton::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void ListBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void ComboBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void ListView::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void StatusBar::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void TabStrip::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void Panel::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void MenuItem::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void Timer::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+
 std::size_t ListBox::SelectedCount() const {
   return static_cast<std::size_t>(std::count(selected_.begin(), selected_.end(), true));
 }

@@ -39,6 +39,8 @@ namespace quenlar::ui {
 // Colours in the blue-green-red order of the platform: 0xBBGGRR.
 using Color = std::uint32_t;
 
+class ControlVisitor;
+
 // Tells the binder what of a control has changed. kFocus and kCaret are requests: to move the keyboard focus to the
 // control, and the caret to the end of its text.
 enum class Aspect { kEnabled, kVisible, kText, kItems, kSelection, kChecked, kColor, kFocus, kCaret };
@@ -51,6 +53,9 @@ class Control {
   virtual ~Control() = default;
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
+
+  // Calls the function of the visitor that is for this kind of control.
+  virtual void Accept(ControlVisitor& visitor) = 0;
 
   // The control's name in the form: "cmdExtract".
   [[nodiscard]] const std::string& name() const { return name_; }
@@ -96,6 +101,7 @@ class Control {
 class Button : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   void SetText(std::string text) { Set(text_, std::move(text), Aspect::kText); }
   // The user has pressed the button, by mouse, by Space or Enter, or by its access key.
   std::function<void()> Click;
@@ -105,6 +111,7 @@ class Button : public Control {
 class Label : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   void SetText(std::string text) { Set(text_, std::move(text), Aspect::kText); }
 
   // The events of a label that behaves like a link: the pointer moves over it, leaves it, or clicks it.
@@ -124,6 +131,7 @@ class Label : public Control {
 class TextBox : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   std::size_t max_length = 0;    // in characters, for what the user types; 0: no limit
   bool multi_line = false;       // lines end in CR LF
   std::function<void()> Change;  // the text differs from before: the user has edited it, or SetText was called
@@ -145,6 +153,7 @@ class TextBox : public Control {
 class CheckBox : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   [[nodiscard]] bool checked() const { return checked_; }
   std::function<void()> Click;  // the state has changed: the user has clicked, or SetChecked was called
   void SetChecked(bool checked) {
@@ -165,6 +174,7 @@ class CheckBox : public Control {
 class OptionButton : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   std::vector<OptionButton*> group;  // the other buttons of the group
   [[nodiscard]] bool selected() const { return selected_; }
   std::function<void()> Click;  // the button has become selected, by the user or by Select
@@ -184,6 +194,7 @@ class OptionButton : public Control {
 class ListBox : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   bool sorted = false;              // SetItems sorts, ASCII letter case ignored
   bool multi_select = false;        // the user may select several items
   std::function<void()> Click;      // the user has changed the selection
@@ -207,6 +218,7 @@ class ListBox : public Control {
 class ComboBox : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   bool editable = true;          // false: the user can only pick an item
   std::string hint;              // shown in grey while the text is empty
   std::function<void()> Change;  // the text differs from before: the user has typed, or SetText was called
@@ -237,6 +249,7 @@ class ComboBox : public Control {
 class ListView : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   struct Column {
     std::string caption;
     int width;  // in pixels at 96 dots per inch; the binder may widen it to fill the window
@@ -278,6 +291,7 @@ class ListView : public Control {
 class StatusBar : public Control {
  public:
   StatusBar(std::string name, std::size_t panels) : Control(std::move(name)), panels_(panels) {}
+  void Accept(ControlVisitor& visitor) override;
   [[nodiscard]] std::size_t panels() const { return panels_.size(); }
   // Panels count from 1. The number must be one that exists.
   [[nodiscard]] const std::string& panel(std::size_t number) const { return panels_[number - 1]; }
@@ -292,6 +306,7 @@ class TabStrip : public Control {
  public:
   TabStrip(std::string name, std::vector<std::string> captions)
       : Control(std::move(name)), captions_(std::move(captions)) {}
+  void Accept(ControlVisitor& visitor) override;
   [[nodiscard]] const std::vector<std::string>& captions() const { return captions_; }
   [[nodiscard]] std::size_t selected() const { return selected_; }
   // A tab was selected, by the user or by Select, even when it was the selected one before.
@@ -311,12 +326,14 @@ class TabStrip : public Control {
 class Panel : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
 };
 
 // An entry of a menu.
 class MenuItem : public Control {
  public:
   using Control::Control;
+  void Accept(ControlVisitor& visitor) override;
   // Whether the item is a line between other items, which the user cannot choose. Its text is "-".
   [[nodiscard]] bool is_separator() const { return text_ == "-"; }
   std::function<void()> Click;
@@ -346,11 +363,31 @@ class Timer : public Control {
       : Control(std::move(name)), interval_(interval) {
     if (!enabled) SetEnabled(false);
   }
+  void Accept(ControlVisitor& visitor) override;
   [[nodiscard]] std::chrono::milliseconds interval() const { return interval_; }
   std::function<void()> Tick;
 
  private:
   std::chrono::milliseconds interval_;
+};
+
+// What a toolkit does with each kind of control. A kind that a toolkit forgets does not compile.
+class ControlVisitor {
+ public:
+  virtual ~ControlVisitor() = default;
+  virtual void Visit(Button& button) = 0;
+  virtual void Visit(Label& label) = 0;
+  virtual void Visit(TextBox& box) = 0;
+  virtual void Visit(CheckBox& box) = 0;
+  virtual void Visit(OptionButton& option) = 0;
+  virtual void Visit(ListBox& list) = 0;
+  virtual void Visit(ComboBox& combo) = 0;
+  virtual void Visit(ListView& list) = 0;
+  virtual void Visit(StatusBar& bar) = 0;
+  virtual void Visit(TabStrip& tabs) = 0;
+  virtual void Visit(Panel& panel) = 0;
+  virtual void Visit(MenuItem& item) = 0;
+  virtual void Visit(Timer& timer) = 0;
 };
 
 // A window with its controls. A form lives as long as the program. Its window comes and goes: Load is called before it

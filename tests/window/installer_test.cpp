@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "forms/win32/resource.h"
 #include "platform/win32/handle.h"
 #include "run/end_reasons.h"
 #include "window/program.h"
@@ -57,9 +56,9 @@ TEST_F(InstallerTest, InstallsForOneUserAndTheProgramRuns) {
   program.SetProxy(site);
   program.Start();
   const Window main = program.Main();
-  main.Control(IDC_CMBURL).Type("www.cars.example");
-  ASSERT_TRUE(WaitUntil([&] { return main.Control(IDC_CMBURL).Text() == "www.cars.example"; }));
-  main.Control(IDC_CMDEXTRACT).Click();
+  main.Control("cmbURL").Type("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return main.Control("cmbURL").Text() == "www.cars.example"; }));
+  main.Control("cmdExtract").Click();
   ASSERT_TRUE(program.Answer(kEndAllParsed));
   EXPECT_TRUE(WaitUntil(
       [&] { return program.ReadFile("report/cars_example.rpt").find("someone@cars.test\r\n") != std::string::npos; }));

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "forms/win32/resource.h"
 #include "project/data_file.h"
 #include "run/end_reasons.h"
 #include "window/program.h"
@@ -28,8 +27,8 @@ struct ListTest : testing::Test {
     }
     program.WriteFile("report/cars_example.rpt", report);
     program.Start();
-    program.Main().Control(IDC_CMBURL).Type("www.cars.example");
-    list = program.Main().Control(IDC_LSTMAIL);
+    program.Main().Control("cmbURL").Type("www.cars.example");
+    list = program.Main().Control("lstMail");
     ASSERT_TRUE(WaitUntil([&] { return list.Rows() == static_cast<int>(addresses.size()); })) << list.Rows();
   }
   [[nodiscard]] static Window Menu() { return Window(FindWindowW(L"#32768", nullptr)); }
@@ -70,7 +69,7 @@ TEST_F(ListTest, MarkedRowsStayMarkedWhenARunAddsRowsToASortedList) {
   ClickColumn(1);
   ASSERT_TRUE(WaitUntil([&] { return list.Cell(0, 1) == "b@x.test"; }));
   list.MarkRow(1);
-  program.Main().Control(IDC_CMDEXTRACT).Click();
+  program.Main().Control("cmdExtract").Click();
   ASSERT_TRUE(program.Answer(kEndAllParsed));
   ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 3; }));
   EXPECT_THAT(list.Column(1), ElementsAre("a@x.test", "b@x.test", "c@x.test"));
@@ -90,7 +89,7 @@ TEST_F(ListTest, TheFocusMarkAndTheAnchorFollowTheirRowsWhenARunAddsRowsToASorte
   list.MarkRow(2);
   list.MarkRow(0);
   list.Send(LVM_SETSELECTIONMARK, 0, 1);
-  program.Main().Control(IDC_CMDEXTRACT).Click();
+  program.Main().Control("cmdExtract").Click();
   ASSERT_TRUE(program.Answer(kEndAllParsed));
   ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 4; }));
   EXPECT_TRUE(WaitUntil([&] { return list.MarkedRows() == std::vector<int>{1, 3}; }));
@@ -186,10 +185,10 @@ TEST_F(ListTest, TheWindowKeepsItsSmallestSizeAndThePlacesFollow) {
   for (const int width : {602, 900}) {
     resize(width, 500);
     ASSERT_TRUE(WaitUntil([&] { return size(main).cx == scaled(width); }));
-    EXPECT_TRUE(WaitUntil([&] { return size(main.Control(IDC_CMBURL)).cx == scaled(width) - scaled(161); }));
+    EXPECT_TRUE(WaitUntil([&] { return size(main.Control("cmbURL")).cx == scaled(width) - scaled(161); }));
     EXPECT_EQ(size(list).cx, scaled(width) - scaled(113));
     EXPECT_EQ(size(list).cy, scaled(500) - scaled(97));
-    EXPECT_LE(main.Control(IDC_CMDHIDE).Place().right, main.Place().right);
+    EXPECT_LE(main.Control("cmdHide").Place().right, main.Place().right);
   }
 }
 
@@ -228,7 +227,7 @@ TEST_F(ListTest, AnotherResolutionScalesTheWindowAndItsPlaces) {
   main.Send(WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(memory.place()));
   EXPECT_EQ(width(main), 1050);
   EXPECT_EQ(width(list), 1050 - 113 * 3 / 2);
-  EXPECT_EQ(width(main.Control(IDC_CMDHIDE)), MulDiv(79, 144, 96));
+  EXPECT_EQ(width(main.Control("cmdHide")), MulDiv(79, 144, 96));
   EXPECT_EQ(list.ColumnWidth(0), MulDiv(number_width, 144, 96));
   // Nothing is made smaller than the smallest size, which is larger here too.
   SetWindowPos(main.handle(), nullptr, 0, 0, 602, 402, SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);

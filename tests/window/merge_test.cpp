@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "forms/win32/resource.h"
 #include "window/program.h"
 
 namespace quenlar::window_test {
@@ -22,23 +21,23 @@ struct MergeToolTest : testing::Test {
   void Open() {
     if (!program.Running()) program.Start();
     // The button is disabled for a moment longer than the window of before is there.
-    ASSERT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_CMDTOOL).Enabled(); }));
-    program.Main().Control(IDC_CMDTOOL).Click();
+    ASSERT_TRUE(WaitUntil([&] { return program.Main().Control("cmdTool").Enabled(); }));
+    program.Main().Control("cmdTool").Click();
     tool = program.WaitForWindow("Mailing List Management Tool");
     ASSERT_TRUE(tool);
   }
   void OpenBooks(const std::string& names) {
-    Control(IDC_CMDOPEN).Click();
+    Control("cmdOpen").Click();
     ASSERT_TRUE(program.AnswerFileDialog("Open", names));
   }
-  [[nodiscard]] Window Control(int id) const { return tool.Control(id); }
+  [[nodiscard]] Window Control(std::string_view name) const { return tool.Control(name); }
 };
 
 TEST_F(MergeToolTest, OpensWithNothingToDoButOpen) {
   Open();
-  EXPECT_TRUE(Control(IDC_CMDOPEN).Enabled());
-  for (const int id : {IDC_CMDDELETE, IDC_CMDDELETEALL, IDC_CMDEXTRACT, IDC_CMDCLEAR, IDC_CMDSAVE}) {
-    EXPECT_FALSE(Control(id).Enabled()) << id;
+  EXPECT_TRUE(Control("cmdOpen").Enabled());
+  for (const char* name : {"cmdDelete", "cmdDeleteAll", "cmdExtract", "cmdClear", "cmdSave"}) {
+    EXPECT_FALSE(Control(name).Enabled()) << name;
   }
   EXPECT_FALSE(program.Main().Enabled());
 }
@@ -46,43 +45,43 @@ TEST_F(MergeToolTest, OpensWithNothingToDoButOpen) {
 TEST_F(MergeToolTest, TheListsHaveAccessKeys) {
   Open();
   constexpr LPARAM kAltHeld = 1 << 29;
-  for (const auto& [key, list] : {std::pair{'m', IDC_LSTADDRESS}, std::pair{'b', IDC_LSTBOOK}}) {
-    PostMessageW(Control(IDC_CMDOPEN).handle(), WM_SYSCHAR, static_cast<WPARAM>(key), kAltHeld);
-    EXPECT_TRUE(WaitUntil([&] { return tool.FocusedControl() == list; })) << key;
+  for (const auto& [key, list] : {std::pair{'m', "lstAddress"}, std::pair{'b', "lstBook"}}) {
+    PostMessageW(Control("cmdOpen").handle(), WM_SYSCHAR, static_cast<WPARAM>(key), kAltHeld);
+    EXPECT_TRUE(WaitUntil([&] { return tool.FocusedControl() == ui::ControlNumber(list); })) << key;
   }
 }
 
 TEST_F(MergeToolTest, MergesSeveralBooksAndSavesThem) {
   Open();
   OpenBooks("\"b c.rpt\" \"a.txt\"");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTBOOK).Items().size() == 2; }));
-  EXPECT_THAT(Control(IDC_LSTBOOK).Items(), ElementsAre("a.txt", "b c.rpt"));
-  EXPECT_TRUE(Control(IDC_CMDDELETEALL).Enabled());
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstBook").Items().size() == 2; }));
+  EXPECT_THAT(Control("lstBook").Items(), ElementsAre("a.txt", "b c.rpt"));
+  EXPECT_TRUE(Control("cmdDeleteAll").Enabled());
 
-  Control(IDC_CMDEXTRACT).Click();
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDSAVE).Enabled(); }));
-  EXPECT_THAT(Control(IDC_LSTADDRESS).Items(), ElementsAre("one@x.test", "two@x.test", "three@x.test"));
-  EXPECT_THAT(Control(IDC_LSTBOOK).Items(), IsEmpty());
-  EXPECT_FALSE(Control(IDC_CMDEXTRACT).Enabled());
+  Control("cmdExtract").Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdSave").Enabled(); }));
+  EXPECT_THAT(Control("lstAddress").Items(), ElementsAre("one@x.test", "two@x.test", "three@x.test"));
+  EXPECT_THAT(Control("lstBook").Items(), IsEmpty());
+  EXPECT_FALSE(Control("cmdExtract").Enabled());
 
-  Control(IDC_CMDSAVE).Click();
+  Control("cmdSave").Click();
   ASSERT_TRUE(program.AnswerFileDialog("Save As", "merged.txt"));
   ASSERT_TRUE(WaitUntil([&] { return program.HasFile("report/merged.txt"); }));
   EXPECT_EQ(program.ReadFile("report/merged.txt"), "one@x.test \r\ntwo@x.test \r\nthree@x.test \r\n");
 
-  Control(IDC_CMDCLEAR).Click();
-  EXPECT_TRUE(WaitUntil([&] { return !Control(IDC_CMDSAVE).Enabled(); }));
-  EXPECT_THAT(Control(IDC_LSTADDRESS).Items(), IsEmpty());
+  Control("cmdClear").Click();
+  EXPECT_TRUE(WaitUntil([&] { return !Control("cmdSave").Enabled(); }));
+  EXPECT_THAT(Control("lstAddress").Items(), IsEmpty());
 }
 
 TEST_F(MergeToolTest, SavingOntoAFileAsksAndNoLeadsBackToTheDialog) {
   Open();
   OpenBooks("a.txt");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Enabled(); }));
-  Control(IDC_CMDEXTRACT).Click();
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDSAVE).Enabled(); }));
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled(); }));
+  Control("cmdExtract").Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdSave").Enabled(); }));
   const std::string before = program.ReadFile("report/b c.rpt");
-  Control(IDC_CMDSAVE).Click();
+  Control("cmdSave").Click();
   ASSERT_TRUE(program.AnswerFileDialog("Save As", "b c.rpt"));
   ASSERT_TRUE(program.Answer("b c.rpt file existed , Overwrite it ?", IDNO));
   EXPECT_EQ(program.ReadFile("report/b c.rpt"), before);
@@ -94,10 +93,10 @@ TEST_F(MergeToolTest, SavingOntoAFileAsksAndNoLeadsBackToTheDialog) {
 TEST_F(MergeToolTest, CancellingTheSaveDialogSaysSo) {
   Open();
   OpenBooks("a.txt");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Enabled(); }));
-  Control(IDC_CMDEXTRACT).Click();
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDSAVE).Enabled(); }));
-  Control(IDC_CMDSAVE).Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled(); }));
+  Control("cmdExtract").Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdSave").Enabled(); }));
+  Control("cmdSave").Click();
   const Window dialog = program.WaitForWindow("Save As");
   ASSERT_TRUE(dialog);
   dialog.Control(IDCANCEL).Click();
@@ -107,26 +106,26 @@ TEST_F(MergeToolTest, CancellingTheSaveDialogSaysSo) {
 TEST_F(MergeToolTest, SelectedBooksCanBeRemoved) {
   Open();
   OpenBooks("\"a.txt\" \"b c.rpt\"");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTBOOK).Items().size() == 2; }));
-  EXPECT_FALSE(Control(IDC_CMDDELETE).Enabled());
-  Control(IDC_LSTBOOK).PickListItem(0);
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDDELETE).Enabled(); }));
-  Control(IDC_CMDDELETE).Click();
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTBOOK).Items().size() == 1; }));
-  EXPECT_THAT(Control(IDC_LSTBOOK).Items(), ElementsAre("b c.rpt"));
-  EXPECT_TRUE(WaitUntil([&] { return !Control(IDC_CMDDELETE).Enabled(); }));
-  Control(IDC_CMDDELETEALL).Click();
-  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_LSTBOOK).Items().empty(); }));
-  EXPECT_FALSE(Control(IDC_CMDEXTRACT).Enabled());
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstBook").Items().size() == 2; }));
+  EXPECT_FALSE(Control("cmdDelete").Enabled());
+  Control("lstBook").PickListItem(0);
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdDelete").Enabled(); }));
+  Control("cmdDelete").Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstBook").Items().size() == 1; }));
+  EXPECT_THAT(Control("lstBook").Items(), ElementsAre("b c.rpt"));
+  EXPECT_TRUE(WaitUntil([&] { return !Control("cmdDelete").Enabled(); }));
+  Control("cmdDeleteAll").Click();
+  EXPECT_TRUE(WaitUntil([&] { return Control("lstBook").Items().empty(); }));
+  EXPECT_FALSE(Control("cmdExtract").Enabled());
 }
 
 TEST_F(MergeToolTest, TheListsCanBeUsedByTheKeyboard) {
   Open();
   OpenBooks("\"a.txt\" \"b c.rpt\"");
-  const Window books = Control(IDC_LSTBOOK);
+  const Window books = Control("lstBook");
   ASSERT_TRUE(WaitUntil([&] { return books.Items().size() == 2; }));
-  Control(IDC_CMDEXTRACT).Click();
-  const Window addresses = Control(IDC_LSTADDRESS);
+  Control("cmdExtract").Click();
+  const Window addresses = Control("lstAddress");
   ASSERT_TRUE(WaitUntil([&] { return addresses.Items().size() == 3; }));
   ClearClipboard();
   {
@@ -139,7 +138,7 @@ TEST_F(MergeToolTest, TheListsCanBeUsedByTheKeyboard) {
   OpenBooks("\"a.txt\" \"b c.rpt\"");
   ASSERT_TRUE(WaitUntil([&] { return books.Items().size() == 2; }));
   books.PickListItem(0);
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDDELETE).Enabled(); }));
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdDelete").Enabled(); }));
   books.Press(VK_DELETE);
   EXPECT_TRUE(WaitUntil([&] { return books.Items() == std::vector<std::string>{"b c.rpt"}; }));
 }
@@ -148,26 +147,26 @@ TEST_F(MergeToolTest, BooksWithoutAddressesSaySo) {
   program.WriteFile("report/empty.txt", "nobody\r\n");
   Open();
   OpenBooks("empty.txt");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Enabled(); }));
-  Control(IDC_CMDEXTRACT).Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled(); }));
+  Control("cmdExtract").Click();
   EXPECT_TRUE(program.Answer("No valid Email address are available !"));
-  EXPECT_FALSE(Control(IDC_CMDSAVE).Enabled());
+  EXPECT_FALSE(Control("cmdSave").Enabled());
 }
 
 TEST_F(MergeToolTest, ClosingAndReopeningKeepsTheMergedAddresses) {
   Open();
   OpenBooks("a.txt");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Enabled(); }));
-  Control(IDC_CMDEXTRACT).Click();
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDSAVE).Enabled(); }));
-  Control(IDOK).Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled(); }));
+  Control("cmdExtract").Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdSave").Enabled(); }));
+  tool.Control(IDOK).Click();
   ASSERT_TRUE(WaitUntil([&] { return !tool && program.Main().Enabled(); }));
   Open();
-  EXPECT_THAT(Control(IDC_LSTADDRESS).Items(), IsEmpty());
+  EXPECT_THAT(Control("lstAddress").Items(), IsEmpty());
   OpenBooks("b c.rpt");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Enabled(); }));
-  Control(IDC_CMDEXTRACT).Click();
-  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_LSTADDRESS).Items().size() == 3; }));
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled(); }));
+  Control("cmdExtract").Click();
+  EXPECT_TRUE(WaitUntil([&] { return Control("lstAddress").Items().size() == 3; }));
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "forms/win32/resource.h"
 #include "project/data_file.h"
 #include "window/program.h"
 
@@ -10,6 +9,7 @@ namespace quenlar::window_test {
 namespace {
 
 using testing::ElementsAre;
+using ui::ControlNumber;
 
 struct OptionTest : testing::Test {
   Program program;
@@ -18,8 +18,8 @@ struct OptionTest : testing::Test {
   void Open() {
     if (!program.Running()) program.Start();
     // The button is disabled for a moment longer than the dialog of before is there.
-    ASSERT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_CMDOPTION).Enabled(); }));
-    program.Main().Control(IDC_CMDOPTION).Click();
+    ASSERT_TRUE(WaitUntil([&] { return program.Main().Control("cmdOption").Enabled(); }));
+    program.Main().Control("cmdOption").Click();
     option = program.WaitForWindow("Option");
     ASSERT_TRUE(option);
   }
@@ -42,29 +42,29 @@ TEST_F(OptionTest, ShowsWhatIsStoredAndIsModal) {
   StoreSetting("RemoveFilter", "1");
   program.WriteFile("data/ExtractFilter.dat", "banner\r\n\r\n<r>cat</r>\r\n<r>dog</r>\r\n<e>cow</e>\r\n");
   Open();
-  EXPECT_EQ(option.Control(IDC_CMBSEARCH).Text(), "Italian");
-  EXPECT_EQ(option.Control(IDC_CMBSAVE).Text(), "50");
-  EXPECT_TRUE(option.Control(IDC_CHKCORRELATION).Checked());
-  EXPECT_EQ(option.Control(IDC_TXTSTOPNUMBER).Text(), "250");
-  EXPECT_FALSE(option.Control(IDC_OPTEMAILADDRESS).Checked());
-  EXPECT_TRUE(option.Control(IDC_OPTALLINFO).Checked());
-  EXPECT_TRUE(option.Control(IDC_CHKREMOVEFILTER).Checked());
-  EXPECT_FALSE(option.Control(IDC_CHKEXTRACTFILTER).Checked());
-  EXPECT_EQ(option.Control(IDC_TXTREMOVEFILTER).Text(), "cat\r\ndog");
-  EXPECT_EQ(option.Control(IDC_TXTEXTRACTFILTER).Text(), "cow");
+  EXPECT_EQ(option.Control("cmbSearch").Text(), "Italian");
+  EXPECT_EQ(option.Control("cmbSave").Text(), "50");
+  EXPECT_TRUE(option.Control("chkCorrelation").Checked());
+  EXPECT_EQ(option.Control("txtStopNumber").Text(), "250");
+  EXPECT_FALSE(option.Control("optEmailAddress").Checked());
+  EXPECT_TRUE(option.Control("optAllInfo").Checked());
+  EXPECT_TRUE(option.Control("chkRemoveFilter").Checked());
+  EXPECT_FALSE(option.Control("chkExtractFilter").Checked());
+  EXPECT_EQ(option.Control("txtRemoveFilter").Text(), "cat\r\ndog");
+  EXPECT_EQ(option.Control("txtExtractFilter").Text(), "cow");
   EXPECT_FALSE(program.Main().Enabled());
   Ok();
   EXPECT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
-  EXPECT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_CMDOPTION).Enabled(); }));
+  EXPECT_TRUE(WaitUntil([&] { return program.Main().Control("cmdOption").Enabled(); }));
 }
 
 TEST_F(OptionTest, OnePageIsSeenAtATime) {
   Open();
-  const Window tabs = option.Control(IDC_TABOPTION);
+  const Window tabs = option.Control("tabOption");
   const auto seen = [&] {
-    return std::string(option.Control(IDC_CMBSEARCH).Visible() ? "S" : "") +
-           (option.Control(IDC_OPTALLINFO).Visible() ? "E" : "") +
-           (option.Control(IDC_TXTREMOVEFILTER).Visible() ? "F" : "");
+    return std::string(option.Control("cmbSearch").Visible() ? "S" : "") +
+           (option.Control("optAllInfo").Visible() ? "E" : "") +
+           (option.Control("txtRemoveFilter").Visible() ? "F" : "");
   };
   EXPECT_TRUE(WaitUntil([&] { return seen() == "S"; })) << seen();
   tabs.Send(TCM_SETCURFOCUS, 1);
@@ -76,22 +76,25 @@ TEST_F(OptionTest, OnePageIsSeenAtATime) {
 TEST_F(OptionTest, TabWalksOverThePageInSightThenOkThenTheTabs) {
   Open();
   EXPECT_THAT(option.TabStops(),
-              ElementsAre(IDC_CMBSEARCH, IDC_CHKCORRELATION, IDC_CMBSAVE, IDC_TXTSTOPNUMBER, IDOK, IDC_TABOPTION));
-  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
-  ASSERT_TRUE(WaitUntil([&] { return option.Control(IDC_TXTREMOVEFILTER).Visible(); }));
-  EXPECT_THAT(option.TabStops(), ElementsAre(IDC_CHKREMOVEFILTER, IDC_TXTREMOVEFILTER, IDC_CHKEXTRACTFILTER,
-                                             IDC_TXTEXTRACTFILTER, IDOK, IDC_TABOPTION));
+              ElementsAre(ControlNumber("cmbSearch"), ControlNumber("chkCorrelation"), ControlNumber("cmbSave"),
+                          ControlNumber("txtStopNumber"), IDOK, ControlNumber("tabOption")));
+  option.Control("tabOption").Send(TCM_SETCURFOCUS, 2);
+  ASSERT_TRUE(WaitUntil([&] { return option.Control("txtRemoveFilter").Visible(); }));
+  EXPECT_THAT(option.TabStops(), ElementsAre(ControlNumber("chkRemoveFilter"), ControlNumber("txtRemoveFilter"),
+                                             ControlNumber("chkExtractFilter"), ControlNumber("txtExtractFilter"), IDOK,
+                                             ControlNumber("tabOption")));
 }
 
 TEST_F(OptionTest, TabLeavesTheListsOfWords) {
   Open();
-  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
-  const Window words = option.Control(IDC_TXTREMOVEFILTER);
+  option.Control("tabOption").Send(TCM_SETCURFOCUS, 2);
+  const Window words = option.Control("txtRemoveFilter");
   ASSERT_TRUE(WaitUntil([&] { return words.Visible(); }));
   words.MouseClick({5, 5});
-  int last = IDC_TXTREMOVEFILTER;
+  int last = ControlNumber("txtRemoveFilter");
   ASSERT_TRUE(WaitUntil([&] { return option.FocusedControl() == last; }));
-  for (const int next : {IDC_CHKEXTRACTFILTER, IDC_TXTEXTRACTFILTER, IDOK, IDC_TABOPTION}) {
+  for (const int next :
+       {ControlNumber("chkExtractFilter"), ControlNumber("txtExtractFilter"), IDOK, ControlNumber("tabOption")}) {
     option.Control(last).Press(VK_TAB);
     ASSERT_TRUE(WaitUntil([&] { return option.FocusedControl() == next; })) << option.FocusedControl();
     last = next;
@@ -101,7 +104,7 @@ TEST_F(OptionTest, TabLeavesTheListsOfWords) {
 TEST_F(OptionTest, UnseenLabelsNameTheListsOfWords) {
   Open();
   for (const auto& [box, name] :
-       {std::pair{IDC_TXTREMOVEFILTER, "Words to remove"}, std::pair{IDC_TXTEXTRACTFILTER, "Words to extract"}}) {
+       {std::pair{"txtRemoveFilter", "Words to remove"}, std::pair{"txtExtractFilter", "Words to extract"}}) {
     const Window label(GetWindow(option.Control(box).handle(), GW_HWNDPREV));
     EXPECT_EQ(label.ClassName(), "Static");
     EXPECT_EQ(label.Text(), name);
@@ -111,32 +114,32 @@ TEST_F(OptionTest, UnseenLabelsNameTheListsOfWords) {
 
 TEST_F(OptionTest, TheLanguageIsStoredAndMentioned) {
   Open();
-  EXPECT_THAT(option.Control(IDC_CMBSEARCH).Items(),
+  EXPECT_THAT(option.Control("cmbSearch").Items(),
               ElementsAre("English", "French", "German", "Italian", "Spanish", "Japanese"));
-  option.Control(IDC_CMBSEARCH).Pick(5);
+  option.Control("cmbSearch").Pick(5);
   EXPECT_TRUE(program.Answer("Please use Japanese to search !"));
   EXPECT_TRUE(Stored("Search", "5"));
-  EXPECT_TRUE(WaitUntil([&] { return program.Main().Control(IDC_TXTSEARCH).Text() == "ja"; }));
+  EXPECT_TRUE(WaitUntil([&] { return program.Main().Control("txtSearch").Text() == "ja"; }));
 }
 
 TEST_F(OptionTest, TheSaveIntervalIsStored) {
   Open();
-  EXPECT_THAT(option.Control(IDC_CMBSAVE).Items(), ElementsAre("30", "50", "100"));
-  option.Control(IDC_CMBSAVE).Pick(2);
+  EXPECT_THAT(option.Control("cmbSave").Items(), ElementsAre("30", "50", "100"));
+  option.Control("cmbSave").Pick(2);
   EXPECT_TRUE(Stored("Save", "2"));
 }
 
 TEST_F(OptionTest, TheCorrelationIsStoredTheOtherWayRound) {
   Open();
-  option.Control(IDC_CHKCORRELATION).Click();
+  option.Control("chkCorrelation").Click();
   EXPECT_TRUE(Stored("Correlation", "0"));
-  option.Control(IDC_CHKCORRELATION).Click();
+  option.Control("chkCorrelation").Click();
   EXPECT_TRUE(Stored("Correlation", "1"));
 }
 
 TEST_F(OptionTest, TheStopNumberIsStoredAsItIsTyped) {
   Open();
-  const Window box = option.Control(IDC_TXTSTOPNUMBER);
+  const Window box = option.Control("txtStopNumber");
   EXPECT_EQ(box.Send(EM_GETLIMITTEXT), 5);
   box.Type("250");
   EXPECT_TRUE(Stored("StopNumber", "250"));
@@ -144,7 +147,7 @@ TEST_F(OptionTest, TheStopNumberIsStoredAsItIsTyped) {
 
 TEST_F(OptionTest, AStopNumberThatIsNoneIsAnsweredAndSetBack) {
   Open();
-  const Window box = option.Control(IDC_TXTSTOPNUMBER);
+  const Window box = option.Control("txtStopNumber");
   box.Type("250");
   ASSERT_TRUE(Stored("StopNumber", "250"));
   // Typing waits until the message is answered, so it is done letter by letter through the queue.
@@ -161,43 +164,43 @@ TEST_F(OptionTest, AStopNumberThatIsNoneIsAnsweredAndSetBack) {
 
 TEST_F(OptionTest, TheExportModeIsStored) {
   Open();
-  option.Control(IDC_OPTALLINFO).Click();
+  option.Control("optAllInfo").Click();
   EXPECT_TRUE(Stored("Export", "1"));
-  option.Control(IDC_OPTEMAILADDRESS).Click();
+  option.Control("optEmailAddress").Click();
   EXPECT_TRUE(Stored("Export", "0"));
-  EXPECT_FALSE(option.Control(IDC_OPTALLINFO).Checked());
+  EXPECT_FALSE(option.Control("optAllInfo").Checked());
 }
 
 TEST_F(OptionTest, TheFilterSwitchesAreStoredAfterAWarning) {
   const char* kWarning =
       "Be careful, improper filter word may sharply decrease\r\nthe number of Email addresses you can get !";
   Open();
-  option.Control(IDC_CHKREMOVEFILTER).Click();
+  option.Control("chkRemoveFilter").Click();
   ASSERT_TRUE(program.Answer(kWarning));
   EXPECT_TRUE(Stored("RemoveFilter", "1"));
-  option.Control(IDC_CHKEXTRACTFILTER).Click();
+  option.Control("chkExtractFilter").Click();
   ASSERT_TRUE(program.Answer(kWarning));
   EXPECT_TRUE(Stored("ExtractFilter", "1"));
-  option.Control(IDC_CHKREMOVEFILTER).Click();
+  option.Control("chkRemoveFilter").Click();
   EXPECT_TRUE(Stored("RemoveFilter", "0"));
 }
 
 TEST_F(OptionTest, OkWritesTheFilterFileByteForByte) {
   Open();
-  option.Control(IDC_TXTREMOVEFILTER).Type("cat\r\ndog\r\ncat\r\n\r\ndog");
-  option.Control(IDC_TXTEXTRACTFILTER).Type(" example ");
+  option.Control("txtRemoveFilter").Type("cat\r\ndog\r\ncat\r\n\r\ndog");
+  option.Control("txtExtractFilter").Type(" example ");
   Ok();
   EXPECT_EQ(program.ReadFile("data/ExtractFilter.dat"),
             HeaderLine() + "\r\n\r\n<r>cat</r>\r\n<r>dog</r>\r\n<e>example</e>\r\n");
   Open();
-  EXPECT_EQ(option.Control(IDC_TXTREMOVEFILTER).Text(), "cat\r\ndog");
+  EXPECT_EQ(option.Control("txtRemoveFilter").Text(), "cat\r\ndog");
 }
 
 TEST_F(OptionTest, ClosingKeepsTheSettingsButNotTheWords) {
   Open();
-  option.Control(IDC_CMBSAVE).Pick(1);
+  option.Control("cmbSave").Pick(1);
   ASSERT_TRUE(Stored("Save", "1"));
-  option.Control(IDC_TXTREMOVEFILTER).Type("cat");
+  option.Control("txtRemoveFilter").Type("cat");
   option.Close();
   ASSERT_TRUE(WaitUntil([&] { return !option; }));
   EXPECT_FALSE(program.HasFile("data/ExtractFilter.dat"));
@@ -207,29 +210,29 @@ TEST_F(OptionTest, ClosingKeepsTheSettingsButNotTheWords) {
 
 TEST_F(OptionTest, AltWithALetterOfATabAndCtrlTabGoFromPageToPage) {
   Open();
-  const Window tabs = option.Control(IDC_TABOPTION);
+  const Window tabs = option.Control("tabOption");
   const auto chosen = [&](LRESULT page) { return WaitUntil([&] { return tabs.Send(TCM_GETCURSEL) == page; }); };
   constexpr LPARAM kAltHeld = 1 << 29;
-  PostMessageW(option.Control(IDC_CMBSEARCH).handle(), WM_SYSCHAR, 'f', kAltHeld);
+  PostMessageW(option.Control("cmbSearch").handle(), WM_SYSCHAR, 'f', kAltHeld);
   EXPECT_TRUE(chosen(2));
-  EXPECT_TRUE(WaitUntil([&] { return option.Control(IDC_TXTREMOVEFILTER).Visible(); }));
+  EXPECT_TRUE(WaitUntil([&] { return option.Control("txtRemoveFilter").Visible(); }));
   const ControlKeyHeld held(option);
-  option.Control(IDC_TXTREMOVEFILTER).Press(VK_TAB);
+  option.Control("txtRemoveFilter").Press(VK_TAB);
   EXPECT_TRUE(chosen(0)) << "behind the last page comes the first one";
-  option.Control(IDC_CMBSEARCH).Press(VK_PRIOR);
+  option.Control("cmbSearch").Press(VK_PRIOR);
   EXPECT_TRUE(chosen(2));
 }
 
 TEST_F(OptionTest, TheTabsTakeTheKeyboardFromAPageThatGoes) {
   Open();
-  const Window tabs = option.Control(IDC_TABOPTION), words = option.Control(IDC_TXTREMOVEFILTER);
+  const Window tabs = option.Control("tabOption"), words = option.Control("txtRemoveFilter");
   const auto go_into_the_words = [&] {
     tabs.Send(TCM_SETCURFOCUS, 2);
     words.MouseClick({5, 5});
-    return WaitUntil([&] { return option.FocusedControl() == IDC_TXTREMOVEFILTER; });
+    return WaitUntil([&] { return option.FocusedControl() == ControlNumber("txtRemoveFilter"); });
   };
   const auto tabs_have_the_keyboard = [&] {
-    return WaitUntil([&] { return !words.Visible() && option.FocusedControl() == IDC_TABOPTION; });
+    return WaitUntil([&] { return !words.Visible() && option.FocusedControl() == ControlNumber("tabOption"); });
   };
   constexpr LPARAM kAltHeld = 1 << 29;
   ASSERT_TRUE(go_into_the_words());
@@ -246,16 +249,16 @@ TEST_F(OptionTest, TheTabsTakeTheKeyboardFromAPageThatGoes) {
 
 TEST_F(OptionTest, EnterIsOk) {
   Open();
-  option.Control(IDC_TXTREMOVEFILTER).Type("cat");
-  option.Control(IDC_TXTSTOPNUMBER).Press(VK_RETURN);
+  option.Control("txtRemoveFilter").Type("cat");
+  option.Control("txtStopNumber").Press(VK_RETURN);
   ASSERT_TRUE(WaitUntil([&] { return !option; }));
   EXPECT_EQ(program.ReadFile("data/ExtractFilter.dat"), HeaderLine() + "\r\n\r\n<r>cat</r>\r\n");
 }
 
 TEST_F(OptionTest, EscClosesTheDialogAndEnterInAListOfWordsDoesNot) {
   Open();
-  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
-  const Window words = option.Control(IDC_TXTREMOVEFILTER);
+  option.Control("tabOption").Send(TCM_SETCURFOCUS, 2);
+  const Window words = option.Control("txtRemoveFilter");
   ASSERT_TRUE(WaitUntil([&] { return words.Visible(); }));
   words.PressLetter('a');
   words.Press(VK_RETURN);

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "forms/win32/resource.h"
 #include "project/data_file.h"
 #include "run/end_reasons.h"
 #include "state/settings.h"
@@ -33,31 +32,31 @@ struct RunTest : testing::Test {
   }
   void Begin(const std::string& text) const {
     const Window main = program.Main();
-    main.Control(IDC_CMBURL).Type(text);
-    ASSERT_TRUE(WaitUntil([&] { return main.Control(IDC_CMBURL).Text() == text; }));
-    main.Control(IDC_CMDEXTRACT).Click();
+    main.Control("cmbURL").Type(text);
+    ASSERT_TRUE(WaitUntil([&] { return main.Control("cmbURL").Text() == text; }));
+    main.Control("cmdExtract").Click();
   }
-  [[nodiscard]] Window Control(int id) const { return program.Main().Control(id); }
+  [[nodiscard]] Window Control(std::string_view name) const { return program.Main().Control(name); }
 };
 
 TEST_F(RunTest, ARunByAddressFillsTheListAndTheFiles) {
   program.Start();
   Begin("www.cars.example");
   ASSERT_TRUE(program.Answer(kEndAllParsed));
-  const Window list = Control(IDC_LSTMAIL);
+  const Window list = Control("lstMail");
   ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 3; })) << list.Rows();
   EXPECT_THAT(list.Column(0), ElementsAre("1", "2", "3"));
   EXPECT_THAT(list.Column(1), testing::UnorderedElementsAre("first@cars.test", "second@cars.test", "third@cars.test"));
   EXPECT_THAT(list.Cell(0, 2), HasSubstr(kSite));
   EXPECT_EQ(list.Cell(0, 3), "Cars");
-  const Window bar = Control(IDC_STSEXTRACT);
+  const Window bar = Control("stsExtract");
   EXPECT_TRUE(WaitUntil([&] { return bar.Panel(1).starts_with("Extract process ended at "); })) << bar.Panel(1);
   EXPECT_EQ(bar.Panel(2), "3 Address");
   EXPECT_EQ(bar.Panel(3), "Scan 2");
 
-  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Extract");
-  for (const int id : {IDC_CMDEXTRACT, IDC_CMDEXPORT, IDC_CMDDELETE, IDC_CMBURL, IDC_CMDOPTION, IDC_CMDTOOL}) {
-    EXPECT_TRUE(Control(id).Enabled()) << id;
+  EXPECT_EQ(Control("cmdExtract").Text(), "&Extract");
+  for (const char* name : {"cmdExtract", "cmdExport", "cmdDelete", "cmbURL", "cmdOption", "cmdTool"}) {
+    EXPECT_TRUE(Control(name).Enabled()) << name;
   }
   EXPECT_THAT(program.ReadFile("report/cars_example.rpt"), HasSubstr("first@cars.test\r\n"));
   EXPECT_THAT(StoredSettings(), testing::Contains(testing::Pair("Project1", "www.cars.example")));
@@ -69,10 +68,10 @@ TEST_F(RunTest, ARunByKeywordStartsAtTheSearchEngine) {
   program.Start();
   Begin("cars");
   ASSERT_TRUE(program.Answer(kEndAllParsed));
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTMAIL).Rows() == 2; }));
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstMail").Rows() == 2; }));
   EXPECT_TRUE(site.WasAskedFor(std::string(kResults) + "100"));
   EXPECT_FALSE(site.WasAskedFor(std::string(kResults) + "200"));
-  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_CMBURL).Text() == "cars_en"; })) << Control(IDC_CMBURL).Text();
+  EXPECT_TRUE(WaitUntil([&] { return Control("cmbURL").Text() == "cars_en"; })) << Control("cmbURL").Text();
 }
 
 TEST_F(RunTest, WhileARunGoesOnOnlyStopAndHideCanBeUsed) {
@@ -80,18 +79,18 @@ TEST_F(RunTest, WhileARunGoesOnOnlyStopAndHideCanBeUsed) {
   site.SetSilent(std::string(kSite) + "/");
   program.Start();
   Begin("www.cars.example");
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Text() == "&Stop"; }));
-  ASSERT_TRUE(WaitUntil([&] { return !Control(IDC_CMBURL).Enabled(); }));
-  for (const int id : {IDC_CMDEXPORT, IDC_CMDDELETE, IDC_CMBURL, IDC_CMDOPTION, IDC_CMDTOOL}) {
-    EXPECT_FALSE(Control(id).Enabled()) << id;
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Text() == "&Stop"; }));
+  ASSERT_TRUE(WaitUntil([&] { return !Control("cmbURL").Enabled(); }));
+  for (const char* name : {"cmdExport", "cmdDelete", "cmbURL", "cmdOption", "cmdTool"}) {
+    EXPECT_FALSE(Control(name).Enabled()) << name;
   }
-  EXPECT_TRUE(Control(IDC_CMDHIDE).Enabled());
-  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_STSEXTRACT).Panel(1) != "Waiting ..."; }));
+  EXPECT_TRUE(Control("cmdHide").Enabled());
+  EXPECT_TRUE(WaitUntil([&] { return Control("stsExtract").Panel(1) != "Waiting ..."; }));
 
-  Control(IDC_CMDEXTRACT).Click();
+  Control("cmdExtract").Click();
   ASSERT_TRUE(program.Answer(kEndStopButton));
-  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXTRACT).Enabled(); }));
-  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Extract");
+  EXPECT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled(); }));
+  EXPECT_EQ(Control("cmdExtract").Text(), "&Extract");
   EXPECT_THAT(program.ReadFile("data/cars_example.dat"), HasSubstr("[M]\r\nhttp://www.cars.example\r\n[F]\r\n"));
 }
 
@@ -108,9 +107,9 @@ TEST_F(RunTest, TheWindowThatIsReopenedDuringARunReadsStopAndExitIsNotOffered) {
   EXPECT_TRUE(program.Running());
   ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kWindow));
   ASSERT_TRUE(WaitUntil([&] { return program.Main() && program.Main().Visible(); }));
-  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Stop");
-  EXPECT_FALSE(Control(IDC_CMBURL).Enabled());
-  Control(IDC_CMDEXTRACT).Click();
+  EXPECT_EQ(Control("cmdExtract").Text(), "&Stop");
+  EXPECT_FALSE(Control("cmbURL").Enabled());
+  Control("cmdExtract").Click();
   EXPECT_TRUE(program.Answer(kEndStopButton));
 }
 
@@ -173,15 +172,15 @@ TEST_F(RunTest, AStoppedProjectIsContinuedByTheNextProgram) {
 
 TEST_F(RunTest, ExtractWithNothingTypedSaysSo) {
   program.Start();
-  Control(IDC_CMDEXTRACT).Click();
+  Control("cmdExtract").Click();
   EXPECT_TRUE(program.Answer("Please enter keyword or URL !"));
-  EXPECT_EQ(Control(IDC_CMDEXTRACT).Text(), "&Extract");
+  EXPECT_EQ(Control("cmdExtract").Text(), "&Extract");
 }
 
 TEST_F(RunTest, AfterACutSuffixTypingGoesOnAtTheEnd) {
   program.Start();
-  Control(IDC_CMBURL).Type("cars");
-  const Window edit(FindWindowExW(Control(IDC_CMBURL).handle(), nullptr, L"Edit", nullptr));
+  Control("cmbURL").Type("cars");
+  const Window edit(FindWindowExW(Control("cmbURL").handle(), nullptr, L"Edit", nullptr));
   edit.PressLetter('_');
   ASSERT_TRUE(
       program.Answer("We will delete any lettes behind \"_\", except \"_en\",\"_fr\",\"_de\",\"_it\",\"_es\",\"_ja\""));
@@ -194,16 +193,16 @@ TEST_F(RunTest, DeletingAProjectAsksAndThenTakesItsFilesAndItsEntry) {
   program.Start();
   Begin("www.cars.example");
   ASSERT_TRUE(program.Answer(kEndAllParsed));
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDDELETE).Enabled(); }));
-  Control(IDC_CMDDELETE).Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdDelete").Enabled(); }));
+  Control("cmdDelete").Click();
   ASSERT_TRUE(program.Answer("Are you sure to delete it ?", IDNO));
   EXPECT_TRUE(program.HasFile("report/cars_example.rpt"));
-  Control(IDC_CMDDELETE).Click();
+  Control("cmdDelete").Click();
   ASSERT_TRUE(program.Answer("Are you sure to delete it ?", IDYES));
   EXPECT_TRUE(WaitUntil([&] { return !program.HasFile("report/cars_example.rpt"); }));
-  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_CMBURL).Items().empty(); }));
-  EXPECT_TRUE(WaitUntil([&] { return Control(IDC_LSTMAIL).Rows() == 0; }));
-  EXPECT_FALSE(Control(IDC_CMDDELETE).Enabled());
+  EXPECT_TRUE(WaitUntil([&] { return Control("cmbURL").Items().empty(); }));
+  EXPECT_TRUE(WaitUntil([&] { return Control("lstMail").Rows() == 0; }));
+  EXPECT_FALSE(Control("cmdDelete").Enabled());
   EXPECT_THAT(StoredSettings(), testing::Contains(testing::Pair("ProjectNum", "0")));
 }
 
@@ -213,20 +212,20 @@ TEST_F(RunTest, PickingAProjectFromTheListOpensIt) {
   StoreSetting("Project2", "www.cars.example");
   program.WriteFile("report/cars_example.rpt", HeaderLine() + "\r\n\r\nkept@cars.test\r\n");
   program.Start();
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMBURL).Items().size() == 2; }));
-  Control(IDC_CMBURL).Pick(1);
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_LSTMAIL).Rows() == 1; }));
-  EXPECT_EQ(Control(IDC_LSTMAIL).Cell(0, 1), "kept@cars.test");
-  EXPECT_EQ(Control(IDC_CMBURL).Text(), "www.cars.example");
-  EXPECT_THAT(Control(IDC_CMBURL).Items(), ElementsAre("www.cars.example", "www.other.example"));
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmbURL").Items().size() == 2; }));
+  Control("cmbURL").Pick(1);
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstMail").Rows() == 1; }));
+  EXPECT_EQ(Control("lstMail").Cell(0, 1), "kept@cars.test");
+  EXPECT_EQ(Control("cmbURL").Text(), "www.cars.example");
+  EXPECT_THAT(Control("cmbURL").Items(), ElementsAre("www.cars.example", "www.other.example"));
 }
 
 TEST_F(RunTest, ReportOpensTheEditorOnTheReport) {
   program.Start();
   Begin("www.cars.example");
   ASSERT_TRUE(program.Answer(kEndAllParsed));
-  ASSERT_TRUE(WaitUntil([&] { return Control(IDC_CMDEXPORT).Enabled(); }));
-  Control(IDC_CMDEXPORT).Click();
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExport").Enabled(); }));
+  Control("cmdExport").Click();
   HWND editor = nullptr;
   ASSERT_TRUE(WaitUntil([&] { return (editor = FindWindowW(L"Notepad", nullptr)) != nullptr; }));
   EXPECT_TRUE(WaitUntil([&] { return Window(editor).Text().starts_with("cars_example.rpt"); }))

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "forms/win32/resource.h"
 #include "support/fake_task_bar_win32.h"
 #include "window/program.h"
 #include "window/usage.h"
@@ -12,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::Pair;
+using ui::ControlNumber;
 
 TEST(WindowStart, FirstStartWritesTheDefaultsToTheRegistry) {
   Program program;
@@ -28,22 +28,22 @@ TEST(WindowStart, TheWindowOpensIdle) {
   Program program;
   program.Start();
   const Window main = program.Main();
-  const Window bar = main.Control(IDC_STSEXTRACT);
+  const Window bar = main.Control("stsExtract");
   EXPECT_TRUE(WaitUntil([&] { return bar.Panel(2) == "0 Address"; })) << bar.Panel(2);
   EXPECT_EQ(bar.Panel(1), "Waiting ...");
   EXPECT_EQ(bar.Panel(3), "Scan 0");
   EXPECT_THAT(bar.Panel(4), testing::EndsWith(" Kbps"));
-  EXPECT_EQ(main.Control(IDC_CMDEXTRACT).Text(), "&Extract");
-  EXPECT_EQ(main.Control(IDC_CMDEXPORT).Text(), "&Report");
-  EXPECT_EQ(main.Control(IDC_CMDDELETE).Text(), "&Delete");
-  EXPECT_EQ(main.Control(IDC_CMDOPTION).Text(), "&Option");
-  EXPECT_EQ(main.Control(IDC_CMDTOOL).Text(), "&Tool");
-  EXPECT_EQ(main.Control(IDC_CMDHIDE).Text(), "&Hide");
-  EXPECT_TRUE(main.Control(IDC_CMDEXTRACT).Enabled());
-  EXPECT_FALSE(main.Control(IDC_CMDDELETE).Enabled());
-  EXPECT_FALSE(main.Control(IDC_TXTSEARCH).Visible());
-  EXPECT_EQ(main.Control(IDC_TXTSEARCH).Text(), "en");
-  EXPECT_EQ(main.Control(IDC_LSTMAIL).Rows(), 0);
+  EXPECT_EQ(main.Control("cmdExtract").Text(), "&Extract");
+  EXPECT_EQ(main.Control("cmdExport").Text(), "&Report");
+  EXPECT_EQ(main.Control("cmdDelete").Text(), "&Delete");
+  EXPECT_EQ(main.Control("cmdOption").Text(), "&Option");
+  EXPECT_EQ(main.Control("cmdTool").Text(), "&Tool");
+  EXPECT_EQ(main.Control("cmdHide").Text(), "&Hide");
+  EXPECT_TRUE(main.Control("cmdExtract").Enabled());
+  EXPECT_FALSE(main.Control("cmdDelete").Enabled());
+  EXPECT_FALSE(main.Control("txtSearch").Visible());
+  EXPECT_EQ(main.Control("txtSearch").Text(), "en");
+  EXPECT_EQ(main.Control("lstMail").Rows(), 0);
 }
 
 TEST(WindowStart, SavedProjectsStandInTheListAndTheFirstIsOpened) {
@@ -54,8 +54,8 @@ TEST(WindowStart, SavedProjectsStandInTheListAndTheFirstIsOpened) {
   StoreSetting("Search", "2");
   program.Start();
   const Window main = program.Main();
-  EXPECT_THAT(main.Control(IDC_CMBURL).Items(), ElementsAre("www.first.example", "second_fr"));
-  EXPECT_EQ(main.Control(IDC_TXTSEARCH).Text(), "de");
+  EXPECT_THAT(main.Control("cmbURL").Items(), ElementsAre("www.first.example", "second_fr"));
+  EXPECT_EQ(main.Control("txtSearch").Text(), "de");
 }
 
 TEST(WindowStart, WalkingThroughTheOpenListWithoutAChoiceChangesNothing) {
@@ -64,7 +64,7 @@ TEST(WindowStart, WalkingThroughTheOpenListWithoutAChoiceChangesNothing) {
   StoreSetting("Project1", "www.first.example");
   StoreSetting("Project2", "www.second.example");
   program.Start();
-  const Window combo = program.Main().Control(IDC_CMBURL);
+  const Window combo = program.Main().Control("cmbURL");
   const Window edit(FindWindowExW(combo.handle(), nullptr, L"Edit", nullptr));
   ASSERT_EQ(edit.Text(), "www.first.example");
   for (const int leave : {VK_ESCAPE, VK_TAB}) {
@@ -84,7 +84,7 @@ TEST(WindowStart, AListThatClosesWithNothingPickedLeavesTheTextAsItWas) {
   StoreSetting("ProjectNum", "1");
   StoreSetting("Project1", "www.first.example");
   program.Start();
-  const Window combo = program.Main().Control(IDC_CMBURL);
+  const Window combo = program.Main().Control("cmbURL");
   ASSERT_TRUE(WaitUntil([&] { return combo.Text() == "www.first.example"; }));
   combo.Pick(-1);
   EXPECT_TRUE(WaitUntil([&] { return combo.Text() == "www.first.example"; })) << combo.Text();
@@ -143,14 +143,14 @@ TEST(WindowStart, TheHiddenWindowComesBackByTheMenuAsItWas) {
   Program program;
   program.Start();
   const Window main = program.Main();
-  main.Control(IDC_CMBURL).Type("cars");
-  main.Control(IDC_CMDHIDE).Click();
+  main.Control("cmbURL").Type("cars");
+  main.Control("cmdHide").Click();
   ASSERT_TRUE(WaitUntil([&] { return !main.Visible(); }));
   ASSERT_TRUE(main);
   ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kWindow));
   EXPECT_TRUE(WaitUntil([&] { return main.Visible(); }));
-  EXPECT_EQ(main.Control(IDC_CMBURL).Text(), "cars");
-  EXPECT_TRUE(main.Control(IDC_CMDHIDE).Enabled());
+  EXPECT_EQ(main.Control("cmbURL").Text(), "cars");
+  EXPECT_TRUE(main.Control("cmdHide").Enabled());
 }
 
 TEST(WindowStart, HidingTheWindowLeavesTheMessageInTheStatusBar) {
@@ -158,10 +158,10 @@ TEST(WindowStart, HidingTheWindowLeavesTheMessageInTheStatusBar) {
   StoreDefaultsWithoutUpgradeCheck();
   program.Start();
   const Window main = program.Main();
-  main.Control(IDC_CMDHIDE).Click();
-  ASSERT_TRUE(WaitUntil([&] { return !main.Visible() && main.Control(IDC_CMDHIDE).Enabled(); }));
+  main.Control("cmdHide").Click();
+  ASSERT_TRUE(WaitUntil([&] { return !main.Visible() && main.Control("cmdHide").Enabled(); }));
   main.Send(WM_TIMER, 1);  // what the status bar is to show in a moment, it shows now
-  EXPECT_EQ(main.Control(IDC_STSEXTRACT).Panel(1), "Waiting ...");
+  EXPECT_EQ(main.Control("stsExtract").Panel(1), "Waiting ...");
 }
 
 TEST(WindowStart, TheMinimisedWindowComesBackAsItWas) {
@@ -170,7 +170,7 @@ TEST(WindowStart, TheMinimisedWindowComesBackAsItWas) {
   const Window main = program.Main();
   // The sizes alone: where the window stands is also the window manager's affair.
   const auto sizes = [&] {
-    const RECT window = main.Place(), list = main.Control(IDC_LSTMAIL).Place();
+    const RECT window = main.Place(), list = main.Control("lstMail").Place();
     return std::vector<LONG>{window.right - window.left, window.bottom - window.top, list.right - list.left,
                              list.bottom - list.top};
   };
@@ -187,17 +187,18 @@ TEST(WindowStart, TabWalksOverTheControlsFromTheInputOnward) {
   program.Start();
   const Window main = program.Main();
   EXPECT_THAT(main.TabStops(),
-              ElementsAre(IDC_CMBURL, IDC_CMDEXTRACT, IDC_LSTMAIL, IDC_CMDOPTION, IDC_CMDTOOL, IDC_CMDHIDE));
+              ElementsAre(ControlNumber("cmbURL"), ControlNumber("cmdExtract"), ControlNumber("lstMail"),
+                          ControlNumber("cmdOption"), ControlNumber("cmdTool"), ControlNumber("cmdHide")));
 }
 
 TEST(WindowStart, F1OpensTheHelpBoxAndEscClosesIt) {
   Program program;
   program.Start();
-  program.Main().Control(IDC_LSTMAIL).Press(VK_F1);
+  program.Main().Control("lstMail").Press(VK_F1);
   const Window help = program.WaitForWindow("Brenvy Quenlar Pro Online Help");
   ASSERT_TRUE(help);
-  EXPECT_THAT(help.TabStops(), ElementsAre(IDC_LBLHELP));
-  help.Control(IDC_LBLHELP).Press(VK_ESCAPE);
+  EXPECT_THAT(help.TabStops(), ElementsAre(ControlNumber("lblHelp")));
+  help.Control("lblHelp").Press(VK_ESCAPE);
   EXPECT_TRUE(WaitUntil([&] { return !help; }));
 }
 
@@ -227,17 +228,17 @@ TEST(WindowStart, AboutAndHelpOpenFromTheMenu) {
   ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kAbout));
   const Window about = program.WaitForWindow("About Brenvy Quenlar Pro 3.0");
   ASSERT_TRUE(about);
-  EXPECT_EQ(about.Control(IDC_LBLSOFTWAREVERSION).Text(), "Brenvy Quenlar Pro 3.0");
-  EXPECT_EQ(about.Control(IDC_LBLNOTE).Text(), "You can visit web page : ");
-  EXPECT_THAT(about.TabStops(), ElementsAre(IDOK, IDC_LBLWEBPAGE)) << "Enter closes the box at once";
+  EXPECT_EQ(about.Control("lblSoftwareVersion").Text(), "Brenvy Quenlar Pro 3.0");
+  EXPECT_EQ(about.Control("lblNote").Text(), "You can visit web page : ");
+  EXPECT_THAT(about.TabStops(), ElementsAre(IDOK, ControlNumber("lblWebPage"))) << "Enter closes the box at once";
   about.Control(IDOK).Click();
   EXPECT_TRUE(WaitUntil([&] { return !about; }));
 
   ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kHelp));
   const Window help = program.WaitForWindow("Brenvy Quenlar Pro Online Help");
   ASSERT_TRUE(help);
-  EXPECT_EQ(help.Control(IDC_LABEL1).Text(), "Brenvy Quenlar Pro Help");
-  EXPECT_EQ(help.Control(IDC_LBLHELP).Text(), "Open Online Help");
+  EXPECT_EQ(help.Control("Label1").Text(), "Brenvy Quenlar Pro Help");
+  EXPECT_EQ(help.Control("lblHelp").Text(), "Open Online Help");
 }
 
 TEST(WindowStart, AnIdleProgramTakesHardlyAnyProcessorTime) {

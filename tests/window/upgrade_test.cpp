@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "forms/win32/resource.h"
 #include "state/settings.h"
 #include "window/program.h"
 
@@ -28,11 +27,11 @@ struct UpgradeTest : testing::Test {
 TEST_F(UpgradeTest, UpgradeNextTimeClosesTheDialogAndStoresNothing) {
   StartWithPublished("3.1beta\r\nmore");
   WaitForDialog();
-  EXPECT_EQ(dialog.Control(IDC_LBLVERSION).Text(), "New Version published");
-  EXPECT_TRUE(dialog.Control(IDC_OPTUPGRADE0).Checked());
+  EXPECT_EQ(dialog.Control("lblVersion").Text(), "New Version published");
+  EXPECT_TRUE(dialog.Control("optUpgrade0").Checked());
   EXPECT_TRUE(program.Main().Enabled());
-  dialog.Control(IDC_OPTUPGRADE1).Click();
-  ASSERT_TRUE(WaitUntil([&] { return dialog.Control(IDC_OPTUPGRADE1).Checked(); }));
+  dialog.Control("optUpgrade1").Click();
+  ASSERT_TRUE(WaitUntil([&] { return dialog.Control("optUpgrade1").Checked(); }));
   dialog.Control(IDOK).Click();
   ASSERT_TRUE(WaitUntil([&] { return !dialog; }));
   EXPECT_TRUE(program.Running());
@@ -62,8 +61,8 @@ TEST_F(UpgradeTest, TheOwnVersionShowsNoDialog) {
   StartWithPublished("3.0\r\n");
   ASSERT_TRUE(WaitUntil([&] { return site.WasAskedFor(kUpgradePage); }));
   // Whatever the page leads to has happened when a later page of a run has been dealt with.
-  program.Main().Control(IDC_CMBURL).Type("www.none.example");
-  program.Main().Control(IDC_CMDEXTRACT).Click();
+  program.Main().Control("cmbURL").Type("www.none.example");
+  program.Main().Control("cmdExtract").Click();
   ASSERT_TRUE(program.Answer("All links have been parsed !"));
   EXPECT_FALSE(program.Find("Brenvy Quenlar Pro 3.0 Upgrade"));
 }
@@ -71,11 +70,11 @@ TEST_F(UpgradeTest, TheOwnVersionShowsNoDialog) {
 TEST_F(UpgradeTest, WhoNeverWantsToUpgradeIsNotAsked) {
   StoreDefaultsWithoutUpgradeCheck();
   StartWithPublished("4\r\n");
-  program.Main().Control(IDC_CMBURL).Type("www.none.example");
+  program.Main().Control("cmbURL").Type("www.none.example");
   // A run ends after at least one tick of the alarm clock, which would have asked.
   const ULONGLONG begun = GetTickCount64();
   ASSERT_TRUE(WaitUntil([&] { return GetTickCount64() - begun > 2500; }));
-  program.Main().Control(IDC_CMDEXTRACT).Click();
+  program.Main().Control("cmdExtract").Click();
   ASSERT_TRUE(program.Answer("All links have been parsed !"));
   EXPECT_FALSE(site.WasAskedFor(kUpgradePage));
 }

@@ -67,7 +67,7 @@ LRESULT Window::Send(UINT message, WPARAM w, LPARAM l) const {
   return static_cast<LRESULT>(result);
 }
 
-Window Window::Control(int id) const { return Window(FindControl(handle_, id)); }
+Window Window::Control(int number) const { return Window(FindControl(handle_, number)); }
 
 std::string Window::ClassName() const {
   wchar_t name[128];

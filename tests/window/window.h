@@ -4,8 +4,10 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "ui/win32/dialog_template.h"
 #include "ui/win32/windows_api.h"
 
 namespace quenlar::window_test {
@@ -23,8 +25,10 @@ class Window {
   explicit operator bool() const { return handle_ && IsWindow(handle_); }
   friend bool operator==(const Window&, const Window&) = default;
 
-  // The control with this number, in the window or in a page of it. Empty when there is none.
-  [[nodiscard]] Window Control(int id) const;
+  // The control with this number, or with this name in its form, in the window or in a page of it. Empty when there is
+  // none.
+  [[nodiscard]] Window Control(int number) const;
+  [[nodiscard]] Window Control(std::string_view name) const { return Control(ui::ControlNumber(name)); }
 
   [[nodiscard]] std::string ClassName() const;
   [[nodiscard]] std::string Text() const;

@@ -15,7 +15,7 @@ constexpr int kOtherPanel = 110;
 
 void StatusBarBinding::Start() {
   ControlBinding::Start();
-  shown_.assign(bar_.panels(), std::string());
+  shown_.assign(model().panels(), std::string());
   OnPlaced(0);  // a panel holds no text before it is there
   Flush();
 }
@@ -27,8 +27,8 @@ void StatusBarBinding::Apply(Aspect aspect) {
 
 void StatusBarBinding::Flush() {
   for (std::size_t i = 0; i < shown_.size(); ++i) {
-    if (shown_[i] == bar_.panel(i + 1)) continue;
-    shown_[i] = bar_.panel(i + 1);
+    if (shown_[i] == model().panel(i + 1)) continue;
+    shown_[i] = model().panel(i + 1);
     Send(SB_SETTEXTW, i, win32::ToWide(shown_[i]).c_str());
   }
 }
@@ -36,7 +36,7 @@ void StatusBarBinding::Flush() {
 void StatusBarBinding::OnPlaced(int grown) {
   Send(WM_SIZE);  // the bar finds its place at the window's foot by itself
   std::vector<int> right_edges;
-  for (std::size_t i = 0; i + 1 < bar_.panels(); ++i) {
+  for (std::size_t i = 0; i + 1 < model().panels(); ++i) {
     right_edges.push_back(Scaled(kFirstPanel) + grown + static_cast<int>(i) * Scaled(kOtherPanel));
   }
   right_edges.push_back(-1);
@@ -45,8 +45,8 @@ void StatusBarBinding::OnPlaced(int grown) {
 
 void TabStripBinding::Start() {
   ControlBinding::Start();
-  for (std::size_t i = 0; i < tabs_.captions().size(); ++i) {
-    std::wstring caption = win32::ToWide(tabs_.captions()[i]);
+  for (std::size_t i = 0; i < model().captions().size(); ++i) {
+    std::wstring caption = win32::ToWide(model().captions()[i]);
     TCITEMW item{};
     item.mask = TCIF_TEXT;
     item.pszText = caption.data();
@@ -57,7 +57,7 @@ void TabStripBinding::Start() {
 
 void TabStripBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
-  if (aspect == Aspect::kSelection) Send(TCM_SETCURSEL, tabs_.selected());
+  if (aspect == Aspect::kSelection) Send(TCM_SETCURSEL, model().selected());
 }
 
 LRESULT TabStripBinding::OnNotify(const NMHDR& header) {
@@ -70,10 +70,10 @@ LRESULT TabStripBinding::OnNotify(const NMHDR& header) {
 
 bool TabStripBinding::ChooseByKey(wchar_t key) {
   if (key == 0 || key > 127) return false;
-  for (std::size_t i = 0; i < tabs_.captions().size(); ++i) {
-    const std::size_t mark = tabs_.captions()[i].find('&');
-    if (mark == std::string::npos || mark + 1 == tabs_.captions()[i].size()) continue;
-    if (ToLower(tabs_.captions()[i][mark + 1]) == ToLower(static_cast<char>(key))) {
+  for (std::size_t i = 0; i < model().captions().size(); ++i) {
+    const std::size_t mark = model().captions()[i].find('&');
+    if (mark == std::string::npos || mark + 1 == model().captions()[i].size()) continue;
+    if (ToLower(model().captions()[i][mark + 1]) == ToLower(static_cast<char>(key))) {
       UserSelect(i);
       return true;
     }
@@ -82,14 +82,14 @@ bool TabStripBinding::ChooseByKey(wchar_t key) {
 }
 
 void TabStripBinding::Step(int direction) {
-  const int count = static_cast<int>(tabs_.captions().size());
-  UserSelect(static_cast<std::size_t>((static_cast<int>(tabs_.selected()) + direction + count) % count));
+  const int count = static_cast<int>(model().captions().size());
+  UserSelect(static_cast<std::size_t>((static_cast<int>(model().selected()) + direction + count) % count));
 }
 
 // A page that goes would keep the keyboard, unseen.
 void TabStripBinding::UserSelect(std::size_t index) {
   const HWND focus = GetFocus();
-  tabs_.Select(index);
+  model().Select(index);
   if (focus && !IsWindowVisible(focus)) host().FocusOn(window());
 }
 

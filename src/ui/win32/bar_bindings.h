@@ -6,9 +6,9 @@
 namespace quenlar::ui {
 
 // Shows the panels' texts. Texts that follow each other quickly are shown together, so a fast run does not flicker.
-class StatusBarBinding final : public ControlBinding {
+class StatusBarBinding final : public BindingTo<StatusBar> {
  public:
-  StatusBarBinding(StatusBar& bar, HWND window, BindingHost& host) : ControlBinding(bar, window, host), bar_(bar) {}
+  using BindingTo::BindingTo;
   void Start() override;
   void OnPlaced(int grown) override;
   void Flush() override;
@@ -17,13 +17,12 @@ class StatusBarBinding final : public ControlBinding {
   void Apply(Aspect aspect) override;
 
  private:
-  StatusBar& bar_;
   std::vector<std::string> shown_;
 };
 
-class TabStripBinding final : public ControlBinding {
+class TabStripBinding final : public BindingTo<TabStrip> {
  public:
-  TabStripBinding(TabStrip& tabs, HWND window, BindingHost& host) : ControlBinding(tabs, window, host), tabs_(tabs) {}
+  using BindingTo::BindingTo;
   void Start() override;
   LRESULT OnNotify(const NMHDR& header) override;
 
@@ -39,8 +38,6 @@ class TabStripBinding final : public ControlBinding {
 
  private:
   void UserSelect(std::size_t index);
-
-  TabStrip& tabs_;
 };
 
 }  // namespace quenlar::ui

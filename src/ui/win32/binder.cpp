@@ -22,7 +22,7 @@ Binder::~Binder() {
 }
 
 void Binder::Bind(Form& form) {
-  assert(DialogOf(form));
+  assert(HasDialog(resources_.program, form.name()));
   windows_[&form] = nullptr;
   form.window.create = [this, &form] { Create(form); };
   form.window.show = [this, &form] {
@@ -53,14 +53,14 @@ HWND Binder::ActiveFormWindow() const {
   return any_visible;
 }
 
-const Dialog* Binder::DialogOf(const Form& form) const {
+Dialog Binder::DialogOf(const Form& form) const {
   const auto found = std::find_if(resources_.dialogs.begin(), resources_.dialogs.end(),
                                   [&](const Dialog& dialog) { return form.name() == dialog.form; });
-  return found == resources_.dialogs.end() ? nullptr : &*found;
+  return found == resources_.dialogs.end() ? Dialog{form.name().c_str()} : *found;
 }
 
 void Binder::Create(Form& form) {
-  const Dialog& dialog = *DialogOf(form);
+  const Dialog dialog = DialogOf(form);
   windows_[&form] = FormWindow::Create(form, dialog, resources_, dialog.owned ? ActiveFormWindow() : nullptr);
 }
 

@@ -21,7 +21,7 @@ class Binder {
   Binder(const Binder&) = delete;
   Binder& operator=(const Binder&) = delete;
 
-  // The form must have a dialog in the resources' table and outlive the binder.
+  // The form must have a dialog with its name in the resources, and outlive the binder.
   void Bind(Form& form);
 
   // For every message of the message loop, before it is dispatched: the keyboard handling of dialogs. True when the
@@ -29,7 +29,7 @@ class Binder {
   bool FilterMessage(MSG& message);
 
  private:
-  [[nodiscard]] const Dialog* DialogOf(const Form& form) const;
+  [[nodiscard]] Dialog DialogOf(const Form& form) const;
   void Create(Form& form);
   void RunModal(Form& form);
   void Destroy(Form& form);

@@ -81,4 +81,17 @@ class ControlBinding {
   HWND focus_went_to_ = nullptr;  // when the control was disabled with the focus on it
 };
 
+// A binding that knows the kind of its model.
+template <typename Model>
+class BindingTo : public ControlBinding {
+ public:
+  BindingTo(Model& model, HWND window, BindingHost& host) : ControlBinding(model, window, host), model_(model) {}
+
+ protected:
+  [[nodiscard]] Model& model() const { return model_; }
+
+ private:
+  Model& model_;
+};
+
 }  // namespace quenlar::ui

@@ -1,5 +1,5 @@
-// What the binder is told about the dialogs in the program's resources: which belongs to which form, which number to
-// which control, and how places follow the window's size.
+// What the binder is told about the windows of one program. Everything else stands in the dialogs of its resources
+// (dialog_items.h).
 #pragma once
 
 #include <span>
@@ -8,42 +8,21 @@
 
 namespace quenlar::ui {
 
-// How a control follows its window: percent of what the window is wider and higher than in its template.
-struct Anchor {
-  int id;
-  int move_x, grow_x, move_y, grow_y;
-};
-
-// A panel of a form that is a dialog of its own inside the tab strip.
-struct Page {
-  const char* panel;
-  int dialog;
-};
-
+// How the window of a form opens. A form without a row of its own opens as these defaults say.
 struct Dialog {
   const char* form;
-  int dialog;
   // Opens over the window that is in use, stays in front of it and goes with it.
-  bool owned;
-  // Sizes of the window with its frame, in pixels at 96 dots per inch. Where `minimum` is set, the template shows the
-  // places at that size, and the window opens at `first`. Otherwise the template's own size is that of the inside.
-  SIZE minimum, first;
-  std::span<const Anchor> anchors;
-  std::span<const Page> pages;
+  bool owned = false;
+  // The size in which the window opens, with its frame, in pixels at 96 dots per inch. The template then has the
+  // smallest size of the window, with its frame too. Without a size here the window opens in its template's size, which
+  // is that of the inside.
+  SIZE first{};
 };
 
-// A control's name in its form and its number in the dialogs.
-struct ControlNumber {
-  const char* name;
-  int id;
-};
-
-// The resources of one program. The tables must outlive all who have them.
 struct Resources {
   HINSTANCE program;
   int icon;  // the number of the icon that all windows have
-  std::span<const Dialog> dialogs;
-  std::span<const ControlNumber> controls;
+  std::span<const Dialog> dialogs;  // must outlive all who have them
 };
 
 }  // namespace quenlar::ui

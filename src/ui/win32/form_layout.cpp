@@ -15,7 +15,7 @@ SIZE FormWindow::OuterSize(SIZE size) const {
 }
 
 SIZE FormWindow::MinimumSize() const {
-  if (dialog_.minimum.cx > 0) return {Scaled(dialog_.minimum.cx), Scaled(dialog_.minimum.cy)};
+  if (dialog_.first.cx > 0) return {Scaled(layout_.size.cx), Scaled(layout_.size.cy)};
   return OuterSize(layout_.size);
 }
 
@@ -90,17 +90,15 @@ void FormWindow::LayOutPages() {
 void FormWindow::PlaceItems(HWND parent, const DialogTemplate& layout, SIZE grown) {
   HDWP places = BeginDeferWindowPos(static_cast<int>(layout.items.size()));
   HWND child = GetWindow(parent, GW_CHILD);
-  for (const auto& [id, place] : layout.items) {
+  for (const auto& item : layout.items) {
     // Pages stand before the controls of the template.
-    while (child && GetDlgCtrlID(child) != id) child = GetWindow(child, GW_HWNDNEXT);
+    while (child && GetDlgCtrlID(child) != item.number) child = GetWindow(child, GW_HWNDNEXT);
     if (!child) break;
-    const auto follows = std::find_if(dialog_.anchors.begin(), dialog_.anchors.end(),
-                                      [id = id](const Anchor& anchor) { return anchor.id == id; });
-    const Anchor anchor = follows == dialog_.anchors.end() ? Anchor{} : *follows;
-    places = DeferWindowPos(places, child, nullptr, Scaled(place.left) + MulDiv(grown.cx, anchor.move_x, 100),
-                            Scaled(place.top) + MulDiv(grown.cy, anchor.move_y, 100),
-                            Scaled(place.right - place.left) + MulDiv(grown.cx, anchor.grow_x, 100),
-                            Scaled(place.bottom - place.top) + MulDiv(grown.cy, anchor.grow_y, 100),
+    const RECT& place = item.place;
+    places = DeferWindowPos(places, child, nullptr, Scaled(place.left) + MulDiv(grown.cx, item.move_x, 100),
+                            Scaled(place.top) + MulDiv(grown.cy, item.move_y, 100),
+                            Scaled(place.right - place.left) + MulDiv(grown.cx, item.grow_x, 100),
+                            Scaled(place.bottom - place.top) + MulDiv(grown.cy, item.grow_y, 100),
                             SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     child = GetWindow(child, GW_HWNDNEXT);
   }

@@ -30,7 +30,7 @@ FormWindow::FormWindow(Form& form, const Dialog& dialog, const Resources& resour
     : form_(form),
       dialog_(dialog),
       resources_(resources),
-      layout_(ReadDialogTemplate(resources.program, dialog.dialog)) {}
+      layout_(ReadDialogTemplate(resources.program, form.name())) {}
 
 FormWindow::~FormWindow() {
   assert(!window_);
@@ -41,10 +41,8 @@ FormWindow::~FormWindow() {
 std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog, const Resources& resources,
                                                HWND owner) {
   const std::shared_ptr<FormWindow> made(new FormWindow(form, dialog, resources));
-  CreateDialogParamW(resources.program, MAKEINTRESOURCEW(dialog.dialog), owner, Procedure,
-                     reinterpret_cast<LPARAM>(made.get()));
+  made->window_ = made->CreateDialogWindow(made->layout_, owner);
   if (!made->window_) return nullptr;
-  TurnOffSystemScaling(made->window_);
   made->dpi_ = static_cast<int>(GetDpiForWindow(made->window_));
   made->LoadIcons();
   made->ShowCaption();
@@ -55,39 +53,50 @@ std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog,
   return made;
 }
 
+HWND FormWindow::CreateDialogWindow(const DialogTemplate& dialog, HWND parent) {
+  const HWND window =
+      CreateDialogIndirectParamW(resources_.program, reinterpret_cast<const DLGTEMPLATE*>(dialog.memory.data()), parent,
+                                 Procedure, reinterpret_cast<LPARAM>(this));
+  if (window) TurnOffSystemScaling(window);
+  return window;
+}
+
 void FormWindow::CreatePages() {
-  for (const Page& page : dialog_.pages) {
-    const HWND window = CreateDialogParamW(resources_.program, MAKEINTRESOURCEW(page.dialog), window_, Procedure,
-                                           reinterpret_cast<LPARAM>(this));
+  for (const Control* control : form_.Controls()) {
+    if (!HasDialog(resources_.program, control->name())) continue;
+    DialogTemplate layout = ReadDialogTemplate(resources_.program, control->name());
+    const HWND window = CreateDialogWindow(layout, window_);
     assert(window);
-    TurnOffSystemScaling(window);
     EnableThemeDialogTexture(window, ETDT_ENABLETAB);
     // In front of the tab strip, or the strip would paint over it; so the page comes first in the tab order.
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    pages_.push_back({window, ReadDialogTemplate(resources_.program, page.dialog)});
+    pages_.push_back({control->name(), window, std::move(layout)});
   }
 }
 
 // Null for a control that no dialog shows.
-HWND FormWindow::FindNative(const Control& control) const {
-  for (std::size_t i = 0; i < pages_.size(); ++i) {
-    if (control.name() == dialog_.pages[i].panel) return pages_[i].window;
-  }
-  const auto number = std::find_if(resources_.controls.begin(), resources_.controls.end(),
-                                   [&](const ControlNumber& row) { return control.name() == row.name; });
-  if (number == resources_.controls.end()) return nullptr;
-  HWND native = GetDlgItem(window_, number->id);
+HWND FormWindow::FindNative(const std::string& name) const {
+  const auto in_dialog = [&](const DialogTemplate& layout, HWND dialog) -> HWND {
+    for (const auto& item : layout.items) {
+      if (item.name == name) return GetDlgItem(dialog, item.number);
+    }
+    return nullptr;
+  };
+  if (const HWND native = in_dialog(layout_, window_)) return native;
   for (const PageWindow& page : pages_) {
-    if (!native) native = GetDlgItem(page.window, number->id);
+    if (page.name == name) return page.window;
+    if (const HWND native = in_dialog(page.layout, page.window)) return native;
   }
-  return native;
+  return nullptr;
 }
 
 void FormWindow::BindControls() {
   for (Control* control : form_.Controls()) {
-    const HWND native = FindNative(*control);
+    const HWND native = FindNative(control->name());
     if (!native) continue;  // a timer, a menu item, a file dialog
-    bindings_.push_back(MakeBinding(*control, native, *this));
+    auto binding = MakeBinding(*control, native, *this);
+    assert(binding);
+    bindings_.push_back(std::move(binding));
     by_window_[native] = bindings_.back().get();
     if (auto* tabs = dynamic_cast<TabStripBinding*>(bindings_.back().get())) tabs_ = tabs;
   }

@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -19,7 +20,7 @@ class TabStripBinding;
 class FormWindow final : public BindingHost, public std::enable_shared_from_this<FormWindow> {
  public:
   // Creates the window, hidden, with the models' state in its controls. Null when the system refuses. `owner` may be
-  // null; an owned window stays in front of its owner. The form, the dialog and the resources must outlive the window.
+  // null; an owned window stays in front of its owner. The form and the resources must outlive the window.
   [[nodiscard]] static std::shared_ptr<FormWindow> Create(Form& form, const Dialog& dialog, const Resources& resources,
                                                           HWND owner);
   ~FormWindow() override;
@@ -46,11 +47,13 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
 
  private:
   struct PageWindow {
+    std::string name;
     HWND window;
     DialogTemplate layout;
   };
 
   FormWindow(Form& form, const Dialog& dialog, const Resources& resources);
+  [[nodiscard]] HWND CreateDialogWindow(const DialogTemplate& dialog, HWND parent);
   static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l);
   INT_PTR OnMessage(HWND window, UINT message, WPARAM w, LPARAM l);
   INT_PTR OnWindowMessage(UINT message, WPARAM w, LPARAM l);
@@ -58,7 +61,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
 
   void CreatePages();
   void BindControls();
-  [[nodiscard]] HWND FindNative(const Control& control) const;
+  [[nodiscard]] HWND FindNative(const std::string& name) const;
   void LoadIcons();
   void MakeFonts();
   void PlaceFirst(HWND owner);
@@ -77,7 +80,7 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
   [[nodiscard]] ControlBinding* BindingOf(HWND control) const;
 
   Form& form_;
-  const Dialog& dialog_;
+  Dialog dialog_;
   const Resources& resources_;
   HWND window_ = nullptr;
   int dpi_ = 96;

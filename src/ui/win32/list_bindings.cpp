@@ -20,10 +20,10 @@ void ListBoxBinding::Apply(Aspect aspect) {
 void ListBoxBinding::FillItems() {
   Send(WM_SETREDRAW, FALSE);
   Send(LB_RESETCONTENT);
-  Send(LB_INITSTORAGE, list_.items().size(), static_cast<LPARAM>(list_.items().size() * 64));
-  for (const std::string& item : list_.items()) Send(LB_ADDSTRING, 0, win32::ToWide(item).c_str());
-  for (std::size_t i = 0; list_.multi_select && i < list_.items().size(); ++i) {
-    if (list_.selected(i)) Send(LB_SETSEL, TRUE, static_cast<LPARAM>(i));
+  Send(LB_INITSTORAGE, model().items().size(), static_cast<LPARAM>(model().items().size() * 64));
+  for (const std::string& item : model().items()) Send(LB_ADDSTRING, 0, win32::ToWide(item).c_str());
+  for (std::size_t i = 0; model().multi_select && i < model().items().size(); ++i) {
+    if (model().selected(i)) Send(LB_SETSEL, TRUE, static_cast<LPARAM>(i));
   }
   Send(WM_SETREDRAW, TRUE);
   RedrawWindow(window(), nullptr, nullptr, RDW_ERASE | RDW_FRAME | RDW_INVALIDATE);
@@ -34,12 +34,12 @@ void ListBoxBinding::OnCommand(UINT code) {
 }
 
 bool ListBoxBinding::OnKey(WPARAM key) {
-  if (key == VK_DELETE && list_.DeleteKey) {
-    list_.DeleteKey();
+  if (key == VK_DELETE && model().DeleteKey) {
+    model().DeleteKey();
     return true;
   }
   if (!ControlHeld()) return false;
-  if (key == 'A' && list_.multi_select) {
+  if (key == 'A' && model().multi_select) {
     Send(LB_SETSEL, TRUE, -1);
     TellSelection();
     return true;
@@ -51,22 +51,22 @@ bool ListBoxBinding::OnKey(WPARAM key) {
 // One line an item.
 void ListBoxBinding::CopySelection() const {
   std::string text;
-  for (std::size_t i = 0; i < list_.items().size(); ++i) {
-    if (Send(LB_GETSEL, i) > 0) text.append(text.empty() ? "" : "\r\n").append(list_.items()[i]);
+  for (std::size_t i = 0; i < model().items().size(); ++i) {
+    if (Send(LB_GETSEL, i) > 0) text.append(text.empty() ? "" : "\r\n").append(model().items()[i]);
   }
   if (!text.empty()) win32::PutOnClipboard(text);
 }
 
 void ListBoxBinding::TellSelection() {
-  std::vector<bool> selected(list_.items().size());
+  std::vector<bool> selected(model().items().size());
   for (std::size_t i = 0; i < selected.size(); ++i) selected[i] = Send(LB_GETSEL, i) > 0;
-  list_.UserSelect(std::move(selected));
+  model().UserSelect(std::move(selected));
 }
 
 void ComboBoxBinding::Start() {
   ControlBinding::Start();
   FillItems();
-  if (!combo_.hint.empty()) Send(CB_SETCUEBANNER, 0, win32::ToWide(combo_.hint).c_str());
+  if (!model().hint.empty()) Send(CB_SETCUEBANNER, 0, win32::ToWide(model().hint).c_str());
 }
 
 void ComboBoxBinding::Apply(Aspect aspect) {
@@ -82,17 +82,17 @@ void ComboBoxBinding::Apply(Aspect aspect) {
 // Emptying a combo box empties its text as well. The text belongs to the model, so it is shown again.
 void ComboBoxBinding::FillItems() {
   Send(CB_RESETCONTENT);
-  for (const std::string& item : combo_.items()) Send(CB_ADDSTRING, 0, win32::ToWide(item).c_str());
+  for (const std::string& item : model().items()) Send(CB_ADDSTRING, 0, win32::ToWide(item).c_str());
   ShowText();
 }
 
 void ComboBoxBinding::ShowText() {
-  if (combo_.editable) {
-    SetNativeText(combo_.text());
+  if (model().editable) {
+    SetNativeText(model().text());
     return;
   }
-  const auto& items = combo_.items();
-  const auto found = std::find(items.begin(), items.end(), combo_.text());
+  const auto& items = model().items();
+  const auto found = std::find(items.begin(), items.end(), model().text());
   Send(CB_SETCURSEL, found == items.end() ? static_cast<WPARAM>(-1) : static_cast<WPARAM>(found - items.begin()));
 }
 
@@ -107,12 +107,12 @@ void ComboBoxBinding::OnCommand(UINT code) {
     host().Post([this] { Picked(); });
   }
   if (code == CBN_SELENDCANCEL) host().Post([this] { ShowText(); });
-  if (code == CBN_EDITCHANGE) combo_.UserText(NativeText());
-  if (code == CBN_SETFOCUS && combo_.GotFocus && !host().moving_focus()) combo_.GotFocus();
+  if (code == CBN_EDITCHANGE) model().UserText(NativeText());
+  if (code == CBN_SETFOCUS && model().GotFocus && !host().moving_focus()) model().GotFocus();
 }
 
 bool ComboBoxBinding::OnKey(WPARAM key) {
-  if (!combo_.editable || !ControlHeld() || key != 'A') return false;
+  if (!model().editable || !ControlHeld() || key != 'A') return false;
   Send(CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
   return true;
 }
@@ -123,7 +123,7 @@ void ComboBoxBinding::Picked() {
   if (index == CB_ERR) {
     ShowText();  // the opening list may have completed what was typed, without a word to us
   } else {
-    combo_.UserPick(static_cast<std::size_t>(index));
+    model().UserPick(static_cast<std::size_t>(index));
   }
 }
 

@@ -5,9 +5,9 @@
 
 namespace quenlar::ui {
 
-class ListBoxBinding final : public ControlBinding {
+class ListBoxBinding final : public BindingTo<ListBox> {
  public:
-  ListBoxBinding(ListBox& list, HWND window, BindingHost& host) : ControlBinding(list, window, host), list_(list) {}
+  using BindingTo::BindingTo;
   void Start() override;
   void OnCommand(UINT code) override;
   bool OnKey(WPARAM key) override;
@@ -19,14 +19,11 @@ class ListBoxBinding final : public ControlBinding {
   void FillItems();
   void TellSelection();
   void CopySelection() const;
-
-  ListBox& list_;
 };
 
-class ComboBoxBinding final : public ControlBinding {
+class ComboBoxBinding final : public BindingTo<ComboBox> {
  public:
-  ComboBoxBinding(ComboBox& combo, HWND window, BindingHost& host)
-      : ControlBinding(combo, window, host), combo_(combo) {}
+  using BindingTo::BindingTo;
   void Start() override;
   void OnCommand(UINT code) override;
   bool OnKey(WPARAM key) override;
@@ -39,7 +36,6 @@ class ComboBoxBinding final : public ControlBinding {
   void ShowText();
   void Picked();
 
-  ComboBox& combo_;
   bool pick_posted_ = false;
 };
 

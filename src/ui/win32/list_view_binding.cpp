@@ -18,8 +18,7 @@ constexpr int kLeastWidth = 40;
 }  // namespace
 
 ListViewBinding::ListViewBinding(ListView& list, HWND window, BindingHost& host)
-    : ControlBinding(list, window, host),
-      list_(list),
+    : BindingTo(list, window, host),
       order_([&list](std::uint32_t row, int column) {
         return list.CellText ? list.CellText(row, column) : std::string();
       }),
@@ -34,12 +33,12 @@ void ListViewBinding::Start() {
 }
 
 void ListViewBinding::AddColumns() {
-  for (std::size_t i = 0; i < list_.columns.size(); ++i) {
-    std::wstring caption = win32::ToWide(list_.columns[i].caption);
+  for (std::size_t i = 0; i < model().columns.size(); ++i) {
+    std::wstring caption = win32::ToWide(model().columns[i].caption);
     LVCOLUMNW column{};
     column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
     column.pszText = caption.data();
-    column.cx = Scaled(list_.columns[i].width);
+    column.cx = Scaled(model().columns[i].width);
     column.iSubItem = static_cast<int>(i);
     Send(LVM_INSERTCOLUMNW, i, &column);
     widths_.push_back({column.cx, std::min(column.cx, Scaled(kLeastWidth)), column.cx});
@@ -71,23 +70,23 @@ void ListViewBinding::OnPlaced(int grown) {
 void ListViewBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
   if (aspect == Aspect::kItems) {
-    if (list_.rows() < order_.rows()) {
+    if (model().rows() < order_.rows()) {
       Flush();
     } else {
       host().RequestFlush();
     }
   }
-  if (aspect == Aspect::kSelection && !list_.selected()) ListView_SetItemState(window(), -1, 0, LVIS_SELECTED);
+  if (aspect == Aspect::kSelection && !model().selected()) ListView_SetItemState(window(), -1, 0, LVIS_SELECTED);
 }
 
 void ListViewBinding::Flush() {
   const std::uint32_t before = order_.rows();
-  if (list_.rows() == before) return;
-  const bool grew = list_.rows() > before;
+  if (model().rows() == before) return;
+  const bool grew = model().rows() > before;
   const bool grew_at_end = grew && !order_.key();
   const Marks marks = grew && !grew_at_end ? TakeMarks() : Marks();
-  order_.SetRows(list_.rows());
-  Send(LVM_SETITEMCOUNT, list_.rows(),
+  order_.SetRows(model().rows());
+  Send(LVM_SETITEMCOUNT, model().rows(),
        static_cast<LPARAM>(grew_at_end ? LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL : LVSICF_NOSCROLL));
   if (!grew_at_end) MarkOnly(marks);
 }
@@ -137,7 +136,7 @@ LRESULT ListViewBinding::OnNotify(const NMHDR& header) {
       OnMouseButton(*reinterpret_cast<NMITEMACTIVATE*>(given));
       return 0;
     case static_cast<UINT>(NM_DBLCLK):
-      if (list_.DblClick) list_.DblClick();
+      if (model().DblClick) model().DblClick();
       return 0;
     default:
       return 0;
@@ -146,8 +145,8 @@ LRESULT ListViewBinding::OnNotify(const NMHDR& header) {
 
 void ListViewBinding::FillCell(NMLVDISPINFOW& wanted) const {
   const auto position = static_cast<std::uint32_t>(wanted.item.iItem);
-  if (!(wanted.item.mask & LVIF_TEXT) || !list_.CellText || position >= order_.rows()) return;
-  const std::wstring text = win32::ToWide(list_.CellText(order_.RowAt(position), wanted.item.iSubItem));
+  if (!(wanted.item.mask & LVIF_TEXT) || !model().CellText || position >= order_.rows()) return;
+  const std::wstring text = win32::ToWide(model().CellText(order_.RowAt(position), wanted.item.iSubItem));
   const std::size_t room = std::min(static_cast<std::size_t>(wanted.item.cchTextMax) - 1, kShownUnits);
   const std::size_t length = std::min(text.size(), room);
   std::copy_n(text.begin(), length, wanted.item.pszText);
@@ -157,13 +156,13 @@ void ListViewBinding::FillCell(NMLVDISPINFOW& wanted) const {
 LRESULT ListViewBinding::Draw(NMLVCUSTOMDRAW& draw) const {
   switch (draw.nmcd.dwDrawStage) {
     case CDDS_PREPAINT:
-      return list_.CellColor && !IsHighContrast() ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
+      return model().CellColor && !IsHighContrast() ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
     case CDDS_ITEMPREPAINT:
       return CDRF_NOTIFYSUBITEMDRAW;
     case CDDS_ITEMPREPAINT | CDDS_SUBITEM: {
       const auto position = static_cast<std::uint32_t>(draw.nmcd.dwItemSpec);
       if (position >= order_.rows()) return CDRF_DODEFAULT;
-      const auto color = list_.CellColor(order_.RowAt(position), draw.iSubItem);
+      const auto color = model().CellColor(order_.RowAt(position), draw.iSubItem);
       draw.clrText = color ? static_cast<COLORREF>(*color) : GetSysColor(COLOR_WINDOWTEXT);
       return CDRF_NEWFONT;
     }
@@ -174,12 +173,13 @@ LRESULT ListViewBinding::Draw(NMLVCUSTOMDRAW& draw) const {
 
 // Typing goes to the next row whose sorted column (the first, while unsorted) begins with what was typed.
 int ListViewBinding::FindText(const NMLVFINDITEMW& wanted) const {
-  if (!(wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !list_.CellText || order_.rows() == 0) return -1;
+  if (!(wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !model().CellText || order_.rows() == 0) return -1;
   const std::string prefix = Lower(win32::FromWide(wanted.lvfi.psz));
   const int column = order_.key() ? order_.key()->column : 0;
   for (std::uint32_t step = 0; step < order_.rows(); ++step) {
     const std::uint32_t position = (static_cast<std::uint32_t>(std::max(wanted.iStart, 0)) + step) % order_.rows();
-    if (StartsWithIgnoreCase(list_.CellText(order_.RowAt(position), column), prefix)) return static_cast<int>(position);
+    if (StartsWithIgnoreCase(model().CellText(order_.RowAt(position), column), prefix))
+      return static_cast<int>(position);
   }
   return -1;
 }
@@ -196,7 +196,7 @@ void ListViewBinding::SortBy(int column) {
 
 void ListViewBinding::ShowSortArrow() {
   const HWND header = ListView_GetHeader(window());
-  for (int i = 0; i < static_cast<int>(list_.columns.size()); ++i) {
+  for (int i = 0; i < static_cast<int>(model().columns.size()); ++i) {
     HDITEMW item{};
     item.mask = HDI_FORMAT;
     SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
@@ -209,13 +209,13 @@ void ListViewBinding::ShowSortArrow() {
 }
 
 void ListViewBinding::OnMouseButton(const NMITEMACTIVATE& click) {
-  if (click.iItem < 0 && list_.Miss) list_.Miss();
+  if (click.iItem < 0 && model().Miss) model().Miss();
 }
 
 // Enter is for the row, not for the default button.
 bool ListViewBinding::OnKey(WPARAM key) {
   if (key == VK_RETURN) {
-    if (list_.DblClick) list_.DblClick();
+    if (model().DblClick) model().DblClick();
     return true;
   }
   if (!ControlHeld()) return false;
@@ -223,7 +223,7 @@ bool ListViewBinding::OnKey(WPARAM key) {
     SelectAll();
     return true;
   }
-  for (const ListView::Command& command : list_.commands) {
+  for (const ListView::Command& command : model().commands) {
     if (command.control_key == 0 || key != static_cast<WPARAM>(command.control_key)) continue;
     Run(command);
     return true;
@@ -243,9 +243,9 @@ int ListViewBinding::SelectedPosition() const {
 void ListViewBinding::TellSelection() {
   const int position = SelectedPosition();
   if (position < 0 || static_cast<std::uint32_t>(position) >= order_.rows()) {
-    list_.UserSelect(std::nullopt);
+    model().UserSelect(std::nullopt);
   } else {
-    list_.UserSelect(order_.RowAt(static_cast<std::uint32_t>(position)));
+    model().UserSelect(order_.RowAt(static_cast<std::uint32_t>(position)));
   }
 }
 
@@ -267,7 +267,7 @@ void ListViewBinding::Run(const ListView::Command& command) {
 // Without marked rows there is nothing to do and no menu. From the keyboard the menu opens at the row that the model
 // knows, or at the edge of the list that is nearest to it.
 void ListViewBinding::OnContextMenu(POINT place) {
-  if (list_.commands.empty() || Send(LVM_GETSELECTEDCOUNT) == 0) return;
+  if (model().commands.empty() || Send(LVM_GETSELECTEDCOUNT) == 0) return;
   if (place.x == -1 && place.y == -1) {
     RECT row{}, inside{};
     ListView_GetItemRect(window(), SelectedPosition(), &row, LVIR_LABEL);
@@ -276,13 +276,13 @@ void ListViewBinding::OnContextMenu(POINT place) {
     ClientToScreen(window(), &place);
   }
   const HMENU menu = CreatePopupMenu();
-  for (std::size_t i = 0; i < list_.commands.size(); ++i) {
-    AppendMenuW(menu, MF_STRING, i + 1, win32::ToWide(list_.commands[i].caption).c_str());
+  for (std::size_t i = 0; i < model().commands.size(); ++i) {
+    AppendMenuW(menu, MF_STRING, i + 1, win32::ToWide(model().commands[i].caption).c_str());
   }
   const int chosen =
       TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, GetParent(window()), nullptr);
   DestroyMenu(menu);
-  if (chosen > 0) Run(list_.commands[static_cast<std::size_t>(chosen) - 1]);
+  if (chosen > 0) Run(model().commands[static_cast<std::size_t>(chosen) - 1]);
 }
 
 }  // namespace quenlar::ui

@@ -10,7 +10,7 @@
 
 namespace quenlar::ui {
 
-class ListViewBinding final : public ControlBinding {
+class ListViewBinding final : public BindingTo<ListView> {
  public:
   ListViewBinding(ListView& list, HWND window, BindingHost& host);
   void Start() override;
@@ -46,7 +46,6 @@ class ListViewBinding final : public ControlBinding {
   void MarkOnly(const Marks& marks);
   void Run(const ListView::Command& command);
 
-  ListView& list_;
   RowOrder order_;
   struct ColumnWidth {
     int own;    // the width without the column's share of the window's growth; may be negative

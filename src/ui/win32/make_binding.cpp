@@ -1,26 +1,52 @@
 #include "ui/win32/make_binding.h"
 
+#include <utility>
+
 #include "ui/win32/bar_bindings.h"
 #include "ui/win32/list_bindings.h"
 #include "ui/win32/list_view_binding.h"
 #include "ui/win32/simple_bindings.h"
 
 namespace quenlar::ui {
+namespace {
+
+class BindingMaker final : public ControlVisitor {
+ public:
+  BindingMaker(HWND window, BindingHost& host) : window_(window), host_(host) {}
+
+  std::unique_ptr<ControlBinding> made;
+
+  void Visit(Button& button) override { Make<ButtonBinding>(button); }
+  void Visit(Label& label) override { Make<LabelBinding>(label); }
+  void Visit(TextBox& box) override { Make<TextBoxBinding>(box); }
+  void Visit(CheckBox& box) override { Make<CheckBoxBinding>(box); }
+  void Visit(OptionButton& option) override { Make<OptionButtonBinding>(option); }
+  void Visit(ListBox& list) override { Make<ListBoxBinding>(list); }
+  void Visit(ComboBox& combo) override { Make<ComboBoxBinding>(combo); }
+  void Visit(ListView& list) override { Make<ListViewBinding>(list); }
+  void Visit(StatusBar& bar) override { Make<StatusBarBinding>(bar); }
+  void Visit(TabStrip& tabs) override { Make<TabStripBinding>(tabs); }
+  void Visit(Panel& panel) override { Make<PanelBinding>(panel); }
+  // These have no native control: a menu is made when it pops up, a timer belongs to the event loop.
+  void Visit(MenuItem&) override {}
+  void Visit(Timer&) override {}
+
+ private:
+  template <typename Binding, typename Model>
+  void Make(Model& model) {
+    made = std::make_unique<Binding>(model, window_, host_);
+  }
+
+  HWND window_;
+  BindingHost& host_;
+};
+
+}  // namespace
 
 std::unique_ptr<ControlBinding> MakeBinding(Control& control, HWND window, BindingHost& host) {
-  if (auto* button = dynamic_cast<Button*>(&control)) return std::make_unique<ButtonBinding>(*button, window, host);
-  if (auto* label = dynamic_cast<Label*>(&control)) return std::make_unique<LabelBinding>(*label, window, host);
-  if (auto* box = dynamic_cast<TextBox*>(&control)) return std::make_unique<TextBoxBinding>(*box, window, host);
-  if (auto* box = dynamic_cast<CheckBox*>(&control)) return std::make_unique<CheckBoxBinding>(*box, window, host);
-  if (auto* option = dynamic_cast<OptionButton*>(&control)) {
-    return std::make_unique<OptionButtonBinding>(*option, window, host);
-  }
-  if (auto* list = dynamic_cast<ListBox*>(&control)) return std::make_unique<ListBoxBinding>(*list, window, host);
-  if (auto* combo = dynamic_cast<ComboBox*>(&control)) return std::make_unique<ComboBoxBinding>(*combo, window, host);
-  if (auto* list = dynamic_cast<ListView*>(&control)) return std::make_unique<ListViewBinding>(*list, window, host);
-  if (auto* bar = dynamic_cast<StatusBar*>(&control)) return std::make_unique<StatusBarBinding>(*bar, window, host);
-  if (auto* tabs = dynamic_cast<TabStrip*>(&control)) return std::make_unique<TabStripBinding>(*tabs, window, host);
-  return std::make_unique<PanelBinding>(control, window, host);
+  BindingMaker maker(window, host);
+  control.Accept(maker);
+  return std::move(maker.made);
 }
 
 }  // namespace quenlar::ui

@@ -12,15 +12,14 @@ void ButtonBinding::Start() {
 
 void ButtonBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
-  if (aspect == Aspect::kText) SetNativeText(button_.text());
+  if (aspect == Aspect::kText) SetNativeText(model().text());
 }
 
 void ButtonBinding::OnCommand(UINT code) {
-  if (code == BN_CLICKED && button_.enabled() && button_.Click) button_.Click();
+  if (code == BN_CLICKED && model().enabled() && model().Click) model().Click();
 }
 
-LabelBinding::LabelBinding(Label& label, HWND window, BindingHost& host)
-    : ControlBinding(label, window, host), label_(label) {
+LabelBinding::LabelBinding(Label& label, HWND window, BindingHost& host) : BindingTo(label, window, host) {
   if (is_link()) SetWindowSubclass(window, LinkProcedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
 
@@ -35,19 +34,19 @@ void LabelBinding::Start() {
 void LabelBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
   if (aspect == Aspect::kText) {
-    SetNativeText(label_.text());
+    SetNativeText(model().text());
     OnPlaced(0);
   }
   if (aspect == Aspect::kColor) {
-    Send(WM_SETFONT, reinterpret_cast<WPARAM>(label_.underlined() ? host().underlined_font() : host().font()), TRUE);
+    Send(WM_SETFONT, reinterpret_cast<WPARAM>(model().underlined() ? host().underlined_font() : host().font()), TRUE);
     InvalidateRect(window(), nullptr, TRUE);
   }
 }
 
 HBRUSH LabelBinding::OnColor(HDC context) {
-  if (!label_.color() && !is_link()) return nullptr;
-  const bool system_color = !label_.color() || IsHighContrast() || IsDarkBackground(COLOR_BTNFACE);
-  SetTextColor(context, system_color ? GetSysColor(COLOR_HOTLIGHT) : static_cast<COLORREF>(*label_.color()));
+  if (!model().color() && !is_link()) return nullptr;
+  const bool system_color = !model().color() || IsHighContrast() || IsDarkBackground(COLOR_BTNFACE);
+  SetTextColor(context, system_color ? GetSysColor(COLOR_HOTLIGHT) : static_cast<COLORREF>(*model().color()));
   SetBkColor(context, GetSysColor(COLOR_BTNFACE));
   return GetSysColorBrush(COLOR_BTNFACE);
 }
@@ -56,7 +55,7 @@ void LabelBinding::OnPlaced(int) {
   if (!is_link()) return;
   const HDC context = GetDC(window());
   const HGDIOBJ before = SelectObject(context, host().font());
-  const std::wstring text = win32::ToWide(label_.text());
+  const std::wstring text = win32::ToWide(model().text());
   SIZE needed{};
   GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &needed);
   SelectObject(context, before);
@@ -72,7 +71,7 @@ void LabelBinding::OnPlaced(int) {
 
 // The click may close the window, so it happens after the message at hand.
 void LabelBinding::Follow() {
-  host().Post([this] { label_.Click(); });
+  host().Post([this] { model().Click(); });
 }
 
 bool LabelBinding::OnKey(WPARAM key) {
@@ -99,11 +98,11 @@ LRESULT CALLBACK LabelBinding::LinkProcedure(HWND window, UINT message, WPARAM w
         TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, window, 0};
         TrackMouseEvent(&track);
       }
-      if (binding.label_.MouseMove) binding.label_.MouseMove();  // every time: a click has changed how the link looks
+      if (binding.model().MouseMove) binding.model().MouseMove();  // every time: a click has changed how the link looks
       break;
     case WM_MOUSELEAVE:
       binding.pointer_inside_ = binding.pressed_ = false;
-      if (binding.label_.MouseLeave) binding.label_.MouseLeave();
+      if (binding.model().MouseLeave) binding.model().MouseLeave();
       break;
     case WM_SETCURSOR:
       SetCursor(LoadCursorW(nullptr, IDC_HAND));
@@ -147,7 +146,7 @@ void PanelBinding::OnPlaced(int) {
 
 void TextBoxBinding::Start() {
   ControlBinding::Start();
-  Send(EM_SETLIMITTEXT, box_.max_length > 0 ? box_.max_length : 0x7FFFFFFE);
+  Send(EM_SETLIMITTEXT, model().max_length > 0 ? model().max_length : 0x7FFFFFFE);
   Apply(Aspect::kText);
 }
 
@@ -155,7 +154,7 @@ void TextBoxBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
   if (aspect == Aspect::kText) {
     applying_ = true;
-    SetNativeText(box_.text());
+    SetNativeText(model().text());
     applying_ = false;
   }
   if (aspect == Aspect::kCaret) {
@@ -172,37 +171,37 @@ bool TextBoxBinding::OnKey(WPARAM key) {
 }
 
 void TextBoxBinding::OnCommand(UINT code) {
-  if (code == EN_CHANGE && !applying_) box_.UserText(NativeText());
+  if (code == EN_CHANGE && !applying_) model().UserText(NativeText());
 }
 
 void CheckBoxBinding::Start() {
   ControlBinding::Start();
-  SetNativeText(box_.text());
+  SetNativeText(model().text());
   Apply(Aspect::kChecked);
 }
 
 void CheckBoxBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
-  if (aspect == Aspect::kChecked) Send(BM_SETCHECK, box_.checked() ? BST_CHECKED : BST_UNCHECKED);
+  if (aspect == Aspect::kChecked) Send(BM_SETCHECK, model().checked() ? BST_CHECKED : BST_UNCHECKED);
 }
 
 void CheckBoxBinding::OnCommand(UINT code) {
-  if (code == BN_CLICKED) box_.UserClick();
+  if (code == BN_CLICKED) model().UserClick();
 }
 
 void OptionButtonBinding::Start() {
   ControlBinding::Start();
-  SetNativeText(option_.text());
+  SetNativeText(model().text());
   Apply(Aspect::kChecked);
 }
 
 void OptionButtonBinding::Apply(Aspect aspect) {
   ControlBinding::Apply(aspect);
-  if (aspect == Aspect::kChecked) Send(BM_SETCHECK, option_.selected() ? BST_CHECKED : BST_UNCHECKED);
+  if (aspect == Aspect::kChecked) Send(BM_SETCHECK, model().selected() ? BST_CHECKED : BST_UNCHECKED);
 }
 
 void OptionButtonBinding::OnCommand(UINT code) {
-  if (code == BN_CLICKED) option_.Select();
+  if (code == BN_CLICKED) model().Select();
 }
 
 }  // namespace quenlar::ui

@@ -5,23 +5,19 @@
 
 namespace quenlar::ui {
 
-class ButtonBinding final : public ControlBinding {
+class ButtonBinding final : public BindingTo<Button> {
  public:
-  ButtonBinding(Button& button, HWND window, BindingHost& host)
-      : ControlBinding(button, window, host), button_(button) {}
+  using BindingTo::BindingTo;
   void Start() override;
   void OnCommand(UINT code) override;
 
  protected:
   void Apply(Aspect aspect) override;
-
- private:
-  Button& button_;
 };
 
 // A label. One with a Click event is a link: it is as small as its text, stands in the middle of its place, changes
 // with the pointer, and can be reached and followed by the keyboard.
-class LabelBinding final : public ControlBinding {
+class LabelBinding final : public BindingTo<Label> {
  public:
   LabelBinding(Label& label, HWND window, BindingHost& host);
   ~LabelBinding() override;
@@ -37,17 +33,16 @@ class LabelBinding final : public ControlBinding {
   void Follow();
   void DrawFocus() const;
   static LRESULT CALLBACK LinkProcedure(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR self);
-  [[nodiscard]] bool is_link() const { return static_cast<bool>(label_.Click); }
+  [[nodiscard]] bool is_link() const { return static_cast<bool>(model().Click); }
 
-  Label& label_;
   bool pointer_inside_ = false;
   bool pressed_ = false;
 };
 
 // A container, a line, or the program's picture. The picture is loaded at the size of its place.
-class PanelBinding final : public ControlBinding {
+class PanelBinding final : public BindingTo<Panel> {
  public:
-  using ControlBinding::ControlBinding;
+  using BindingTo::BindingTo;
   ~PanelBinding() override;
   void OnPlaced(int grown) override;
 
@@ -55,9 +50,9 @@ class PanelBinding final : public ControlBinding {
   HICON picture_ = nullptr;
 };
 
-class TextBoxBinding final : public ControlBinding {
+class TextBoxBinding final : public BindingTo<TextBox> {
  public:
-  TextBoxBinding(TextBox& box, HWND window, BindingHost& host) : ControlBinding(box, window, host), box_(box) {}
+  using BindingTo::BindingTo;
   void Start() override;
   void OnCommand(UINT code) override;
   bool OnKey(WPARAM key) override;
@@ -66,35 +61,27 @@ class TextBoxBinding final : public ControlBinding {
   void Apply(Aspect aspect) override;
 
  private:
-  TextBox& box_;
   bool applying_ = false;
 };
 
-class CheckBoxBinding final : public ControlBinding {
+class CheckBoxBinding final : public BindingTo<CheckBox> {
  public:
-  CheckBoxBinding(CheckBox& box, HWND window, BindingHost& host) : ControlBinding(box, window, host), box_(box) {}
+  using BindingTo::BindingTo;
   void Start() override;
   void OnCommand(UINT code) override;
 
  protected:
   void Apply(Aspect aspect) override;
-
- private:
-  CheckBox& box_;
 };
 
-class OptionButtonBinding final : public ControlBinding {
+class OptionButtonBinding final : public BindingTo<OptionButton> {
  public:
-  OptionButtonBinding(OptionButton& option, HWND window, BindingHost& host)
-      : ControlBinding(option, window, host), option_(option) {}
+  using BindingTo::BindingTo;
   void Start() override;
   void OnCommand(UINT code) override;
 
  protected:
   void Apply(Aspect aspect) override;
-
- private:
-  OptionButton& option_;
 };
 
 }  // namespace quenlar::ui

@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include "forms/win32/resource.h"
 #include "project/data_file.h"
 #include "ui/win32/windows_api.h"
 #include "window/program.h"
@@ -106,8 +105,8 @@ Rows MeasureRows(int rows) {
   program.Start();
   const double before = MemoryOf(program.process()).alone;
   const LONGLONG begun = Now();
-  program.Main().Control(IDC_CMBURL).Type("www.cars.example");
-  const Window list = program.Main().Control(IDC_LSTMAIL);
+  program.Main().Control("cmbURL").Type("www.cars.example");
+  const Window list = program.Main().Control("lstMail");
   if (!WaitUntil([&] { return list.Rows() == rows; })) throw std::runtime_error("the rows do not come");
   const double opened = MillisecondsSince(begun);
   return {opened, ((MemoryOf(program.process()).alone - before) * (1 << 20) - text) / rows};

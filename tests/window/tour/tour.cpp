@@ -6,7 +6,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "forms/win32/resource.h"
 #include "run/end_reasons.h"
 #include "state/settings.h"
 #include "window/program.h"
@@ -68,16 +67,16 @@ void FillSite(Site& site) {
 void ShowRun(const Program& program) {
   const Window main = program.Main();
   Picture("main-empty", kCaption);
-  main.Control(IDC_CMBURL).Type("www.chess.example");
-  main.Control(IDC_CMDEXTRACT).Click();
-  Expect(WaitUntil([&] { return main.Control(IDC_LSTMAIL).Rows() == kRows; }), "no rows");
+  main.Control("cmbURL").Type("www.chess.example");
+  main.Control("cmdExtract").Click();
+  Expect(WaitUntil([&] { return main.Control("lstMail").Rows() == kRows; }), "no rows");
   Picture("main-running", kCaption);
-  main.Control(IDC_CMDEXTRACT).Click();
+  main.Control("cmdExtract").Click();
   Expect(WaitUntil([&] { return program.HasBox(kEndStopButton); }), "no end");
   Picture("message", main.Place());
   Expect(program.Answer(kEndStopButton), "no answer");
-  Expect(WaitUntil([&] { return main.Control(IDC_CMDEXTRACT).Enabled(); }), "not idle");
-  const Window list = main.Control(IDC_LSTMAIL);
+  Expect(WaitUntil([&] { return main.Control("cmdExtract").Enabled(); }), "not idle");
+  const Window list = main.Control("lstMail");
   list.MarkRow(2);
   main.Send(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list.handle()), TRUE);
   Picture("main", kCaption);
@@ -97,13 +96,13 @@ void ShowSmallest(const Program& program) {
 }
 
 void ShowOption(const Program& program) {
-  program.Main().Control(IDC_CMDOPTION).Click();
+  program.Main().Control("cmdOption").Click();
   const Window option = program.WaitForWindow("Option");
   Expect(static_cast<bool>(option), "no options");
   Picture("option-search", "Option");
-  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 1);
+  option.Control("tabOption").Send(TCM_SETCURFOCUS, 1);
   Picture("option-export", "Option");
-  option.Control(IDC_TABOPTION).Send(TCM_SETCURFOCUS, 2);
+  option.Control("tabOption").Send(TCM_SETCURFOCUS, 2);
   Picture("option-filter", "Option");
   option.Close();
   Expect(WaitUntil([&] { return !option && program.Main().Enabled(); }), "options stay");
@@ -112,23 +111,23 @@ void ShowOption(const Program& program) {
 void ShowTool(const Program& program) {
   const char* kTool = "Mailing List Management Tool";
   program.WriteFile("report/friends.txt", "anna1@chess.test\r\nZoe@garden.test\r\nyves@garden.test\r\n");
-  program.Main().Control(IDC_CMDTOOL).Click();
+  program.Main().Control("cmdTool").Click();
   const Window tool = program.WaitForWindow(kTool);
   Expect(static_cast<bool>(tool), "no tool");
   const auto open = [&](const char* names, const char* picture = nullptr) {
-    tool.Control(IDC_CMDOPEN).Click();
+    tool.Control("cmdOpen").Click();
     Expect(static_cast<bool>(program.WaitForWindow("Open")), "no file dialog");
     if (picture) Picture(picture, "Open");
     Expect(program.AnswerFileDialog("Open", names), "no answer");
   };
   open("\"friends.txt\" \"chess_example.rpt\"", "tool-open");
-  Expect(WaitUntil([&] { return tool.Control(IDC_CMDEXTRACT).Enabled(); }), "no books");
-  tool.Control(IDC_CMDEXTRACT).Click();
-  Expect(WaitUntil([&] { return tool.Control(IDC_CMDSAVE).Enabled(); }), "no addresses");
+  Expect(WaitUntil([&] { return tool.Control("cmdExtract").Enabled(); }), "no books");
+  tool.Control("cmdExtract").Click();
+  Expect(WaitUntil([&] { return tool.Control("cmdSave").Enabled(); }), "no addresses");
   open("friends.txt");
-  Expect(WaitUntil([&] { return tool.Control(IDC_CMDEXTRACT).Enabled(); }), "no books");
+  Expect(WaitUntil([&] { return tool.Control("cmdExtract").Enabled(); }), "no books");
   Picture("tool", kTool);
-  tool.Control(IDC_CMDSAVE).Click();
+  tool.Control("cmdSave").Click();
   const Window save = program.WaitForWindow("Save As");
   Expect(static_cast<bool>(save), "no file dialog");
   Picture("tool-save", "Save As");
