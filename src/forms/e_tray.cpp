@@ -12,10 +12,6 @@ void eTray::RemoveTrayIcon() {
   if (std::exchange(added_, false)) icon_.RemoveTrayIcon();
 }
 
-void eTray::OnRightButtonDown(std::function<void()> handler) {
-  icon_.OnMessage([handler = std::move(handler)](int message) {
-    if (message == kTrayRightButtonDown) handler();
-  });
-}
+void eTray::OnRightButtonDown(std::function<void()> handler) { icon_.OnRightButtonDown(std::move(handler)); }
 
 }  // namespace quenlar

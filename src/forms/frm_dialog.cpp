@@ -35,7 +35,7 @@ void frmDialog::Load() {
 void frmDialog::cmdOK_Click() {
   if (optUpgrade[0].selected()) {
     const std::string command = installation_.Below("Upgrade.exe ") + kInstallerPage;
-    shell_.Start(command, Shell::WindowMode::kNormal).Ignore("the program ends as told, whatever the upgrader does");
+    shell_.Start(command).Ignore("the program ends as told, whatever the upgrader does");
     end_at_once_();
     return;
   }

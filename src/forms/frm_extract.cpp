@@ -253,8 +253,6 @@ void frmExtract::ExportReport() {
   exporting_ = false;
 }
 
-// The path follows the editor's name without quotes, although it may hold blanks: the editor takes the whole rest of
-// its command line for one name. Kept: MainWindowExport.AReportPathThatContainsBlanksIsPassedUnquoted.
 void frmExtract::OpenReportInEditor() {
   Engine& engine = context_.engine;
   engine.projects.FinishLoading();
@@ -266,9 +264,7 @@ void frmExtract::OpenReportInEditor() {
   const Status saved = engine.projects.WriteReport();
   WarnOnFailure(saved);
   if (!saved.ok() || !engine.platform.files.FileExists(report)) return;  // it pumps, and the project may be deleted
-  const Shell& shell = engine.platform.shell;
-  WarnOnFailure(engine.platform.shell.Start(shell.SystemDirectory() + "\\notepad.exe " + report,
-                                            Shell::WindowMode::kNormalWithoutFocus));
+  WarnOnFailure(engine.platform.shell.Edit(report));
 }
 
 // A row that was read from a report of addresses alone has no page.

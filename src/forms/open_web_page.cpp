@@ -22,23 +22,11 @@ std::string AsOneArgument(std::string_view address) {
 }  // namespace
 
 void OpenWebPage(Shell& shell, std::string_view address) {
-  const auto command = shell.HttpOpenCommand();
-  if (!command) return;
-  const std::string program = BrowserProgram(*command);
-  if (program.empty()) return;
   if (ContainsIgnoreCase(address, "http://") || ContainsIgnoreCase(address, "https://")) {
-    shell.Open(program, AsOneArgument(address));
+    shell.OpenBrowser(AsOneArgument(address));
   } else {
-    shell.Open(program, "file:///" + AsOneArgument(ReplaceAll(address, "\\", "/")));
+    shell.OpenBrowser("file:///" + AsOneArgument(ReplaceAll(address, "\\", "/")));
   }
-}
-
-std::string BrowserProgram(std::string_view command) {
-  if (command.starts_with('"')) {
-    command.remove_prefix(1);
-    return std::string(TrimBlanks(command.substr(0, command.find('"'))));
-  }
-  return std::string(TrimBlanks(command.substr(0, command.find('-'))));
 }
 
 }  // namespace quenlar

@@ -1,7 +1,6 @@
 // Starting other programs.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "base/status.h"
@@ -12,17 +11,15 @@ class Shell {
  public:
   virtual ~Shell() = default;
 
-  // The open command registered for http (the default value of `http\shell\open\command`); empty when there is none.
-  [[nodiscard]] virtual std::optional<std::string> HttpOpenCommand() const = 0;
+  // Opens an address (http, https or file) in the user's browser. The address is one argument: no blanks, no quotes, no
+  // control characters. Does nothing where the system knows no browser. May pump.
+  virtual void OpenBrowser(const std::string& address) = 0;
 
-  // Opens `program` with `parameters` as one parameter text, verb "open", normal window (ShellExecute on Windows).
-  virtual void Open(const std::string& program, const std::string& parameters) = 0;
+  // Opens a text file in the system's plain editor, in a window that does not take the focus, and does not wait for it.
+  virtual Status Edit(const std::string& path) = 0;
 
-  [[nodiscard]] virtual std::string SystemDirectory() const = 0;
-
-  enum class WindowMode { kNormal, kNormalWithoutFocus };
-  // Starts a command line as it stands and does not wait for it.
-  virtual Status Start(const std::string& command_line, WindowMode mode) = 0;
+  // Starts a command line as it stands, in a normal window, and does not wait for it.
+  virtual Status Start(const std::string& command_line) = 0;
 
   virtual void CopyToClipboard(const std::string& text) = 0;
 };

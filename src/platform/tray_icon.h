@@ -10,11 +10,8 @@ class TrayIcon {
   virtual ~TrayIcon() = default;
   virtual void AddTrayIcon() = 0;
   virtual void RemoveTrayIcon() = 0;
-  // `message` is the mouse message number that the icon's callback carries (516 is "right button down").
-  // Called inside a pump.
-  virtual void OnMessage(std::function<void(int message)> callback) = 0;
+  // The right mouse button went down on the icon. Called inside a pump. A later handler takes the place of this one.
+  virtual void OnRightButtonDown(std::function<void()> handler) = 0;
 };
-
-inline constexpr int kTrayRightButtonDown = 516;
 
 }  // namespace quenlar

@@ -17,19 +17,18 @@ TEST_F(MainWindowExport, ReportRightAfterAPickShowsThePickedProject) {
   StartWith({"www.a.test", "www.b.test"});
   extract.cmbURL.UserPick(1);
   extract.cmdExport.Click();
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_THAT(shell.started[0].command_line, testing::EndsWith("/home/report/b_test.rpt"));
+  ASSERT_EQ(shell.edited.size(), 1u);
+  EXPECT_EQ(shell.edited[0], "/home/report/b_test.rpt");
 }
 
-TEST_F(MainWindowExport, ExportWritesTheReportAndOpensTheEditorWithoutTheFocus) {
+TEST_F(MainWindowExport, ExportWritesTheReportAndOpensTheEditor) {
   PutFiles("a_test");
   StartWith({"www.a.test"});
   engine.project.found.Add({"http://a.test/", "new@a.test", ""});
   extract.cmdExport.Click();
   EXPECT_EQ(files.Contents("/home/report/a_test.rpt"), HeaderLine() + "\r\n\r\na_test@kept.test\r\nnew@a.test\r\n");
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_EQ(shell.started[0].command_line, "C:\\Windows\\system32\\notepad.exe /home/report/a_test.rpt");
-  EXPECT_EQ(shell.started[0].mode, Shell::WindowMode::kNormalWithoutFocus);
+  ASSERT_EQ(shell.edited.size(), 1u);
+  EXPECT_EQ(shell.edited[0], "/home/report/a_test.rpt");
   EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
@@ -39,8 +38,8 @@ TEST_F(MainWindowExport, AReportPathThatContainsBlanksIsPassedUnquoted) {
   engine.project.ReportFile = "/home/report/my cars.rpt";
   engine.project.found.Add({"", "new@a.test", ""});
   extract.cmdExport.Click();
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_EQ(shell.started[0].command_line, "C:\\Windows\\system32\\notepad.exe /home/report/my cars.rpt");
+  ASSERT_EQ(shell.edited.size(), 1u);
+  EXPECT_EQ(shell.edited[0], "/home/report/my cars.rpt");
 }
 
 TEST_F(MainWindowExport, ExportingTwiceRewritesTheSameReportFileEachTime) {
@@ -52,7 +51,7 @@ TEST_F(MainWindowExport, ExportingTwiceRewritesTheSameReportFileEachTime) {
   extract.cmdExport.Click();
   EXPECT_EQ(files.AllFiles(), first);
   EXPECT_EQ(files.Contents("/home/report/a_test.rpt"), HeaderLine() + "\r\n\r\na_test@kept.test\r\n");
-  EXPECT_EQ(shell.started.size(), 2u);
+  EXPECT_EQ(shell.edited.size(), 2u);
 }
 
 TEST_F(MainWindowExport, WithoutAddressesExportSaysSoAndWritesNothing) {
@@ -63,7 +62,7 @@ TEST_F(MainWindowExport, WithoutAddressesExportSaysSoAndWritesNothing) {
   EXPECT_EQ(boxes.shown[0].icon, BoxIcon::kExclamation);
   EXPECT_EQ(boxes.shown[0].title, "Brenvy Quenlar Pro 3.0");
   EXPECT_FALSE(files.FileExists("/home/report/a_test.rpt"));
-  EXPECT_THAT(shell.started, IsEmpty());
+  EXPECT_THAT(shell.edited, IsEmpty());
 }
 
 TEST_F(MainWindowExport, ExportMovesTheFocusAwayAndLeavesItsButtonAsItWas) {
@@ -86,7 +85,7 @@ TEST_F(MainWindowExport, AReportThatCannotBeWrittenIsToldAndNoOldOneIsShown) {
   ASSERT_EQ(boxes.shown.size(), 1u);
   EXPECT_TRUE(boxes.shown[0].text.ends_with(" !"));
   EXPECT_EQ(files.Contents("/home/report/a_test.rpt"), "a_test@kept.test\r\n");
-  EXPECT_THAT(shell.started, IsEmpty());
+  EXPECT_THAT(shell.edited, IsEmpty());
 }
 
 TEST_F(MainWindowExport, TooManyRecordsAreAnOverflowInAMessageBox) {
@@ -100,7 +99,7 @@ TEST_F(MainWindowExport, TooManyRecordsAreAnOverflowInAMessageBox) {
 TEST_F(MainWindowExport, AnEditorThatCannotBeStartedIsTold) {
   PutFiles("a_test");
   StartWith({"www.a.test"});
-  shell.start_status = Status(StatusKind::kNotFound, "notepad.exe: not there");
+  shell.edit_status = Status(StatusKind::kNotFound, "notepad.exe: not there");
   extract.cmdExport.Click();
   EXPECT_THAT(boxes.texts(), ElementsAre("notepad.exe: not there !"));
 }
@@ -117,8 +116,8 @@ TEST_F(MainWindowExport, ExportingAProjectThatIsBeingLoadedHoldsAllOfIt) {
   Type("www.b.test");
   EXPECT_THAT(boxes.shown, IsEmpty());
   EXPECT_EQ(files.Contents("/home/report/b_test.rpt"), HeaderLine() + "\r\n\r\nb_test@kept.test\r\n");
-  ASSERT_EQ(shell.started.size(), 1u);
-  EXPECT_THAT(shell.started[0].command_line, testing::EndsWith("/home/report/b_test.rpt"));
+  ASSERT_EQ(shell.edited.size(), 1u);
+  EXPECT_EQ(shell.edited[0], "/home/report/b_test.rpt");
 }
 
 TEST_F(MainWindowExport, NoRunBeginsInsideAnExport) {
@@ -133,7 +132,7 @@ TEST_F(MainWindowExport, NoRunBeginsInsideAnExport) {
   EXPECT_TRUE(asked);
   EXPECT_FALSE(tray.tmrExtract.enabled());
   EXPECT_EQ(extract.cmdExtract.text(), "&Extract");
-  EXPECT_EQ(shell.started.size(), 1u);
+  EXPECT_EQ(shell.edited.size(), 1u);
 }
 
 TEST_F(MainWindowExport, AProjectThatIsDeletedWhileItIsExportedIsNotShown) {
@@ -147,7 +146,7 @@ TEST_F(MainWindowExport, AProjectThatIsDeletedWhileItIsExportedIsNotShown) {
   extract.cmdExport.Click();
   EXPECT_FALSE(files.FileExists("/home/report/a_test.rpt"));
   EXPECT_THAT(Entries(), ElementsAre("www.b.test"));
-  EXPECT_THAT(shell.started, IsEmpty());
+  EXPECT_THAT(shell.edited, IsEmpty());
 }
 
 TEST_F(MainWindowExport, ASecondClickWhileTheReportIsWrittenIsPassedOver) {
@@ -161,7 +160,7 @@ TEST_F(MainWindowExport, ASecondClickWhileTheReportIsWrittenIsPassedOver) {
   extract.cmdExport.Click();
   loop.OnPump({});
   EXPECT_GT(clicks, 0);
-  EXPECT_EQ(shell.started.size(), 1u);
+  EXPECT_EQ(shell.edited.size(), 1u);
 }
 
 }  // namespace

@@ -99,12 +99,26 @@ TEST(SignalWatcher, ABrokenPipeIsNoDeath) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
+// Programs are looked for in this folder alone, for as long as this object lives.
+class PathHolds {
+ public:
+  explicit PathHolds(const std::string& folder) : before_(std::getenv("PATH") == nullptr ? "" : std::getenv("PATH")) {
+    setenv("PATH", folder.c_str(), 1);
+  }
+  ~PathHolds() { setenv("PATH", before_.c_str(), 1); }
+  PathHolds(const PathHolds&) = delete;
+  PathHolds& operator=(const PathHolds&) = delete;
+
+ private:
+  const std::string before_;
+};
+
 class PosixShellTest : public testing::Test {
  protected:
   PosixShellTest() {
     // Writes its arguments to a file, one a line, and moves that into place when it is whole.
-    std::ofstream(script_) << "#!/bin/sh\nfor a in \"$@\"; do echo \"$a\"; done > '" << folder_.path() << "/part'\nmv '"
-                           << folder_.path() << "/part' '" << folder_.path() << "/arguments'\n";
+    std::ofstream(script_) << "#!/bin/sh\nfor a in \"$@\"; do echo \"$a\"; done > '" << folder_.path()
+                           << "/part'\n/bin/mv '" << folder_.path() << "/part' '" << folder_.path() << "/arguments'\n";
     chmod(script_.c_str(), 0755);
   }
   std::string Arguments() {
@@ -122,39 +136,36 @@ class PosixShellTest : public testing::Test {
 };
 
 TEST_F(PosixShellTest, ParametersAreOneArgumentWhateverTheyHold) {
+  const PathHolds opener(folder_.path());
+  rename(script_.c_str(), (folder_.path() + "/xdg-open").c_str());
   for (const char* text : {"http://a.example/", "two words", "$(touch x); `id` && $HOME", "\"quoted\" 'text'", "*"}) {
-    shell_.Open(script_, text);
+    shell_.OpenBrowser(text);
+    EXPECT_EQ(Arguments(), std::string(text) + "\n");
+    EXPECT_TRUE(shell_.Edit(text).ok());
     EXPECT_EQ(Arguments(), std::string(text) + "\n");
   }
-  shell_.Open(script_, "");
-  EXPECT_EQ(Arguments(), "");
 }
 
 TEST_F(PosixShellTest, ACommandLineIsAProgramAndTheRest) {
-  ASSERT_TRUE(shell_.Start(script_ + " /a path/with blanks.rpt", Shell::WindowMode::kNormal).ok());
+  ASSERT_TRUE(shell_.Start(script_ + " /a path/with blanks.rpt").ok());
   EXPECT_EQ(Arguments(), "/a path/with blanks.rpt\n");
-  ASSERT_TRUE(shell_.Start("\"" + script_ + "\" x; y", Shell::WindowMode::kNormal).ok());
+  ASSERT_TRUE(shell_.Start("\"" + script_ + "\" x; y").ok());
   EXPECT_EQ(Arguments(), "x; y\n");
-  ASSERT_TRUE(shell_.Start("  " + script_ + "  ", Shell::WindowMode::kNormal).ok());
+  ASSERT_TRUE(shell_.Start("  " + script_ + "  ").ok());
   EXPECT_EQ(Arguments(), "");
 }
 
 TEST_F(PosixShellTest, WhatCannotBeStartedIsToldOrPassedOver) {
-  EXPECT_EQ(shell_.Start("/no/such/program x", Shell::WindowMode::kNormal).kind(), StatusKind::kNotFound);
+  EXPECT_EQ(shell_.Start("/no/such/program x").kind(), StatusKind::kNotFound);
   for (const char* line : {"", " ", "\"", "\"\"", "\" x"}) {
-    EXPECT_FALSE(shell_.Start(line, Shell::WindowMode::kNormal).ok()) << line;
+    EXPECT_FALSE(shell_.Start(line).ok()) << line;
   }
-  shell_.Open("/no/such/program", "x");
-  shell_.Open("", "x");
 }
 
-TEST_F(PosixShellTest, TheBrowserIsTheDesktopsOpenerWhereThereIsOne) {
-  const std::string before = std::getenv("PATH") == nullptr ? "" : std::getenv("PATH");
-  setenv("PATH", folder_.path().c_str(), 1);
-  EXPECT_FALSE(shell_.HttpOpenCommand());
-  rename(script_.c_str(), (folder_.path() + "/xdg-open").c_str());
-  EXPECT_EQ(shell_.HttpOpenCommand(), "xdg-open");
-  setenv("PATH", before.c_str(), 1);
+TEST_F(PosixShellTest, WithoutADesktopNothingOpens) {
+  const PathHolds nothing(folder_.path());
+  shell_.OpenBrowser("http://a.example/");
+  EXPECT_EQ(shell_.Edit("/a/file").kind(), StatusKind::kNotFound);
 }
 
 TEST(SysInterfaceTable, TheLoopbackInterfaceIsThereAndCounts) {

@@ -43,29 +43,20 @@ class RecordingBoxes : public MessageBoxes {
 
 class RecordingShell : public Shell {
  public:
-  std::optional<std::string> http_open_command;  // what HttpOpenCommand answers
-  std::string system_directory = "C:\\Windows\\system32";
-  Status start_status;  // what Start answers
+  Status edit_status, start_status;  // what Edit and Start answer
 
-  struct Opened {
-    std::string program, parameters;
-    bool operator==(const Opened&) const = default;
-  };
-  struct Started {
-    std::string command_line;
-    WindowMode mode;
-  };
-  std::vector<Opened> opened;
-  std::vector<Started> started;
+  std::vector<std::string> opened;   // addresses
+  std::vector<std::string> edited;   // paths
+  std::vector<std::string> started;  // command lines
   std::vector<std::string> copied;
 
-  [[nodiscard]] std::optional<std::string> HttpOpenCommand() const override { return http_open_command; }
-  void Open(const std::string& program, const std::string& parameters) override {
-    opened.push_back({program, parameters});
+  void OpenBrowser(const std::string& address) override { opened.push_back(address); }
+  Status Edit(const std::string& path) override {
+    edited.push_back(path);
+    return edit_status;
   }
-  [[nodiscard]] std::string SystemDirectory() const override { return system_directory; }
-  Status Start(const std::string& command_line, WindowMode mode) override {
-    started.push_back({command_line, mode});
+  Status Start(const std::string& command_line) override {
+    started.push_back(command_line);
     return start_status;
   }
   void CopyToClipboard(const std::string& text) override { copied.push_back(text); }
@@ -99,11 +90,11 @@ class RecordingFileDialogs : public FileDialogs {
 class RecordingTray : public TrayIcon {
  public:
   int added = 0, removed = 0;
-  std::function<void(int message)> callback;
+  std::function<void()> right_button_down;
 
   void AddTrayIcon() override { ++added; }
   void RemoveTrayIcon() override { ++removed; }
-  void OnMessage(std::function<void(int message)> handler) override { callback = std::move(handler); }
+  void OnRightButtonDown(std::function<void()> handler) override { right_button_down = std::move(handler); }
 };
 
 }  // namespace quenlar

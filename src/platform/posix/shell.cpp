@@ -1,7 +1,6 @@
 #include "platform/posix/shell.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -19,29 +18,17 @@ namespace {
 
 constexpr const char* kOpener = "xdg-open";
 
-bool IsInstalled(const std::string& program) {
-  const char* path = std::getenv("PATH");
-  for (const std::string_view folder : Split(path == nullptr ? "/usr/local/bin:/usr/bin:/bin" : path, ":")) {
-    if (!folder.empty() && access((std::string(folder) + "/" + program).c_str(), X_OK) == 0) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 PosixShell::~PosixShell() { Reap(); }
 
-std::optional<std::string> PosixShell::HttpOpenCommand() const {
-  return IsInstalled(kOpener) ? std::optional<std::string>(kOpener) : std::nullopt;
+void PosixShell::OpenBrowser(const std::string& address) {
+  Run({kOpener, address}).Ignore("the interface has no way to tell, and its users do not ask");
 }
 
-void PosixShell::Open(const std::string& program, const std::string& parameters) {
-  std::vector<std::string> arguments = {program};
-  if (!parameters.empty()) arguments.push_back(parameters);
-  Run(arguments).Ignore("the interface has no way to tell, and its users do not ask");
-}
+Status PosixShell::Edit(const std::string& path) { return Run({kOpener, path}); }
 
-Status PosixShell::Start(const std::string& command_line, WindowMode) {
+Status PosixShell::Start(const std::string& command_line) {
   const std::string_view line = TrimBlanks(command_line);
   const bool quoted = line.starts_with('"');
   const std::size_t end = std::min(line.find(quoted ? '"' : ' ', 1), line.size());

@@ -17,14 +17,12 @@ class PosixShell : public Shell {
   PosixShell& operator=(const PosixShell&) = delete;
   ~PosixShell() override;
 
-  // "xdg-open" when it is installed.
-  [[nodiscard]] std::optional<std::string> HttpOpenCommand() const override;
-  // `parameters` are passed as one argument.
-  void Open(const std::string& program, const std::string& parameters) override;
-  [[nodiscard]] std::string SystemDirectory() const override { return "/usr/bin"; }
+  // By "xdg-open", which starts what the desktop has for an address or a file.
+  void OpenBrowser(const std::string& address) override;
+  Status Edit(const std::string& path) override;
   // The name of the program ends at the first blank, or at the second quote when it begins with one. All that follows
   // is one argument.
-  Status Start(const std::string& command_line, WindowMode mode) override;
+  Status Start(const std::string& command_line) override;
   // Does nothing: a clipboard needs the library of a desktop.
   void CopyToClipboard(const std::string& text) override;
 

@@ -1,6 +1,9 @@
 #include "platform/win32/shell.h"
 
+#include <optional>
+
 #include "platform/win32/clipboard.h"
+#include "platform/win32/command_lines.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide.h"
 #include "platform/win32/windows_api.h"
@@ -22,9 +25,8 @@ class Apartment {
   bool entered_;
 };
 
-}  // namespace
-
-std::optional<std::string> Win32Shell::HttpOpenCommand() const {
+// The open command registered for http; empty when there is none.
+std::optional<std::string> HttpOpenCommand() {
   HKEY key = nullptr;
   if (RegOpenKeyExW(HKEY_CLASSES_ROOT, L"http\\shell\\open\\command", 0, KEY_READ, &key) != ERROR_SUCCESS) {
     return std::nullopt;
@@ -43,23 +45,18 @@ std::optional<std::string> Win32Shell::HttpOpenCommand() const {
   return win32::FromWide(command);
 }
 
-void Win32Shell::Open(const std::string& program, const std::string& parameters) {
-  const Apartment apartment;
-  ShellExecuteW(nullptr, L"open", win32::ToWide(program).c_str(), win32::ToWide(parameters).c_str(), L"",
-                SW_SHOWNORMAL);
-}
-
-std::string Win32Shell::SystemDirectory() const {
+std::string SystemDirectory() {
   std::wstring folder(MAX_PATH, L'\0');
   folder.resize(GetSystemDirectoryW(folder.data(), static_cast<UINT>(folder.size())));
   return win32::FromWide(folder);
 }
 
-Status Win32Shell::Start(const std::string& command_line, WindowMode mode) {
+// `show` is the way in which the program's first window is shown (SW_...).
+Status StartProgram(const std::string& command_line, WORD show) {
   STARTUPINFOW start{};
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESHOWWINDOW;
-  start.wShowWindow = mode == WindowMode::kNormalWithoutFocus ? SW_SHOWNOACTIVATE : SW_SHOWNORMAL;
+  start.wShowWindow = show;
   PROCESS_INFORMATION process{};
   std::wstring writable = win32::ToWide(command_line);  // the call may write into it
   if (!CreateProcessW(nullptr, writable.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process)) {
@@ -69,6 +66,23 @@ Status Win32Shell::Start(const std::string& command_line, WindowMode mode) {
   CloseHandle(process.hProcess);
   return {};
 }
+
+}  // namespace
+
+void Win32Shell::OpenBrowser(const std::string& address) {
+  const auto command = HttpOpenCommand();
+  if (!command) return;
+  const std::string program = win32::BrowserProgram(*command);
+  if (program.empty()) return;
+  const Apartment apartment;
+  ShellExecuteW(nullptr, L"open", win32::ToWide(program).c_str(), win32::ToWide(address).c_str(), L"", SW_SHOWNORMAL);
+}
+
+Status Win32Shell::Edit(const std::string& path) {
+  return StartProgram(win32::EditorCommandLine(SystemDirectory(), path), SW_SHOWNOACTIVATE);
+}
+
+Status Win32Shell::Start(const std::string& command_line) { return StartProgram(command_line, SW_SHOWNORMAL); }
 
 void Win32Shell::CopyToClipboard(const std::string& text) { win32::PutOnClipboard(text); }
 

@@ -7,11 +7,10 @@ namespace quenlar {
 
 class Win32Shell final : public Shell {
  public:
-  [[nodiscard]] std::optional<std::string> HttpOpenCommand() const override;
-  // May pump while the other program is found and started.
-  void Open(const std::string& program, const std::string& parameters) override;
-  [[nodiscard]] std::string SystemDirectory() const override;
-  Status Start(const std::string& command_line, WindowMode mode) override;
+  // The browser is the program registered for http. Pumps while it is found and started.
+  void OpenBrowser(const std::string& address) override;
+  Status Edit(const std::string& path) override;
+  Status Start(const std::string& command_line) override;
   void CopyToClipboard(const std::string& text) override;
 };
 

@@ -35,7 +35,7 @@ struct Win32TrayIcon::Implementation {
   HWND window = nullptr;
   UINT taskbar_created = 0;
   bool added = false;
-  std::function<void(int message)> callback;
+  std::function<void()> on_right_button_down;
 
   // A busy task bar, for example while the user logs on, does not take the icon, so it is asked again.
   void Add() {
@@ -51,8 +51,9 @@ struct Win32TrayIcon::Implementation {
     auto* self = reinterpret_cast<Implementation*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (!self) return DefWindowProcW(window, message, w, l);
     if (message == win32::kTrayCallbackMessage) {  // of the only icon that reports to this window
-      const auto callback = self->callback;        // it may put another one in its place
-      if (callback) callback(static_cast<int>(l));
+      if (l != WM_RBUTTONDOWN) return 0;
+      const auto handler = self->on_right_button_down;  // it may put another one in its place
+      if (handler) handler();
       return 0;
     }
     if (message == self->taskbar_created && self->added) self->Add();
@@ -98,8 +99,8 @@ void Win32TrayIcon::RemoveTrayIcon() {
   Shell_NotifyIconA(NIM_DELETE, &implementation_->record);
 }
 
-void Win32TrayIcon::OnMessage(std::function<void(int message)> callback) {
-  implementation_->callback = std::move(callback);
+void Win32TrayIcon::OnRightButtonDown(std::function<void()> handler) {
+  implementation_->on_right_button_down = std::move(handler);
 }
 
 void* Win32TrayIcon::window() const { return implementation_->window; }

@@ -17,7 +17,7 @@ class Win32TrayIcon final : public TrayIcon {
 
   void AddTrayIcon() override;
   void RemoveTrayIcon() override;
-  void OnMessage(std::function<void(int message)> callback) override;
+  void OnRightButtonDown(std::function<void()> handler) override;
 
   // The hidden window, an HWND: the owner of the icon's menu.
   [[nodiscard]] void* window() const;
