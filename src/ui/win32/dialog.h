@@ -21,7 +21,7 @@ struct Dialog {
 
 struct Resources {
   HINSTANCE program;
-  int icon;  // the number of the icon that all windows have
+  int icon;                         // the number of the icon that all windows have
   std::span<const Dialog> dialogs;  // must outlive all who have them
 };
 

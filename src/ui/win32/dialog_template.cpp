@@ -125,9 +125,8 @@ DialogTemplate ReadDialogTemplate(HINSTANCE program, std::string_view name) {
   dialog.memory.assign(begin, reader.at());
   for (int i = 0; i < count; ++i) {
     DialogTemplate::Item item = TakeItem(reader, dialog.memory);
-    assert(item.number == IDC_STATIC || std::none_of(dialog.items.begin(), dialog.items.end(), [&](const auto& other) {
-             return other.number == item.number;
-           }));
+    assert(item.number == IDC_STATIC || std::none_of(dialog.items.begin(), dialog.items.end(),
+                                                     [&](const auto& other) { return other.number == item.number; }));
     dialog.items.push_back(std::move(item));
   }
   return dialog;
