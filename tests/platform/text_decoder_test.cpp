@@ -41,7 +41,6 @@ TEST_F(TextDecoderTest, BytesBecomeTheCharactersOfTheirCharset) {
       {Charset::kGb18030, "\xC4\xE3\xBA\xC3", "你好"},
       {Charset::kBig5, "\xA7\x41\xA6\x6E", "你好"},
       {Charset::kEucJp, "\xA4\xB3\xA4\xF3\xA4\xCB\xA4\xC1\xA4\xCF", "こんにちは"},
-      {Charset::kIso2022Jp, "\x1B$B$3$s\x1B(B.", "こん."},
       {Charset::kShiftJis, "\x82\xB1\x82\xF1\x83\x5C", "こんソ"},
       {Charset::kEucKr, "\xBE\xC8\xB3\xE7", "안녕"},
   };

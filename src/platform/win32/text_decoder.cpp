@@ -17,10 +17,18 @@ constexpr std::array<UINT, 32> kNumbers = {866,   28592, 28593, 28594, 28595, 28
 static_assert(kNumbers.size() ==
               static_cast<std::size_t>(kLastSystemCharset) - static_cast<std::size_t>(kFirstSystemCharset) + 1);
 
+constexpr UINT kGb18030 = 54936, kGbk = 936;
+
+// A system without GB 18030 has GBK, which reads all but its rare characters of four bytes alike.
+UINT NumberOf(Charset charset) {
+  const UINT number = kNumbers[static_cast<std::size_t>(charset) - static_cast<std::size_t>(kFirstSystemCharset)];
+  return number == kGb18030 && !IsValidCodePage(number) ? kGbk : number;
+}
+
 }  // namespace
 
 std::string Win32TextDecoder::ToUtf8(Charset charset, std::string_view bytes) const {
-  const UINT number = kNumbers[static_cast<std::size_t>(charset) - static_cast<std::size_t>(kFirstSystemCharset)];
+  const UINT number = NumberOf(charset);
   if (bytes.empty()) return {};
   if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
     return Windows1252ToUtf8(std::string(bytes));
