@@ -21,8 +21,8 @@ constexpr std::size_t kShortestLooseName = 2;
 constexpr auto kNameStarts = [] {
   std::array<std::uint16_t, kNames> starts{};
   std::size_t count = 0;
-  for (std::size_t at = 0; at < kList.size(); at = kList.find(' ', at) + 1) {
-    starts[count++] = static_cast<std::uint16_t>(at);
+  for (std::size_t at = 0; at < kList.size(); ++at) {
+    if (at == 0 || kList[at - 1] == ' ') starts[count++] = static_cast<std::uint16_t>(at);
   }
   return starts;
 }();

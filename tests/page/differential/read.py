@@ -6,7 +6,7 @@ usage: read.py QUENLAR [CASES] [SEED]
 The reference's tree builder drives its tokenizer, and the tokens are what is compared: the title, the targets of links, and
 which addresses stand in text, attributes, scripts and comments. What needs the whole tree, which the program does not build, is
 not compared: <select> and <frameset>, in which tags are thrown away, are not generated, and a page on which the two differ is
-excused if an end tag met svg or math that are out of joint with HTML (Recorder.before_end_tag). Ends with status 1 and the other
+excused if a tag met svg or math that are out of joint with HTML (before_end_tag, before_anchor). Ends with status 1 and the other
 pages where the two differ.
 """
 import json
@@ -149,6 +149,8 @@ class Recorder(html5lib.HTMLParser):
             name = token.get("name")
             if kind == tokenTypes["EndTag"]:
                 self.before_end_tag(name)
+            elif kind == tokenTypes["StartTag"] and name == "a":
+                self.before_anchor()
             yield token
             # What the tree builder made of a start tag shows in the tokenizer's state.
             if kind == tokenTypes["StartTag"]:
@@ -164,6 +166,13 @@ class Recorder(html5lib.HTMLParser):
 
     def begins_html(self, element):
         return self.isHTMLIntegrationPoint(element) or self.isMathMLTextIntegrationPoint(element)
+
+    def before_anchor(self):
+        # In HTML in svg or math, <a> ends an open <a> around them, and with it svg or math.
+        elements = self.tree.openElements
+        in_html = elements and (self.is_html(elements[-1]) or self.begins_html(elements[-1]))
+        if in_html and not all(map(self.is_html, elements)) and self.tree.elementInActiveFormattingElements("a"):
+            self.out_of_joint = True
 
     def before_end_tag(self, name):
         elements = self.tree.openElements
