@@ -5,11 +5,13 @@
 set -euo pipefail
 folder=${1:?usage: scripts/sqlite.sh FOLDER}
 version=$(dpkg-query -W -f='${source:Version}' libsqlite3-dev)
-if [ "$(cat "$folder/version" 2>/dev/null)" = "$version" ]; then exit 0; fi
+# Not "version": the folder is on the include path, where <version> is a header of C++.
+stamp=$folder/debian_version
+if [ "$(cat "$stamp" 2>/dev/null)" = "$version" ]; then exit 0; fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-mkdir -p "$work/parts" "$work/lists/partial" "$work/source" "$folder"
+mkdir -p "$work/parts" "$work/lists/partial" "$work/source"
 codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
 # The machine's own lists of this release, asked for sources in the place of packages. Both of apt's formats.
@@ -32,5 +34,7 @@ apt-get "${apt[@]}" update >"$work/log" 2>&1 || fail "the list of source package
   fail "the source package sqlite3 $version could not be fetched"
 (cd "$work/source" && dpkg-source --no-check -x sqlite3_*.dsc tree) >"$work/log" 2>&1 || fail "the source package could not be unpacked"
 (cd "$work/source/tree" && ./configure && make sqlite3.c) >"$work/log" 2>&1 || fail "sqlite3.c could not be made"
+rm -rf "$folder"
+mkdir -p "$folder"
 cp "$work/source/tree/sqlite3.c" "$work/source/tree/sqlite3.h" "$folder/"
-echo "$version" >"$folder/version"
+echo "$version" >"$stamp"
