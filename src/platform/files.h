@@ -39,10 +39,10 @@ class Files {
   [[nodiscard]] virtual bool FileExists(const std::string& path) const = 0;
   [[nodiscard]] virtual bool FolderExists(const std::string& path) const = 0;
 
-  // Makes a folder. Its parent must exist. An existing folder is a success.
   // The names of the files and folders in a folder, sorted bytewise. kNotFound when there is no such folder.
   [[nodiscard]] virtual Result<std::vector<std::string>> Names(const std::string& folder) const = 0;
 
+  // Makes a folder. Its parent must exist. An existing folder is a success.
   virtual Status MakeFolder(const std::string& path) = 0;
 
   // Hands the bytes of the file to `block` piece by piece and in order, until its end, or until `block` returns false.

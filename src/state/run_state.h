@@ -28,7 +28,7 @@ struct RunState {
   std::int32_t baseline = 0;   // the address count when the run started
   // The links of an expansion page are followed when its own link number is below this one. Nothing changes the value
   // and every link is queued with 1 or more, so only pages of level 0 feed the queues. A run stays that small on
-  // purpose: it ends at the pages next to the start pages.
+  // purpose: within one click of the start page of each site.
   // Kept: PageAnalysis.AnExpansionPageIsHarvestedAndItsLinksAreNotFollowed.
   std::int16_t LinkDepth = 1;
 };
