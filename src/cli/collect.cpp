@@ -20,8 +20,11 @@ constexpr std::size_t kLongestStart = 64 * 1024;
 
 // One start a line. Blanks around it do not count, nor do empty lines and lines that begin with "#".
 void AddStartLine(std::string_view line, std::vector<std::string>& starts) {
-  const std::string_view start = TrimBlanks(line);
-  if (!start.empty() && start.front() != '#') starts.emplace_back(start);
+  constexpr const char* kBlanks = " \t\r";
+  const std::size_t begin = line.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) return;
+  const std::string_view start = line.substr(begin, line.find_last_not_of(kBlanks) + 1 - begin);
+  if (start.front() != '#') starts.emplace_back(start);
 }
 
 Status ReadStarts(Invocation& invocation, const Files& files, const std::string& from,

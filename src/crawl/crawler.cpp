@@ -50,6 +50,7 @@ Crawler::Crawler(const CrawlWorld& world, Collection& collection, const CrawlOpt
       user_agent_(UserAgent(options.contact)),
       schedule_(std::max<std::size_t>(options.hosts, 1)),
       scope_(options.scope) {
+  search_.pace = HostPace(options.delay);
   world_.client.SetListener(this);
 }
 
@@ -73,6 +74,7 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
   record_.started = now;
   if (IsOffLine()) return Finish(CrawlEnd::kOffLine);
   if (Failed(collection_.BeginRun(now))) return Finish(CrawlEnd::kFailed);
+  begun_ = true;
   if (options_.again && Failed(collection_.QueueAgain())) return Finish(CrawlEnd::kFailed);
   if (Failed(QueueRefusedPages())) return Finish(CrawlEnd::kFailed);
   AddStarts(starts);
@@ -243,7 +245,7 @@ Crawler::Outcome Crawler::Finish(CrawlEnd end) {
   record_.filtered = figures_.filtered;
   record_.bytes = figures_.bytes;
   record_.seconds = std::chrono::duration<double>(world_.loop.Now() - started_).count();
-  if (failure_.ok() && end != CrawlEnd::kOffLine) {
+  if (failure_.ok() && begun_) {
     if (!Failed(collection_.SaveRun(record_))) Failed(collection_.Commit());
   }
   outcome.status = failure_;

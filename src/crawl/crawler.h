@@ -147,7 +147,7 @@ class Crawler final : private WebListener {
   void OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end);
   void OnUnchanged(HostVisit& visit);
   void OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end);
-  [[nodiscard]] bool CameFromPrivatePlace(const HostVisit& visit, const WebAnswer& answer) const;
+  [[nodiscard]] bool CameFromPrivatePlace(const Url& url, const WebAnswer& answer) const;
   [[nodiscard]] std::vector<SeenAddress> KeptAddresses(const ReadResult& page, PageEnd& end);
   void OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place);
   void EndPage(HostVisit& visit, const PageEnd& end, const std::vector<SeenAddress>& addresses = {});
@@ -171,7 +171,7 @@ class Crawler final : private WebListener {
   std::size_t requests_ = 0, page_requests_ = 0;
   CrawlTime started_{}, alone_since_{};
   std::string waiting_for_;
-  bool stopped_ = false, offline_ = false;
+  bool begun_ = false, stopped_ = false, offline_ = false;
   Status failure_;
 };
 

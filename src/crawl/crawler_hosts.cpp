@@ -85,7 +85,10 @@ void Crawler::Ask(HostVisit& visit) {
     if (options_.pages && figures_.pages + page_requests_ >= *options_.pages) return held_.push_back(visit.row.id);
     visit.page = std::move(*next.value());
     visit.url = ParseUrl(visit.page->url, nullptr, world_.idna);
-    if (!visit.rules_known) return AskForRobots(visit, visit.row.origin + "/robots.txt");
+    if (!visit.rules_known) {
+      visit.robots_may_be_private = visit.page->may_be_private;
+      return AskForRobots(visit, visit.row.origin + "/robots.txt");
+    }
     if (JudgePage(visit)) return AskForPage(visit);
     if (!failure_.ok()) return;
   }
@@ -129,8 +132,8 @@ void Crawler::AskForPage(HostVisit& visit) {
 }
 
 void Crawler::AskForRobots(HostVisit& visit, const std::string& url) {
-  WebRequest request = RequestFor(url, visit.page->may_be_private);
-  request.body_limit = kMostRobotsBytes;
+  WebRequest request = RequestFor(url, visit.robots_may_be_private);
+  request.body_limit = kMostRobotsBytes + 1;  // one more shows that the last line may have been cut
   visit.robots_url = url;
   visit.under_way = HostVisit::UnderWay::kRobots;
   Send(visit, std::move(request));
@@ -151,7 +154,10 @@ void Crawler::OnRobotsAnswer(HostVisit& visit, const WebAnswer& answer) {
     const std::string* const location = answer.head.Find("Location");
     const auto from = ParseUrl(visit.robots_url, nullptr, world_.idna);
     const auto to = location && from ? ParseUrl(*location, &*from, world_.idna) : std::nullopt;
-    if (to && ++visit.robots_hops <= kMostRobotsHops) return AskForRobots(visit, to->href());
+    if (to && ++visit.robots_hops <= kMostRobotsHops) {
+      visit.robots_may_be_private = visit.robots_may_be_private && CameFromPrivatePlace(*from, answer);
+      return AskForRobots(visit, to->href());
+    }
   }
   if (status >= 500) return OnNoRobots(visit, answer);
   // Where there are no rules, everything is allowed.

@@ -75,6 +75,11 @@ void Crawler::OnPageAnswer(HostVisit& visit, const WebAnswer& answer) {
 // No answer, or none that can be used.
 void Crawler::OnLostPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   end.reason = answer.message;
+  // Without a network no host is to blame: the page is left for the next run.
+  if (answer.failure != WebFailure::kPrivateAddress && IsOffLine()) {
+    offline_ = true;
+    return;
+  }
   switch (answer.failure) {
     case WebFailure::kPrivateAddress:
       end.state = PageState::kRefused;
@@ -119,7 +124,8 @@ void Crawler::OnUnchanged(HostVisit& visit) {
 
 void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   const std::string location = FieldOf(answer.head, "Location");
-  const auto target = location.empty() ? std::nullopt : ParseUrl(location, &*visit.url, world_.idna);
+  const auto target =
+      location.empty() ? std::nullopt : WithoutUser(ParseUrl(location, &*visit.url, world_.idna), world_.idna);
   const int hops = visit.page->hops + 1;
   if (!target || hops > kMostHops || target->href().size() > kLongestPageUrl) {
     end.reason = target && hops > kMostHops ? "too many redirects" : "redirect without a target";
@@ -142,7 +148,7 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   offer.rank = 0;  // a page that was asked for comes before those that were only found
   offer.hops = hops;
   offer.parent = visit.page->page;
-  offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(visit, answer);
+  offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
   offer.by_id = true;
   const auto offered = collection_.Offer(offer);
   if (Failed(offered)) return;
@@ -155,9 +161,9 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
 }
 
 // Whether the answer came from an address that no public page may lead to.
-bool Crawler::CameFromPrivatePlace(const HostVisit& visit, const WebAnswer& answer) const {
-  const auto address = ParseIpAddress(answer.head.ip.empty() ? visit.url->host() : std::string_view(answer.head.ip));
-  return address ? !IsPublicAddress(*address) : IsLoopbackName(visit.url->host());
+bool Crawler::CameFromPrivatePlace(const Url& url, const WebAnswer& answer) const {
+  const auto address = ParseIpAddress(answer.head.ip.empty() ? url.host() : std::string_view(answer.head.ip));
+  return address ? !IsPublicAddress(*address) : IsLoopbackName(url.host());
 }
 
 void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
@@ -191,7 +197,7 @@ void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   const auto seen = collection_.BodySeen(visit.row.id, visit.page->page, *end.body_hash);
   if (Failed(seen)) return;
   const bool follow = !seen.value() && !(options_.obey_robots && page.robots.nofollow());
-  const bool private_place = visit.page->may_be_private && CameFromPrivatePlace(visit, answer);
+  const bool private_place = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
   if (follow) OfferLinks(visit, page.links, private_place);
   ++figures_.pages;
   ++visit.row.read;
@@ -219,7 +225,7 @@ void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& li
   for (const PageLink& link : links) {
     const LinkFollow least = options_.obey_robots ? LinkFollow::kFollowed : LinkFollow::kUnasked;
     if (link.follow < least) continue;
-    const auto url = ParseUrl(link.url, nullptr, world_.idna);
+    const auto url = WithoutUser(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
     if (!url || url->href().size() > kLongestPageUrl) continue;
     PageOffer offer{*url, SiteOf(*url)};
     offer.depth = depth;

@@ -31,7 +31,8 @@ struct HostVisit {
 
   bool rules_known = false;  // robots.txt has been read, or is not asked for
   RobotsRules rules = {};
-  std::string robots_url = {};  // of the request at hand
+  std::string robots_url = {};         // of the request at hand
+  bool robots_may_be_private = false;  // whether that request may go to a place that is not public
   int robots_hops = 0;
 
   enum class UnderWay { kNothing, kRobots, kPage };

@@ -17,6 +17,12 @@ std::string_view AuthorityOf(const Url& url) {
   return key.substr(0, key.find('/'));
 }
 
+std::optional<Url> WithoutUser(std::optional<Url> url, const Idna& idna) {
+  if (!url) return url;
+  const std::string plain = std::string(url->scheme()).append("://").append(url->PageKey());
+  return plain.size() == url->href().size() ? url : ParseUrl(plain, nullptr, idna);
+}
+
 bool RepeatsSegments(std::string_view path) {
   constexpr std::size_t kMost = 3;
   if (static_cast<std::size_t>(std::count(path.begin(), path.end(), '/')) <= kMost) return false;

@@ -1,6 +1,7 @@
 // Which links of a page a crawl takes up: scope, depth, traps.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -16,6 +17,9 @@ namespace quenlar {
 
 // Host and port as page identities spell them, without the scheme: "example.org", "example.org:8080".
 [[nodiscard]] std::string_view AuthorityOf(const Url& url);
+
+// The URL without its user name and password: they are never sent, and they make no other page.
+[[nodiscard]] std::optional<Url> WithoutUser(std::optional<Url> url, const Idna& idna);
 
 // True for a path in which a segment comes more than three times: such paths are mostly made by a link that is relative
 // and wrong, and have no end.
