@@ -44,7 +44,7 @@ for my $code (0x80 .. 0x3FFFF, 0xE0000 .. 0xE01EF) {
 my $version = Unicode::UCD::UnicodeVersion();
 open my $out, '>', 'src/page/letter_ranges.h' or die $!;
 print $out <<"END";
-// Which characters beyond ASCII are letters, and of which kind. Made by scripts/letter_ranges.pl from the properties
+// The letters beyond ASCII and their kinds. Made by scripts/letter_ranges.pl from the properties
 // General_Category, Script and Line_Break of Unicode $version.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Which characters beyond ASCII are letters, and of which kind. Made by scripts/letter_ranges.pl from the properties
+// The letters beyond ASCII and their kinds. Made by scripts/letter_ranges.pl from the properties
 // General_Category, Script and Line_Break of Unicode 14.0.0.
 #pragma once
 

@@ -66,7 +66,7 @@ class HostileServer : public testing::Test {
     EXPECT_FALSE(fetched.failed) << path;
     EXPECT_TRUE(fetched.body == body) << path << " gave " << fetched.body.substr(0, 1000);
   }
-  // For answers that break the rules of HTTP itself, of which the system's client judges.
+  // For answers that break the rules of HTTP itself. Whether they are refused is up to the system's client.
   void ExpectRefusal(const std::string& path) {
     const Fetched fetched = Fetch(path);
     EXPECT_TRUE(fetched.failed || !platform_->HttpIsStrict()) << path;

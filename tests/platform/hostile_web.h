@@ -53,7 +53,7 @@ class HostileWeb : public testing::Test {
     EXPECT_EQ(answer.failure, failure) << url << ": " << answer.message;
     EXPECT_NE(answer.message, "") << url;
   }
-  // For answers that break the rules of HTTP itself, of which the system's client judges.
+  // For answers that break the rules of HTTP itself. Whether they are refused is up to the system's client.
   void ExpectBroken(const std::string& url) {
     const WebAnswer answer = Fetch(url);
     EXPECT_TRUE(answer.failure == WebFailure::kBroken || !platform_->HttpIsStrict()) << url << ": " << answer.message;

@@ -20,7 +20,7 @@
 //   run                          the Extract button, until the run has ended
 //   upgrade check                the watchdog's first tick
 //   expect requests|addresses|panel1|panel2|panel3|queues|messages|calls      exactly these lines
-//   expect file PATH             exactly these lines, each of which ends in "$" (for the blanks before it); no line: no
+//   expect file PATH             exactly these lines, each with "$" behind it (for the blanks at its end); no line: no
 //                                such file. (Elsewhere a "$" is needed only behind a blank at the end.)
 #pragma once
 

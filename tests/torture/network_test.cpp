@@ -91,7 +91,7 @@ struct Net {
     return {p.loop,  fetcher, p.registry, p.interfaces, p.files,       p.code_page,
             p.clock, p.shell, p.boxes,    p.idna,       p.text_decoder};
   }
-  // With the alarm's ticks before it, the first of which asks for the upgrade page.
+  // With the alarm's ticks before it. The first tick asks for the upgrade page.
   void Run() {
     engine.projects.OpenProject("picture_en");
     const auto alarm = fakes.loop.MakeTimer(std::chrono::seconds(1), [this] { engine.watchdog.Tick(); });
