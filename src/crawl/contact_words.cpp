@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/ascii.h"
+#include "base/windows1252.h"
 
 namespace quenlar {
 namespace {
@@ -69,15 +70,14 @@ std::string Words(std::string_view text) {
 
 bool PromisesContacts(std::string_view path_or_text) {
   const std::string words = Words(path_or_text);
-  const auto begins = [&](std::string_view word) {
-    for (std::size_t at = words.find(word); at != std::string::npos; at = words.find(word, at + 1)) {
-      if (words[at - 1] == '-') return true;
-    }
-    return false;
-  };
-  return std::any_of(std::begin(kWords), std::end(kWords), begins) ||
-         std::any_of(std::begin(kJapanese), std::end(kJapanese),
-                     [&](std::string_view word) { return words.find(word) != std::string::npos; });
+  std::string_view rest = words;
+  for (std::size_t parted = 0; parted != std::string_view::npos; parted = rest.find('-')) {
+    rest.remove_prefix(parted + 1);
+    const auto begins = [&](std::string_view word) { return rest.starts_with(word); };
+    if (std::any_of(std::begin(kWords), std::end(kWords), begins)) return true;
+  }
+  const auto stands = [&](std::string_view word) { return words.find(word) != std::string::npos; };
+  return !IsAscii(words) && std::any_of(std::begin(kJapanese), std::end(kJapanese), stands);
 }
 
 }  // namespace quenlar

@@ -229,7 +229,7 @@ void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& li
     if (!url || url->href().size() > kLongestPageUrl) continue;
     PageOffer offer{*url, SiteOf(*url)};
     offer.depth = depth;
-    offer.rank = PromisesContacts(url->path()) ? 0 : 1;
+    offer.rank = PromisesContacts(url->path()) || PromisesContacts(link.text) ? 0 : 1;
     offer.parent = visit.page->page;
     offer.may_be_private = private_place;
     if (RepeatsSegments(url->path())) {

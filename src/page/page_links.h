@@ -30,16 +30,22 @@ struct PageLink {
   std::string url;  // as Url::href()
   LinkSource from = LinkSource::kA;
   LinkFollow follow = LinkFollow::kFollowed;
+  std::string text;  // what a person reads at the first <a> that shows any: UTF-8, its beginning, blanks run together
 };
 
 // Takes the targets of a page in order and makes URLs of them at its end, when it is known what they are relative to.
 // The same target is looked at once, however often the page has it.
 class PageLinks {
  public:
-  // A target as the page writes it, references not decoded. Its memory must stay as it is until Resolve.
-  void Add(std::string_view raw_target, LinkSource source, LinkFollow follow);
+  static constexpr std::size_t kNoTarget = static_cast<std::size_t>(-1);
+
+  // A target as the page writes it, references not decoded. Its memory must stay as it is until Resolve. Returns the
+  // target's number for Content, or kNoTarget where there is nothing to go to.
+  std::size_t Add(std::string_view raw_target, LinkSource source, LinkFollow follow);
   // A target whose references are decoded; it is copied.
   void AddDecoded(std::string_view target, LinkSource source, LinkFollow follow) { Add(target, true, source, follow); }
+  // The markup between the tags of an <a> with this target. Its memory must stay as it is until Resolve.
+  void Content(std::size_t target, std::string_view markup);
 
   // The links in the order of the page, each URL once: from where it comes first, followed as far as any of its targets
   // may be, but no further than `at_most`. Left out: what is empty or begins with "#", what is not an http or https
@@ -47,12 +53,13 @@ class PageLinks {
   [[nodiscard]] std::vector<PageLink> Resolve(const Url* base, const Idna& idna, LinkFollow at_most) const;
 
  private:
-  void Add(std::string_view text, bool copy, LinkSource source, LinkFollow follow);
+  std::size_t Add(std::string_view text, bool copy, LinkSource source, LinkFollow follow);
 
   struct Target {
     std::string_view text;  // references decoded, without its fragment and the blanks around
     LinkSource source;
     LinkFollow follow;
+    std::string_view content;  // of the first <a> that shows a text
   };
 
   TextHash hash_;

@@ -170,6 +170,12 @@ TEST_F(CrawlTest, PagesAreVisitedBreadthFirstAndThoseThatPromiseContactsFirst) {
                           "https://www.firma.de/a", "https://www.firma.de/deep/kontakt"));
 }
 
+TEST_F(CrawlTest, TheTextOfALinkPromisesContactsToo) {
+  Page("https://www.firma.de/", "<a href=/p1>Products</a><a href=/p2><b>Contact</b> us</a>");
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Visited(), ElementsAre("https://www.firma.de/", "https://www.firma.de/p2", "https://www.firma.de/p1"));
+}
+
 TEST_F(CrawlTest, StartsComeBeforeTheLinksOfStarts) {
   options_.hosts = 1;
   Page("https://a.de/", "<a href=/1>1</a>");

@@ -101,6 +101,32 @@ TEST(PageReader, EachUrlIsOneLink) {
             (List{"a https://www.firma.de/a/x", "a http://www.firma.de/a/x"}));
 }
 
+// The text of each link.
+std::vector<std::string> LinkTexts(std::string_view body) {
+  std::vector<std::string> texts;
+  for (const PageLink& link : Read(body).links) texts.push_back(link.text);
+  return texts;
+}
+
+TEST(PageReader, ALinkHasTheTextThatAPersonReads) {
+  EXPECT_EQ(LinkTexts("<a href=/1>Write <b>to</b>\n us</a> <a href=/2>&Uuml;ber&nbsp;uns</a>"),
+            (List{"Write to us", "Über\u00A0uns"}));
+  EXPECT_EQ(LinkTexts("<a href=/1>One<a href=/2>Two"), (List{"One", "Two"}));
+  EXPECT_EQ(LinkTexts("<a href=/1><!-- no -->One</a>Two<link rel=next href=/2>"), (List{"One", ""}));
+}
+
+TEST(PageReader, ALinksTextIsThatOfTheFirstAnchorThatShowsOne) {
+  EXPECT_EQ(LinkTexts("<a href=/1><img src=x></a><a href=/1>One</a><a href=/1>Two</a>"), (List{"One"}));
+  EXPECT_EQ(LinkTexts("<a href=/1> </a><a href='/1#top'>One</a><a href=/1?></a>"), (List{"One", ""}));
+  EXPECT_EQ(LinkTexts("<a href=''>No target</a><a href=/1>One</a>"), (List{"One"}));
+}
+
+TEST(PageReader, ALongContentIsReadAtItsBeginning) {
+  const List texts = LinkTexts("<a href=/1>" + std::string(600, 'x') + "</a>");
+  ASSERT_EQ(texts.size(), 1u);
+  EXPECT_EQ(texts[0], std::string(500, 'x'));
+}
+
 TEST(PageReader, EmptyForeignAndLongTargetsAreNoLinks) {
   EXPECT_EQ(
       Links("<a href=''><a href=' '><a href='#x'><a href='&#35;x'><a href=mailto:x@y><a href=javascript:x><a href='//'>"
