@@ -1,11 +1,11 @@
-// FindIgnoreCase: looks for the first and the last byte of the needle in sixteen places at once.
+// FindIgnoreCase: looks for the first and the last byte of the needle in many places at once.
 #include <algorithm>
 #include <bit>
 
 #include "base/ascii.h"
 
 #if defined(__SSE2__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace quenlar {
@@ -32,6 +32,30 @@ struct Wanted {
   __m128i byte, fold;
 };
 
+// The first place at or behind `at` where a byte is `first` and the byte `apart` places on is `last`, or one of the
+// last 31 before `places`.
+__attribute__((target("avx2"))) std::size_t PassOverAvx2(const char* text, std::size_t at, std::size_t places,
+                                                         std::size_t apart, const Wanted& first, const Wanted& last) {
+  const __m256i first_byte = _mm256_broadcastsi128_si256(first.byte);
+  const __m256i first_fold = _mm256_broadcastsi128_si256(first.fold);
+  const __m256i last_byte = _mm256_broadcastsi128_si256(last.byte);
+  const __m256i last_fold = _mm256_broadcastsi128_si256(last.fold);
+  for (; at + 32 <= places; at += 32) {
+    const __m256i begin = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + at));
+    const __m256i end = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + at + apart));
+    const __m256i both = _mm256_and_si256(_mm256_cmpeq_epi8(_mm256_or_si256(begin, first_fold), first_byte),
+                                          _mm256_cmpeq_epi8(_mm256_or_si256(end, last_fold), last_byte));
+    const auto hits = static_cast<unsigned>(_mm256_movemask_epi8(both));
+    if (hits != 0) return at + static_cast<std::size_t>(std::countr_zero(hits));
+  }
+  return at;
+}
+
+const bool kHasAvx2 = [] {
+  __builtin_cpu_init();
+  return __builtin_cpu_supports("avx2") != 0;
+}();
+
 #endif
 
 }  // namespace
@@ -45,6 +69,7 @@ std::size_t FindIgnoreCase(std::string_view text, std::string_view lower_needle,
   const Wanted first(lower_needle.front()), last(lower_needle.back());
   const std::size_t to_last = lower_needle.size() - 1;
   while (at < places && places - from >= 16) {
+    if (kHasAvx2 && places - at >= 64) at = PassOverAvx2(text.data(), at, places, to_last, first, last);
     at = std::min(at, places - 16);  // the last sixteen places overlap those before them
     const __m128i both = _mm_and_si128(first.In(text.data() + at), last.In(text.data() + at + to_last));
     for (auto hits = static_cast<unsigned>(_mm_movemask_epi8(both)); hits != 0; hits &= hits - 1) {

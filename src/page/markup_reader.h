@@ -10,6 +10,7 @@
 #include "base/byte_search.h"
 #include "page/attributes.h"
 #include "page/html_blanks.h"
+#include "page/tag_end.h"
 #include "page/tag_names.h"
 
 namespace quenlar {
@@ -45,24 +46,43 @@ class MarkupReader {
  public:
   explicit MarkupReader(std::string_view page) : page_(page) {}
 
-  void Next(Markup& markup) {
+  enum class Wanted : std::uint8_t {
+    kAll,
+    // What has no part in links, title and words for robots may be passed over. The text in front of a markup is then
+    // not told of.
+    kLinks,
+  };
+
+  void Next(Markup& markup, Wanted wanted = Wanted::kAll) {
     markup.text_begin = at_;
     if (raw_ != TagName::kOther) return RawText(markup);
-    for (std::size_t open = FindByte(page_, '<', at_);; open = FindByte(page_, '<', open + 1)) {
+    const bool all = wanted == Wanted::kAll || !open_.empty();
+    for (std::size_t open = FindByte(page_, '<', at_);; open = FindByte(page_, '<', open)) {
       if (open >= page_.size() || open + 1 >= page_.size()) return AtEnd(markup);
       const char next = page_[open + 1];
       if (IsLetter(next)) {
-        if (Tag(markup, open, open + 1)) return StartTag(markup);
-        return AtEnd(markup, open);
-      }
-      if (next == '/') {
+        if (all || open + 2 >= page_.size() || MayMatterForLinks(next, page_[open + 2])) {
+          if (Tag(markup, open, open + 1)) return StartTag(markup);
+          return AtEnd(markup, open);
+        }
+        if (!PassTag(open + 1)) return AtEnd(markup, open);
+        open = at_;
+      } else if (next == '/') {
         if (open + 2 >= page_.size()) return AtEnd(markup);
         if (!IsLetter(page_[open + 2])) return UntilClose(markup, Markup::Kind::kComment, open, open + 2);
-        if (Tag(markup, open, open + 2)) return EndTag(markup);
-        return AtEnd(markup, open);
+        if (all) {
+          if (Tag(markup, open, open + 2)) return EndTag(markup);
+          return AtEnd(markup, open);
+        }
+        if (!PassTag(open + 2)) return AtEnd(markup, open);
+        open = at_;
+      } else if (next == '!') {
+        return Declaration(markup, open);
+      } else if (next == '?') {
+        return UntilClose(markup, Markup::Kind::kComment, open, open + 1);
+      } else {
+        ++open;
       }
-      if (next == '!') return Declaration(markup, open);
-      if (next == '?') return UntilClose(markup, Markup::Kind::kComment, open, open + 1);
     }
   }
 
@@ -96,18 +116,35 @@ class MarkupReader {
     markup.name = FindTagName(page_, name_begin, at - name_begin);
     markup.begin = open;
     markup.attributes = at;
-    markup.self_closing = false;
+    if (!PassAttributes(at, markup.self_closing)) return false;
+    markup.end = at_;
+    return true;
+  }
+  // The same for a tag that is only passed over.
+  bool PassTag(std::size_t name_begin) {
+    const std::size_t at = FindEndOfName(page_, name_begin + 1, '>');
+    bool self_closing;
+    return at < page_.size() && PassAttributes(at, self_closing);
+  }
+  // `at` is the place behind the tag's name.
+  bool PassAttributes(std::size_t at, bool& self_closing) {
+    self_closing = false;
     if (page_[at] == '>') {
-      at_ = markup.end = at + 1;
+      at_ = at + 1;
+      return true;
+    }
+    const std::size_t close = FindUsualTagEnd(page_, at);
+    if (close != std::string_view::npos) {
+      self_closing = page_[close - 1] == '/';
+      at_ = close + 1;
       return true;
     }
     AttributeReader attributes(page_, at);
     for (TagAttribute attribute; attributes.Next(attribute);) {
     }
-    if (attributes.end() == std::string_view::npos) return false;
-    at_ = markup.end = attributes.end();
-    markup.self_closing = attributes.self_closing();
-    return true;
+    self_closing = attributes.self_closing();
+    at_ = attributes.end();
+    return at_ != std::string_view::npos;
   }
 
   void StartTag(Markup& markup) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/ascii.h"
 #include "base/byte_search.h"
+#include "page/attributes.h"
 #include "page/charset.h"
 #include "page/html_blanks.h"
 #include "page/page_endings.h"
@@ -29,26 +31,46 @@ std::string_view TrimTarget(std::string_view target) {
 // More of an <a> is not looked at. A text that leads somewhere is shorter.
 constexpr std::size_t kMostContent = 512;  // bytes
 
-// Takes the text in front of the next tag off `markup`.
-std::string_view TakeText(std::string_view& markup) {
-  const std::string_view text = markup.substr(0, FindByte(markup, '<'));
-  markup.remove_prefix(text.size());
-  const std::size_t close = FindByte(markup, '>');
-  markup.remove_prefix(close < markup.size() ? close + 1 : markup.size());
-  return text;
-}
+// Goes through the texts of an <a>, from the end of its tag on.
+class ContentReader {
+ public:
+  explicit ContentReader(std::string_view content) : rest_(content.substr(0, kMostContent)) {}
+  // False behind the last text.
+  bool Next(std::string_view& text) {
+    if (rest_.empty()) return false;
+    text = rest_.substr(0, FindByte(rest_, '<'));
+    rest_.remove_prefix(text.size());
+    const std::size_t close = FindByte(rest_, '>');
+    if (close == std::string_view::npos || IsAnchor(rest_))
+      rest_ = {};
+    else
+      rest_.remove_prefix(close + 1);
+    return true;
+  }
 
-bool HasText(std::string_view markup) {
-  while (!markup.empty()) {
-    if (!TrimHtmlBlanks(TakeText(markup)).empty()) return true;
+ private:
+  // Whether a tag ends the <a>: its end tag, or another <a>.
+  static bool IsAnchor(std::string_view tag) {
+    const std::size_t name = tag[1] == '/' ? 2 : 1;
+    return ToLower(tag[name]) == 'a' && name + 1 < tag.size() && EndsTagName(tag[name + 1]);
+  }
+
+  std::string_view rest_;
+};
+
+bool HasText(std::string_view content) {
+  ContentReader reader(content);
+  for (std::string_view text; reader.Next(text);) {
+    if (!TrimHtmlBlanks(text).empty()) return true;
   }
   return false;
 }
 
-std::string ShownText(std::string_view markup) {
-  std::string text;
-  while (!markup.empty()) text += TakeText(markup);
-  return ShownTitle(text);
+std::string ShownText(std::string_view content) {
+  ContentReader reader(content);
+  std::string all;
+  for (std::string_view text; reader.Next(text);) all += text;
+  return ShownTitle(all);
 }
 
 }  // namespace
@@ -75,15 +97,15 @@ std::string_view LinkSourceName(LinkSource source) {
   return "alternate";
 }
 
-std::size_t PageLinks::Add(std::string_view raw_target, LinkSource source, LinkFollow follow) {
+void PageLinks::Add(std::string_view raw_target, LinkSource source, LinkFollow follow, std::string_view content) {
   const std::string_view text = Decoded(raw_target, ReferencePlace::kAttribute, scratch_);
-  return Add(text, text.data() != raw_target.data(), source, follow);
+  Add(text, text.data() != raw_target.data(), source, follow, content);
 }
 
-std::size_t PageLinks::Add(std::string_view text, bool copy, LinkSource source, LinkFollow follow) {
+void PageLinks::Add(std::string_view text, bool copy, LinkSource source, LinkFollow follow, std::string_view content) {
   text = TrimTarget(text);
   text = text.substr(0, FindByte(text, '#'));
-  if (text.empty()) return kNoTarget;
+  if (text.empty()) return;
   // A target that may have any ending is another one than the same target that may not.
   const std::uint32_t hash = hash_.Exact(text) + (IsForPagesOnly(source) ? 1 : 0);
   const std::uint32_t known = index_.Find(hash, [&](std::uint32_t number) {
@@ -91,17 +113,14 @@ std::size_t PageLinks::Add(std::string_view text, bool copy, LinkSource source, 
     return target.text == text && IsForPagesOnly(target.source) == IsForPagesOnly(source);
   });
   if (known != IndexTable::kNone) {
-    targets_[known].follow = std::max(targets_[known].follow, follow);
-    return known;
+    Target& target = targets_[known];
+    target.follow = std::max(target.follow, follow);
+    if (target.content.empty() && HasText(content)) target.content = content;
+    return;
   }
   index_.Insert(hash, static_cast<std::uint32_t>(targets_.size()));
-  targets_.push_back({copy ? decoded_.Keep(text) : text, source, follow, {}});
-  return targets_.size() - 1;
-}
-
-void PageLinks::Content(std::size_t target, std::string_view markup) {
-  markup = markup.substr(0, kMostContent);
-  if (targets_[target].content.empty() && HasText(markup)) targets_[target].content = markup;
+  targets_.push_back(
+      {copy ? decoded_.Keep(text) : text, source, follow, HasText(content) ? content : std::string_view()});
 }
 
 std::vector<PageLink> PageLinks::Resolve(const Url* base, const Idna& idna, LinkFollow at_most) const {

@@ -37,15 +37,13 @@ struct PageLink {
 // The same target is looked at once, however often the page has it.
 class PageLinks {
  public:
-  static constexpr std::size_t kNoTarget = static_cast<std::size_t>(-1);
-
-  // A target as the page writes it, references not decoded. Its memory must stay as it is until Resolve. Returns the
-  // target's number for Content, or kNoTarget where there is nothing to go to.
-  std::size_t Add(std::string_view raw_target, LinkSource source, LinkFollow follow);
+  // A target as the page writes it, references not decoded. `content` is the markup from the end of the tag on, where a
+  // link's text may stand; empty where it has none. The memory of both must stay as it is until Resolve.
+  void Add(std::string_view raw_target, LinkSource source, LinkFollow follow, std::string_view content = {});
   // A target whose references are decoded; it is copied.
-  void AddDecoded(std::string_view target, LinkSource source, LinkFollow follow) { Add(target, true, source, follow); }
-  // The markup between the tags of an <a> with this target. Its memory must stay as it is until Resolve.
-  void Content(std::size_t target, std::string_view markup);
+  void AddDecoded(std::string_view target, LinkSource source, LinkFollow follow) {
+    Add(target, true, source, follow, {});
+  }
 
   // The links in the order of the page, each URL once: from where it comes first, followed as far as any of its targets
   // may be, but no further than `at_most`. Left out: what is empty or begins with "#", what is not an http or https
@@ -53,7 +51,7 @@ class PageLinks {
   [[nodiscard]] std::vector<PageLink> Resolve(const Url* base, const Idna& idna, LinkFollow at_most) const;
 
  private:
-  std::size_t Add(std::string_view text, bool copy, LinkSource source, LinkFollow follow);
+  void Add(std::string_view text, bool copy, LinkSource source, LinkFollow follow, std::string_view content);
 
   struct Target {
     std::string_view text;  // references decoded, without its fragment and the blanks around

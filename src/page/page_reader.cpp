@@ -241,13 +241,12 @@ class PageWalk {
     if (!addresses && !request_.links) return;
     MarkupReader reader(page_);
     for (Markup markup;;) {
-      reader.Next(markup);
+      reader.Next(markup, addresses ? MarkupReader::Wanted::kAll : MarkupReader::Wanted::kLinks);
       if (addresses) {
         addresses_.Text(markup.text_begin, markup.begin, true);
         ForAddresses(markup);
         addresses = addresses_.Goes();
       }
-      if (markup.name == TagName::kA || markup.kind == Markup::Kind::kEnd) EndAnchor(markup.begin);
       if (markup.kind == Markup::Kind::kEnd) return;
       if (markup.kind == Markup::Kind::kStartTag)
         StartTag(markup);
@@ -310,15 +309,8 @@ class PageWalk {
     FirstValue href("href"), rel("rel"), download("download");
     TakeAttributes(page_, tag, href, rel, download);
     if (!href.there()) return;
-    const std::size_t target = links_.Add(href.raw(), source, FollowOf(rel, download));
-    if (source != LinkSource::kA) return;
-    anchor_ = target;
-    anchor_begin_ = tag.end;
-  }
-  // The <a> that is open, if one is, ends at this place.
-  void EndAnchor(std::size_t end) {
-    if (anchor_ != PageLinks::kNoTarget) links_.Content(anchor_, page_.substr(anchor_begin_, end - anchor_begin_));
-    anchor_ = PageLinks::kNoTarget;
+    const std::string_view content = source == LinkSource::kA ? page_.substr(tag.end) : std::string_view();
+    links_.Add(href.raw(), source, FollowOf(rel, download), content);
   }
 
   void Frame(const Markup& tag, LinkSource source) {
@@ -380,8 +372,6 @@ class PageWalk {
   ReadResult& result_;
   AddressWalk addresses_;
   PageLinks links_;
-  std::size_t anchor_ = PageLinks::kNoTarget;  // the target of the <a> that is open
-  std::size_t anchor_begin_ = 0;               // where its content begins
   std::optional<std::string> base_;
 };
 

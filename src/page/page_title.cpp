@@ -29,7 +29,10 @@ class TitleText {
 
  private:
   void Append(char32_t code) {
-    AppendUtf8(code, text_);
+    if (code < 0x80)
+      text_ += static_cast<char>(code);
+    else
+      AppendUtf8(code, text_);
     ++characters_;
   }
 

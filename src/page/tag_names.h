@@ -274,6 +274,7 @@ inline constexpr std::size_t kSlots = 1024;
 
 struct Slot {
   std::uint64_t key = 0;
+  std::uint32_t size = 0;
   TagName name = TagName::kOther;
 };
 
@@ -298,7 +299,7 @@ inline constexpr auto kTable = [] {
   std::array<Slot, kSlots> table{};
   for (std::size_t i = 1; i < kList.size(); ++i) {
     const std::uint64_t key = KeyOf(kList[i].text);
-    table[SlotOf(key, kFactor)] = {key, static_cast<TagName>(i)};
+    table[SlotOf(key, kFactor)] = {key, static_cast<std::uint32_t>(kList[i].text.size()), static_cast<TagName>(i)};
   }
   return table;
 }();
@@ -331,10 +332,36 @@ inline constexpr auto kTable = [] {
   if (size < sizeof key) key &= (std::uint64_t{1} << (8 * size)) - 1;
   key = LowerEight(key);
   const tag_names::Slot& slot = tag_names::kTable[tag_names::SlotOf(key, tag_names::kFactor)];
-  if (slot.key != key) return TagName::kOther;
-  const std::string_view text = TagText(slot.name);
-  if (text.size() <= 8) return text.size() == name.size() ? slot.name : TagName::kOther;
-  return text.size() == name.size() && EqualsIgnoreCase(text, name) ? slot.name : TagName::kOther;
+  // Both are compared before either is judged: which names come next is nothing that a processor can foresee.
+  const bool known = static_cast<unsigned>(slot.key == key) & static_cast<unsigned>(slot.size == size);
+  const TagName found = known ? slot.name : TagName::kOther;
+  if (size <= sizeof key || !known) return found;
+  return EqualsIgnoreCase(TagText(found), name) ? found : TagName::kOther;
+}
+
+namespace tag_names {
+
+// Bit `second` of word `first`: a name that matters to a reader of links alone may begin with these two letters, told
+// by their lowest five bits. Such a reader needs links, the title, words for robots, and whatever holds no markup.
+inline constexpr auto kLinkBeginnings = [] {
+  std::array<std::uint32_t, 32> beginnings{};
+  for (std::size_t i = 1; i < kList.size(); ++i) {
+    const std::string_view text = kList[i].text;
+    bool matters = (kList[i].traits & kRawText) != 0;
+    for (const std::string_view name : {"a", "area", "base", "frame", "iframe", "link", "meta", "svg", "math"}) {
+      matters = matters || text == name;
+    }
+    const std::uint32_t second = text.size() > 1 ? std::uint32_t{1} << (text[1] & 31) : ~std::uint32_t{0};
+    if (matters) beginnings[static_cast<std::size_t>(text[0] & 31)] |= second;
+  }
+  return beginnings;
+}();
+
+}  // namespace tag_names
+
+// Whether a tag whose name begins with these two bytes, the first one a letter, may matter to a reader of links alone.
+[[nodiscard]] constexpr bool MayMatterForLinks(char first, char second) {
+  return (tag_names::kLinkBeginnings[static_cast<std::size_t>(first & 31)] >> (second & 31) & 1) != 0;
 }
 
 }  // namespace quenlar

@@ -1,6 +1,10 @@
 // Whole pages: titles, links, addresses with their places, words for robots.
 #include "page/page_reader.h"
 
+#include <random>
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "support/fake_idna.h"
@@ -251,6 +255,70 @@ TEST(PageReader, BytesAreReadInTheCharsetOfThePage) {
             "grü");
   EXPECT_EQ(Links("<a href='\xFC'>", {.utf8 = false}), List{"a https://www.firma.de/a/%C3%BC"});
   EXPECT_EQ(Read(std::string_view("\xFF\xFE<\0t\0i\0t\0l\0e\0>\0a\0", 18), {.utf8 = false}).title, "a");
+}
+
+// Behind the last sign of an address a reader passes over all tags that have no part in links.
+TEST(PageReader, LinksAndTitleAreTheSameWhereverTheLastSignStands) {
+  const List pieces = {"<a href=/1>",
+                       "<a href='/2' title=\">\">",
+                       "</a>",
+                       "<A\nHREF=/3/>",
+                       "<p class=\"a\">",
+                       "</p >",
+                       "<title>T",
+                       "</title>",
+                       "<script>",
+                       "</script>",
+                       "<!-- <a href=/4>",
+                       "-->",
+                       "<style>",
+                       "</style>",
+                       "<svg>",
+                       "<title/>",
+                       "</svg>",
+                       "<math><mi>",
+                       "</math>",
+                       "<![CDATA[",
+                       "]]>",
+                       "<base href=/b/>",
+                       "<meta name=robots content=nofollow>",
+                       "<link rel=next href=/5>",
+                       "<frame src=/6>",
+                       "<iframe src=/7>",
+                       "</iframe>",
+                       "<spam =\"",
+                       "\">",
+                       "<textarea>",
+                       "</textarea>",
+                       "<x a=b=c=\"d>",
+                       "text",
+                       "<",
+                       "</",
+                       "<!x",
+                       "<?x",
+                       ">",
+                       "'",
+                       "</p a=\">\">",
+                       "<area href=/8>",
+                       "<noframes>",
+                       "</noframes>",
+                       "<abbr>",
+                       "<tt>",
+                       "<img/>"};
+  std::mt19937 random(11);
+  for (int round = 0; round < 20000; ++round) {
+    std::string page;
+    for (unsigned i = random() % 12; i > 0; --i) page += pieces[random() % pieces.size()];
+    page += "\">'>--></script></style></title></textarea></iframe></noframes></a><p>";
+    const std::string with_sign = page + "<p>" + std::string(64, ' ') + "x@firma.de";
+    EXPECT_EQ(Links(page), Links(with_sign)) << page;
+    EXPECT_EQ(LinkTexts(page), LinkTexts(with_sign)) << page;
+    const ReadResult plain = Read(page), signed_page = Read(with_sign);
+    EXPECT_EQ(plain.title, signed_page.title) << page;
+    EXPECT_EQ(plain.robots.nofollow(), signed_page.robots.nofollow()) << page;
+    EXPECT_EQ(plain.base, signed_page.base) << page;
+    ASSERT_FALSE(HasFailure());
+  }
 }
 
 TEST(PageReader, WithoutLinksAPageWithoutASignIsNotRead) {
