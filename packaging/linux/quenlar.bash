@@ -12,6 +12,7 @@ _quenlar() {
     *:--home) COMPREPLY=($(compgen -d -- "$word")); return ;;
     collect:--from) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--name) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")); return ;;
+    collect:--links) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--scope) COMPREPLY=($(compgen -W "host site anywhere" -- "$word")); return ;;
     collect:--depth) COMPREPLY=(); return ;;
     collect:--pages) COMPREPLY=(); return ;;
@@ -51,7 +52,7 @@ _quenlar() {
   esac
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
-    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
+    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --links --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
     addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
     why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;
     collections:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;

@@ -7,6 +7,7 @@ complete -c quenlar -n '__fish_use_subcommand' -a collect -d 'Visit the sites of
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -s h -l help -d 'Print this help message and exit'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l from -r -F -d 'Read starts from this file, one a line; - is standard input'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l name -x -d 'The collection\'s name, instead of one made from the first start'
+complete -c quenlar -n '__fish_seen_subcommand_from collect' -l links -r -F -d 'Visit the links of this file and what they lead to on their sites, and nothing else: one JSON object a line, url, depth, private, https_first'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l scope -x -a 'host site anywhere' -d 'What links may lead to: the start\'s host, its site, or any site (site)'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l depth -x -d 'Clicks from a start (5); 0 is the start page alone'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l pages -x -d 'End the run after so many pages'

@@ -6,6 +6,7 @@
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/line_reader.h"
+#include "cli/link_rows.h"
 #include "cli/option_checks.h"
 #include "cli/paths.h"
 #include "cli/web_options.h"
@@ -49,6 +50,15 @@ Status ReadStarts(Invocation& invocation, const Files& files, const std::string&
   }
 }
 
+Status ReadLinks(const Files& files, const std::string& path, CollectOptions& options) {
+  const Result<std::string> text = ReadWhole(files, AbsolutePath(path));
+  if (!text.ok()) return text.status();
+  Result<std::vector<HandedLink>> links = ParseLinkRows(text.value());
+  if (!links.ok()) return links.status().WithContext(path);
+  options.crawl.links = links.take();
+  return Status::Ok();
+}
+
 CollectOptions OptionsOf(const CollectArguments& arguments) {
   CollectOptions options = arguments.options;
   options.format = FormatOf(arguments.format);
@@ -81,7 +91,12 @@ Result<CollectResult> RunIn(Invocation& invocation, const CollectArguments& argu
     const Status read = ReadStarts(invocation, place.value().platform.files, arguments.from, options.starts);
     if (!read.ok()) return read;
   }
-  if (options.starts.empty()) return Status(StatusKind::kNotFound, "There is nothing to start from");
+  if (!arguments.links.empty()) {
+    const Status read = ReadLinks(place.value().platform.files, arguments.links, options);
+    if (!read.ok()) return read;
+  } else if (options.starts.empty()) {
+    return Status(StatusKind::kNotFound, "There is nothing to start from");
+  }
   if (const Status used = UseStored(place.value().platform.registry, options.crawl); !used.ok()) return used;
   if (options.name.empty()) {
     options.name = CollectionName(options.starts.front(), options.crawl.language, place.value().installation);

@@ -63,6 +63,14 @@ void DeclareCollect(CLI::App& root, Command& chosen) {
   verb->add_option("--name", options.name, "The collection's name, instead of one made from the first start")
       ->type_name("NAME")
       ->check(CheckNotEmpty);
+  verb->add_option("--links", arguments->links,
+                   "Visit the links of this file and what they lead to on their sites, and nothing else: one JSON "
+                   "object a line, url, depth, private, https_first")
+      ->type_name("FILE")
+      ->check(CheckNotEmpty)
+      ->excludes("START")
+      ->excludes("--from")
+      ->needs("--name");
   DeclareChoice(*verb, "--scope", arguments->scope, {"host", "site", "anywhere"},
                 "What links may lead to: the start's host, its site, or any site (site)");
   verb->add_option("--depth", options.crawl.depth, "Clicks from a start (5); 0 is the start page alone")

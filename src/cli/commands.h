@@ -24,7 +24,7 @@ struct ExtractArguments {
 
 struct CollectArguments {
   CollectOptions options;
-  std::string from, scope = "site", robots = "obey", format = "lines", proxy, summary;
+  std::string from, links, scope = "site", robots = "obey", format = "lines", proxy, summary;
   double delay = 1;  // seconds
 };
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quenlar {
 
@@ -13,6 +14,14 @@ enum class CrawlScope {
   kHost,      // the start's host alone, under both schemes
   kSite,      // the start's site
   kAnywhere,  // any site
+};
+
+// A page that another collection has found a link to, or a site that a person named to one who divides a crawl.
+struct HandedLink {
+  std::string url;              // absolute
+  int depth = 0;                // clicks from that collection's start
+  bool may_be_private = false;  // as PageOffer has it
+  bool https_first = false;     // http is tried where nothing answers under https
 };
 
 struct CrawlOptions {
@@ -33,6 +42,9 @@ struct CrawlOptions {
   bool decode_protected = false;    // also list addresses that are hidden from programs
   bool assume_online = false;       // do not ask the system whether there is a network
   bool again = false;               // visit everything again
+  // The run visits these and what they lead to on their own sites, and nothing else: a redirect to another site is not
+  // followed either. Its target is kept as refused for its scope, as links to other sites are.
+  std::optional<std::vector<HandedLink>> links = {};
 };
 
 // The product token of robots.txt and of the User-Agent.

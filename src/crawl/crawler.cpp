@@ -78,6 +78,9 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
   if (options_.again && Failed(collection_.QueueAgain())) return Finish(CrawlEnd::kFailed);
   if (Failed(QueueRefusedPages())) return Finish(CrawlEnd::kFailed);
   AddStarts(starts);
+  if (options_.links) {
+    for (const HandedLink& link : *options_.links) AddLink(link);
+  }
   const Status queued = collection_.HostsWaiting([this](HostId host, int depth) { QueueHost(host, depth); });
   if (Failed(queued)) return Finish(CrawlEnd::kFailed);
   if (Failed(collection_.Commit())) return Finish(CrawlEnd::kFailed);

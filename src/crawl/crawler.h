@@ -111,6 +111,7 @@ class Crawler final : private WebListener {
   [[nodiscard]] bool IsStart(PageId page) const { return start_pages_.contains(page); }
   void TellOfRefusedStart(const HostVisit& visit, const PageEnd& end);
   [[nodiscard]] bool FallBackToHttp(HostVisit& visit, const WebAnswer& answer);
+  void AddLink(const HandedLink& link);
   void AddKeyword(const StartRow& start);
   void AskSearchService();
   void OnSearchAnswer(WebAnswer answer);

@@ -133,7 +133,8 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   }
 
   const bool start_moves = IsStart(visit.page->page);
-  if (!start_moves && !scope_.Contains(*target)) {
+  const bool leaves_scope = !start_moves && !scope_.Contains(*target);
+  if (leaves_scope && !options_.links) {
     end.state = PageState::kRefused;
     end.reason = kRefusedScope;
     return EndPage(visit, end);
@@ -150,6 +151,7 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   offer.parent = visit.page->page;
   offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
   offer.by_id = true;
+  if (leaves_scope) offer.refused = kRefusedScope;
   const auto offered = collection_.Offer(offer);
   if (Failed(offered)) return;
   if (start_moves) MoveStart(visit.page->page, offered.value().page, *target);

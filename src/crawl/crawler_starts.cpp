@@ -1,6 +1,7 @@
 // The part of Crawler that deals with starts: site addresses and keywords.
 #include <utility>
 
+#include "crawl/contact_words.h"
 #include "crawl/crawler.h"
 #include "crawl/search_service.h"
 
@@ -62,6 +63,26 @@ void Crawler::PlaceSite(const StartRow& start, const Url& url, bool scheme_typed
   if (typed) start_hosts_[start.text] = offered.value().host;
   if (typed && !scheme_typed) may_fall_back_.insert(offered.value().page);
   if (offered.value().queued) QueueHost(offered.value().host, 0);
+}
+
+// Opens the link's site, but is not a start: a redirect does not move it to another site.
+void Crawler::AddLink(const HandedLink& link) {
+  const auto url = WithoutUser(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
+  if (!url || url->href().size() > kLongestPageUrl) {
+    start_problems_.push_back(link.url + ": this is not a web address");
+    return;
+  }
+  PageOffer offer{*url, SiteOf(*url)};
+  offer.depth = link.depth;
+  offer.rank = link.depth == 0 || PromisesContacts(url->path()) ? 0 : 1;
+  offer.may_be_private = link.may_be_private;
+  offer.by_id = true;
+  if (link.depth > options_.depth) offer.refused = kRefusedDepth;
+  const auto offered = collection_.Offer(offer);
+  if (Failed(offered)) return;
+  scope_.Open(AuthorityOf(*url), SiteOf(*url));
+  if (link.https_first) may_fall_back_.insert(offered.value().page);
+  if (offered.value().queued) QueueHost(offered.value().host, link.depth);
 }
 
 // A start that redirects moves: where it ends, its host and site are.
