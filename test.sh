@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds and runs the tests, in stages: the rules of the house, everything on Linux, the same
-# under the sanitizers, and the Windows programs under Wine.
+# under the sanitizers, the Windows programs under Wine, and the cluster.
 #   QUENLAR_TEST_ONLY="check linux"   some of the stages
 #   QUENLAR_FUZZ_MINUTES=10           fuzz for that long as well, all targets together
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
-stages=${QUENLAR_TEST_ONLY:-check linux asan windows}
+stages=${QUENLAR_TEST_ONLY:-check linux asan windows cluster}
 
 echo "Stages: $stages. All of them take about half an hour on two cores where nothing is built yet, later about half of" \
   "that, and installing the packages comes first; each stage tells its time."
@@ -20,6 +20,10 @@ for stage in $stages; do
     linux | asan | windows)
       scripts/build.sh "$stage"
       scripts/ctest.sh "$stage"
+      ;;
+    cluster)
+      scripts/build.sh linux quenlar
+      scripts/cluster_test.sh
       ;;
     *)
       echo "test.sh: unknown stage: $stage" >&2

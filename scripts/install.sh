@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing of the Debian packages that a task needs. usage: scripts/install.sh run|windows|window|test|bench|fuzz
+# Installs what is missing of the Debian packages that a task needs. usage: scripts/install.sh TASK
 # Each line of packages_for is one task: the task that it includes, and its own packages.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -10,8 +10,10 @@ packages_for() {
                   libboost1.81-dev libfmt-dev libcpp-httplib-dev libidn2-dev publicsuffix libsqlite3-dev ;;
     windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 dpkg-dev make tcl ;;
     window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;
-    test)    packages_for window; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev \
-                  python3-protego python3-html5lib libpsl5 ;;
+    cluster) packages_for run; echo python3-distributed ;;
+    test)    packages_for window; packages_for cluster; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev \
+                  python3-protego python3-html5lib libpsl5 \
+                  python3-pytest black mypy parallel ;;
     bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \
                   libgumbo-dev wget wget2 curl nginx-light mawk time dpkg ;;
     fuzz)    packages_for run; echo clang libclang-rt-14-dev ;;

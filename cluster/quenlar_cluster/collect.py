@@ -1,0 +1,250 @@
+"""The coordinator of a crawl: rounds of tasks, and in the end one collection and one list."""
+
+import json
+import sys
+import tempfile
+from collections.abc import Callable, Iterable
+from dataclasses import dataclass
+from pathlib import Path
+
+from quenlar_cluster import files, program, settings
+from quenlar_cluster.collect_task import CollectJob, collect_share
+from quenlar_cluster.engine import Engine
+from quenlar_cluster.errors import ClusterError
+from quenlar_cluster.folder import Folder
+from quenlar_cluster.frontier import Frontier, Link
+from quenlar_cluster.lease import Lease
+from quenlar_cluster.merge import merge_collections
+
+# A share is one program that visits many hosts at the same time; in a small crawl every worker gets one.
+_SITES_A_SHARE = 1000
+
+
+@dataclass(frozen=True)
+class CollectOrder:
+    """What a person asks for."""
+
+    folder: Folder
+    starts: Path
+    program: str
+    home: str | None
+    scheduler: str | None
+    workers: int | None
+    rounds: int | None  # None: until nothing new is found
+    shares: int | None  # None: by the number of sites and workers
+    options: tuple[str, ...]  # of `quenlar collect`
+
+
+def collect(order: CollectOrder, say: Callable[[str], None]) -> int:
+    """Runs the crawl, or goes on with it. Returns the exit status."""
+    links = list(resolve_starts(order.program, read_starts(order.starts)))
+    with tempfile.TemporaryDirectory(prefix="quenlar-cluster-") as scratch:
+        seed = _make_seed(order, Path(scratch))
+        with Engine(order.scheduler, order.workers, say) as engine:
+            say(f"The cluster: {engine.dashboard} (plain figures: /json/counts.json there).")
+            engine.wait_for_workers()
+            set_aside = _run(order, engine, links, seed, say)
+    for share in sorted(set_aside):
+        say(f"Set aside: share {share}: {set_aside[share]}")
+    if set_aside:
+        say("The same command tries again what was set aside.")
+    return 1 if set_aside else 0
+
+
+def _run(
+    order: CollectOrder, engine: Engine, links: list[Link], seed: Path, say: Callable[[str], None]
+) -> dict[int, str]:
+    folder = order.folder
+    folder.root.mkdir(parents=True, exist_ok=True)
+    shares = order.shares or _known_shares(folder) or _shares_for(links, engine.workers)
+    options = list(order.options)
+    folder.claim(
+        {"command": "collect", "options": options, "rounds": order.rounds, "shares": shares}
+    )
+    with Lease(
+        folder.coordinator_lease,
+        on_wait=lambda: say(f"Another is at work in {folder.root}; waiting."),
+    ):
+        settings.hand_out(order.home, folder.handed)
+        if not folder.seed.exists():
+            files.copy_whole(seed, folder.seed)
+        frontier = Frontier(folder.frontier, shares)
+        try:
+            frontier.add_starts(links)
+            set_aside = _run_rounds(order, engine, frontier, say)
+            _finish(order, frontier, say)
+        finally:
+            frontier.close()
+    return set_aside
+
+
+def read_starts(path: Path) -> list[str]:
+    """One start a line; blanks around it, empty lines and lines that begin with "#" do not count."""
+    try:
+        text = path.read_text(encoding="utf-8") if str(path) != "-" else sys.stdin.read()
+    except OSError as error:
+        raise ClusterError(f"{path}: {error.strerror}") from error
+    except UnicodeDecodeError as error:
+        raise ClusterError(f"{path}: this is not UTF-8") from error
+    starts = [line.strip(" \t\r") for line in text.split("\n")]
+    starts = list(dict.fromkeys(start for start in starts if start and not start.startswith("#")))
+    for start in starts:
+        typed = start.startswith(("http://", "https://"))
+        if not typed and ("." not in start or " " in start or "\t" in start):
+            raise ClusterError(
+                f"{start}: a keyword cannot be divided; `quenlar collect` asks a search service for it"
+            )
+    if not starts:
+        raise ClusterError(f"{path}: There is nothing to start from")
+    return starts
+
+
+def resolve_starts(quenlar: str, starts: Iterable[str]) -> Iterable[Link]:
+    """The pages of starts and their sites, as the program sees them. Without a scheme https is tried first."""
+    starts = list(starts)
+    typed = [start.startswith(("http://", "https://")) for start in starts]
+    requests = [
+        {"url": start if known else f"https://{start}"} for start, known in zip(starts, typed)
+    ]
+    urls: list[str] = []
+    for start, answer in zip(starts, program.ask(quenlar, requests)):
+        if answer.get("url") is None:
+            raise ClusterError(f"{start}: this is not a web address")
+        urls.append(answer["url"])
+    hosts = [_host_of(url) for url in urls]
+    sites = [
+        answer.get("site") for answer in program.ask(quenlar, [{"site": host} for host in hosts])
+    ]
+    for start, known, url, host, site in zip(starts, typed, urls, hosts, sites):
+        yield Link(url, site or host, private=True, https_first=not known, start=start)
+
+
+def _host_of(url: str) -> str:
+    """The host of a URL in its serialised form."""
+    authority = url.split("/", 3)[2].rpartition("@")[2]
+    return (
+        authority[: authority.index("]") + 1]
+        if authority.startswith("[")
+        else authority.partition(":")[0]
+    )
+
+
+def _known_shares(folder: Folder) -> int | None:
+    try:
+        return json.loads(folder.facts.read_text(encoding="utf-8")).get("shares")
+    except (OSError, ValueError):
+        return None
+
+
+def _shares_for(links: list[Link], workers: int) -> int:
+    sites = len({link.site for link in links})
+    return max(workers, -(-sites // _SITES_A_SHARE))
+
+
+def _make_seed(order: CollectOrder, home: Path) -> Path:
+    """An empty collection: shares that begin with it number equal pages and bodies equally, and can be merged.
+
+    It is made each time, if only to hear what the program has to say of the options.
+    """
+    nothing = home / "nothing.jsonl"
+    nothing.touch()
+    command = [
+        order.program,
+        "--home",
+        str(home),
+        "collect",
+        "--name",
+        "seed",
+        "--links",
+        str(nothing),
+    ]
+    program.check([*command, *dict.fromkeys([*order.options, "--assume-online"])])
+    return home / "data" / "seed.sqlite"
+
+
+def _run_rounds(
+    order: CollectOrder, engine: Engine, frontier: Frontier, say: Callable[[str], None]
+) -> dict[int, str]:
+    """Round after round until nothing new is found. Gives the shares that were set aside, with the reason."""
+    folder = order.folder
+    set_aside: dict[int, str] = {}
+    _merge_finished(order, frontier)
+    done = 0
+    while True:
+        round_number = frontier.last_round()
+        finished = folder.finished()
+        shares = frontier.open_tasks(round_number, finished)
+        if not shares or round_number == done:
+            return set_aside
+        done = round_number
+        say(f"Round {round_number}: {len(shares)} tasks.")
+        jobs = [_make_task(order, frontier, round_number, share, finished) for share in shares]
+        for outcome in engine.run(collect_share, jobs):
+            if outcome.failure is None:
+                set_aside.pop(outcome.job.share, None)
+            else:
+                set_aside[outcome.job.share] = outcome.failure
+                say(f"{outcome.job.name} has failed: {outcome.failure}")
+        found = _merge_finished(order, frontier)
+        say(f"Round {round_number} is done: {found} new links to other sites.")
+
+
+def _make_task(
+    order: CollectOrder,
+    frontier: Frontier,
+    round_number: int,
+    share: int,
+    finished: dict[int, list[int]],
+) -> CollectJob:
+    folder = order.folder
+    with files.replacing(folder.task(round_number, share)) as stream:
+        for link in frontier.links(share, max(finished.get(share, [0])), round_number):
+            stream.write(
+                json.dumps(link.row(), ensure_ascii=False, separators=(",", ":")).encode() + b"\n"
+            )
+    return CollectJob(folder, order.program, order.options, round_number, share)
+
+
+def _merge_finished(order: CollectOrder, frontier: Frontier) -> int:
+    """Takes in the links of all finished parts, in their order. Gives how many are new."""
+    most_distance = (order.rounds or sys.maxsize) - 1
+    parts = sorted(
+        (number, share) for share, rounds in order.folder.finished().items() for number in rounds
+    )
+    return sum(
+        frontier.merge_part(order.folder.part(number, share), number, share, most_distance)
+        for number, share in parts
+    )
+
+
+def _finish(order: CollectOrder, frontier: Frontier, say: Callable[[str], None]) -> None:
+    """One collection, and one list out of it."""
+    folder = order.folder
+    shares = {
+        share: folder.share(max(rounds), share)
+        for share, rounds in sorted(folder.finished().items())
+    }
+    # Databases are written on a local disk: network folders lack what SQLite needs for it.
+    with tempfile.TemporaryDirectory(prefix="quenlar-cluster-") as scratch:
+        collection = Path(scratch) / "data" / folder.collection.name
+        collection.parent.mkdir()
+        merge_collections(folder.seed, shares, frontier.shares, frontier.starts(), collection)
+        command = [
+            order.program,
+            "--home",
+            scratch,
+            "addresses",
+            collection.stem,
+            "--format",
+            "jsonl",
+        ]
+        addresses = Path(scratch) / folder.addresses.name
+        with open(addresses, "wb") as stream:
+            status, said = program.run(command, stream, lambda: True)
+        if status != 0:
+            raise ClusterError(said)
+        files.copy_whole(collection, folder.collection)
+        files.copy_whole(addresses, folder.addresses)
+        with open(addresses, "rb") as rows:
+            count = sum(1 for _ in rows)
+    say(f"{count} addresses in {folder.addresses}, everything in {folder.collection}.")

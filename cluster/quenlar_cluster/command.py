@@ -1,0 +1,186 @@
+"""The command line of `quenlar-cluster`."""
+
+import argparse
+import signal
+import sqlite3
+import sys
+from collections.abc import Sequence
+from pathlib import Path
+
+from quenlar_cluster.collect import CollectOrder, collect
+from quenlar_cluster.errors import ClusterError
+from quenlar_cluster.folder import Folder
+
+EXIT_DONE, EXIT_FAILED, EXIT_USAGE, EXIT_STOPPED = 0, 1, 2, 130
+
+# Options of `quenlar collect` that are handed to every task: name, what it takes (None: nothing), help.
+_COLLECT_OPTIONS: Sequence[tuple[str, str | None, str]] = (
+    ("--depth", "N", "clicks from a start, counted on from site to site (5)"),
+    ("--pages-per-host", "N", "pages of a host (1000)"),
+    ("--hosts", "N", "hosts that one task visits at the same time (64)"),
+    ("--delay", "SECONDS", "pause between two pages of a host (1)"),
+    ("--robots", "obey|ignore", "whether the wishes of robots.txt and of pages are obeyed (obey)"),
+    ("--contact", "TEXT", "a web or mail address of yours, sent to the sites"),
+    (
+        "--decode-protected",
+        None,
+        "also list addresses that their owners chose to hide from programs",
+    ),
+    ("--remove", "WORD", "drop addresses in which this word occurs (repeatable)"),
+    ("--extract", "WORD", "keep only addresses in which such a word occurs (repeatable)"),
+    ("--proxy", "URL", "HTTP proxy for every download"),
+    ("--assume-online", None, "do not ask the workers' systems whether they are on line"),
+)
+
+_COLLECT_EPILOG = """\
+The work is divided by registrable domain, so that no site is visited by two programs. Links to other sites are
+visited in the next round. The same command goes on where it was stopped or killed, and tries again what was set
+aside. FOLDER/addresses.jsonl is the list, FOLDER/data/collection.sqlite the collection:
+quenlar --home FOLDER addresses collection.
+
+Exit status: 0 everything is visited, 1 a task was set aside or the run could not be made (the message says why),
+2 wrong usage, 130 stopped.
+"""
+
+
+def main(arguments: Sequence[str] | None = None) -> int:
+    """Runs the command and gives its exit status."""
+    given = _parser().parse_args(arguments)
+    signal.signal(signal.SIGTERM, lambda *_: signal.raise_signal(signal.SIGINT))
+    try:
+        return given.run(given)
+    except ClusterError as error:
+        _say(str(error))
+        return EXIT_FAILED
+    except OSError as error:
+        _say(f"{error.filename or given.out}: {error.strerror}")
+        return EXIT_FAILED
+    except sqlite3.Error as error:
+        _say(f"{given.out}: {error}")
+        return EXIT_FAILED
+    except KeyboardInterrupt:
+        _say("Stopped. The same command goes on.")
+        return EXIT_STOPPED
+
+
+def _parser() -> argparse.ArgumentParser:
+    parser = argparse.ArgumentParser(
+        prog="quenlar-cluster",
+        description="Runs quenlar on many machines, with Dask.distributed as the engine.",
+        allow_abbrev=False,
+    )
+    commands = parser.add_subparsers(required=True, metavar="COMMAND")
+    _declare_collect(commands)
+    return parser
+
+
+def _declare_collect(commands: "argparse._SubParsersAction[argparse.ArgumentParser]") -> None:
+    verb = commands.add_parser(
+        "collect",
+        help="visit the sites of many starts",
+        description="Visits the sites of many starts on many machines.",
+        epilog=_COLLECT_EPILOG,
+        formatter_class=argparse.RawDescriptionHelpFormatter,
+        allow_abbrev=False,
+    )
+    _declare_common(verb)
+    verb.add_argument(
+        "starts",
+        metavar="STARTS-FILE",
+        type=Path,
+        help="site addresses, one a line; - is standard input",
+    )
+    verb.add_argument(
+        "--scope",
+        choices=("host", "site", "anywhere"),
+        help="what links may lead to (site; anywhere with --rounds)",
+    )
+    verb.add_argument(
+        "--rounds",
+        metavar="N",
+        type=_positive,
+        help="how many sites away from a start links may lead, itself included",
+    )
+    verb.add_argument(
+        "--shares",
+        metavar="N",
+        type=_positive,
+        help="parts that the sites are divided into (one for 1,000 starts)",
+    )
+    handed = verb.add_argument_group("options of quenlar collect")
+    for name, takes, told in _COLLECT_OPTIONS:
+        if takes is None:
+            handed.add_argument(name, dest="handed", action=_Handed, nargs=0, help=told)
+        else:
+            handed.add_argument(name, dest="handed", action=_Handed, metavar=takes, help=told)
+    verb.set_defaults(run=_collect, handed=(), parser=verb)
+
+
+def _declare_common(verb: argparse.ArgumentParser) -> None:
+    verb.add_argument(
+        "--out",
+        metavar="FOLDER",
+        type=Path,
+        required=True,
+        help="the folder that all machines share",
+    )
+    verb.add_argument(
+        "--scheduler",
+        metavar="ADDRESS",
+        help="a dask-scheduler, tcp://HOST:PORT; without it this machine's cores work",
+    )
+    verb.add_argument(
+        "--workers", metavar="N", type=_positive, help="processes of the local cluster (one a core)"
+    )
+    verb.add_argument(
+        "--program", metavar="PATH", default="quenlar", help="the program quenlar, on every machine"
+    )
+    verb.add_argument(
+        "--home", metavar="DIR", help="the program folder whose filters and suppression list hold"
+    )
+
+
+class _Handed(argparse.Action):
+    """Keeps an option as it was given, in its order."""
+
+    def __call__(
+        self, parser: object, given: argparse.Namespace, values: object, name: str | None = None
+    ) -> None:
+        text = (
+            f"{self.option_strings[0]}={values}"
+            if isinstance(values, str)
+            else self.option_strings[0]
+        )
+        setattr(given, self.dest, (*getattr(given, self.dest), text))
+
+
+def _positive(text: str) -> int:
+    number = int(text)
+    if number < 1:
+        raise ValueError
+    return number
+
+
+_positive.__name__ = "number"  # as the message about a wrong one names it
+
+
+def _collect(given: argparse.Namespace) -> int:
+    scope = given.scope or ("anywhere" if given.rounds else "site")
+    if given.rounds and scope != "anywhere":
+        given.parser.error("--rounds goes with --scope anywhere")
+    order = CollectOrder(
+        folder=Folder(given.out.absolute()),
+        starts=given.starts,
+        program=given.program,
+        home=given.home,
+        scheduler=given.scheduler,
+        workers=given.workers,
+        rounds=given.rounds if scope == "anywhere" else 1,
+        shares=given.shares,
+        options=(f"--scope={'host' if scope == 'host' else 'site'}", *given.handed),
+    )
+    return collect(order, _say)
+
+
+def _say(text: str) -> None:
+    print(text, file=sys.stderr, flush=True)

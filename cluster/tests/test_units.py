@@ -1,0 +1,235 @@
+"""The small parts of which runs are made."""
+
+import json
+import os
+import signal
+import subprocess
+import sys
+from pathlib import Path
+
+import pytest
+
+from quenlar_cluster import files, program
+from quenlar_cluster.collect import read_starts, resolve_starts
+from quenlar_cluster.command import main
+from quenlar_cluster.errors import ClusterError
+from quenlar_cluster.folder import Folder
+from quenlar_cluster.frontier import Frontier, Link, links_of, share_of
+from running import PROGRAM, parent_of, wait_until
+
+
+def test_a_file_is_replaced_whole_or_not_at_all(tmp_path: Path) -> None:
+    """What is left of a writer that failed is taken away."""
+    path = tmp_path / "f"
+    files.write_whole(path, b"old")
+    with pytest.raises(ZeroDivisionError), files.replacing(path) as stream:
+        stream.write(b"half")
+        raise ZeroDivisionError
+    assert path.read_bytes() == b"old"
+    files.write_whole(path, b"new")
+    assert path.read_bytes() == b"new"
+    assert [entry.name for entry in tmp_path.iterdir()] == ["f"]
+
+
+def test_a_site_has_one_share_for_ever() -> None:
+    """Runs of other versions and machines must come to the same one."""
+    assert [share_of(site, 1000) for site in ("example.org", "firma.de", "127.0.0.1")] == [
+        862,
+        756,
+        852,
+    ]
+    assert {share_of(f"site{number}.example", 7) for number in range(100)} == set(range(7))
+
+
+def _part(folder: Folder, round_number: int, share: int, *rows: dict) -> Path:
+    path = folder.part(round_number, share)
+    path.write_text("".join(json.dumps(row) + "\n" for row in rows), encoding="utf-8")
+    return path
+
+
+def _link(url: str, site: str, distance: int = 1) -> dict:
+    return {
+        "link": url,
+        "site": site,
+        "distance": distance,
+        "depth": 1,
+        "private": False,
+        "from": "http://x/",
+    }
+
+
+def test_links_are_handed_out_once_and_rounds_end(tmp_path: Path) -> None:
+    """A link that is known, or lies too far away, makes no new round."""
+    folder = Folder(tmp_path)
+    folder.make()
+    frontier = Frontier(folder.frontier, 1)
+    frontier.add_starts([Link("http://a.example/", "a.example", private=True, start="a.example")])
+    assert frontier.last_round() == 1
+    assert frontier.open_tasks(1, folder.finished()) == [0]
+    rows = [
+        {"address": "x@a.example"},
+        _link("http://b.example/", "b.example"),
+        _link("http://a.example/", "a.example"),
+    ]
+    part = _part(folder, 1, 0, *rows, _link("http://far.example/", "far.example", 2))
+    assert [link.url for link in links_of(part)][0] == "http://b.example/"
+    assert frontier.merge_part(part, 1, 0, most_distance=1) == 1
+    assert frontier.merge_part(part, 1, 0, most_distance=1) == 0
+    assert frontier.last_round() == 2
+    assert folder.finished() == {0: [1]}
+    assert frontier.open_tasks(2, folder.finished()) == [0]
+    assert [link.url for link in frontier.links(0, 1, 2)] == ["http://b.example/"]
+    _part(folder, 2, 0)
+    assert frontier.open_tasks(2, folder.finished()) == []
+    assert [link.start for link in frontier.starts()] == ["a.example"]
+    frontier.close()
+
+
+def test_files_that_are_being_written_are_no_parts(tmp_path: Path) -> None:
+    """Nor is anything else that lies in the folder of parts."""
+    folder = Folder(tmp_path)
+    folder.make()
+    for name in (
+        ".round-0001-share-00001.jsonl.host.1.1",
+        "round-0001-share-00002.jsonl.bak",
+        "notes",
+    ):
+        (folder.parts / name).touch()
+    _part(folder, 3, 4)
+    assert folder.finished() == {4: [3]}
+
+
+def test_a_folder_belongs_to_one_run(tmp_path: Path) -> None:
+    """Another run, and a folder with something else in it, are refused."""
+    folder = Folder(tmp_path / "run")
+    folder.root.mkdir()
+    folder.claim({"command": "collect", "shares": 4})
+    folder.claim({"command": "collect", "shares": 4})
+    with pytest.raises(ClusterError, match="another shares: 4, now 5"):
+        folder.claim({"command": "collect", "shares": 5})
+    other = Folder(tmp_path)
+    with pytest.raises(ClusterError, match="not empty"):
+        other.claim({"command": "collect"})
+
+
+def test_starts_are_read_as_the_program_reads_them(tmp_path: Path) -> None:
+    """Blanks, comments and repetitions do not count; keywords cannot be divided."""
+    path = tmp_path / "starts"
+    path.write_text(
+        "# sites\n\n  www.example.org \r\nhttp://b.example/x\nwww.example.org\n", encoding="utf-8"
+    )
+    assert read_starts(path) == ["www.example.org", "http://b.example/x"]
+    path.write_text("picture search\n", encoding="utf-8")
+    with pytest.raises(ClusterError, match="keyword"):
+        read_starts(path)
+    path.write_text("# nothing\n", encoding="utf-8")
+    with pytest.raises(ClusterError, match="nothing to start from"):
+        read_starts(path)
+    with pytest.raises(ClusterError, match="no_such"):
+        read_starts(tmp_path / "no_such")
+
+
+def test_starts_are_resolved_by_the_program(tmp_path: Path) -> None:
+    """The URL Standard and the public suffix list decide, not this package."""
+    starts = [
+        "WWW.Bücher.example",
+        "http://a.b.co.uk:8080/x#y",
+        "http://[::1]:8080/",
+        "127.0.0.1:9",
+    ]
+    links = list(resolve_starts(PROGRAM, starts))
+    assert [(link.url, link.site, link.https_first) for link in links] == [
+        ("https://www.xn--bcher-kva.example/", "xn--bcher-kva.example", True),
+        ("http://a.b.co.uk:8080/x", "b.co.uk", False),
+        ("http://[::1]:8080/", "[::1]", False),
+        ("https://127.0.0.1:9/", "127.0.0.1", True),
+    ]
+    assert [link.start for link in links] == starts
+    assert all(link.private for link in links)
+
+
+def test_a_program_dies_with_who_started_it(tmp_path: Path) -> None:
+    """However that one ends."""
+    note = tmp_path / "note"
+    code = (
+        "import subprocess, sys\n"
+        "from quenlar_cluster.program import dying_with_us\n"
+        f"child = subprocess.Popen(dying_with_us(['sh', '-c', 'echo $$ >{note}.new; mv {note}.new {note}; sleep 600']))\n"
+        "child.wait()\n"
+    )
+    starter = subprocess.Popen([sys.executable, "-c", code])
+    wait_until(note.exists)
+    child = int(note.read_text(encoding="ascii"))
+    assert parent_of(child) == starter.pid
+    os.kill(starter.pid, signal.SIGKILL)
+    starter.wait()
+    wait_until(lambda: parent_of(child) != starter.pid and not _lives(child))
+
+
+def _lives(process: int) -> bool:
+    try:
+        return (
+            Path(f"/proc/{process}/stat").read_text(encoding="utf-8").rpartition(")")[2].split()[0]
+            not in "ZX"
+        )
+    except OSError:
+        return False
+
+
+def test_a_program_is_killed_when_it_may_not_go_on(tmp_path: Path) -> None:
+    """What it said goes to the one who asks."""
+    with open(tmp_path / "out", "wb") as output:
+        assert program.run(
+            ["sh", "-c", "echo out; echo err >&2; exit 3"], output, lambda: True
+        ) == (3, "err")
+        answers = iter([True, False])
+        assert program.run(["sleep", "600"], output, lambda: next(answers)) == (-signal.SIGKILL, "")
+    assert (tmp_path / "out").read_bytes() == b"out\n"
+
+
+@pytest.mark.parametrize(
+    ("arguments", "told"),
+    [
+        ([], "COMMAND"),
+        (["collect", "starts"], "--out"),
+        (["collect", "--out", "x", "--rounds", "0", "starts"], "number"),
+        (
+            ["collect", "--out", "x", "--rounds", "2", "--scope", "site", "starts"],
+            "--scope anywhere",
+        ),
+        (["collect", "--out", "x", "--pages", "5", "starts"], "--pages"),
+    ],
+)
+def test_wrong_usage_is_status_2(
+    arguments: list[str], told: str, capsys: pytest.CaptureFixture[str]
+) -> None:
+    """The message names what is wrong."""
+    with pytest.raises(SystemExit) as ended:
+        main(arguments)
+    assert ended.value.code == 2
+    assert told in capsys.readouterr().err
+
+
+def test_what_the_program_says_of_an_option_is_told(
+    tmp_path: Path, capsys: pytest.CaptureFixture[str]
+) -> None:
+    """Options of the program are checked by it, before anything is visited."""
+    starts = tmp_path / "starts"
+    starts.write_text("www.example.org\n", encoding="utf-8")
+    arguments = ["collect", "--out", str(tmp_path / "run"), "--program", PROGRAM, "--workers", "1"]
+    assert main([*arguments, "--depth", "deep", str(starts)]) == 1
+    assert "--depth" in capsys.readouterr().err
+    assert not (tmp_path / "run").exists()
+
+
+def test_a_program_that_is_not_there_is_named(
+    tmp_path: Path, capsys: pytest.CaptureFixture[str]
+) -> None:
+    """With status 1."""
+    starts = tmp_path / "starts"
+    starts.write_text("www.example.org\n", encoding="utf-8")
+    assert (
+        main(["collect", "--out", str(tmp_path / "run"), "--program", "/no/quenlar", str(starts)])
+        == 1
+    )
+    assert "/no/quenlar" in capsys.readouterr().err
