@@ -28,7 +28,7 @@ portable=$(printf '%s\n' "$product" | grep -vE '/(posix|win32)/')
 mains='/main[a-z0-9_]*\.cpp$'
 
 # 1. Format.
-report format "$(printf '%s\n' "$all" | xargs clang-format --dry-run -Werror 2>&1 | grep -E 'error:' | head -20 || true)"
+report format "$({ printf '%s\n' "$all"; sources 'src/*.js'; } | xargs clang-format --dry-run -Werror 2>&1 | grep -E 'error:' | head -20 || true)"
 
 # 2. Operating-system headers and conditionals only where the operating system is known.
 os='windows|win[a-z0-9]*|shl[a-z]*|comm[a-z]*|sys/.*|unistd|fcntl|poll|netinet/.*|arpa/.*|net/.*|pthread|signal|dirent|curl/.*'

@@ -30,7 +30,7 @@ _quenlar() {
     collect:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     collect:--proxy) COMPREPLY=(); return ;;
     collect:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
-    addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
+    addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl html" -- "$word")); return ;;
     addresses:--place) COMPREPLY=($(compgen -W "text mailto attribute script comment protected" -- "$word")); return ;;
     addresses:--site) COMPREPLY=(); return ;;
     addresses:--since) COMPREPLY=(); return ;;

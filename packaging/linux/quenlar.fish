@@ -32,7 +32,7 @@ complete -c quenlar -n '__fish_seen_subcommand_from collect' -l version -d 'Prin
 complete -c quenlar -n '__fish_use_subcommand' -a addresses -d 'List what a collection holds'
 complete -c quenlar -n '__fish_seen_subcommand_from addresses' -s h -l help -d 'Print this help message and exit'
 complete -c quenlar -n '__fish_seen_subcommand_from addresses' -a '(quenlar options 2>/dev/null | string split -f1 " ")'
-complete -c quenlar -n '__fish_seen_subcommand_from addresses' -l format -x -a 'lines csv jsonl' -d 'The address alone; address, page, title and place as csv; a JSON object'
+complete -c quenlar -n '__fish_seen_subcommand_from addresses' -l format -x -a 'lines csv jsonl html' -d 'The address alone; address, page, title and place as csv; a JSON object; one web page that stands alone'
 complete -c quenlar -n '__fish_seen_subcommand_from addresses' -l sources -d 'One row for each place of each page instead of one an address'
 complete -c quenlar -n '__fish_seen_subcommand_from addresses' -l place -x -a 'text mailto attribute script comment protected' -d 'Only what stands in such a place'
 complete -c quenlar -n '__fish_seen_subcommand_from addresses' -l site -x -d 'Only what stands on pages of this site'

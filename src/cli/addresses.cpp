@@ -7,14 +7,28 @@
 #include "cli/option_checks.h"
 #include "cli/sighting_format.h"
 #include "cli/time_text.h"
+#include "collection/overview.h"
 
 namespace quenlar {
+namespace {
+
+Status PrintOverview(Console& console, CollectionReader& reader, const std::string& name,
+                     const OverviewChoice& choice) {
+  return WriteOverview(reader, name, choice, [&](std::string_view piece) { return console.Write(piece); });
+}
+
+}  // namespace
 
 int Addresses(Invocation& invocation, const AddressesArguments& arguments) {
   const auto reader = OpenCollection(invocation, arguments.name);
   if (!reader.ok()) return invocation.Fail(reader.status());
   SightingChoice choice = arguments.choice;
   if (!arguments.since.empty()) choice.since = ParseTime(arguments.since);
+  if (arguments.format == "html") {
+    const Status written =
+        PrintOverview(invocation.console(), *reader.value(), arguments.name, {choice, arguments.sources});
+    return written.ok() ? kExitDone : invocation.Fail(written);
+  }
   const AddressFormat format = FormatOf(arguments.format);
   const auto print = [&](const Sighting& sighting) {
     std::string line = FormatSighting(sighting, format);

@@ -114,8 +114,9 @@ void DeclareAddresses(CLI::App& root, Command& chosen) {
   verb->add_option("NAME", arguments->name, "The collection, as `quenlar collections` lists it")
       ->type_name("")
       ->required();
-  DeclareChoice(*verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
-                "The address alone; address, page, title and place as csv; a JSON object");
+  DeclareChoice(
+      *verb, "--format", arguments->format, {"lines", "csv", "jsonl", "html"},
+      "The address alone; address, page, title and place as csv; a JSON object; one web page that stands alone");
   verb->add_flag("--sources", arguments->sources, "One row for each place of each page instead of one an address");
   DeclareChoice(*verb, "--place", arguments->choice.place,
                 {"text", "mailto", "attribute", "script", "comment", "protected"}, "Only what stands in such a place");
@@ -127,9 +128,13 @@ void DeclareAddresses(CLI::App& root, Command& chosen) {
 --sources, what does not stand there any more is marked "gone"; without it, it is left out. A collection can
 be read while a run writes it.
 
+The web page shows figures, charts and runs, and a list to search, to sort and to print; each address opens into
+all its places. The page needs no network. With --sources it also lists addresses that are gone everywhere.
+
 Examples:
   quenlar addresses example_org
   quenlar addresses example_org --format csv --place mailto
+  quenlar addresses example_org --format html >example_org.html
   quenlar addresses example_org --sources --since 2026-11-22 --format jsonl)");
   Choose(*verb, chosen, Addresses, arguments);
 }

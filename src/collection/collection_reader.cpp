@@ -19,6 +19,7 @@ Sighting ReadSighting(const Statement& row) {
   sighting.first_seen = row.Int(7);
   sighting.last_seen = row.Int(8);
   sighting.gone = row.Int(9) != 0;
+  sighting.page_id = row.Int(10);
   return sighting;
 }
 

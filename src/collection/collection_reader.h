@@ -21,6 +21,7 @@ namespace quenlar {
 // One address in one place of one page. The views live during the call that gives them.
 struct Sighting {
   std::string_view address, page, title, place, written, site;
+  PageId page_id = 0;
   std::int64_t first_seen = 0, last_seen = 0;  // seconds since 1970 UTC
   bool gone = false;                           // it did not stand there any more when the page was read again
 };

@@ -183,12 +183,12 @@ inline constexpr const char* kPageFacts =
     " WHERE p.key = ?";
 // Of a place, a site, a time on; NULL is any.
 inline constexpr const char* kSightings =
-    "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone"
+    "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone, p.id"
     " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"
     " WHERE (?1 IS NULL OR s.place = ?1) AND (?2 IS NULL OR h.site = ?2) AND (?3 IS NULL OR s.first_seen >= ?3)"
     " ORDER BY a.id, s.first_seen, s.page, s.place";
 inline constexpr const char* kSightingsOf =
-    "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone"
+    "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone, p.id"
     " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"
     " WHERE a.address = ? ORDER BY s.first_seen, s.page, s.place";
 
