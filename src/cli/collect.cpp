@@ -9,10 +9,10 @@
 #include "cli/link_rows.h"
 #include "cli/option_checks.h"
 #include "cli/paths.h"
-#include "cli/web_options.h"
 #include "engine/collections.h"
 #include "platform/files.h"
 #include "platform/registry.h"
+#include "settings/web_settings.h"
 
 namespace quenlar {
 namespace {
@@ -75,11 +75,12 @@ CollectOptions OptionsOf(const CollectArguments& arguments) {
 // Puts in what is stored, and stores what is new.
 Status UseStored(Registry& registry, CrawlOptions& crawl) {
   if (Status read = registry.Flush(); !read.ok()) return read;
-  const WebOptions stored = LoadWebOptions(registry);
-  if (Status kept = StoreWebOptions(registry, {crawl.contact, crawl.search_service}); !kept.ok()) return kept;
-  if (crawl.contact.empty()) crawl.contact = stored.contact;
-  if (crawl.search_service.empty()) crawl.search_service = stored.search_service;
-  return Status::Ok();
+  WebSettings settings = LoadWebSettings(registry);
+  if (!crawl.contact.empty()) settings.contact = crawl.contact;
+  if (!crawl.search_service.empty()) settings.search_service = crawl.search_service;
+  crawl.contact = settings.contact;
+  crawl.search_service = settings.search_service;
+  return StoreWebSettings(registry, settings);
 }
 
 Result<CollectResult> RunIn(Invocation& invocation, const CollectArguments& arguments) {

@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/declare.h"
 #include "cli/option_checks.h"
+#include "settings/web_checks.h"
 #include "state/settings.h"
 
 namespace quenlar {

@@ -6,39 +6,12 @@
 #include "base/ascii.h"
 #include "base/number.h"
 #include "cli/time_text.h"
+#include "settings/web_checks.h"
 
 namespace quenlar {
 namespace {
 
 constexpr std::string_view kHttp = "http://", kHttps = "https://";
-
-bool IsPort(std::string_view text) {
-  if (text.empty() || text.size() > 5) return false;
-  for (const char c : text) {
-    if (!IsDigit(c)) return false;
-  }
-  const double port = LeadingNumber(text);
-  return port >= 1 && port <= 65535;
-}
-
-// "host" or "host:port", the host being a name, an IPv4 address or an IPv6 address in brackets.
-bool IsHostAndPort(std::string_view text) {
-  std::string_view host = text, port;
-  const std::size_t bracket = text.rfind(']');
-  const std::size_t colon = text.find(':', bracket == std::string_view::npos ? 0 : bracket);
-  if (colon != std::string_view::npos) {
-    host = text.substr(0, colon);
-    port = text.substr(colon + 1);
-    if (!IsPort(port)) return false;
-  }
-  if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
-    return host.find_first_not_of("0123456789abcdefABCDEF:.", 1) == host.size() - 1;
-  }
-  for (const char c : host) {
-    if (!IsLetter(c) && !IsDigit(c) && c != '-' && c != '.' && c != '_') return false;
-  }
-  return !host.empty();
-}
 
 }  // namespace
 
@@ -85,27 +58,6 @@ std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int3
   const bool digits = value.find_first_not_of("0123456789") == std::string::npos;
   if (digits && number >= lowest && number <= highest) return "";
   return "must be a number from " + std::to_string(lowest) + " to " + std::to_string(highest);
-}
-
-std::string CheckServiceUrl(const std::string& value) {
-  std::string_view rest = value;
-  if (StartsWithIgnoreCase(rest, kHttp)) {
-    rest.remove_prefix(kHttp.size());
-  } else if (StartsWithIgnoreCase(rest, kHttps)) {
-    rest.remove_prefix(kHttps.size());
-  } else {
-    return "must be an address that begins with http:// or https://";
-  }
-  return IsHostAndPort(rest.substr(0, rest.find('/'))) ? "" : "must name a host";
-}
-
-std::string CheckContact(const std::string& value) {
-  constexpr std::size_t kLongest = 200;
-  const bool plain = std::all_of(value.begin(), value.end(), [](char c) { return c > ' ' && c < 0x7F; });
-  if (value.empty() || value.size() > kLongest || !plain || value.find_first_of("()\\") != std::string::npos) {
-    return "must be a web or mail address in ASCII, without blanks and parentheses";
-  }
-  return "";
 }
 
 std::string CheckTime(const std::string& value) {

@@ -12,13 +12,10 @@ namespace quenlar {
 // "http://host:port".
 [[nodiscard]] std::string CheckProxyUrl(const std::string& value);
 
-// Any text except "".
-[[nodiscard]] std::string CheckServiceUrl(const std::string& value);  // an http or https URL with a host
-// Who collects: one line of ASCII without parentheses, as a comment of the User-Agent takes it.
-[[nodiscard]] std::string CheckContact(const std::string& value);
 // A date or a time, see ParseTime.
 [[nodiscard]] std::string CheckTime(const std::string& value);
 
+// Any text except "".
 [[nodiscard]] std::string CheckNotEmpty(const std::string& value);
 // A text without line ends.
 [[nodiscard]] std::string CheckOneLine(const std::string& value);

@@ -25,6 +25,7 @@ constexpr const char* kInputHint = "Enter URL as \"http://www.example.com\" or K
 }  // namespace
 
 frmExtract::frmExtract(Context context) : Form("frmExtract", kProductCaption), context_(context) {
+  system_menu = {&mnuWeb};
   txtSearch.SetVisible(false);
   cmdExport.SetEnabled(false);
   stsExtract.SetPanel(2, "Email 0 ");

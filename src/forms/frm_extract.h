@@ -40,6 +40,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   ui::Button cmdHide{"cmdHide", "&Hide"};
   ui::StatusBar stsExtract{"stsExtract", 4};
   ui::Timer tmrText{"tmrText", std::chrono::milliseconds(10), false};
+  ui::MenuItem mnuWeb{"mnuWeb", "&Web settings ..."};  // in the system menu
   FileDialogRequest CommonDialog1{.title = "", .filter = "Text(*.txt)|*.txt", .folder = "", .proposed_name = ""};
 
   [[nodiscard]] std::vector<ui::Control*> Controls() override;

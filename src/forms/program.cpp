@@ -15,6 +15,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
       engine(platform, std::move(installation), {extract, extract, extract}, pace),
       option({engine.settings, engine.settings_store, engine.filter, platform.files, platform.code_page, platform.boxes,
               engine.installation, [this](const std::string& code) { extract.txtSearch.SetText(code); }}),
+      web({platform.registry, web_settings, platform.boxes, {}}),
       tool({engine.books, platform.files, platform.code_page, platform.loop, platform.boxes, desktop.dialogs,
             engine.installation}),
       dialog(engine.settings, platform.shell, engine.installation, [this] { End(); }),
@@ -25,6 +26,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
   for (ui::Form* form : Windows()) {
     if (form != &help) form->Help = [this] { help.Show(); };
   }
+  extract.mnuWeb.Click = [this] { web.ShowModal(); };
   engine.filter.OnStepLimit([this](const std::string& message) {
     extract.ShowStage(message);
     extract.TellAfterRun(message);
@@ -41,6 +43,7 @@ bool Program::Start() {
     return false;
   }
   const Engine::StartNotes notes = engine.Start();
+  web_settings = LoadWebSettings(engine.platform.registry);
   for (ui::Timer* timer : {&tray.tmrExtract, &tray.tmrFormatFlux, &tray.tmrFlux, &tray.tmrAlarm, &extract.tmrText}) {
     timers_.push_back(std::make_unique<ui::TimerBinding>(*timer, engine.platform.loop));
   }
@@ -53,7 +56,7 @@ bool Program::Start() {
   return !ended_;
 }
 
-std::vector<ui::Form*> Program::Windows() { return {&extract, &option, &tool, &dialog, &about, &help}; }
+std::vector<ui::Form*> Program::Windows() { return {&extract, &option, &web, &tool, &dialog, &about, &help}; }
 
 void Program::SaveRun() {
   if (engine.run.running) engine.projects.SaveAtOnce();

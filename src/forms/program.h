@@ -13,6 +13,8 @@
 #include "forms/frm_help.h"
 #include "forms/frm_option.h"
 #include "forms/frm_tray.h"
+#include "forms/frm_web.h"
+#include "settings/web_settings.h"
 #include "ui/timer_binding.h"
 
 namespace quenlar {
@@ -56,7 +58,9 @@ class Program {
   frmTray tray;
   frmExtract extract;
   Engine engine;
+  WebSettings web_settings;
   frmOption option;
+  frmWeb web;
   frmEmailMergeTool tool;
   frmDialog dialog;
   frmAbout about;

@@ -412,6 +412,8 @@ class Form {
   virtual void Unload() {}
   // The user has pressed F1.
   std::function<void()> Help;
+  // What the system menu of the window offers behind the system's own entries. Set before the window appears.
+  std::vector<MenuItem*> system_menu;
 
   [[nodiscard]] bool loaded() const { return loaded_; }
   [[nodiscard]] bool shown() const { return shown_; }

@@ -8,6 +8,7 @@ namespace {
 constexpr ui::Dialog kDialogs[] = {
     {.form = "frmExtract", .first = {960, 600}},
     {.form = "frmOption", .owned = true},
+    {.form = "frmWeb", .owned = true},
     {.form = "frmEmailMergeTool", .owned = true},
 };
 

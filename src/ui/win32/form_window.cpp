@@ -15,6 +15,10 @@ constexpr UINT_PTR kFlushTimer = 1;
 constexpr UINT kFlushDelayMs = 60;  // changes within this time are shown together
 constexpr UINT kRunPosted = WM_APP + 1;
 
+// Numbers of the form's own entries in the system menu: below the system's (0xF000), and the last four bits are the
+// system's too.
+constexpr WPARAM kFirstSystemItem = 0x1000, kSystemItemStep = 0x10;
+
 // The system would scale a dialog by its template, which holds no dialog units. Systems without this call do not.
 void TurnOffSystemScaling(HWND window) {
   using SetBehaviour = BOOL(WINAPI*)(HWND, int, int);
@@ -46,6 +50,7 @@ std::shared_ptr<FormWindow> FormWindow::Create(Form& form, const Dialog& dialog,
   made->dpi_ = static_cast<int>(GetDpiForWindow(made->window_));
   made->LoadIcons();
   made->ShowCaption();
+  made->AddToSystemMenu();
   made->CreatePages();
   made->MakeFonts();
   made->BindControls();
@@ -101,6 +106,27 @@ void FormWindow::BindControls() {
     if (auto* tabs = dynamic_cast<TabStripBinding*>(bindings_.back().get())) tabs_ = tabs;
   }
   for (const auto& binding : bindings_) binding->Start();
+}
+
+void FormWindow::AddToSystemMenu() {
+  if (form_.system_menu.empty()) return;
+  const HMENU menu = GetSystemMenu(window_, FALSE);
+  AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+  for (std::size_t i = 0; i < form_.system_menu.size(); ++i) {
+    AppendMenuW(menu, MF_STRING, kFirstSystemItem + i * kSystemItemStep,
+                win32::ToWide(form_.system_menu[i]->text()).c_str());
+  }
+}
+
+// True for an entry of the form's own. It can be chosen by the keyboard and from the task bar too, but not while a modal
+// window stands in front.
+bool FormWindow::ChooseInSystemMenu(WPARAM command) {
+  command &= ~WPARAM{0xF};
+  const std::size_t index = (command - kFirstSystemItem) / kSystemItemStep;
+  if (command < kFirstSystemItem || index >= form_.system_menu.size()) return false;
+  const MenuItem& item = *form_.system_menu[index];
+  if (IsWindowEnabled(window_) && item.enabled() && item.Click) item.Click();
+  return true;
 }
 
 void FormWindow::LoadIcons() {
@@ -246,6 +272,8 @@ INT_PTR FormWindow::OnWindowMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_CLOSE:
       Close();
       return TRUE;
+    case WM_SYSCOMMAND:
+      return ChooseInSystemMenu(w);
     case WM_TIMER:
       if (w == kFlushTimer) FlushAll();
       return TRUE;

@@ -62,6 +62,8 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
   void CreatePages();
   void BindControls();
   [[nodiscard]] HWND FindNative(const std::string& name) const;
+  void AddToSystemMenu();
+  [[nodiscard]] bool ChooseInSystemMenu(WPARAM command);
   void LoadIcons();
   void MakeFonts();
   void PlaceFirst(HWND owner);
