@@ -104,6 +104,17 @@ Status CollectionReader::Addresses(const SightingChoice& choice, const Each& eac
   return GiveSightings(*database_, choice, true, each);
 }
 
+Status CollectionReader::Listed(const std::function<bool(const ListedAddress&)>& each) {
+  Result<Statement> prepared = database_->Prepare(sql::kListedAddresses);
+  if (!prepared.ok()) return prepared.status();
+  Statement& row = prepared.value();
+  for (;;) {
+    const Result<bool> found = row.Step();
+    if (!found.ok()) return found.status();
+    if (!found.value() || !each({row.Text(0), row.Text(1), row.Text(2)})) return Status::Ok();
+  }
+}
+
 Status CollectionReader::Sightings(const SightingChoice& choice, const Each& each) {
   return GiveSightings(*database_, choice, false, each);
 }
@@ -146,6 +157,19 @@ Result<std::vector<StartRow>> CollectionReader::Starts() {
   Result<Statement> row = database_->Prepare(sql::kStarts);
   if (!row.ok()) return row.status();
   return ReadStarts(row.value());
+}
+
+Result<std::vector<Refusals>> CollectionReader::PagesRefused() {
+  Result<Statement> prepared = database_->Prepare(sql::kRefusals);
+  if (!prepared.ok()) return prepared.status();
+  Statement& row = prepared.value();
+  std::vector<Refusals> refusals;
+  for (;;) {
+    const Result<bool> found = row.Step();
+    if (!found.ok()) return found.status();
+    if (!found.value()) return refusals;
+    refusals.push_back({std::string(row.Text(0)), row.Int(1)});
+  }
 }
 
 Result<std::vector<RunRecord>> CollectionReader::Runs() {

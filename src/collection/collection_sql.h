@@ -171,6 +171,9 @@ inline constexpr const char* kQueueAgain =
 inline constexpr const char* kForgetReads = "UPDATE hosts SET read = 0";
 inline constexpr const char* kForgetSearches = "UPDATE starts SET asked = NULL";
 
+inline constexpr const char* kRefusals =
+    "SELECT reason, count(*) FROM pages WHERE state = 'refused' GROUP BY reason ORDER BY reason";
+
 inline constexpr const char* kLastRun = "SELECT max(started) FROM runs";
 inline constexpr const char* kRuns =
     "SELECT started, ended, reason, pages, failed, refused, new, protected, filtered, bytes, seconds FROM runs ORDER "
@@ -187,6 +190,11 @@ inline constexpr const char* kSightings =
     " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"
     " WHERE (?1 IS NULL OR s.place = ?1) AND (?2 IS NULL OR h.site = ?2) AND (?3 IS NULL OR s.first_seen >= ?3)"
     " ORDER BY a.id, s.first_seen, s.page, s.place";
+// Of each address the page on which it was seen first, in the order in which the addresses were found.
+inline constexpr const char* kListedAddresses =
+    "SELECT a.address, p.url, p.title"
+    " FROM (SELECT address, page, min(first_seen) FROM sightings WHERE gone = 0 GROUP BY address) s"
+    " JOIN addresses a ON a.id = s.address JOIN pages p ON p.id = s.page ORDER BY s.address";
 inline constexpr const char* kSightingsOf =
     "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone, p.id"
     " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"

@@ -233,6 +233,17 @@ std::vector<HostUnderWay> Crawler::Slowest(std::size_t most) const {
   return hosts;
 }
 
+std::optional<HostUnderWay> Crawler::NextInPause() const {
+  const HostVisit* next = nullptr;
+  for (const auto& [host, visit] : visits_) {
+    if (visit->under_way != HostVisit::UnderWay::kNothing) continue;
+    if (next == nullptr || visit->memory.pace.ready() < next->memory.pace.ready()) next = visit.get();
+  }
+  if (next == nullptr) return std::nullopt;
+  const CrawlDuration left = std::chrono::ceil<CrawlDuration>(next->memory.pace.ready() - world_.loop.Now());
+  return HostUnderWay{next->row.origin, std::chrono::duration<double>(std::max(left, CrawlDuration{0})).count()};
+}
+
 Crawler::Outcome Crawler::Finish(CrawlEnd end) {
   Outcome outcome;
   outcome.end = end;

@@ -68,6 +68,9 @@ class Crawler final : private WebListener {
   [[nodiscard]] std::size_t hosts() const { return schedule_.active(); }  // visited at the same time
   // The `most` hosts whose request takes longest. Looks at all active hosts: for a view that is drawn now and then.
   [[nodiscard]] std::vector<HostUnderWay> Slowest(std::size_t most) const;
+  // Of the active hosts without a request the one that is asked next; `seconds` are those until then. Empty without
+  // one.
+  [[nodiscard]] std::optional<HostUnderWay> NextInPause() const;
   // While nothing is left but hosts that asked to wait: a sentence that names them. Empty otherwise.
   [[nodiscard]] const std::string& waiting_for() const { return waiting_for_; }
 

@@ -12,7 +12,6 @@
 #include "platform/interface_table.h"
 #include "platform/message_boxes.h"
 #include "platform/shell.h"
-#include "project/save_check.h"
 #include "run/end_reasons.h"
 
 namespace quenlar {
@@ -24,7 +23,8 @@ constexpr const char* kInputHint = "Enter URL as \"http://www.example.com\" or K
 
 }  // namespace
 
-frmExtract::frmExtract(Context context) : Form("frmExtract", kProductCaption), context_(context) {
+frmExtract::frmExtract(Context context)
+    : Form("frmExtract", kProductCaption), context_(context), job_(&context.classic) {
   system_menu = {&mnuWeb};
   txtSearch.SetVisible(false);
   cmdExport.SetEnabled(false);
@@ -52,49 +52,40 @@ std::vector<ui::Control*> frmExtract::Controls() {
 
 void frmExtract::SetUpList() {
   lstMail.columns = AddressColumns();
-  lstMail.CellText = [this](std::uint32_t row, int column) {
-    return AddressCell(context_.engine.project.found, row, column);
-  };
-  lstMail.CellColor = [this](std::uint32_t row, int column) {
-    return AddressCellColor(context_.engine.project.found, row, column);
-  };
+  lstMail.CellText = [this](std::uint32_t row, int column) { return AddressCell(job_->found(), row, column); };
+  lstMail.CellColor = [this](std::uint32_t row, int column) { return AddressCellColor(job_->found(), row, column); };
   lstMail.DblClick = [this] {
     if (lstMail.selected()) OpenPage(*lstMail.selected());
   };
   lstMail.Miss = [this] { lstMail.ClearSelection(); };
   const auto copy = [this](const std::string& text) { context_.engine.platform.shell.CopyToClipboard(text); };
   lstMail.commands = {
-      {"Copy &address\tCtrl+C", 'C',
-       [this, copy](const auto& rows) { copy(CopyOfAddresses(context_.engine.project.found, rows)); }},
-      {"Copy &row", 0, [this, copy](const auto& rows) { copy(CopyOfRows(context_.engine.project.found, rows)); }},
+      {"Copy &address\tCtrl+C", 'C', [this, copy](const auto& rows) { copy(CopyOfAddresses(job_->found(), rows)); }},
+      {"Copy &row", 0, [this, copy](const auto& rows) { copy(CopyOfRows(job_->found(), rows)); }},
       {"&Open page", 0, [this](const auto& rows) { OpenPage(rows.front()); }},
   };
 }
 
 // The models outlive the window, so a window that is opened again during a run shows the run as it stands.
 void frmExtract::Load() {
-  const Engine& engine = context_.engine;
   if (!RunGoesOn()) {
+    FollowSetting();
     cmdExtract.SetText(kExtractCaption);
   } else if (cmdExtract.enabled()) {  // not while a stop is under way
     cmdExtract.SetText(kStopCaption);
   }
-  if (engine.project_list.entries().empty()) {
+  const std::vector<std::string> texts = job_->Texts();
+  if (texts.empty()) {
     cmdDelete.SetEnabled(false);
   } else if (RunGoesOn() || !cmbURL.text().empty()) {
-    cmbURL.SetItems(engine.project_list.entries());
+    cmbURL.SetItems(texts);
   } else {
     FillProjectCombo();
   }
-  txtSearch.SetText(LanguageCode(engine.settings.SearchLanguage));
+  txtSearch.SetText(LanguageCode(context_.engine.settings.SearchLanguage));
   ShowStage("Waiting ...");
-  ShowAddressCount(engine.project.found.Count());
-  std::int64_t started = 0;
-  // The count after opening the window leaves out levels 6 to 10. It is what the window has always shown here; a run
-  // counts its own pages. Kept: MainWindow.Panel3SumsTheNextIndicesOfLevels0To5Alone.
-  constexpr std::size_t kScannedLevels = 6;
-  for (std::size_t level = 0; level < kScannedLevels; ++level) started += engine.project.queues[level].Next();
-  ShowScanCount(started);
+  ShowAddressCount(job_->found().Count());
+  ShowScanCount(job_->scanned());
   ready_ = true;
 }
 
@@ -104,9 +95,24 @@ void frmExtract::Unload() {
   context_.mnuExtractor.SetEnabled(true);
 }
 
+// A run, an opening and a report keep what they began with; the setting is followed behind them.
+void frmExtract::FollowSetting() {
+  Job& wanted = context_.web_settings.collect != 0 ? context_.collection : context_.classic;
+  if (job_ == &wanted || RunGoesOn() || opening_ > 0 || exporting_ || starting_) return;
+  job_ = &wanted;
+  tmrText.SetEnabled(false);  // what was picked belongs to the list of before
+  ClearRows();
+  cmbURL.SetItems(job_->Texts());
+  if (!cmbURL.text().empty()) {
+    cmbURL_Change();
+  } else if (ready_) {  // at first Load goes on with it
+    FillProjectCombo();
+  }
+}
+
 // --- The run's beginning and its stop ---
 
-bool frmExtract::RunGoesOn() const { return context_.engine.run.running || context_.tmrExtract.enabled(); }
+bool frmExtract::RunGoesOn() const { return job_->running() || context_.tmrExtract.enabled(); }
 
 // Not inside an opening or an export, whose pumps the whole run would be nested in.
 bool frmExtract::MayStart() const {
@@ -151,20 +157,19 @@ void frmExtract::StartRun() {
 
 // When it fails, it has told why.
 bool frmExtract::MakeReadyToRun() {
-  const Engine& engine = context_.engine;
   // A project without files, once more: with the language or the memory that there is by now.
-  if (engine.project.DataFile.empty() && (!cmbURL_Change() || cmbURL.text().empty())) return false;
-  const Status can = CheckCanBeSaved(engine.platform.files, engine.project);
+  if (!job_->HasFiles() && (!cmbURL_Change() || cmbURL.text().empty())) return false;
+  const Status can = job_->CheckCanBeSaved();
   WarnOnFailure(can);
   if (!can.ok()) return false;
   AddCurrentProject();
-  return !engine.project.DataFile.empty();  // memory may not hold it under its name with a language
+  return job_->HasFiles();  // memory may not hold it under its name with a language
 }
 
 void frmExtract::StopRun() {
   cmdExtract.SetText(kExtractCaption);
   cmdExtract.SetEnabled(false);
-  context_.engine.run.stop_requested = true;
+  job_->Stop();
 }
 
 // --- Projects ---
@@ -176,35 +181,37 @@ bool frmExtract::cmbURL_Change() {
   cmdExtract.SetEnabled(false);
   bool opened = true;
   try {
-    context_.engine.projects.OpenProject(cmbURL.text());
+    job_->Open(cmbURL.text());
   } catch (const std::bad_alloc&) {
     opened = false;
     Warn(kEndNoMemory);
   }
-  if (--opening_ == 0) cmdExtract.SetEnabled(true);
+  if (--opening_ == 0) {
+    cmdExtract.SetEnabled(true);
+    FollowSetting();
+  }
   return opened;
 }
 
 void frmExtract::AddCurrentProject() {
-  const Engine& engine = context_.engine;
-  if (context_.engine.project_list.Add(cmbURL.text(), engine.project.IsKeywordProject)) FillProjectCombo();
+  if (job_->AddText(cmbURL.text())) FillProjectCombo();
 }
 
 void frmExtract::FillProjectCombo() {
-  const std::vector<std::string> entries = context_.engine.project_list.entries();
+  const std::vector<std::string> entries = job_->Texts();
   cmbURL.SetItems(entries);
   if (!entries.empty()) cmbURL.SetText(entries.front());
 }
 
 void frmExtract::PickProject() {
-  context_.engine.project_list.Pick(cmbURL.text());
-  cmbURL.SetItems(context_.engine.project_list.entries());
+  job_->PickText(cmbURL.text());
+  cmbURL.SetItems(job_->Texts());
   tmrText.SetEnabled(true);
 }
 
 void frmExtract::tmrText_Tick() {
   tmrText.SetEnabled(false);
-  const std::vector<std::string> entries = context_.engine.project_list.entries();
+  const std::vector<std::string> entries = job_->Texts();
   if (!entries.empty() && !starting_ && !RunGoesOn()) OpenText(entries.front());
 }
 
@@ -225,17 +232,16 @@ void frmExtract::OpenText(const std::string& text) {
 
 void frmExtract::DeleteProject() {
   OpenPicked();
-  Engine& engine = context_.engine;
-  const BoxAnswer answer = engine.platform.boxes.Show("Are you sure to delete it ?", kProductCaption,
-                                                      BoxIcon::kExclamation, BoxButtons::kYesNo);
+  const BoxAnswer answer = context_.engine.platform.boxes.Show("Are you sure to delete it ?", kProductCaption,
+                                                               BoxIcon::kExclamation, BoxButtons::kYesNo);
   if (answer != BoxAnswer::kYes || RunGoesOn() || starting_) return;
-  const Status deleted = engine.projects.DeleteFiles();
-  engine.project_list.Remove(cmbURL.text());
-  const std::vector<std::string> entries = engine.project_list.entries();
+  const Status deleted = job_->DeleteFiles();
+  job_->RemoveText(cmbURL.text());
+  const std::vector<std::string> entries = job_->Texts();
   cmbURL.SetItems(entries);
   OpenText(entries.empty() ? cmbURL.text() : entries.front());  // without files, the text's project is an empty one
-  engine.project_list.WriteProjectKey(false);
-  if (engine.project_list.entries().empty()) {
+  job_->StoreTexts();
+  if (job_->Texts().empty()) {
     cmdDelete.SetEnabled(false);
     ClearRows();
   }
@@ -252,25 +258,26 @@ void frmExtract::ExportReport() {
   lstMail.SetFocus();
   OpenReportInEditor();
   exporting_ = false;
+  FollowSetting();
 }
 
 void frmExtract::OpenReportInEditor() {
-  Engine& engine = context_.engine;
-  engine.projects.FinishLoading();
-  if (engine.project.found.Count() < 1) {
+  const Platform& platform = context_.engine.platform;
+  job_->FinishLoading();
+  if (job_->found().Count() < 1) {
     Warn("No eMail address found");
     return;
   }
-  const std::string report = engine.project.ReportFile;
-  const Status saved = engine.projects.WriteReport();
+  const std::string report = job_->report();
+  const Status saved = job_->WriteReport();
   WarnOnFailure(saved);
-  if (!saved.ok() || !engine.platform.files.FileExists(report)) return;  // it pumps, and the project may be deleted
-  WarnOnFailure(engine.platform.shell.Edit(report));
+  if (!saved.ok() || !platform.files.FileExists(report)) return;  // it pumps, and the project may be deleted
+  WarnOnFailure(platform.shell.Edit(report));
 }
 
 // A row that was read from a report of addresses alone has no page.
 void frmExtract::OpenPage(std::uint32_t row) {
-  const FoundAddresses& found = context_.engine.project.found;
+  const FoundAddresses& found = job_->found();
   if (row < found.Count() && !found.At(row).URL.empty()) {
     OpenWebPage(context_.engine.platform.shell, found.At(row).URL);
   }
@@ -329,12 +336,15 @@ void frmExtract::Idle(bool links_visited) {
   cmdExtract.SetText(kExtractCaption);
   cmdExtract.SetEnabled(true);
   for (ui::Control* control : Inputs()) control->SetEnabled(true);
-  cmdDelete.SetEnabled(!context_.engine.project_list.entries().empty());
+  cmdDelete.SetEnabled(!job_->Texts().empty());
   if (links_visited) cmdExport.SetEnabled(true);
   ShowStage("Extract process ended at " + context_.engine.platform.clock.TimeText());
 }
 
-void frmExtract::RunOver() { context_.mnuExit.SetEnabled(true); }
+void frmExtract::RunOver() {
+  context_.mnuExit.SetEnabled(true);
+  FollowSetting();
+}
 
 void frmExtract::TellAfterRun(const std::string& message) {
   if (RunGoesOn()) {

@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "engine/engine.h"
+#include "engine/job.h"
 #include "forms/frm_email_merge_tool.h"
 #include "forms/frm_option.h"
 #include "platform/file_dialogs.h"
+#include "settings/web_settings.h"
 #include "ui/controls.h"
 
 namespace quenlar {
@@ -19,6 +21,9 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   // Nothing of these is used before the first event, so they may be constructed later than the form.
   struct Context {
     Engine& engine;
+    Job& classic;
+    Job& collection;
+    const WebSettings& web_settings;
     frmOption& option;
     frmEmailMergeTool& tool;
     // Of the notification icon's form.
@@ -53,6 +58,11 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void DeleteProject();      // cmdDelete click
   void FillProjectCombo();
   void ExportReport();  // cmdExport click
+
+  // What the window has open: a classic project, or a collection while the setting says so.
+  [[nodiscard]] Job& job() const { return *job_; }
+  // Shows what the setting says, now or as soon as nothing is under way any more. Pumps.
+  void FollowSetting();
 
   // Shows a message in a message box: at once when no run goes on, otherwise when the run has ended. The same message
   // is shown once.
@@ -106,6 +116,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void WarnOnFailure(const Status& status);
 
   Context context_;
+  Job* job_;
   bool ready_ = false;      // the window is loaded
   bool starting_ = false;   // between the Extract button and the timer that it enables
   bool exporting_ = false;  // the report is being written for the editor

@@ -31,7 +31,7 @@ void frmTray::Load() {
 // Pumps until the run has ended.
 void frmTray::tmrExtract_Tick() {
   tmrExtract.SetEnabled(false);
-  context_.engine.driver.Run();
+  context_.extract.job().Run();
 }
 
 // Keeps the reader's totals fresh for the meter. Pumps where the system has no interface table: a message box says so.

@@ -11,11 +11,14 @@ namespace quenlar {
 Program::Program(const Platform& platform, const DesktopPlatform& desktop, Installation installation, System system,
                  Pump::Pace pace)
     : tray({engine, extract, help, about, [this] { End(); }}, desktop.tray),
-      extract({engine, option, tool, tray.tmrExtract, tray.mnuExtractor, tray.mnuExit}),
+      extract(
+          {engine, classic, collection, web_settings, option, tool, tray.tmrExtract, tray.mnuExtractor, tray.mnuExit}),
       engine(platform, std::move(installation), {extract, extract, extract}, pace),
+      classic(engine),
+      collection(engine, desktop.web_client, web_settings, {extract, extract, extract}, pace),
       option({engine.settings, engine.settings_store, engine.filter, platform.files, platform.code_page, platform.boxes,
               engine.installation, [this](const std::string& code) { extract.txtSearch.SetText(code); }}),
-      web({platform.registry, web_settings, platform.boxes, {}}),
+      web({platform.registry, web_settings, platform.boxes, [this] { extract.FollowSetting(); }}),
       tool({engine.books, platform.files, platform.code_page, platform.loop, platform.boxes, desktop.dialogs,
             engine.installation}),
       dialog(engine.settings, platform.shell, engine.installation, [this] { End(); }),
@@ -44,6 +47,7 @@ bool Program::Start() {
   }
   const Engine::StartNotes notes = engine.Start();
   web_settings = LoadWebSettings(engine.platform.registry);
+  collection.LoadTexts();
   for (ui::Timer* timer : {&tray.tmrExtract, &tray.tmrFormatFlux, &tray.tmrFlux, &tray.tmrAlarm, &extract.tmrText}) {
     timers_.push_back(std::make_unique<ui::TimerBinding>(*timer, engine.platform.loop));
   }
@@ -59,7 +63,7 @@ bool Program::Start() {
 std::vector<ui::Form*> Program::Windows() { return {&extract, &option, &web, &tool, &dialog, &about, &help}; }
 
 void Program::SaveRun() {
-  if (engine.run.running) engine.projects.SaveAtOnce();
+  if (extract.job().running()) extract.job().SaveAtOnce();
 }
 
 // The timers go first, so that nothing begins in the pumps that are still to come. The menu offers no exit during a

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "engine/classic_job.h"
+#include "engine/collection_job.h"
 #include "engine/engine.h"
 #include "forms/frm_about.h"
 #include "forms/frm_dialog.h"
@@ -59,6 +61,8 @@ class Program {
   frmExtract extract;
   Engine engine;
   WebSettings web_settings;
+  ClassicJob classic;
+  CollectionJob collection;
   frmOption option;
   frmWeb web;
   frmEmailMergeTool tool;

@@ -17,6 +17,7 @@ class Idna;
 class TextDecoder;
 class FileDialogs;
 class TrayIcon;
+class WebClient;
 
 struct Platform {
   EventLoop& loop;
@@ -36,6 +37,7 @@ struct Platform {
 struct DesktopPlatform {
   FileDialogs& dialogs;
   TrayIcon& tray;
+  WebClient& web_client;
 };
 
 }  // namespace quenlar

@@ -5,7 +5,6 @@
 
 #include "base/text_hash.h"
 #include "platform/index_table.h"
-#include "project/data_file.h"
 #include "state/get_host.h"
 
 namespace quenlar {
@@ -216,8 +215,9 @@ class ReportWriter final : public RecordWriter {
 }  // namespace
 
 Result<std::unique_ptr<RecordWriter>> StartReport(Files& files, const CodePage& code_page, const std::string& path,
-                                                  const FoundAddresses& found, bool all_information) {
-  if (found.Count() > kMaxWritten) return Status(StatusKind::kLimit, kOverflowText);
+                                                  const FoundAddresses& found, bool all_information,
+                                                  std::uint32_t most) {
+  if (found.Count() > most) return Status(StatusKind::kLimit, kOverflowText);
   auto file = files.Replace(path);
   if (!file.ok()) return file.status();
   return std::unique_ptr<RecordWriter>(std::make_unique<ReportWriter>(code_page, file.take(), found, all_information));

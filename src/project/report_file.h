@@ -12,6 +12,7 @@
 #include "platform/event_loop.h"
 #include "platform/files.h"
 #include "platform/pump.h"
+#include "project/data_file.h"
 #include "project/record_writer.h"
 #include "state/found_addresses.h"
 
@@ -21,11 +22,11 @@ namespace quenlar {
 // record is written, but it must not be cleared. `all_information` is export mode 1: pages and titles too.
 //
 // The heading and the list of addresses are written at once. The writer's records are the rows of the table, the list
-// of URLs and the list of home pages. kLimit with kOverflowText when the table holds more than kMaxWritten records;
-// nothing has been touched then.
+// of URLs and the list of home pages. kLimit with kOverflowText when the table holds more than `most` records; nothing
+// has been touched then. Those of classic projects take kMaxWritten.
 [[nodiscard]] Result<std::unique_ptr<RecordWriter>> StartReport(Files& files, const CodePage& code_page,
                                                                 const std::string& path, const FoundAddresses& found,
-                                                                bool all_information);
+                                                                bool all_information, std::uint32_t most = kMaxWritten);
 
 // Writes the whole report. Pumps before each record of the table, the list of URLs and the list of home pages.
 Status WriteReport(Files& files, const CodePage& code_page, EventLoop& loop, const std::string& path,

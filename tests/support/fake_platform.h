@@ -31,7 +31,7 @@ struct FakePlatform {
   RecordingTray tray;
 
   Platform platform{loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna, text_decoder};
-  DesktopPlatform desktop{dialogs, tray};
+  DesktopPlatform desktop{dialogs, tray, web_client};
 };
 
 }  // namespace quenlar

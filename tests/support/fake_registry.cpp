@@ -66,6 +66,11 @@ bool FakeRegistry::CallFails() const {
   return failing_call_ != 0 && (fails_ == Fails::kOnce ? calls_ == failing_call_ : calls_ >= failing_call_);
 }
 
+std::map<std::string, std::string> FakeRegistry::ValuesOf(const std::string& key) const {
+  const auto found = keys_.find(Lower(key));
+  return found == keys_.end() ? std::map<std::string, std::string>() : found->second;
+}
+
 std::optional<std::string> FakeRegistry::Stored(const std::string& key, const std::string& name) const {
   const auto values = keys_.find(Lower(key));
   if (values == keys_.end()) return std::nullopt;

@@ -41,6 +41,8 @@ class FakeRegistry : public Registry {
   }
   // The whole stored text, not cut to 254 characters.
   [[nodiscard]] std::optional<std::string> Stored(const std::string& key, const std::string& name) const;
+  // All values of a key by their names in lower case.
+  [[nodiscard]] std::map<std::string, std::string> ValuesOf(const std::string& key) const;
   // Writes and deletes so far, those without effect included.
   [[nodiscard]] int changes() const { return changes_; }
 

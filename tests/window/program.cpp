@@ -213,6 +213,11 @@ Window Program::WaitForWindow(const std::string& caption) const {
   return found;
 }
 
+Window Program::OpenWebSettings() const {
+  PostMessageW(Main().handle(), WM_SYSCOMMAND, ui::SystemMenuNumber(0), 0);
+  return WaitForWindow("Web settings");
+}
+
 // A message box keeps its text in the control 0xFFFF.
 Window Program::Box(const std::string& text) const {
   for (const Window& window : Windows()) {

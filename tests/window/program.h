@@ -66,6 +66,9 @@ class Program {
   // Waits for one; an empty window when it does not come.
   [[nodiscard]] Window WaitForWindow(const std::string& caption) const;
 
+  // Opens the web settings by the system menu of the main window. Empty when they do not come.
+  [[nodiscard]] Window OpenWebSettings() const;
+
   // Waits for a message box with this text and presses its button (IDOK, IDYES, IDNO). False when it does not come.
   [[nodiscard]] bool Answer(const std::string& text, int button = IDOK) const;
   [[nodiscard]] bool HasBox(const std::string& text) const;

@@ -1,4 +1,6 @@
 // Quenlar.exe: makes the platform of Windows, ties the program's forms to windows, and runs the message loop.
+#include <memory>
+
 #include "forms/program.h"
 #include "forms/win32/dialogs.h"
 #include "forms/win32/resource.h"
@@ -17,6 +19,7 @@
 #include "platform/win32/text_decoder.h"
 #include "platform/win32/tray_icon.h"
 #include "platform/win32/winhttp_page_fetcher.h"
+#include "platform/win32/winhttp_web_client.h"
 #include "ui/win32/binder.h"
 #include "ui/win32/popup_menu.h"
 
@@ -56,7 +59,9 @@ int Run(HINSTANCE program_handle) {
   Win32Registry registry(code_page, Win32Registry::WritableRoot(kProjectKey));
   // The variable that other programs that download use as well.
   const std::string proxy = win32::EnvironmentValue("http_proxy").value_or("");
-  WinHttpPageFetcher fetcher(loop, {.proxy = proxy.empty() ? ProxyChoice{} : ProxyChoice::Given(proxy)});
+  const ProxyChoice choice = proxy.empty() ? ProxyChoice{} : ProxyChoice::Given(proxy);
+  WinHttpPageFetcher fetcher(loop, {.proxy = choice});
+  const std::unique_ptr<WebClient> web_client = MakeWinHttpWebClient(loop, choice);
   Win32InterfaceTable interfaces;
   Win32Files files;
   Win32Clock clock;
@@ -70,7 +75,7 @@ int Run(HINSTANCE program_handle) {
   installation.separator = '\\';
 
   Program program({loop, fetcher, registry, interfaces, files, code_page, clock, shell, boxes, idna, text_decoder},
-                  {dialogs, tray}, installation, {AnotherInstanceRuns, EndProcess});
+                  {dialogs, tray, *web_client}, installation, {AnotherInstanceRuns, EndProcess});
   ui::Binder binder(ProgramResources(program_handle), loop);
   for (ui::Form* form : program.Windows()) binder.Bind(*form);
   loop.AddMessageFilter([&binder](void* message) { return binder.FilterMessage(*static_cast<MSG*>(message)); });

@@ -20,6 +20,10 @@ namespace quenlar::ui {
   return static_cast<int>(kFirst + hash % (kEnd - kFirst));
 }
 
+// The number of an entry of the form's own in the system menu of its window: below the system's (0xF000), and with the
+// last four bits left to the system.
+[[nodiscard]] constexpr WPARAM SystemMenuNumber(std::size_t index) { return 0x1000 + index * 0x10; }
+
 struct DialogTemplate {
   SIZE size{};
   struct Item {

@@ -15,10 +15,6 @@ constexpr UINT_PTR kFlushTimer = 1;
 constexpr UINT kFlushDelayMs = 60;  // changes within this time are shown together
 constexpr UINT kRunPosted = WM_APP + 1;
 
-// Numbers of the form's own entries in the system menu: below the system's (0xF000), and the last four bits are the
-// system's too.
-constexpr WPARAM kFirstSystemItem = 0x1000, kSystemItemStep = 0x10;
-
 // The system would scale a dialog by its template, which holds no dialog units. Systems without this call do not.
 void TurnOffSystemScaling(HWND window) {
   using SetBehaviour = BOOL(WINAPI*)(HWND, int, int);
@@ -113,20 +109,20 @@ void FormWindow::AddToSystemMenu() {
   const HMENU menu = GetSystemMenu(window_, FALSE);
   AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
   for (std::size_t i = 0; i < form_.system_menu.size(); ++i) {
-    AppendMenuW(menu, MF_STRING, kFirstSystemItem + i * kSystemItemStep,
-                win32::ToWide(form_.system_menu[i]->text()).c_str());
+    AppendMenuW(menu, MF_STRING, SystemMenuNumber(i), win32::ToWide(form_.system_menu[i]->text()).c_str());
   }
 }
 
-// True for an entry of the form's own. It can be chosen by the keyboard and from the task bar too, but not while a modal
-// window stands in front.
+// True for an entry of the form's own. The menu can be opened from the task bar too, also while a modal window stands
+// in front; then nothing happens.
 bool FormWindow::ChooseInSystemMenu(WPARAM command) {
-  command &= ~WPARAM{0xF};
-  const std::size_t index = (command - kFirstSystemItem) / kSystemItemStep;
-  if (command < kFirstSystemItem || index >= form_.system_menu.size()) return false;
-  const MenuItem& item = *form_.system_menu[index];
-  if (IsWindowEnabled(window_) && item.enabled() && item.Click) item.Click();
-  return true;
+  for (std::size_t i = 0; i < form_.system_menu.size(); ++i) {
+    if ((command & ~WPARAM{0xF}) != SystemMenuNumber(i)) continue;
+    const MenuItem& item = *form_.system_menu[i];
+    if (IsWindowEnabled(window_) && item.enabled() && item.Click) item.Click();
+    return true;
+  }
+  return false;
 }
 
 void FormWindow::LoadIcons() {

@@ -1,7 +1,6 @@
 // Opens every window of the program, one after the other, for pictures of them: prints the file name of a picture, a
 // tab and the window's caption, or a tab more and the part of the screen (WIDTHxHEIGHT+X+Y) instead, and goes on at the
-// next line of input. usage: window_tour.exe [main]
-#include <cstring>
+// next line of input. usage: window_tour.exe [main|web]
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -108,6 +107,24 @@ void ShowOption(const Program& program) {
   Expect(WaitUntil([&] { return !option && program.Main().Enabled(); }), "options stay");
 }
 
+void ShowWebSettings(const Program& program) {
+  const Window main = program.Main();
+  PostMessageW(main.handle(), WM_SYSCOMMAND, SC_KEYMENU, ' ');
+  (void)WaitForMenu();
+  Picture("system-menu", main.Place());
+  main.Press(VK_ESCAPE);
+  const Window web = program.OpenWebSettings();
+  Expect(static_cast<bool>(web), "no web settings");
+  web.Control("txtContact").Type("https://me.example/collecting");
+  Picture("web-general", "Web settings");
+  web.Control("tabWeb").Send(TCM_SETCURFOCUS, 1);
+  Picture("web-reach", "Web settings");
+  web.Control("tabWeb").Send(TCM_SETCURFOCUS, 2);
+  Picture("web-manners", "Web settings");
+  web.Close();
+  Expect(WaitUntil([&] { return !web && program.Main().Enabled(); }), "web settings stay");
+}
+
 void ShowTool(const Program& program) {
   const char* kTool = "Mailing List Management Tool";
   program.WriteFile("report/friends.txt", "anna1@chess.test\r\nZoe@garden.test\r\nyves@garden.test\r\n");
@@ -156,7 +173,8 @@ void ShowBoxes(const Program& program) {
   program.Find(kHelp).Close();
 }
 
-void Tour(bool only_main) {
+void Tour(const std::string& what) {
+  const bool only_main = what == "main";
   const char* kUpgrade = "Brenvy Quenlar Pro 3.0 Upgrade";
   Site site;
   FillSite(site);
@@ -165,13 +183,15 @@ void Tour(bool only_main) {
   program.WriteFile("data/ExtractFilter.dat", "\r\n<r>noreply</r>\r\n<r>*test*</r>\r\n<e>chess</e>\r\n");
   program.Start();
   Expect(static_cast<bool>(program.WaitForWindow(kUpgrade)), "no upgrade dialog");
-  if (!only_main) Picture("upgrade", kUpgrade);
+  if (what.empty()) Picture("upgrade", kUpgrade);
   program.Find(kUpgrade).Close();
   Expect(WaitUntil([&] { return !program.Find(kUpgrade); }), "the upgrade dialog stays");
+  if (what == "web") return ShowWebSettings(program);
   ShowRun(program);
   if (only_main) return;
   ShowSmallest(program);
   ShowOption(program);
+  ShowWebSettings(program);
   ShowTool(program);
   ShowTrayMenu(program);
   ShowBoxes(program);
@@ -182,7 +202,7 @@ void Tour(bool only_main) {
 
 int main(int count, char** arguments) {
   try {
-    quenlar::window_test::Tour(count > 1 && std::strcmp(arguments[1], "main") == 0);
+    quenlar::window_test::Tour(count > 1 ? arguments[1] : "");
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "window_tour: " << error.what() << '\n';

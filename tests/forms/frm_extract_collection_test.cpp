@@ -1,0 +1,318 @@
+// The main window while it collects from today's web.
+#include "collecting_program.h"
+#include "project/data_file.h"
+#include "run/end_reasons.h"
+
+namespace quenlar {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const char* kDatabase = "data/cars_example.sqlite";
+constexpr const char* kReport = "report/cars_example.web.rpt";
+
+class CollectingWindow : public CollectingProgram {};
+
+TEST_F(CollectingWindow, ExtractFillsListPanelsAndFiles) {
+  Start();
+  Collect("www.cars.example");
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "second@cars.de", "third@cars.de"));
+  EXPECT_THAT(Rows(2),
+              ElementsAre("https://www.cars.example/", "https://www.cars.example/two", "https://www.cars.example/two"));
+  EXPECT_THAT(Rows(3), ElementsAre("Cars", "Two", "Two"));
+  EXPECT_EQ(Panel(1), "Extract process ended at 12:34:56");
+  EXPECT_EQ(Panel(2), "3 Address");
+  EXPECT_EQ(Panel(3), "Scan 2");
+  ASSERT_EQ(boxes.shown.size(), 1u);
+  EXPECT_THAT(boxes.shown[0].text, StartsWith(kEndAllParsed));
+  EXPECT_THAT(boxes.shown[0].text, HasSubstr("3 new addresses on 2 pages. The collection has 3 addresses"));
+  EXPECT_THAT(Contents(kReport), HasSubstr("third@cars.de\r\n"));
+  EXPECT_TRUE(Exists(kDatabase));
+  EXPECT_FALSE(Exists("data/cars_example.dat"));
+  EXPECT_FALSE(Exists("report/cars_example.rpt"));
+  EXPECT_TRUE(Main().cmdExport.enabled());
+  EXPECT_TRUE(Main().cmdDelete.enabled());
+  EXPECT_EQ(Main().cmdExtract.text(), "&Extract");
+}
+
+TEST_F(CollectingWindow, PagesOpenAsTheyAre) {
+  Start();
+  Collect("www.cars.example");
+  Main().lstMail.UserSelect(1);
+  Main().lstMail.DblClick();
+  EXPECT_THAT(shell.opened, ElementsAre("https://www.cars.example/two"));
+}
+
+TEST_F(CollectingWindow, StopKeepsWhatIsLeftAndTheNextProgramGoesOn) {
+  web_client.Serve("https://www.cars.example/two",
+                   ScriptedWebAnswer{.body = "late", .ip = kPublicPlace, .delay = std::chrono::minutes(2)});
+  Start();
+  WhenFound([&] {
+    EXPECT_EQ(Main().cmdExtract.text(), "&Stop");
+    EXPECT_FALSE(Main().cmbURL.enabled());
+    EXPECT_FALSE(program_->tray.mnuExit.enabled());
+    Main().cmdExtract.Click();
+  });
+  Collect("www.cars.example");
+  ASSERT_EQ(boxes.shown.size(), 1u);
+  EXPECT_THAT(boxes.shown[0].text, StartsWith(kEndStopButton));
+  EXPECT_THAT(boxes.shown[0].text, HasSubstr("1 page left to visit"));
+
+  Page("https://www.cars.example/two", "second@cars.de");
+  MakeProgram();
+  Start();
+  EXPECT_EQ(Main().cmbURL.text(), "www.cars.example");
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de"));
+  Main().cmdExtract.Click();
+  FinishRun();
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "second@cars.de"));
+  EXPECT_THAT(Visited(), Contains("https://www.cars.example/").Times(1));
+}
+
+TEST_F(CollectingWindow, ClosedAndReopenedInARunItShowsTheRun) {
+  web_client.Serve("https://www.cars.example/two",
+                   ScriptedWebAnswer{.body = "late", .ip = kPublicPlace, .delay = std::chrono::seconds(20)});
+  Start();
+  std::vector<std::string> stages;
+  WhenFound([&] {
+    Main().Close();
+    Main().Show();
+    EXPECT_EQ(Main().cmdExtract.text(), "&Stop");
+    EXPECT_EQ(Panel(2), "1 Address");
+    loop.OnPump([&] { stages.push_back(Panel(1)); });
+  });
+  Collect("www.cars.example");
+  EXPECT_THAT(stages, Contains(StartsWith("Reading www.cars.example (5.")));
+  EXPECT_EQ(Main().cmdExtract.text(), "&Extract");
+}
+
+TEST_F(CollectingWindow, TheStageNamesTheHostAndWhatItWaitsFor) {
+  settings_.pause = 5000;
+  Store(settings_);
+  Start();
+  std::vector<std::string> stages;
+  loop.OnPump([&] { stages.push_back(Panel(1)); });
+  Collect("www.cars.example");
+  EXPECT_THAT(stages, Contains(StartsWith("Pause of ")));
+  EXPECT_THAT(stages, Contains(HasSubstr(" before the next page of www.cars.example, 1 host under way, 1 page left")));
+}
+
+TEST_F(CollectingWindow, TheMessageAtTheEndSaysWhatWasLeftOut) {
+  Page("https://www.cars.example/robots.txt", "User-agent: *\nDisallow: /private\n");
+  Page("https://www.cars.example/",
+       "a@cars.de b [at] cars [dot] de <a href='/private'>x</a><a href='/one'>one</a><a href='/lost'>lost</a>");
+  Page("https://www.cars.example/one", "<a href='/deep'>deep</a>");
+  settings_.depth = 1;
+  settings_.contact = "";
+  registry.SaveRegValue(kWebKey, "Contact", "");
+  registry.SaveRegValue(kWebKey, "Depth", "1");
+  Start();
+  Collect("www.cars.example");
+  const std::string& text = boxes.shown.at(0).text;
+  EXPECT_THAT(text, HasSubstr("\r\n1 page that robots.txt keeps programs away from"));
+  EXPECT_THAT(text, HasSubstr("\r\n1 page more than 1 click away from a start"));
+  EXPECT_THAT(text, HasSubstr("\r\n1 page that could not be read"));
+  EXPECT_THAT(text, HasSubstr("\r\n1 address that their owners hide from programs"));
+  EXPECT_THAT(text, HasSubstr("Sites cannot tell who visits them"));
+}
+
+TEST_F(CollectingWindow, AFinishedCollectionIsVisitedAgainOnlyWhenAskedFor) {
+  Start();
+  Collect("www.cars.example");
+  const std::size_t visited = Visited().size();
+  boxes.answers = {BoxAnswer::kNo};
+  Main().cmdExtract.Click();
+  FinishRun();
+  EXPECT_EQ(Visited().size(), visited);
+  Page("https://www.cars.example/", "<title>Cars</title>new@cars.de <a href='/two'>more</a>");
+  boxes.answers = {BoxAnswer::kYes};
+  Main().cmdExtract.Click();
+  FinishRun();
+  EXPECT_EQ(Visited().size(), 2 * visited);
+  EXPECT_THAT(Rows(1), ElementsAre("second@cars.de", "third@cars.de", "new@cars.de")) << "what is gone is not listed";
+}
+
+TEST_F(CollectingWindow, TheReportIsWrittenAndOpened) {
+  Start();
+  Collect("www.cars.example");
+  Put(kReport, "");
+  Main().cmdExport.Click();
+  EXPECT_THAT(Contents(kReport), HasSubstr("first@cars.de\r\n"));
+  ASSERT_EQ(shell.edited.size(), 1u);
+  EXPECT_THAT(shell.edited[0], HasSubstr("cars_example.web.rpt"));
+}
+
+TEST_F(CollectingWindow, TheDescribedMessagesStay) {
+  Start();
+  Main().cmdExtract.Click();
+  interfaces.alive = false;
+  Main().cmdExtract.Click();
+  EXPECT_THAT(boxes.texts(), ElementsAre("Please enter keyword or URL !", kEndOffLine));
+}
+
+TEST_F(CollectingWindow, AKeywordWithoutASearchServiceSaysHowToGetOne) {
+  Start();
+  Collect("red cars");
+  EXPECT_EQ(Main().cmbURL.text(), "red cars_en");
+  ASSERT_EQ(boxes.shown.size(), 1u);
+  EXPECT_THAT(boxes.shown[0].text, StartsWith("None of the starts could be visited !"));
+  EXPECT_THAT(boxes.shown[0].text, HasSubstr("search service"));
+}
+
+// --- Beside classic projects ---
+
+TEST_F(CollectingWindow, ACollectionTouchesNothingOfTheClassicProject) {
+  ASSERT_TRUE(disk_->MakeFolder(home_ + "/data").ok());
+  ASSERT_TRUE(disk_->MakeFolder(home_ + "/report").ok());
+  Put("data/cars_example.dat", HeaderLine() + "\r\n");
+  Put("report/cars_example.rpt", "old@cars.de\r\n");
+  registry.SaveRegValue(kProjectKey, "ProjectNum", "1");
+  registry.SaveRegValue(kProjectKey, "Project1", "www.cars.example");
+  Start();
+  const auto classic_key = registry.ValuesOf(kProjectKey);
+  EXPECT_EQ(Main().cmbURL.text(), "www.cars.example");
+  EXPECT_THAT(Rows(1), IsEmpty());
+  Collect("www.cars.example");
+  EXPECT_THAT(Main().cmbURL.items(), ElementsAre("www.cars.example")) << "the box holds the text once";
+  EXPECT_EQ(Rows(1).size(), 3u);
+
+  SwitchTo(false);
+  EXPECT_THAT(Rows(1), ElementsAre("old@cars.de"));
+  EXPECT_EQ(Contents("report/cars_example.rpt"), "old@cars.de\r\n");
+  EXPECT_EQ(Contents("data/cars_example.dat"), HeaderLine() + "\r\n");
+  EXPECT_EQ(registry.ValuesOf(kProjectKey), classic_key);
+
+  SwitchTo(true);
+  EXPECT_EQ(Rows(1).size(), 3u);
+  boxes.answers = {BoxAnswer::kYes};
+  Main().cmdDelete.Click();
+  EXPECT_FALSE(Exists(kDatabase));
+  EXPECT_FALSE(Exists(kReport));
+  EXPECT_THAT(Rows(1), IsEmpty());
+  EXPECT_THAT(Main().cmbURL.items(), ElementsAre("www.cars.example")) << "of the classic project";
+  EXPECT_TRUE(Exists("data/cars_example.dat"));
+  EXPECT_EQ(registry.ValuesOf(kProjectKey), classic_key);
+}
+
+TEST_F(CollectingWindow, DeletingTheClassicProjectLeavesTheCollection) {
+  Start();
+  Collect("www.cars.example");
+  SwitchTo(false);
+  fetcher.Serve("http://www.cars.example", "<title>Cars</title>old@cars.test<p>");
+  Collect("www.cars.example");
+  EXPECT_TRUE(Exists("report/cars_example.rpt"));
+  boxes.answers = {BoxAnswer::kYes};
+  Main().cmdDelete.Click();
+  EXPECT_FALSE(Exists("report/cars_example.rpt"));
+  EXPECT_TRUE(Exists(kDatabase));
+  SwitchTo(true);
+  EXPECT_EQ(Main().cmbURL.text(), "www.cars.example");
+  EXPECT_EQ(Rows(1).size(), 3u);
+}
+
+TEST_F(CollectingWindow, TheBoxOffersCollectionsOfTheCommandLineByTheirNames) {
+  Start();
+  Collect("www.cars.example");
+  ASSERT_TRUE(Collection::Open(*disk_, home_ + "/data/members.sqlite").ok());
+  MakeProgram();
+  Start();
+  EXPECT_THAT(Main().cmbURL.items(), ElementsAre("www.cars.example", "members"));
+  Collect("members");
+  EXPECT_EQ(Main().cmbURL.text(), "members") << "a name gets no language";
+  EXPECT_FALSE(Exists("data/members_en.sqlite"));
+}
+
+TEST_F(CollectingWindow, TheSettingWaitsForTheEndOfARun) {
+  Start();
+  WhenFound([&] {
+    SwitchTo(false);
+    EXPECT_EQ(&Main().job(), &program_->collection);
+    EXPECT_EQ(Main().cmdExtract.text(), "&Stop");
+  });
+  Collect("www.cars.example");
+  EXPECT_EQ(&Main().job(), &program_->classic);
+  EXPECT_THAT(Rows(1), IsEmpty());
+  EXPECT_TRUE(Exists(kReport));
+}
+
+TEST_F(CollectingWindow, ARunKeepsTheSettingsThatItBeganWith) {
+  Start();
+  WhenFound([&] {
+    settings_.depth = 0;
+    Store(settings_);
+    SwitchTo(true);
+  });
+  Collect("www.cars.example");
+  EXPECT_EQ(Rows(1).size(), 3u);
+}
+
+// --- Bad days ---
+
+TEST_F(CollectingWindow, ADamagedCollectionIsKeptAsideAndSaidSo) {
+  Start();
+  Put(kDatabase, "this is no database, and it is long enough not to be taken for an empty one");
+  Collect("www.cars.example");
+  EXPECT_THAT(boxes.shown.at(0).text, HasSubstr("The collection was damaged. It lies in "));
+  EXPECT_EQ(Rows(1).size(), 3u);
+  EXPECT_TRUE(Exists(std::string(kDatabase) + ".bak"));
+}
+
+TEST_F(CollectingWindow, ALaterOpeningInsideAPumpWins) {
+  Start();
+  std::string page = "<title>Many</title>";
+  for (int i = 0; i < 1000; ++i) page += "p" + std::to_string(i) + "@cars.de ";
+  Page("https://www.many.example/", page);
+  Collect("www.many.example");
+  Collect("www.cars.example");
+  bool once = false;
+  loop.OnPump([&] {
+    if (std::exchange(once, true)) return;
+    Main().cmbURL.UserText("www.cars.example");
+  });
+  Main().cmbURL.UserText("www.many.example");
+  loop.OnPump({});
+  EXPECT_TRUE(once);
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "second@cars.de", "third@cars.de"));
+  EXPECT_TRUE(Main().cmdExtract.enabled());
+}
+
+TEST_F(CollectingWindow, AReportDuringTheLoadingHoldsEveryAddress) {
+  Start();
+  std::string page;
+  for (int i = 0; i < 1000; ++i) page += "p" + std::to_string(i) + "@cars.de ";
+  Page("https://www.many.example/", page);
+  Collect("www.many.example");
+  Main().cmbURL.UserText("");
+  bool once = false;
+  loop.OnPump([&] {
+    if (!std::exchange(once, true)) Main().cmdExport.Click();
+  });
+  Main().cmdExport.SetEnabled(true);
+  Main().cmbURL.UserText("www.many.example");
+  loop.OnPump({});
+  ASSERT_TRUE(once);
+  EXPECT_THAT(Contents("report/many_example.web.rpt"), HasSubstr("p999@cars.de"));
+  EXPECT_EQ(Rows(1).size(), 1000u);
+}
+
+TEST_F(CollectingWindow, TheEndOfTheProgramInARunKeepsWhatWasFound) {
+  web_client.Serve("https://www.cars.example/two",
+                   ScriptedWebAnswer{.body = "late", .ip = kPublicPlace, .delay = std::chrono::minutes(2)});
+  Start();
+  WhenFound([&] {
+    program_->SaveRun();
+    const auto reader = CollectionReader::Open(home_ + "/" + kDatabase);
+    ASSERT_TRUE(reader.ok());
+    EXPECT_EQ(reader.value()->Figures().value().addresses, 1);
+    Main().cmdExtract.Click();
+  });
+  Collect("www.cars.example");
+}
+
+}  // namespace
+}  // namespace quenlar
