@@ -48,10 +48,11 @@ int StatusOf(CrawlEnd end) {
   return kExitDone;
 }
 
-std::string EndSentence(CrawlEnd end) {
+std::string EndSentence(CrawlEnd end, std::int64_t left) {
   switch (end) {
     case CrawlEnd::kFinished:
-      return "Everything in scope has been visited.";
+      return left == 0 ? "Everything in scope has been visited."
+                       : "Everything in scope that can be had for now has been visited.";
     case CrawlEnd::kPages:
       return "The budget of pages is used up. The same command goes on.";
     case CrawlEnd::kAddresses:
@@ -63,7 +64,8 @@ std::string EndSentence(CrawlEnd end) {
     case CrawlEnd::kOffLine:
       return "You are not on the internet.";
     case CrawlEnd::kNothingToDo:
-      return "This collection is finished. With --again its pages are visited anew.";
+      return left == 0 ? "This collection is finished. With --again its pages are visited anew."
+                       : "There is nothing to do, although pages are left.";
     case CrawlEnd::kFailed:
       break;
   }
@@ -87,6 +89,7 @@ class CollectRun final : public CrawlView {
  private:
   [[nodiscard]] Status Prepare();
   [[nodiscard]] Status LoadFilters();
+  [[nodiscard]] std::string FiltersText() const;
   void RunCrawler();
   void TellEnd(const Crawler::Outcome& outcome);
   void Tell(const std::string& text);
@@ -157,6 +160,20 @@ Status CollectRun::LoadFilters() {
   return Status::Ok();
 }
 
+// What the filters keep and drop: a change of it is a reason to read pages anew that have not changed.
+std::string CollectRun::FiltersText() const {
+  std::string text;
+  const auto add = [&text](const char* name, bool on, const std::vector<std::string>& words) {
+    if (!on) return;
+    text += name;
+    for (const std::string& word : words) text += " " + word;
+    text += "\n";
+  };
+  add("remove", settings_.RemoveFilterOn != 0, filter_.RemoveFilterWords);
+  add("extract", settings_.ExtractFilterOn != 0, filter_.ExtractFilterWords);
+  return text;
+}
+
 void CollectRun::RunCrawler() {
   const Platform& platform = place_.platform;
   if (options_.crawl.contact.empty()) {
@@ -164,13 +181,16 @@ void CollectRun::RunCrawler() {
   }
   const CrawlWorld world{platform.loop,         client_, platform.interfaces, platform.clock, platform.idna,
                          platform.text_decoder, filter_, suppression_,        *this};
-  crawler_ = std::make_unique<Crawler>(world, *collection_, options_.crawl);
+  CrawlOptions crawl = options_.crawl;
+  crawl.filters = FiltersText();
+  crawler_ = std::make_unique<Crawler>(world, *collection_, crawl);
   if (stopped_) crawler_->Stop();
   const auto redraw = platform.loop.MakeTimer(kRedrawEvery, [this] { Redraw(); });
   redraw->SetEnabled(live_.on());
   const Crawler::Outcome outcome = crawler_->Run(options_.starts);
   redraw->SetEnabled(false);
-  result_.status = StatusOf(outcome.end);
+  // What could be visited was, but a keyword without a service is not what was asked for.
+  result_.status = outcome.no_search_service ? kExitFailed : StatusOf(outcome.end);
   result_.reason = NameOf(outcome.end);
   result_.figures = crawler_->figures();
   result_.addresses = collection_->addresses();
@@ -182,7 +202,7 @@ void CollectRun::TellEnd(const Crawler::Outcome& outcome) {
   live_.Clear();
   if (nobody_reads_) return;
   for (const std::string& sentence : outcome.messages) Tell(sentence + ".");
-  Tell(outcome.status.ok() ? EndSentence(outcome.end) : SentenceOf(outcome.status));
+  Tell(outcome.status.ok() ? EndSentence(outcome.end, result_.left) : SentenceOf(outcome.status));
   const CrawlFigures& figures = result_.figures;
   std::string line = std::to_string(figures.fresh) + " new addresses on " + std::to_string(figures.pages) + " pages; " +
                      std::to_string(result_.addresses) + " in all, " + std::to_string(result_.left) +

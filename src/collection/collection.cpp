@@ -8,7 +8,7 @@
 namespace quenlar {
 namespace {
 
-constexpr std::chrono::milliseconds kCommitEvery{1000};
+constexpr std::chrono::milliseconds kSyncEvery{1000};
 
 // What SQLite keeps beside the file while it is in use. They belong to the file and go with it.
 constexpr const char* kCompanions[] = {"-wal", "-shm"};
@@ -92,6 +92,7 @@ Status Collection::Prepare() {
   if (version.value() > sql::kSchemaVersion) return {StatusKind::kLimit, "too new"};
   if (const Status set = database_->Execute(sql::kSettings); !set.ok()) return set;
   if (const Status made = version.value() == 0 ? MakeSchema() : CheckSound(*database_); !made.ok()) return made;
+  if (const Status added = database_->Execute(sql::kAdditions); !added.ok()) return added;
   if (const Status prepared = statements_->Prepare(*database_); !prepared.ok()) return prepared;
   return LoadCounts();
 }
@@ -128,17 +129,41 @@ Status Collection::LoadCounts() {
   return Status::Ok();
 }
 
+// A commit under NORMAL writes the log and leaves it to the system when it reaches the disk; one under FULL waits for
+// that, and for all commits before it.
 Status Collection::Begin() {
   if (database_->InTransaction()) return Status::Ok();
-  changed_ = std::chrono::steady_clock::now();
+  const auto now = std::chrono::steady_clock::now();
+  const bool syncs = now - synced_ >= kSyncEvery;
+  if (syncs != syncs_) {
+    const Status set = database_->Execute(syncs ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
+    if (!set.ok()) return set;
+    syncs_ = syncs;
+  }
+  if (syncs) synced_ = now;
   return database_->Execute("BEGIN IMMEDIATE");
 }
 
-Status Collection::Commit() { return database_->InTransaction() ? database_->Execute("COMMIT") : Status::Ok(); }
+Status Collection::CommitSoon() {
+  if (!database_->InTransaction()) {
+    const bool due = unsynced_ && std::chrono::steady_clock::now() - synced_ >= kSyncEvery;
+    return due ? Sync() : Status::Ok();
+  }
+  if (const Status committed = database_->Execute("COMMIT"); !committed.ok()) return committed;
+  unsynced_ = !syncs_;
+  return Status::Ok();
+}
 
-Status Collection::CommitIfDue() {
-  if (!database_->InTransaction() || std::chrono::steady_clock::now() - changed_ < kCommitEvery) return Status::Ok();
-  return Commit();
+Status Collection::Commit() {
+  if (const Status committed = CommitSoon(); !committed.ok()) return committed;
+  return unsynced_ ? Sync() : Status::Ok();
+}
+
+// A checkpoint begins with giving the log to the disk. Readers do not hinder it.
+Status Collection::Sync() {
+  synced_ = std::chrono::steady_clock::now();
+  unsynced_ = false;
+  return database_->Execute("PRAGMA wal_checkpoint(PASSIVE)");
 }
 
 Result<std::string> Collection::Fact(std::string_view name) {

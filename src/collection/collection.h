@@ -51,13 +51,30 @@ struct PageOffer {
   PageId parent = 0;            // the page with the link
   bool may_be_private = false;  // a start that a person typed, or a link on a page of a private place
   bool by_id = false;           // the page and its host are wanted even where nothing changes
+  bool is_start = false;        // a person names it: whatever refused it is judged anew
   std::string_view refused{};   // why it is not to be visited: kRefusedDepth, kRefusedScope, "trap"; empty: it is
 };
 
 struct OfferedPage {
   PageId page = 0;
   HostId host = 0;
+  std::int64_t key = 0;
   bool queued = false;  // it waits now and did not before, or waits nearer to a start than before
+  bool nearer = false;  // it was visited before, and is nearer to a start now: so is what it links to
+};
+
+// A page that the collection holds.
+struct KnownPage {
+  PageId page = 0;
+  HostId host = 0;
+  std::string url;
+  int depth = 0;
+  std::string state, reason;
+  bool may_be_private = false;
+  bool read_before = false;
+  PageId moved_to = 0;
+
+  [[nodiscard]] bool Is(PageState wanted) const { return state == NameOf(wanted); }
 };
 
 struct WaitingPage {
@@ -123,6 +140,13 @@ struct StartRow {
   std::optional<std::int64_t> asked;  // a keyword's last search
 };
 
+// One visit of everything that is to be visited, over as many runs as it takes.
+struct Pass {
+  bool later = false;    // pages were visited before it
+  bool goes_on = false;  // a new one was asked for, but this one has not ended
+  bool whole = false;    // pages are fetched whole: what was taken from them before would not be taken now
+};
+
 // The rows of sql::kStarts.
 [[nodiscard]] Result<std::vector<StartRow>> ReadStarts(Statement& rows);
 
@@ -141,12 +165,13 @@ class Collection {
   Collection(const Collection&) = delete;
   Collection& operator=(const Collection&) = delete;
 
-  // What happens belongs to one transaction until Commit; a page's end, its addresses and its links are not parted.
-  // Call it between two pages.
+  // What happens belongs to one transaction until it is committed; a page's end, its addresses and its links are not
+  // parted. Call these between two pages.
+  // What is committed survives the end of the program and of the machine.
   Status Commit();
-  // Commits when a second has passed since the first change that is not committed.
-  Status CommitIfDue();
-  [[nodiscard]] bool HasUncommitted() const { return database_->InTransaction(); }
+  // What is committed survives the end of the program at once, and that of the machine after a second. Cheap: the disk
+  // is waited for once a second.
+  Status CommitSoon();
 
   [[nodiscard]] Result<std::string> Fact(std::string_view name);  // "" where it is not known
   Status SetFact(std::string_view name, std::string_view value);
@@ -166,14 +191,33 @@ class Collection {
   [[nodiscard]] Result<HostRow> Host(HostId host);
   Status SaveHostState(HostId host, std::string_view state, std::string_view reason);
   Status SaveRobots(HostId host, std::int64_t now, int status, std::string_view rules);
-  [[nodiscard]] Result<HostId> HostOfPage(PageId page);
+  // The host of a URL, which is put in where it is not known. `site` as in PageOffer.
+  [[nodiscard]] Result<HostId> HostOf(const Url& url, std::string_view site);
+  // All hosts of a site; the hosts of both schemes at "example.org:8080".
+  [[nodiscard]] Result<std::vector<HostId>> HostsOfSite(std::string_view site);
+  [[nodiscard]] Result<std::vector<HostId>> HostsOfAuthority(std::string_view authority);
+  // How many of its pages are still to visit.
+  [[nodiscard]] Result<std::int64_t> WaitingOn(HostId host);
   // Calls `each` for every host with pages that wait, with the least depth among them.
-  Status HostsWaiting(const std::function<void(HostId host, int depth)>& each);
+  using EachHost = std::function<void(HostId host, int depth)>;
+  Status HostsWaiting(const EachHost& each);
 
   // Pages.
   // Puts the page in, or finds it. A page that is known at this depth or nearer, and for which nothing changes, may
-  // come back as {0, 0, false} unless the offer is `by_id`: most links of a site cost no look-up.
+  // come back with its key alone unless the offer is `by_id`: most links of a site cost no look-up.
   [[nodiscard]] Result<OfferedPage> Offer(const PageOffer& offer);
+  [[nodiscard]] Result<KnownPage> Page(PageId page);
+  // Page 0 where the collection does not hold it.
+  [[nodiscard]] Result<KnownPage> FindPage(const Url& url);
+  // Where the redirects of a page that is known end: the page itself where it does not redirect. Page 0 where they lead
+  // to `circle`, or in a circle of their own.
+  [[nodiscard]] Result<KnownPage> LastOfRedirects(PageId page, PageId circle);
+  // What a page links to, by the keys of the offers.
+  Status SaveLinks(PageId page, const std::vector<std::int64_t>& keys);
+  // A page that was visited is `depth` clicks from a start now, and was further: so is what lies behind it. Pages that
+  // were refused for their depth and are not deeper than `deepest` any more are queued. Calls `queued` for each page
+  // that waits and is nearer.
+  Status CarryNearer(PageId page, int depth, int deepest, const EachHost& queued);
   // The next page of a host: the least depth first, then the lower rank, then as found.
   [[nodiscard]] Result<std::optional<WaitingPage>> Next(HostId host);
   // A page that waits is to be asked for at another URL of the same identity: under the other scheme, or once more.
@@ -192,11 +236,14 @@ class Collection {
   // Queues the pages anew that were refused for `reason`, unless `option`, by which that was decided, is the same as in
   // the run before. They are judged again when it is their turn.
   Status QueueRefused(std::string_view reason, std::string_view option);
-  // Queues all pages anew that were visited; hosts count their pages from 0 on, keywords are searched for again.
-  Status QueueAgain();
+  // Queues those of one host anew. Gives the least depth of its pages that wait; empty where none was queued.
+  [[nodiscard]] Result<std::optional<int>> QueueRefusedOf(HostId host, std::string_view reason);
 
-  // Links that were refused because of their scope may be offered again, and are looked at anew.
-  void ForgetKnownPages() { known_.Clear(); }
+  // Begins a pass or goes on with the one at hand. With `again`, and when the last one has ended, all pages that were
+  // visited are queued anew; hosts count their pages from 0 on, keywords are searched for again. `reading` says what is
+  // taken from a page: where it is another text than before, pages are fetched whole even if they have not changed.
+  [[nodiscard]] Result<Pass> BeginPass(bool again, std::string_view reading);
+  Status EndPass();
 
   [[nodiscard]] std::int64_t waiting() const { return waiting_; }  // pages still to visit
   [[nodiscard]] std::int64_t addresses() const { return addresses_; }
@@ -210,18 +257,27 @@ class Collection {
   Status LoadCounts();
   // Begins a transaction where none is open.
   Status Begin();
-  [[nodiscard]] Result<HostId> HostOf(const Url& url, std::string_view site);
   [[nodiscard]] Result<OfferedPage> OfferKnown(const PageOffer& offer, std::int64_t key);
   [[nodiscard]] Result<OfferedPage> AddPage(const PageOffer& offer, std::int64_t key);
   [[nodiscard]] Result<std::vector<std::size_t>> AddSightings(PageId page, const std::vector<SeenAddress>& addresses,
                                                               std::int64_t now);
+  // From the row at hand of sql::kPage or sql::kFindPage.
+  [[nodiscard]] static KnownPage ReadKnown(const Statement& row);
+  // The row of sql::kFindPage for this identity; false where there is none.
+  [[nodiscard]] Result<bool> FindRow(std::int64_t key, std::string_view page_key);
+  [[nodiscard]] Result<std::vector<KnownPage>> LedTo(const KnownPage& page);
+  Status BringNearer(const KnownPage& page, PageId parent, int depth, int deepest, const EachHost& queued);
+  Status QueueVisited();
+  Status Sync();
 
   std::unique_ptr<Database> database_;
   std::unique_ptr<Statements> statements_;
   PageKeys keys_;
   KnownPages known_;
   std::unordered_map<std::string, HostId> host_ids_;  // some of them, by origin
-  std::chrono::steady_clock::time_point changed_{};
+  std::chrono::steady_clock::time_point synced_{};    // when what is committed was last given to the disk
+  bool syncs_ = true;                                 // the transaction at hand waits for the disk when it is committed
+  bool unsynced_ = false;                             // something is committed that the disk may not have yet
   std::int64_t run_ = 0;
   bool last_run_unfinished_ = false;
   std::int64_t waiting_ = 0, addresses_ = 0;

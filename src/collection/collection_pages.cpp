@@ -1,4 +1,5 @@
 // The part of Collection that holds hosts, pages and sightings.
+#include <algorithm>
 #include <utility>
 
 #include "collection/collection.h"
@@ -21,6 +22,7 @@ bool LosesAddresses(const PageEnd& end) {
 
 Result<HostId> Collection::HostOf(const Url& url, std::string_view site) {
   constexpr std::size_t kMostRemembered = 4096;
+  if (const Status begun = Begin(); !begun.ok()) return begun;
   std::string origin = url.Origin();
   if (const auto known = host_ids_.find(origin); known != host_ids_.end()) return known->second;
   const Result<bool> row = statements_->find_host.Bind(origin).Step();
@@ -56,12 +58,35 @@ Result<HostRow> Collection::Host(HostId id) {
   return host;
 }
 
-Result<HostId> Collection::HostOfPage(PageId page) {
-  const Result<bool> row = statements_->host_of_page.Bind(page).Step();
+Result<std::vector<HostId>> Collection::HostsOfSite(std::string_view site) {
+  std::vector<HostId> hosts;
+  statements_->hosts_of_site.Bind(site);
+  for (;;) {
+    const Result<bool> row = statements_->hosts_of_site.Step();
+    if (!row.ok()) return row.status();
+    if (!row.value()) return hosts;
+    hosts.push_back(statements_->hosts_of_site.Int(0));
+  }
+}
+
+Result<std::vector<HostId>> Collection::HostsOfAuthority(std::string_view authority) {
+  std::vector<HostId> hosts;
+  for (const char* const scheme : {"https://", "http://"}) {
+    const std::string origin = scheme + std::string(authority);
+    const Result<bool> row = statements_->find_host.Bind(origin).Step();
+    if (!row.ok()) return row.status();
+    if (row.value()) hosts.push_back(statements_->find_host.Int(0));
+    statements_->find_host.Reset();
+  }
+  return hosts;
+}
+
+Result<std::int64_t> Collection::WaitingOn(HostId host) {
+  const Result<bool> row = statements_->waiting_on.Bind(host).Step();
   if (!row.ok()) return row.status();
-  const HostId host = row.value() ? statements_->host_of_page.Int(0) : 0;
-  statements_->host_of_page.Reset();
-  return host;
+  const std::int64_t count = statements_->waiting_on.Int(0);
+  statements_->waiting_on.Reset();
+  return count;
 }
 
 Status Collection::SaveHostState(HostId host, std::string_view state, std::string_view reason) {
@@ -74,7 +99,7 @@ Status Collection::SaveRobots(HostId host, std::int64_t now, int status, std::st
   return statements_->save_robots.Bind(rules, status, now, host).Run();
 }
 
-Status Collection::HostsWaiting(const std::function<void(HostId host, int depth)>& each) {
+Status Collection::HostsWaiting(const EachHost& each) {
   Statement& hosts = statements_->hosts_waiting;
   hosts.Reset();
   for (;;) {
@@ -87,47 +112,114 @@ Status Collection::HostsWaiting(const std::function<void(HostId host, int depth)
 
 Result<OfferedPage> Collection::Offer(const PageOffer& offer) {
   const std::int64_t key = HashOf(offer.url.PageKey());
-  if (!offer.by_id && known_.Has(key, offer.depth)) return OfferedPage{};
+  // That a page may be private is news of its own.
+  const std::int64_t known = offer.may_be_private ? ~key : key;
+  OfferedPage nothing_new;
+  nothing_new.key = key;
+  if (!offer.by_id && known_.Has(known, offer.depth)) return nothing_new;
   if (const Status begun = Begin(); !begun.ok()) return begun;
   Result<OfferedPage> offered = OfferKnown(offer, key);
   if (offered.ok() && offered.value().page == 0) offered = AddPage(offer, key);
-  if (offered.ok()) known_.Add(key, offer.depth);
+  if (offered.ok()) known_.Add(known, offer.depth);
   return offered;
 }
 
-// Gives page 0 where the collection does not hold the page.
-Result<OfferedPage> Collection::OfferKnown(const PageOffer& offer, std::int64_t key) {
+KnownPage Collection::ReadKnown(const Statement& row) {
+  KnownPage known;
+  known.page = row.Int(0);
+  known.host = row.Int(1);
+  known.url = row.Text(2);
+  known.depth = static_cast<int>(row.Int(3));
+  known.state = row.Text(4);
+  known.reason = row.Text(5);
+  known.may_be_private = row.Int(6) != 0;
+  known.moved_to = row.Int(7);
+  known.read_before = !row.IsNull(8);
+  return known;
+}
+
+Result<bool> Collection::FindRow(std::int64_t key, std::string_view page_key) {
   Statement& row = statements_->find_page;
   row.Bind(key);
   for (;;) {
     const Result<bool> found = row.Step();
-    if (!found.ok()) return found.status();
-    if (!found.value()) return OfferedPage{};
+    if (!found.ok() || !found.value()) return found;
     const std::string_view url = row.Text(2);
-    if (url.substr(url.find("//") + 2) == offer.url.PageKey()) break;
+    if (url.substr(url.find("//") + 2) == page_key) return true;
   }
+}
+
+Result<KnownPage> Collection::FindPage(const Url& url) {
+  const Result<bool> found = FindRow(HashOf(url.PageKey()), url.PageKey());
+  if (!found.ok()) return found.status();
+  KnownPage known = found.value() ? ReadKnown(statements_->find_page) : KnownPage{};
+  statements_->find_page.Reset();
+  return known;
+}
+
+Result<KnownPage> Collection::Page(PageId page) {
+  const Result<bool> found = statements_->page.Bind(page).Step();
+  if (!found.ok()) return found.status();
+  KnownPage known = found.value() ? ReadKnown(statements_->page) : KnownPage{};
+  statements_->page.Reset();
+  return known;
+}
+
+Result<KnownPage> Collection::LastOfRedirects(PageId page, PageId circle) {
+  constexpr int kMost = 100;  // a longer way is as good as a circle
+  for (int i = 0; i < kMost && page != circle; ++i) {
+    Result<KnownPage> known = Page(page);
+    if (!known.ok() || !known.value().Is(PageState::kMoved)) return known;
+    page = known.value().moved_to;
+  }
+  return KnownPage{};
+}
+
+namespace {
+
+// Whether a page that was refused is to be visited, now that it is offered without anything against it.
+bool IsLifted(const PageOffer& offer, std::string_view reason) {
+  if (reason == kRefusedPrivate) return offer.may_be_private;
+  return offer.is_start || reason == kRefusedDepth || reason == kRefusedScope;
+}
+
+}  // namespace
+
+// Gives page 0 where the collection does not hold the page.
+Result<OfferedPage> Collection::OfferKnown(const PageOffer& offer, std::int64_t key) {
+  Statement& row = statements_->find_page;
+  const Result<bool> found = FindRow(key, offer.url.PageKey());
+  if (!found.ok()) return found.status();
   OfferedPage known;
+  known.key = key;
+  if (!found.value()) return known;
   known.page = row.Int(0);
   known.host = row.Int(1);
   const int depth = static_cast<int>(row.Int(3));
-  const bool waits = row.Text(4) == NameOf(PageState::kWaiting);
-  const bool may_be_lifted =
-      row.Text(4) == NameOf(PageState::kRefused) && (row.Text(5) == kRefusedDepth || row.Text(5) == kRefusedScope ||
-                                                     (row.Text(5) == kRefusedPrivate && offer.may_be_private));
+  const std::string_view state = row.Text(4);
+  const bool waits = state == NameOf(PageState::kWaiting);
+  const bool visited = state == NameOf(PageState::kRead) || state == NameOf(PageState::kMoved);
+  const bool lifted = state == NameOf(PageState::kRefused) && IsLifted(offer, row.Text(5));
   const bool was_private = row.Int(6) != 0;
   row.Reset();
   const bool nearer = offer.depth < depth;
-  if (offer.refused.empty() && (waits ? nearer : may_be_lifted)) {
+  if (offer.refused.empty() && (waits ? nearer : lifted)) {
     known.queued = true;
     if (!waits) ++waiting_;
-    const Status queued =
-        statements_->queue_page
-            .Bind(offer.depth, offer.rank, offer.hops, was_private || offer.may_be_private, offer.parent, known.page)
-            .Run();
+    const Status queued = statements_->queue_page
+                              .Bind(std::min(offer.depth, depth), offer.rank, offer.hops,
+                                    was_private || offer.may_be_private, offer.parent, known.page)
+                              .Run();
     if (!queued.ok()) return queued;
-  } else if (nearer) {
+    return known;
+  }
+  known.nearer = nearer && visited;
+  if (nearer) {
     const Status deepened = statements_->deepen_page.Bind(offer.depth, offer.parent, known.page).Run();
     if (!deepened.ok()) return deepened;
+  }
+  if (offer.may_be_private && !was_private) {
+    if (const Status raised = statements_->make_private.Bind(known.page).Run(); !raised.ok()) return raised;
   }
   return known;
 }
@@ -136,6 +228,7 @@ Result<OfferedPage> Collection::AddPage(const PageOffer& offer, std::int64_t key
   const Result<HostId> host = HostOf(offer.url, offer.site);
   if (!host.ok()) return host.status();
   OfferedPage added;
+  added.key = key;
   added.host = host.value();
   added.queued = offer.refused.empty();
   const auto reason = added.queued ? std::optional<std::string_view>() : offer.refused;
@@ -180,20 +273,28 @@ Result<HostId> Collection::Readdress(PageId page, const Url& url, std::string_vi
 Result<std::vector<std::size_t>> Collection::End(HostId host, PageId page, const PageEnd& end,
                                                  const std::vector<SeenAddress>& addresses, std::int64_t now) {
   if (const Status begun = Begin(); !begun.ok()) return begun;
-  const Status ended =
-      statements_->end_page
-          .Bind(NameOf(end.state), OrNull(end.reason), OrNull(end.rule), end.line, end.status, OrNull(end.type),
-                OrNull(end.title), now, static_cast<std::int64_t>(end.bytes), end.body_hash, end.moved_to,
-                static_cast<std::int64_t>(end.protected_count), static_cast<std::int64_t>(end.filtered_count),
-                OrNull(end.etag), OrNull(end.modified), page)
-          .Run();
-  if (!ended.ok()) return ended;
-  --waiting_;
   if (end.state == PageState::kRead) {
+    const Status ended =
+        statements_->end_page
+            .Bind(NameOf(end.state), OrNull(end.reason), OrNull(end.rule), end.line, end.status, OrNull(end.type),
+                  OrNull(end.title), now, static_cast<std::int64_t>(end.bytes), end.body_hash, end.moved_to,
+                  static_cast<std::int64_t>(end.protected_count), static_cast<std::int64_t>(end.filtered_count),
+                  OrNull(end.etag), OrNull(end.modified), page)
+            .Run();
+    if (!ended.ok()) return ended;
     if (const Status counted = statements_->host_has_read.Bind(host).Run(); !counted.ok()) return counted;
+  } else {
+    const Status ended = statements_->end_unread
+                             .Bind(NameOf(end.state), OrNull(end.reason), OrNull(end.rule), end.line, end.status,
+                                   OrNull(end.type), now, static_cast<std::int64_t>(end.bytes), end.moved_to, page)
+                             .Run();
+    if (!ended.ok()) return ended;
   }
+  --waiting_;
   if (LosesAddresses(end)) {
     if (const Status gone = statements_->sightings_gone.Bind(page).Run(); !gone.ok()) return gone;
+    const Status forgotten = end.state == PageState::kRead ? Status::Ok() : statements_->forget_body.Bind(page).Run();
+    if (!forgotten.ok()) return forgotten;
   }
   return AddSightings(page, addresses, now);
 }
@@ -233,28 +334,6 @@ Result<bool> Collection::BodySeen(HostId host, PageId page, std::int64_t body_ha
   const Result<bool> row = statements_->body_seen.Bind(host, body_hash, page).Step();
   statements_->body_seen.Reset();
   return row;
-}
-
-Status Collection::QueueRefused(std::string_view reason, std::string_view option) {
-  const std::string fact = "option " + std::string(reason);
-  const Result<std::string> before = Fact(fact);
-  if (!before.ok()) return before.status();
-  if (before.value() == option) return Status::Ok();
-  if (const Status set = SetFact(fact, option); !set.ok()) return set;
-  if (before.value().empty()) return Status::Ok();  // the first run
-  if (const Status queued = statements_->queue_refused.Bind(reason).Run(); !queued.ok()) return queued;
-  waiting_ += database_->Changes();
-  known_.Clear();
-  return Status::Ok();
-}
-
-Status Collection::QueueAgain() {
-  if (const Status begun = Begin(); !begun.ok()) return begun;
-  if (const Status queued = database_->Execute(sql::kQueueAgain); !queued.ok()) return queued;
-  waiting_ += database_->Changes();
-  known_.Clear();
-  if (const Status forgotten = database_->Execute(sql::kForgetReads); !forgotten.ok()) return forgotten;
-  return database_->Execute(sql::kForgetSearches);
 }
 
 }  // namespace quenlar

@@ -29,8 +29,8 @@ struct Sighting {
 // Which sightings are wanted; empty: all.
 struct SightingChoice {
   std::string place = {};
-  std::string site = {};                   // of the page
-  std::optional<std::int64_t> since = {};  // first seen at this time or later
+  std::string site = {};                   // of the page, in any letter case
+  std::optional<std::int64_t> since = {};  // addresses that were first seen at this time or later
 };
 
 struct CollectionFigures {

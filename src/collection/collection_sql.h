@@ -112,6 +112,12 @@ CREATE INDEX sightings_page ON sightings (page);
 PRAGMA user_version = 1;
 )sql";
 
+// What came after the first collections were made. It is put in wherever it is missing; programs that do not know it
+// are not disturbed by it, so the version stays.
+inline constexpr const char* kAdditions =
+    "CREATE TABLE IF NOT EXISTS links (page INTEGER PRIMARY KEY REFERENCES pages (id), keys BLOB NOT NULL);"
+    "CREATE INDEX IF NOT EXISTS pages_refused ON pages (host, reason) WHERE state = 'refused';";
+
 inline constexpr const char* kFact = "SELECT value FROM facts WHERE name = ?";
 inline constexpr const char* kSetFact = "INSERT OR REPLACE INTO facts (name, value) VALUES (?, ?)";
 
@@ -125,7 +131,6 @@ inline constexpr const char* kAddStart =
     "INSERT OR IGNORE INTO starts (text, kind, parent) VALUES (?, ?, nullif(?, 0))";
 inline constexpr const char* kStart = "SELECT id, text, kind, page, host, site, asked FROM starts WHERE text = ?";
 inline constexpr const char* kStarts = "SELECT id, text, kind, page, host, site, asked FROM starts ORDER BY id";
-inline constexpr const char* kStartsOfPage = "SELECT id FROM starts WHERE page = ?";
 inline constexpr const char* kPlaceStart = "UPDATE starts SET page = nullif(?, 0), host = ?, site = ? WHERE id = ?";
 inline constexpr const char* kAskedStart = "UPDATE starts SET asked = ? WHERE id = ?";
 
@@ -133,14 +138,17 @@ inline constexpr const char* kFindHost = "SELECT id FROM hosts WHERE origin = ?"
 inline constexpr const char* kAddHost = "INSERT INTO hosts (origin, site) VALUES (?, ?)";
 inline constexpr const char* kHost =
     "SELECT origin, site, state, reason, read, robots, robots_status, robots_time FROM hosts WHERE id = ?";
-inline constexpr const char* kHostOfPage = "SELECT host FROM pages WHERE id = ?";
 inline constexpr const char* kSaveHostState = "UPDATE hosts SET state = ?, reason = ? WHERE id = ?";
 inline constexpr const char* kSaveRobots =
     "UPDATE hosts SET robots = ?, robots_status = ?, robots_time = ? WHERE id = ?";
 inline constexpr const char* kHostHasRead = "UPDATE hosts SET read = read + 1 WHERE id = ?";
 inline constexpr const char* kHostsWaiting = "SELECT host, min(depth) FROM pages WHERE state = 'waiting' GROUP BY host";
 
-inline constexpr const char* kFindPage = "SELECT id, host, url, depth, state, reason, private FROM pages WHERE key = ?";
+// Both give what ReadKnown reads.
+inline constexpr const char* kFindPage =
+    "SELECT id, host, url, depth, state, reason, private, moved_to, body FROM pages WHERE key = ?";
+inline constexpr const char* kPage =
+    "SELECT id, host, url, depth, state, reason, private, moved_to, body FROM pages WHERE id = ?";
 inline constexpr const char* kAddPage =
     "INSERT INTO pages (key, host, url, parent, depth, rank, hops, private, state, reason)"
     " VALUES (?, ?, ?, nullif(?, 0), ?, ?, ?, ?, ?, ?)";
@@ -148,31 +156,52 @@ inline constexpr const char* kQueuePage =
     "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL, depth = ?, rank = ?, hops = ?,"
     " private = ?, parent = nullif(?, 0) WHERE id = ?";
 inline constexpr const char* kDeepenPage = "UPDATE pages SET depth = ?, parent = nullif(?, 0) WHERE id = ?";
+inline constexpr const char* kMakePrivate = "UPDATE pages SET private = 1 WHERE id = ?";
+inline constexpr const char* kLiftPage =
+    "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE id = ?";
 inline constexpr const char* kNextPage =
     "SELECT id, url, depth, hops, etag, modified, body, private FROM pages WHERE host = ? AND state = 'waiting'"
     " ORDER BY depth, rank, id LIMIT 1";
+inline constexpr const char* kWaitingOn = "SELECT count(*) FROM pages WHERE host = ? AND state = 'waiting'";
 inline constexpr const char* kReaddressPage = "UPDATE pages SET url = ?, host = ?, hops = ? WHERE id = ?";
 inline constexpr const char* kEndPage =
     "UPDATE pages SET state = ?, reason = ?, rule = ?, line = nullif(?, 0), status = nullif(?, 0), type = ?, title = ?,"
     " time = ?, bytes = ?, body = ?, moved_to = nullif(?, 0), protected = ?, filtered = ?, etag = ?, modified = ?"
     " WHERE id = ?";
-// A page that has not changed since it was read keeps what is known of it.
-inline constexpr const char* kPageUnchanged = "UPDATE pages SET state = 'read', status = 304, time = ? WHERE id = ?";
+// A page that was not read keeps what is known of it from an earlier visit.
+inline constexpr const char* kEndUnread =
+    "UPDATE pages SET state = ?, reason = ?, rule = ?, line = nullif(?, 0), status = nullif(?, 0),"
+    " type = coalesce(?, type), time = ?, bytes = ?, moved_to = nullif(?, 0) WHERE id = ?";
+// It is not there any more: it cannot be unchanged when it comes back.
+inline constexpr const char* kForgetBody = "UPDATE pages SET body = NULL, etag = NULL, modified = NULL WHERE id = ?";
+inline constexpr const char* kPageUnchanged =
+    "UPDATE pages SET state = 'read', reason = NULL, status = 304, time = ? WHERE id = ?";
 inline constexpr const char* kBodySeen =
     "SELECT 1 FROM pages WHERE host = ? AND body = ? AND id <> ? AND state = 'read' LIMIT 1";
 inline constexpr const char* kCountWaiting = "SELECT count(*) FROM pages WHERE state = 'waiting'";
-inline constexpr const char* kCountRead = "SELECT count(*) FROM pages WHERE state = 'read'";
+// A page that waits to be visited anew was read.
+inline constexpr const char* kCountRead =
+    "SELECT count(*) FROM pages WHERE state = 'read' OR (state = 'waiting' AND body IS NOT NULL)";
 inline constexpr const char* kCountAddresses = "SELECT count(*) FROM addresses";
 inline constexpr const char* kQueueRefused =
     "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE state = 'refused' AND reason = "
     "?";
+inline constexpr const char* kQueueRefusedOf =
+    "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE state = 'refused' AND host = ?"
+    " AND reason = ?";
+inline constexpr const char* kNearestOf = "SELECT min(depth) FROM pages WHERE host = ? AND state = 'waiting'";
+inline constexpr const char* kHostsOfSite = "SELECT id FROM hosts WHERE site = ?";
 inline constexpr const char* kQueueAgain =
-    "UPDATE pages SET state = 'waiting', hops = 0 WHERE state IN ('read', 'failed', 'moved')";
+    "UPDATE pages SET state = 'waiting', hops = 0, reason = NULL, rule = NULL, line = NULL"
+    " WHERE state IN ('read', 'failed', 'moved') OR (state = 'refused' AND reason IN ('robots', 'private'))";
 inline constexpr const char* kForgetReads = "UPDATE hosts SET read = 0";
 inline constexpr const char* kForgetSearches = "UPDATE starts SET asked = NULL";
 
 inline constexpr const char* kRefusals =
     "SELECT reason, count(*) FROM pages WHERE state = 'refused' GROUP BY reason ORDER BY reason";
+
+inline constexpr const char* kSaveLinks = "INSERT OR REPLACE INTO links (page, keys) VALUES (?, ?)";
+inline constexpr const char* kLinks = "SELECT keys FROM links WHERE page = ?";
 
 inline constexpr const char* kLastRun = "SELECT max(started) FROM runs";
 inline constexpr const char* kRuns =
@@ -184,11 +213,12 @@ inline constexpr const char* kPageFacts =
     " p.protected, p.filtered, (SELECT count(DISTINCT address) FROM sightings WHERE page = p.id AND gone = 0)"
     " FROM pages p LEFT JOIN pages parent ON parent.id = p.parent LEFT JOIN pages target ON target.id = p.moved_to"
     " WHERE p.key = ?";
-// Of a place, a site, a time on; NULL is any.
+// Of a place, a site, addresses first seen from a time on; NULL is any.
 inline constexpr const char* kSightings =
     "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone, p.id"
     " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"
-    " WHERE (?1 IS NULL OR s.place = ?1) AND (?2 IS NULL OR h.site = ?2) AND (?3 IS NULL OR s.first_seen >= ?3)"
+    " WHERE (?1 IS NULL OR s.place = ?1) AND (?2 IS NULL OR h.site = ?2 COLLATE NOCASE) AND (?3 IS NULL OR "
+    "a.first_seen >= ?3)"
     " ORDER BY a.id, s.first_seen, s.page, s.place";
 // Of each address the page on which it was seen first, in the order in which the addresses were found.
 inline constexpr const char* kListedAddresses =

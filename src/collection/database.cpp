@@ -79,6 +79,11 @@ void Statement::BindOne(int index, std::string_view value) {
                       SQLITE_UTF8);
 }
 
+void Statement::BindOne(int index, Bytes value) {
+  sqlite3_bind_blob64(statement_.get(), index, value.bytes.empty() ? "" : value.bytes.data(), value.bytes.size(),
+                      SQLITE_STATIC);
+}
+
 void Statement::BindOne(int index, std::nullopt_t) { sqlite3_bind_null(statement_.get(), index); }
 
 Result<std::unique_ptr<Database>> Database::Open(const std::string& path, Mode mode) {

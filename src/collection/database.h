@@ -14,6 +14,11 @@ struct sqlite3_stmt;
 
 namespace quenlar {
 
+// Bytes that are no text, as a value to bind.
+struct Bytes {
+  std::string_view bytes;
+};
+
 // A prepared statement. Values are bound in order by Bind, from the first parameter on; Step runs it. A statement that
 // has ended, or is bound anew, begins again. Texts that are bound must stay as they are until the statement is reset.
 class Statement {
@@ -37,7 +42,7 @@ class Statement {
   // Columns of the row at hand, counted from 0. Views live until the next Step, Bind or Reset.
   [[nodiscard]] std::int64_t Int(int column) const;
   [[nodiscard]] double Real(int column) const;
-  [[nodiscard]] std::string_view Text(int column) const;
+  [[nodiscard]] std::string_view Text(int column) const;  // bytes that are no text come as they are
   [[nodiscard]] bool IsNull(int column) const;
 
   void Reset();
@@ -55,6 +60,7 @@ class Statement {
   void BindOne(int index, std::string_view value);
   void BindOne(int index, const std::string& value) { BindOne(index, std::string_view(value)); }
   void BindOne(int index, const char* value) { BindOne(index, std::string_view(value)); }
+  void BindOne(int index, Bytes value);
   void BindOne(int index, std::nullopt_t);
   template <typename T>
   void BindOne(int index, const std::optional<T>& value) {

@@ -42,6 +42,8 @@ struct CrawlOptions {
   bool decode_protected = false;    // also list addresses that are hidden from programs
   bool assume_online = false;       // do not ask the system whether there is a network
   bool again = false;               // visit everything again
+  // The filters as a text: where it changes, a page that has not changed is read anew all the same.
+  std::string filters = {};
   // The run visits these and what they lead to on their own sites, and nothing else: a redirect to another site is not
   // followed either. Its target is kept as refused for its scope, as links to other sites are.
   std::optional<std::vector<HandedLink>> links = {};

@@ -75,8 +75,7 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
   if (IsOffLine()) return Finish(CrawlEnd::kOffLine);
   if (Failed(collection_.BeginRun(now))) return Finish(CrawlEnd::kFailed);
   begun_ = true;
-  if (options_.again && Failed(collection_.QueueAgain())) return Finish(CrawlEnd::kFailed);
-  if (Failed(QueueRefusedPages())) return Finish(CrawlEnd::kFailed);
+  if (Failed(TakeUpPages())) return Finish(CrawlEnd::kFailed);
   AddStarts(starts);
   if (options_.links) {
     for (const HandedLink& link : *options_.links) AddLink(link);
@@ -85,12 +84,14 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
   if (Failed(queued)) return Finish(CrawlEnd::kFailed);
   if (Failed(collection_.Commit())) return Finish(CrawlEnd::kFailed);
   if (search_.keywords.empty() && !schedule_.HasQueued()) {
-    return Finish(start_problems_.empty() ? CrawlEnd::kNothingToDo : CrawlEnd::kFailed);
+    return Finish(given_.empty() && !start_problems_.empty() ? CrawlEnd::kFailed : CrawlEnd::kNothingToDo);
   }
   for (;;) {
+    // What has arrived is kept before anything more is asked for: no page that was finished is fetched again.
+    if (const auto end = BudgetReached()) return Finish(*end);
+    if (Failed(collection_.CommitSoon())) continue;
     Step();
     if (const auto end = EndReached()) return Finish(*end);
-    if (Failed(collection_.CommitIfDue())) continue;
     CrawlDuration sleep = kLongestSleep;
     if (const auto next = schedule_.NextTime()) {
       const auto left = std::chrono::ceil<CrawlDuration>(*next - world_.loop.Now());
@@ -98,6 +99,21 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
     }
     world_.loop.Wait(sleep);
   }
+}
+
+// Pages of earlier runs that are to be visited anew.
+Status Crawler::TakeUpPages() {
+  const std::string reading = std::string(options_.decode_protected ? "protected " : "") +
+                              (options_.obey_robots ? "obey " : "ignore ") + options_.filters;
+  const Result<Pass> pass = collection_.BeginPass(options_.again, reading);
+  if (!pass.ok()) return pass.status();
+  pass_ = pass.value();
+  if (pass_.goes_on) {
+    world_.view.OnNotice(
+        "Not all pages have been visited since the last time; this goes on. When it is finished, "
+        "--again visits everything anew");
+  }
+  return QueueRefusedPages();
 }
 
 // What an option refused in an earlier run is judged anew where this run has another one.
@@ -125,7 +141,8 @@ void Crawler::Step() {
   }
 }
 
-std::optional<CrawlEnd> Crawler::EndReached() {
+// What ends a run whatever is left to do.
+std::optional<CrawlEnd> Crawler::BudgetReached() const {
   const CrawlTime now = world_.loop.Now();
   if (!failure_.ok()) return CrawlEnd::kFailed;
   if (stopped_) return CrawlEnd::kStopped;
@@ -139,43 +156,53 @@ std::optional<CrawlEnd> Crawler::EndReached() {
   if (options_.pages && figures_.pages >= *options_.pages) {
     return collection_.waiting() == 0 ? CrawlEnd::kFinished : CrawlEnd::kPages;
   }
-  if (requests_ > 0 || schedule_.active() > 0 || schedule_.HasQueued() || !search_.keywords.empty()) {
+  return std::nullopt;
+}
+
+std::optional<CrawlEnd> Crawler::EndReached() {
+  if (const auto end = BudgetReached()) return end;
+  if (requests_ > 0 || schedule_.active() > 0 || schedule_.HasQueued()) {
     waiting_for_.clear();
     return std::nullopt;
   }
-  if (WaitsForHosts(now)) return std::nullopt;
-  return NoStartAnswered() ? CrawlEnd::kFailed : CrawlEnd::kFinished;
+  if (WaitsForHosts(world_.loop.Now())) return std::nullopt;
+  LeaveSearches();
+  if (!failure_.ok() || NoStartAnswered()) return CrawlEnd::kFailed;
+  return sent_ == 0 ? CrawlEnd::kNothingToDo : CrawlEnd::kFinished;
 }
 
-// Only parked hosts are left. Those that have never answered are not waited for.
+// Only parked hosts are left, and a search service that is not to be asked yet. Those that have never answered are not
+// waited for. However often one of them is asked in vain meanwhile, the wait is one.
 bool Crawler::WaitsForHosts(CrawlTime now) {
-  if (waiting_for_.empty()) alone_since_ = now;
+  if (!alone_since_) alone_since_ = now;
   std::string names;
   std::optional<CrawlTime> first;
   int count = 0;
-  for (const auto& [host, ready] : schedule_.Parked()) {
-    const HostMemory& memory = MemoryOf(host);
-    if (!memory.answered) continue;
+  constexpr int kMostNamed = 3;
+  const auto add = [&](const std::string& name, CrawlTime ready) {
     first = first ? std::min(*first, ready) : ready;
-    constexpr int kMostNamed = 3;
-    if (++count > kMostNamed) continue;
-    const Result<HostRow> row = collection_.Host(host);
-    if (!Failed(row)) names += (names.empty() ? "" : ", ") + row.value().origin;
+    if (++count <= kMostNamed) names += (names.empty() ? "" : ", ") + name;
+  };
+  for (const auto& [host, ready] : schedule_.Parked()) {
+    if (!MemoryOf(host).answered) continue;
+    const Result<HostRow> row = count < kMostNamed ? collection_.Host(host) : HostRow{};
+    if (!Failed(row)) add(row.value().origin, ready);
   }
-  const CrawlTime last = alone_since_ + kLongestWait;
+  if (!search_.keywords.empty()) add("the search service", search_.pace.ready());
+  const CrawlTime last = *alone_since_ + kLongestWait;
   if (!first || *first > last) return false;
   const auto seconds = std::chrono::ceil<std::chrono::seconds>(*first - now).count();
   waiting_for_ = "waiting " + std::to_string(std::max<long long>(seconds, 0)) + " s for " + names +
-                 (count > 3 ? " and " + std::to_string(count - 3) + " more" : "");
+                 (count > kMostNamed ? " and " + std::to_string(count - kMostNamed) + " more" : "");
   return true;
 }
 
 // Whether every start of this run lies on a host that gave no answer at all.
 bool Crawler::NoStartAnswered() const {
   if (figures_.pages > 0) return false;
-  if (start_hosts_.empty()) return !start_problems_.empty();
-  return std::all_of(start_hosts_.begin(), start_hosts_.end(), [this](const auto& start) {
-    const auto memory = memories_.find(start.second);
+  if (given_.empty()) return !start_problems_.empty();
+  return std::all_of(given_.begin(), given_.end(), [this](const auto& start) {
+    const auto memory = memories_.find(start.second.host);
     return memory != memories_.end() && !memory->second.answered && memory->second.refusals > 0;
   });
 }
@@ -204,7 +231,8 @@ void Crawler::OnEnd(const std::string& key, WebAnswer answer) {
   HostVisit& visit = *found->second;
   --requests_;
   const auto was = std::exchange(visit.under_way, HostVisit::UnderWay::kNothing);
-  if (answer.failure == WebFailure::kNone) visit.memory.answered = true;
+  visit.asked_of->asked = false;
+  if (answer.head.status != 0) NoteAnswer(visit);
   if (was == HostVisit::UnderWay::kRobots) return OnRobotsAnswer(visit, answer);
   --page_requests_;
   // A page that was not read leaves its part of the budget to hosts that are held back by it.
@@ -260,8 +288,11 @@ Crawler::Outcome Crawler::Finish(CrawlEnd end) {
   record_.bytes = figures_.bytes;
   record_.seconds = std::chrono::duration<double>(world_.loop.Now() - started_).count();
   if (failure_.ok() && begun_) {
+    const bool finished = end == CrawlEnd::kFinished || end == CrawlEnd::kNothingToDo;
+    if (finished) Failed(collection_.EndPass());
     if (!Failed(collection_.SaveRun(record_))) Failed(collection_.Commit());
   }
+  outcome.no_search_service = no_search_service_;
   outcome.status = failure_;
   if (!failure_.ok()) outcome.end = CrawlEnd::kFailed;
   return outcome;
@@ -270,18 +301,22 @@ Crawler::Outcome Crawler::Finish(CrawlEnd end) {
 // Names the starts that gave no answer, or the hosts whose pages are left.
 std::vector<std::string> Crawler::EndMessages(CrawlEnd end) {
   std::vector<std::string> messages = start_problems_;
+  if (!failure_.ok()) return messages;
   if (end == CrawlEnd::kFailed) {
-    for (const auto& [text, host] : start_hosts_) messages.push_back(text + ": " + MemoryOf(host).reason);
+    for (const auto& [id, start] : given_) messages.push_back(start.text + ": " + MemoryOf(start.host).reason);
     return messages;
   }
   constexpr std::size_t kMostNamed = 10;
-  std::size_t count = 0;
+  std::size_t hosts = 0;
   for (const auto& [host, memory] : memories_) {
-    if (memory.reason.empty() || ++count > kMostNamed) continue;
+    if (memory.reason.empty()) continue;
+    const Result<std::int64_t> left = collection_.WaitingOn(host);
+    if (!left.ok() || left.value() == 0 || ++hosts > kMostNamed) continue;
     const Result<HostRow> row = collection_.Host(host);
-    if (row.ok()) messages.push_back("Pages are left on " + row.value().origin + ": " + memory.reason);
+    const std::string pages = left.value() == 1 ? "1 page is" : std::to_string(left.value()) + " pages are";
+    if (row.ok()) messages.push_back(pages + " left on " + row.value().origin + ": " + memory.reason);
   }
-  if (count > kMostNamed) messages.push_back("Pages are left on " + std::to_string(count - kMostNamed) + " more hosts");
+  if (hosts > kMostNamed) messages.push_back("Pages are left on " + std::to_string(hosts - kMostNamed) + " more hosts");
   return messages;
 }
 

@@ -54,6 +54,7 @@ class Crawler final : private WebListener {
   struct Outcome {
     CrawlEnd end = CrawlEnd::kFinished;
     Status status;  // of a collection that could not be written: the run ended with what was committed so far
+    bool no_search_service = false;     // a keyword could not be searched for, because no service is named
     std::vector<std::string> messages;  // what else a person should know of the end, sentences without their ends
   };
   // Pumps. Visits what is to be visited, from `starts` and from earlier runs, until nothing is left, a budget is used
@@ -76,6 +77,16 @@ class Crawler final : private WebListener {
 
  private:
   using Visits = std::unordered_map<HostId, std::unique_ptr<HostVisit>>;
+  // Where a start lies.
+  struct StartPlace {
+    PageId page = 0;
+    std::string authority, site;
+  };
+  // A start of this run.
+  struct GivenStart {
+    std::string text;
+    HostId host = 0;  // of the page where it lies
+  };
   // Keywords that the search service is still asked for; the first one is under way.
   struct Search {
     std::deque<StartRow> keywords;
@@ -90,9 +101,13 @@ class Crawler final : private WebListener {
 
   // crawler.cpp: the loop and its end
   void Step();
+  [[nodiscard]] Status TakeUpPages();
   [[nodiscard]] Status QueueRefusedPages();
+  [[nodiscard]] std::optional<CrawlEnd> BudgetReached() const;
   [[nodiscard]] std::optional<CrawlEnd> EndReached();
   [[nodiscard]] bool WaitsForHosts(CrawlTime now);
+  // Somebody has answered, and the run does not merely wait any more.
+  void NoteProgress() { alone_since_.reset(); }
   [[nodiscard]] bool NoStartAnswered() const;
   [[nodiscard]] bool IsOffLine();
   [[nodiscard]] WebRequest RequestFor(const std::string& url, bool may_be_private) const;
@@ -106,22 +121,33 @@ class Crawler final : private WebListener {
     return !result.ok() && Failed(result.status());
   }
 
-  // crawler_starts.cpp: site addresses and keywords
+  // crawler_starts.cpp: site addresses
   void AddStarts(const std::vector<std::string>& texts);
-  void AddSite(const StartRow& start);
-  void PlaceSite(const StartRow& start, const Url& url, bool scheme_typed, bool typed);
-  void MoveStart(PageId from, PageId to, const Url& url);
-  [[nodiscard]] bool IsStart(PageId page) const { return start_pages_.contains(page); }
+  void AddSite(const std::string& text);
+  void PlaceSite(const StartRow& start, const Url& url, bool typed);
+  void LoadStarts();
+  void LoadStart(const StartRow& start);
+  void AllowFallback(const KnownPage& page, const Url& typed);
+  void OpenScope(std::string_view authority, std::string_view site);
+  // The starts that lie on the page `from`, or were typed so, lie at `to` now.
+  void MoveStarts(PageId from, PageId to, const Url& url);
+  [[nodiscard]] bool IsStart(PageId page) const { return starts_on_.contains(page); }
   void TellOfRefusedStart(const HostVisit& visit, const PageEnd& end);
-  [[nodiscard]] bool FallBackToHttp(HostVisit& visit, const WebAnswer& answer);
+  void FallBackToHttp(HostVisit& visit, const WebAnswer& answer);
   void AddLink(const HandedLink& link);
-  void AddKeyword(const StartRow& start);
+
+  // crawler_search.cpp: keywords
+  void AddKeyword(const std::string& text);
   void AskSearchService();
   void OnSearchAnswer(WebAnswer answer);
-  void EndSearch(const std::string& problem);
+  void EndSearch(const std::string& problem, bool complete);
+  void LeaveSearches();
 
   // crawler_hosts.cpp: robots.txt, pace, failures
   [[nodiscard]] HostMemory& MemoryOf(HostId host);
+  // Offers a page, and takes up what comes of it. Empty: the collection failed.
+  std::optional<OfferedPage> Offer(const PageOffer& offer);
+  void QueueRefusedOf(HostId host, std::string_view reason);
   void QueueHost(HostId host, int depth);
   void Enter(HostId host);
   // The host is not active any more; with `depth` it is queued again. `visit` is gone afterwards.
@@ -129,13 +155,16 @@ class Crawler final : private WebListener {
   void Ask(HostVisit& visit);
   void UseStoredRobots(HostVisit& visit);
   void SetRules(HostVisit& visit, std::string_view rules);
-  void AskForRobots(HostVisit& visit, const std::string& url);
+  void AskForRobots(HostVisit& visit);
+  void FollowRobots(HostVisit& visit, const WebAnswer& answer, const Url& from, const Url& to);
   void OnRobotsAnswer(HostVisit& visit, const WebAnswer& answer);
   void UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_view rules);
-  void OnNoRobots(HostVisit& visit, const WebAnswer& answer);
+  void OnNoRobots(HostVisit& visit, const WebAnswer& answer, const std::string& reason);
+  [[nodiscard]] bool RobotsAreOld(const HostRow& host) const;
   [[nodiscard]] bool JudgePage(HostVisit& visit);
   void AskForPage(HostVisit& visit);
   void Send(HostVisit& visit, WebRequest request);
+  void NoteAnswer(HostVisit& visit);
   // These may end the visit.
   void OnSilence(HostVisit& visit, const WebAnswer& answer);
   void GiveUp(HostVisit& visit, const std::string& reason);
@@ -166,20 +195,25 @@ class Crawler final : private WebListener {
   std::unordered_map<HostId, HostMemory> memories_;
   std::vector<HostId> held_;  // active hosts that wait because requests under way may use up the budget of pages
   Search search_;
-  std::unordered_map<PageId, StartId> start_pages_;
-  std::unordered_set<PageId> may_fall_back_;   // pages of starts that were typed without a scheme
-  std::map<std::string, HostId> start_hosts_;  // of the sites that this run was started with
+  std::unordered_map<StartId, StartPlace> places_;
+  std::unordered_multimap<PageId, StartId> starts_on_;     // pages whose redirects move starts
+  std::unordered_multimap<HostId, PageId> may_fall_back_;  // pages of starts that were typed without a scheme
+  std::map<StartId, GivenStart> given_;                    // the sites that this run was started with
   std::vector<std::string> start_problems_;
+  bool no_search_service_ = false;
+  Pass pass_;
   CrawlFigures figures_;
   RunRecord record_;
   std::size_t requests_ = 0, page_requests_ = 0;
-  CrawlTime started_{}, alone_since_{};
+  std::uint64_t sent_ = 0;  // requests in all
+  CrawlTime started_{};
+  std::optional<CrawlTime> alone_since_;  // nothing has been left to do since then but to wait for hosts
   std::string waiting_for_;
   bool begun_ = false, stopped_ = false, offline_ = false;
   Status failure_;
 };
 
-// Whether the text of a start is a site's address; any other text is a keyword.
+// Whether the text of a start is a site's address: it has a scheme, or a dot and no blank. Any other is a keyword.
 [[nodiscard]] bool IsSiteText(std::string_view text);
 
 // Whether the head of an answer says that it is a page: HTML, XHTML, plain text, or nothing.

@@ -22,12 +22,8 @@ bool IsRedirect(int status) {
   return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
-// The line of a text with this number, counted from 1.
-std::string LineOf(std::string_view text, int number) {
-  for (; number > 1 && !text.empty(); --number) text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
-  text = number < 1 ? std::string_view() : text.substr(0, text.find_first_of("\r\n"));
-  return std::string(text);
-}
+// A host that somebody else asks something of is asked again after this time, or after the pause.
+constexpr CrawlDuration kShortestTurn{100};
 
 }  // namespace
 
@@ -40,6 +36,21 @@ void Crawler::QueueHost(HostId host, int depth) {
   if (!memory.given_up) schedule_.Queue(host, depth, memory.pace.ready(), world_.loop.Now());
 }
 
+std::optional<OfferedPage> Crawler::Offer(const PageOffer& offer) {
+  const auto offered = collection_.Offer(offer);
+  if (Failed(offered)) return std::nullopt;
+  if (offered.value().queued) QueueHost(offered.value().host, offer.depth);
+  if (!offered.value().nearer) return offered.value();
+  const auto queue = [this](HostId host, int depth) { QueueHost(host, depth); };
+  if (Failed(collection_.CarryNearer(offered.value().page, offer.depth, options_.depth, queue))) return std::nullopt;
+  return offered.value();
+}
+
+void Crawler::QueueRefusedOf(HostId host, std::string_view reason) {
+  const auto nearest = collection_.QueueRefusedOf(host, reason);
+  if (!Failed(nearest) && nearest.value()) QueueHost(host, *nearest.value());
+}
+
 void Crawler::Enter(HostId host) {
   Result<HostRow> row = collection_.Host(host);
   if (Failed(row)) return;
@@ -49,13 +60,16 @@ void Crawler::Enter(HostId host) {
   visits_[host] = std::move(visit);
 }
 
+bool Crawler::RobotsAreOld(const HostRow& host) const {
+  if (!host.robots_time) return true;
+  const std::int64_t age = world_.clock.UtcSeconds() - *host.robots_time;
+  return age < 0 || age >= kRobotsAge;
+}
+
 // robots.txt is kept in the collection, over runs.
 void Crawler::UseStoredRobots(HostVisit& visit) {
   visit.rules_known = !options_.obey_robots;
-  if (visit.rules_known || !visit.row.robots_time) return;
-  const std::int64_t age = world_.clock.UtcSeconds() - *visit.row.robots_time;
-  if (age < 0 || age >= kRobotsAge) return;
-  SetRules(visit, visit.row.robots);
+  if (!visit.rules_known && !RobotsAreOld(visit.row)) SetRules(visit, visit.row.robots);
 }
 
 void Crawler::SetRules(HostVisit& visit, std::string_view rules) {
@@ -74,10 +88,17 @@ void Crawler::Leave(HostVisit& visit, std::optional<int> depth) {
 // Asks for the host's next page, or for its robots.txt before.
 void Crawler::Ask(HostVisit& visit) {
   if (visit.under_way != HostVisit::UnderWay::kNothing) return;
+  // The robots.txt of another host may have redirected here.
+  if (visit.memory.asked)
+    return schedule_.AskAt(visit.row.id, world_.loop.Now() + std::max(options_.delay, kShortestTurn));
+  if (visit.memory.pace.ready() > world_.loop.Now() && !visit.robots_url) return Continue(visit);
+  if (visit.rules_known && options_.obey_robots && RobotsAreOld(visit.row)) visit.rules_known = false;
   for (int refused = 0; refused < kMostRefusedInARow; ++refused) {
     auto next = collection_.Next(visit.row.id);
     if (Failed(next)) return;
-    if (!next.value() || static_cast<std::uint64_t>(visit.row.read) >= options_.pages_per_host) {
+    if (!next.value()) return Leave(visit, std::nullopt);
+    if (static_cast<std::uint64_t>(visit.row.read) >= options_.pages_per_host) {
+      visit.memory.reason = "its budget of " + std::to_string(options_.pages_per_host) + " pages is used up";
       return Leave(visit, std::nullopt);
     }
     const WaitingPage& page = *next.value();
@@ -85,10 +106,7 @@ void Crawler::Ask(HostVisit& visit) {
     if (options_.pages && figures_.pages + page_requests_ >= *options_.pages) return held_.push_back(visit.row.id);
     visit.page = std::move(*next.value());
     visit.url = ParseUrl(visit.page->url, nullptr, world_.idna);
-    if (!visit.rules_known) {
-      visit.robots_may_be_private = visit.page->may_be_private;
-      return AskForRobots(visit, visit.row.origin + "/robots.txt");
-    }
+    if (!visit.rules_known) return AskForRobots(visit);
     if (JudgePage(visit)) return AskForPage(visit);
     if (!failure_.ok()) return;
   }
@@ -103,14 +121,14 @@ bool Crawler::JudgePage(HostVisit& visit) {
     end.reason = "address";
   } else if (visit.page->depth > options_.depth) {
     end.reason = kRefusedDepth;
-  } else if (!scope_.Contains(*visit.url) && visit.page->hops == 0) {
+  } else if (!scope_.Contains(*visit.url) && !IsStart(visit.page->page)) {
     end.reason = kRefusedScope;
   } else if (options_.obey_robots) {
     const RobotsRules::Verdict verdict = visit.rules.Check(visit.url->target());
     if (verdict.allowed) return true;
     end.reason = kRefusedRobots;
     end.line = static_cast<int>(verdict.line.value_or(0));
-    end.rule = LineOf(visit.row.robots, end.line);
+    end.rule = RobotsLine(visit.row.robots, end.line);
     ++figures_.refused;
     TellOfRefusedStart(visit, end);
   } else {
@@ -122,71 +140,111 @@ bool Crawler::JudgePage(HostVisit& visit) {
 
 void Crawler::AskForPage(HostVisit& visit) {
   WebRequest request = RequestFor(visit.url->href(), visit.page->may_be_private);
-  if (visit.page->read_before) {
+  if (visit.page->read_before && !pass_.whole) {
     request.if_none_match = visit.page->etag;
     request.if_modified_since = visit.page->modified;
   }
   visit.under_way = HostVisit::UnderWay::kPage;
   ++page_requests_;
+  visit.asked_of = &visit.memory;
   Send(visit, std::move(request));
 }
 
-void Crawler::AskForRobots(HostVisit& visit, const std::string& url) {
-  WebRequest request = RequestFor(url, visit.robots_may_be_private);
+// A redirect of robots.txt is asked for when the host where it leads may be asked.
+void Crawler::AskForRobots(HostVisit& visit) {
+  if (!visit.robots_url) {
+    visit.robots_url = ParseUrl(visit.row.origin + "/robots.txt", nullptr, world_.idna);
+    visit.robots_host = visit.row.id;
+    visit.robots_may_be_private = visit.page->may_be_private;
+    visit.robots_hops = 0;
+  }
+  HostMemory& asked_of = MemoryOf(visit.robots_host);
+  visit.asked_of = &asked_of;
+  const CrawlTime now = world_.loop.Now();
+  if (asked_of.asked) return schedule_.AskAt(visit.row.id, now + std::max(options_.delay, kShortestTurn));
+  if (asked_of.pace.ready() > now) return schedule_.AskAt(visit.row.id, asked_of.pace.ready());
+  if (!visit.robots_url) return UseRobots(visit, {}, "");
+  WebRequest request = RequestFor(visit.robots_url->href(), visit.robots_may_be_private);
   request.body_limit = kMostRobotsBytes + 1;  // one more shows that the last line may have been cut
-  visit.robots_url = url;
   visit.under_way = HostVisit::UnderWay::kRobots;
   Send(visit, std::move(request));
 }
 
 void Crawler::Send(HostVisit& visit, WebRequest request) {
   ++requests_;
+  ++sent_;
+  visit.asked_of->asked = true;
   visit.asked_at = world_.loop.Now();
   world_.client.Start(std::move(request), std::to_string(visit.row.id));
 }
 
+// The host has answered: it is not given up any more.
+void Crawler::NoteAnswer(HostVisit& visit) {
+  visit.memory.answered = true;
+  if (visit.row.state == kHostAnswers) return;
+  visit.row.state = kHostAnswers;
+  Failed(collection_.SaveHostState(visit.row.id, kHostAnswers, ""));
+}
+
 void Crawler::OnRobotsAnswer(HostVisit& visit, const WebAnswer& answer) {
   const int status = answer.head.status;
-  // The page itself will be refused for the same reason, and is told so.
+  const Url asked = *visit.robots_url;
+  // A public host that redirects to a private place has no robots.txt that could be had. Where the host is private
+  // itself, its pages will be refused for the same reason.
   if (answer.failure == WebFailure::kPrivateAddress) return UseRobots(visit, answer, "");
-  if (answer.failure != WebFailure::kNone) return OnSilence(visit, answer);
+  if (answer.failure != WebFailure::kNone && visit.robots_hops == 0) return OnSilence(visit, answer);
+  if (answer.failure != WebFailure::kNone) {
+    return OnNoRobots(visit, answer, "its robots.txt leads to " + asked.href() + ": " + answer.message);
+  }
   if (IsRedirect(status)) {
     const std::string* const location = answer.head.Find("Location");
-    const auto from = ParseUrl(visit.robots_url, nullptr, world_.idna);
-    const auto to = location && from ? ParseUrl(*location, &*from, world_.idna) : std::nullopt;
-    if (to && ++visit.robots_hops <= kMostRobotsHops) {
-      visit.robots_may_be_private = visit.robots_may_be_private && CameFromPrivatePlace(*from, answer);
-      return AskForRobots(visit, to->href());
-    }
+    const auto to = location ? AsPage(ParseUrl(*location, &asked, world_.idna), world_.idna) : std::nullopt;
+    if (to && ++visit.robots_hops <= kMostRobotsHops) return FollowRobots(visit, answer, asked, *to);
   }
-  if (status >= 500) return OnNoRobots(visit, answer);
+  if (status >= 500) return OnNoRobots(visit, answer, "its robots.txt answers with status " + std::to_string(status));
   // Where there are no rules, everything is allowed.
   UseRobots(visit, answer, status <= 299 ? std::string_view(answer.body) : std::string_view());
+}
+
+void Crawler::FollowRobots(HostVisit& visit, const WebAnswer& answer, const Url& from, const Url& to) {
+  visit.robots_may_be_private = visit.robots_may_be_private && CameFromPrivatePlace(from, answer);
+  visit.robots_url = to;
+  visit.asked_of->pace.OnAnswer(world_.loop.Now(), answer.duration);
+  const auto host = collection_.HostOf(to, SiteOf(to));
+  if (Failed(host)) return;
+  visit.robots_host = host.value();
+  schedule_.AskAt(visit.row.id, MemoryOf(visit.robots_host).pace.ready());
 }
 
 // The host's rules for the next 24 hours. robots.txt counts as a page for the pause.
 void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_view rules) {
   HostMemory& memory = visit.memory;
+  const bool redirected = visit.robots_host != visit.row.id;
+  const bool other_rules = visit.row.robots != rules;
+  visit.robots_url.reset();
   visit.row.robots = rules;
+  visit.row.robots_time = world_.clock.UtcSeconds();
   SetRules(visit, rules);
   memory.refusals = 0;
   memory.reason.clear();
-  if (answer.failure == WebFailure::kNone) {
-    const std::int64_t now = world_.clock.UtcSeconds();
-    if (Failed(collection_.SaveRobots(visit.row.id, now, answer.head.status, rules))) return;
-    if (Failed(collection_.SaveHostState(visit.row.id, kHostAnswers, ""))) return;
+  NoteProgress();
+  if (answer.failure == WebFailure::kNone || visit.robots_hops > 0) {
+    if (Failed(collection_.SaveRobots(visit.row.id, *visit.row.robots_time, answer.head.status, rules))) return;
+    if (other_rules) QueueRefusedOf(visit.row.id, kRefusedRobots);
   }
+  HostPace& pace = visit.asked_of->pace;
   if (answer.head.status == 429) {
-    memory.pace.OnBusy(world_.loop.Now(), answer.duration, RetryAfterOf(answer));
+    pace.OnBusy(world_.loop.Now(), answer.duration, RetryAfterOf(answer));
   } else {
-    memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
+    pace.OnAnswer(world_.loop.Now(), answer.duration);
   }
+  if (redirected) memory.pace.OnAnswer(world_.loop.Now(), CrawlDuration{0});
   Continue(visit);
 }
 
-// The server fails: nothing may be asked for until robots.txt can be had.
-void Crawler::OnNoRobots(HostVisit& visit, const WebAnswer& answer) {
-  const std::string reason = "its robots.txt answers with status " + std::to_string(answer.head.status);
+// The rules cannot be had: nothing may be asked for until they can.
+void Crawler::OnNoRobots(HostVisit& visit, const WebAnswer& answer, const std::string& reason) {
+  visit.asked_of->pace.OnAnswer(world_.loop.Now(), answer.duration);
   if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, reason);
   const CrawlDuration wait = kWaits[visit.memory.refusals++];
   visit.memory.reason = reason;
@@ -200,12 +258,15 @@ void Crawler::OnSilence(HostVisit& visit, const WebAnswer& answer) {
     offline_ = true;
     return;
   }
-  if (FallBackToHttp(visit, answer)) return;
+  FallBackToHttp(visit, answer);
+  const auto next = collection_.Next(visit.row.id);
+  if (!failure_.ok() || Failed(next)) return;
+  if (!next.value()) return Leave(visit, std::nullopt);
   if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, answer.message);
   const CrawlDuration wait = kWaits[visit.memory.refusals++];
   visit.memory.reason = answer.message;
   visit.memory.pace.Park(world_.loop.Now(), wait);
-  Leave(visit, visit.page->depth);
+  Leave(visit, next.value()->depth);
 }
 
 bool Crawler::CountFailure(HostVisit& visit, const std::string& reason) {

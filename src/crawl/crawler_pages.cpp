@@ -12,6 +12,7 @@ namespace quenlar {
 namespace {
 
 constexpr int kMostHops = 5;
+constexpr std::string_view kNoPageType = "type";  // an answer that is not a page has not failed
 
 // The media type without parameters, in lower case; empty where the answer names none.
 std::string MediaType(const WebHead& head) {
@@ -60,6 +61,11 @@ void Crawler::OnPageAnswer(HostVisit& visit, const WebAnswer& answer) {
   }
   visit.memory.failures = 0;
   visit.memory.reason.clear();
+  NoteProgress();
+  // It may have been found nearer while it was under way.
+  const auto known = collection_.Page(visit.page->page);
+  if (Failed(known)) return;
+  visit.page->depth = known.value().depth;
   if (status == 304 && visit.page->read_before) {
     OnUnchanged(visit);
   } else if (status >= 300 && status <= 399) {
@@ -92,10 +98,9 @@ void Crawler::OnLostPage(HostVisit& visit, const WebAnswer& answer, PageEnd end)
     case WebFailure::kNoTls:
     case WebFailure::kCertificate:
     case WebFailure::kProxy:
-      if (!visit.memory.answered) return OnSilence(visit, answer);
-      break;
     case WebFailure::kTimeout:
     case WebFailure::kBroken:
+      if (!visit.memory.answered) return OnSilence(visit, answer);
       break;
     case WebFailure::kBadUrl:
     case WebFailure::kNoMemory:
@@ -117,6 +122,7 @@ void Crawler::OnBusyHost(HostVisit& visit, const WebAnswer& answer, PageEnd end)
 }
 
 void Crawler::OnUnchanged(HostVisit& visit) {
+  if (IsStart(visit.page->page)) MoveStarts(visit.page->page, visit.page->page, *visit.url);
   ++figures_.pages;
   Failed(collection_.EndUnchanged(visit.row.id, visit.page->page, world_.clock.UtcSeconds()));
   ++visit.row.read;
@@ -125,14 +131,15 @@ void Crawler::OnUnchanged(HostVisit& visit) {
 void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   const std::string location = FieldOf(answer.head, "Location");
   const auto target =
-      location.empty() ? std::nullopt : WithoutUser(ParseUrl(location, &*visit.url, world_.idna), world_.idna);
+      location.empty() ? std::nullopt : AsPage(ParseUrl(location, &*visit.url, world_.idna), world_.idna);
   const int hops = visit.page->hops + 1;
-  if (!target || hops > kMostHops || target->href().size() > kLongestPageUrl) {
-    end.reason = target && hops > kMostHops ? "too many redirects" : "redirect without a target";
+  if (!target || hops > kMostHops) {
+    end.reason = target ? "too many redirects" : "redirect without a target";
     return EndPage(visit, end);
   }
 
-  const bool start_moves = IsStart(visit.page->page);
+  const PageId page = visit.page->page;
+  const bool start_moves = IsStart(page);
   const bool leaves_scope = !start_moves && !scope_.Contains(*target);
   if (leaves_scope && !options_.links) {
     end.state = PageState::kRefused;
@@ -140,7 +147,7 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
     return EndPage(visit, end);
   }
   if (target->PageKey() == visit.url->PageKey()) {
-    const auto host = collection_.Readdress(visit.page->page, *target, SiteOf(*target), hops);
+    const auto host = collection_.Readdress(page, *target, SiteOf(*target), hops);
     if (!Failed(host)) QueueHost(host.value(), visit.page->depth);
     return;
   }
@@ -148,17 +155,24 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   offer.depth = visit.page->depth;
   offer.rank = 0;  // a page that was asked for comes before those that were only found
   offer.hops = hops;
-  offer.parent = visit.page->page;
+  offer.parent = page;
   offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
   offer.by_id = true;
   if (leaves_scope) offer.refused = kRefusedScope;
-  const auto offered = collection_.Offer(offer);
-  if (Failed(offered)) return;
-  if (start_moves) MoveStart(visit.page->page, offered.value().page, *target);
-  if (offered.value().queued) QueueHost(offered.value().host, offer.depth);
+  const auto offered = Offer(offer);
+  if (!offered) return;
+  // The target may have been visited, and have redirected on.
+  const auto last = collection_.LastOfRedirects(offered->page, page);
+  if (Failed(last)) return;
+  if (last.value().page == 0) {
+    end.reason = "redirects in a circle";
+    return EndPage(visit, end);
+  }
+  const auto place = ParseUrl(last.value().url, nullptr, world_.idna);
+  if (start_moves && place) MoveStarts(page, last.value().page, *place);
   end.state = PageState::kMoved;
   end.reason.clear();
-  end.moved_to = offered.value().page;
+  end.moved_to = offered->page;
   EndPage(visit, end);
 }
 
@@ -171,9 +185,10 @@ bool Crawler::CameFromPrivatePlace(const Url& url, const WebAnswer& answer) cons
 void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   end.type = MediaType(answer.head);
   if (!IsPageType(answer.head)) {
-    end.reason = "type";
+    end.reason = kNoPageType;
     return EndPage(visit, end);
   }
+  if (IsStart(visit.page->page)) MoveStarts(visit.page->page, visit.page->page, *visit.url);
   const std::string content_type = FieldOf(answer.head, "Content-Type");
   const std::vector<std::string> robots_headers = RobotsHeaders(answer.head);
   ReadRequest request;
@@ -222,13 +237,15 @@ std::vector<SeenAddress> Crawler::KeptAddresses(const ReadResult& page, PageEnd&
   return kept;
 }
 
+// Takes up the links of a page, and remembers them: should it turn out to be nearer to a start, so are they.
 void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place) {
   const int depth = visit.page->depth + 1;
+  std::vector<std::int64_t> keys;
   for (const PageLink& link : links) {
     const LinkFollow least = options_.obey_robots ? LinkFollow::kFollowed : LinkFollow::kUnasked;
     if (link.follow < least) continue;
-    const auto url = WithoutUser(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
-    if (!url || url->href().size() > kLongestPageUrl) continue;
+    const auto url = AsPage(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
+    if (!url) continue;
     PageOffer offer{*url, SiteOf(*url)};
     offer.depth = depth;
     offer.rank = PromisesContacts(url->path()) || PromisesContacts(link.text) ? 0 : 1;
@@ -241,16 +258,18 @@ void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& li
     } else if (depth > options_.depth) {
       offer.refused = kRefusedDepth;
     }
-    const auto offered = collection_.Offer(offer);
-    if (Failed(offered)) return;
-    if (offered.value().queued) QueueHost(offered.value().host, depth);
+    const auto offered = Offer(offer);
+    if (!offered) return;
+    keys.push_back(offered->key);
   }
+  // A start cannot come nearer.
+  if (visit.page->depth > 0) Failed(collection_.SaveLinks(visit.page->page, keys));
 }
 
 // Ends the visit of the page at hand, and gives the new addresses to the view.
 void Crawler::EndPage(HostVisit& visit, const PageEnd& end, const std::vector<SeenAddress>& addresses) {
   if (!failure_.ok()) return;
-  if (end.state == PageState::kFailed) ++figures_.failed;
+  if (end.state == PageState::kFailed && end.reason != kNoPageType) ++figures_.failed;
   const std::int64_t now = world_.clock.UtcSeconds();
   const auto fresh = collection_.End(visit.row.id, visit.page->page, end, addresses, now);
   if (Failed(fresh)) return;

@@ -1,74 +1,92 @@
-// The part of Crawler that deals with starts: site addresses and keywords.
+// The part of Crawler that deals with site addresses as starts.
+#include <algorithm>
 #include <utility>
 
+#include "base/ascii.h"
 #include "crawl/contact_words.h"
 #include "crawl/crawler.h"
-#include "crawl/search_service.h"
 
 namespace quenlar {
 namespace {
 
 constexpr const char* kSite = "site";
-constexpr const char* kKeyword = "keyword";
-constexpr const char* kResult = "result";
-constexpr const char* kSearchKey = "s";
+
+bool HasWebScheme(std::string_view text) {
+  const std::string scheme = Lower(text.substr(0, text.find("://")));
+  return scheme.size() < text.size() && (scheme == "http" || scheme == "https");
+}
+
+// What a person means by a site's address: without a scheme it is asked for by https first.
+std::optional<Url> TypedUrl(const std::string& text, const Idna& idna) {
+  const std::string whole = text.find("://") == std::string::npos ? "https://" + text : text;
+  return AsPage(ParseUrl(whole, nullptr, idna), idna);
+}
+
+template <typename Map>
+void EraseOne(Map& map, typename Map::key_type key, typename Map::mapped_type value) {
+  const auto [begin, end] = map.equal_range(key);
+  for (auto it = begin; it != end; ++it) {
+    if (it->second != value) continue;
+    map.erase(it);
+    return;
+  }
+}
 
 }  // namespace
 
 bool IsSiteText(std::string_view text) {
-  return text.find('.') != std::string_view::npos && text.find_first_of(" \t") == std::string_view::npos;
+  if (text.find_first_of(" \t") != std::string_view::npos) return false;
+  return text.find('.') != std::string_view::npos || text.find("://") != std::string_view::npos;
 }
 
 void Crawler::AddStarts(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) {
-    const bool site = IsSiteText(text) || text.starts_with("http://") || text.starts_with("https://");
-    const auto start = collection_.AddStart(text, site ? kSite : kKeyword, 0);
-    if (Failed(start)) return;
-    site ? AddSite(start.value()) : AddKeyword(start.value());
+    IsSiteText(text) ? AddSite(text) : AddKeyword(text);
+    if (!failure_.ok()) return;
   }
-  // Starts of earlier runs, and results of earlier searches, open their scopes too.
-  const auto all = collection_.Starts();
-  if (Failed(all)) return;
-  for (const StartRow& start : all.value()) {
-    if (!start.host.empty()) scope_.Open(start.host, start.site);
-    if (start.page != 0) start_pages_.emplace(start.page, start.id);
-  }
+  LoadStarts();
 }
 
-void Crawler::AddSite(const StartRow& start) {
-  const bool scheme_typed = start.text.starts_with("http://") || start.text.starts_with("https://");
-  const auto url = ParseUrl(scheme_typed ? start.text : "https://" + start.text, nullptr, world_.idna);
+void Crawler::AddSite(const std::string& text) {
+  const auto url = TypedUrl(text, world_.idna);
   if (!url) {
-    start_problems_.push_back(start.text + ": this is not a web address");
+    const bool other_scheme = text.find("://") != std::string::npos && !HasWebScheme(text);
+    start_problems_.push_back(text +
+                              (other_scheme ? ": only http and https can be visited" : ": this is not a web address"));
     return;
   }
-  if (start.page == 0) return PlaceSite(start, *url, scheme_typed, true);
-  const auto host = collection_.HostOfPage(start.page);
-  if (Failed(host)) return;
-  start_hosts_[start.text] = host.value();
-  if (!scheme_typed) may_fall_back_.insert(start.page);
+  const auto start = collection_.AddStart(text, kSite, 0);
+  if (Failed(start) || places_.contains(start.value().id)) return;
+  given_[start.value().id].text = text;
+  if (start.value().page == 0) return PlaceSite(start.value(), *url, true);
+  // Where it lies by now. What refused it in an earlier run is judged anew, and told anew.
+  const auto page = collection_.Page(start.value().page);
+  if (Failed(page)) return;
+  const auto known = ParseUrl(page.value().url, nullptr, world_.idna);
+  PlaceSite(start.value(), known ? *known : *url, true);
 }
 
-void Crawler::PlaceSite(const StartRow& start, const Url& url, bool scheme_typed, bool typed) {
-  PageOffer offer{url, SiteOf(url)};
+void Crawler::PlaceSite(const StartRow& start, const Url& url, bool typed) {
+  const std::string authority(AuthorityOf(url)), site(SiteOf(url));
+  PageOffer offer{url, site};
   offer.rank = 0;
   offer.may_be_private = typed;
   offer.by_id = true;
-  const auto offered = collection_.Offer(offer);
-  if (Failed(offered)) return;
-  const std::string authority(AuthorityOf(url));
-  if (Failed(collection_.PlaceStart(start.id, offered.value().page, authority, SiteOf(url)))) return;
-  scope_.Open(authority, SiteOf(url));
-  start_pages_.emplace(offered.value().page, start.id);
-  if (typed) start_hosts_[start.text] = offered.value().host;
-  if (typed && !scheme_typed) may_fall_back_.insert(offered.value().page);
-  if (offered.value().queued) QueueHost(offered.value().host, 0);
+  offer.is_start = true;
+  const auto offered = Offer(offer);
+  if (!offered || Failed(collection_.PlaceStart(start.id, offered->page, authority, site))) return;
+  StartRow placed = start;
+  placed.page = offered->page;
+  placed.host = authority;
+  placed.site = site;
+  LoadStart(placed);
+  OpenScope(authority, site);
 }
 
 // Opens the link's site, but is not a start: a redirect does not move it to another site.
 void Crawler::AddLink(const HandedLink& link) {
-  const auto url = WithoutUser(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
-  if (!url || url->href().size() > kLongestPageUrl) {
+  const auto url = AsPage(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
+  if (!url) {
     start_problems_.push_back(link.url + ": this is not a web address");
     return;
   }
@@ -78,23 +96,89 @@ void Crawler::AddLink(const HandedLink& link) {
   offer.may_be_private = link.may_be_private;
   offer.by_id = true;
   if (link.depth > options_.depth) offer.refused = kRefusedDepth;
-  const auto offered = collection_.Offer(offer);
-  if (Failed(offered)) return;
-  scope_.Open(AuthorityOf(*url), SiteOf(*url));
-  if (link.https_first) may_fall_back_.insert(offered.value().page);
-  if (offered.value().queued) QueueHost(offered.value().host, link.depth);
+  const auto offered = Offer(offer);
+  if (!offered) return;
+  OpenScope(AuthorityOf(*url), SiteOf(*url));
+  const auto page = collection_.Page(offered->page);
+  if (!Failed(page) && link.https_first) AllowFallback(page.value(), *url);
 }
 
-// A start that redirects moves: where it ends, its host and site are.
-void Crawler::MoveStart(PageId from, PageId to, const Url& url) {
-  const auto found = start_pages_.find(from);
-  if (found == start_pages_.end()) return;
-  const StartId start = found->second;
-  const std::string authority(AuthorityOf(url));
-  if (Failed(collection_.PlaceStart(start, to, authority, SiteOf(url)))) return;
-  start_pages_.emplace(to, start);
-  scope_.Open(authority, SiteOf(url));
-  collection_.ForgetKnownPages();
+// Starts of earlier runs, and results of earlier searches, open their scopes too.
+void Crawler::LoadStarts() {
+  const auto all = collection_.Starts();
+  if (Failed(all)) return;
+  for (const StartRow& start : all.value()) {
+    if (start.page == 0 || places_.contains(start.id)) continue;
+    LoadStart(start);
+    scope_.Open(start.host, start.site);
+  }
+}
+
+// A start that has moved is asked for where it was typed too when everything is visited anew: it may have moved on.
+void Crawler::LoadStart(const StartRow& start) {
+  if (!failure_.ok() || !places_.emplace(start.id, StartPlace{start.page, start.host, start.site}).second) return;
+  starts_on_.emplace(start.page, start.id);
+  const auto page = collection_.Page(start.page);
+  const auto typed = TypedUrl(start.text, world_.idna);
+  if (Failed(page) || !typed) return;
+  if (const auto given = given_.find(start.id); given != given_.end()) given->second.host = page.value().host;
+  const bool scheme_typed = start.text.find("://") != std::string::npos;
+  std::string_view url = page.value().url;
+  url.remove_prefix(std::min(url.find("//") + 2, url.size()));
+  if (url == typed->PageKey()) {
+    if (!scheme_typed) AllowFallback(page.value(), *typed);
+    return;
+  }
+  if (!pass_.later) return;
+  const auto first = collection_.FindPage(*typed);
+  if (Failed(first) || first.value().page == 0) return;
+  starts_on_.emplace(first.value().page, start.id);
+  if (!scheme_typed) AllowFallback(first.value(), *typed);
+}
+
+// A page that was never read is asked for by https once more, also where only http answered before.
+void Crawler::AllowFallback(const KnownPage& page, const Url& typed) {
+  if (!page.Is(PageState::kWaiting)) return;
+  HostId host = page.host;
+  if (!page.read_before && page.url != typed.href()) {
+    const auto moved = collection_.Readdress(page.page, typed, SiteOf(typed), 0);
+    if (Failed(moved)) return;
+    host = moved.value();
+    QueueHost(host, page.depth);
+  }
+  if (host != page.host || page.url == typed.href()) may_fall_back_.emplace(host, page.page);
+}
+
+void Crawler::OpenScope(std::string_view authority, std::string_view site) {
+  if (!failure_.ok() || !scope_.Open(authority, site)) return;
+  // Links that led here before were refused.
+  const auto hosts =
+      options_.scope == CrawlScope::kHost ? collection_.HostsOfAuthority(authority) : collection_.HostsOfSite(site);
+  if (Failed(hosts)) return;
+  for (const HostId host : hosts.value()) QueueRefusedOf(host, kRefusedScope);
+}
+
+// A start that redirects moves: where it ends, its host and site are, and where it was they are not any more.
+void Crawler::MoveStarts(PageId from, PageId to, const Url& url) {
+  std::vector<StartId> starts;
+  const auto [begin, end] = starts_on_.equal_range(from);
+  for (auto it = begin; it != end; ++it) starts.push_back(it->second);
+  for (const StartId start : starts) {
+    StartPlace& place = places_[start];
+    if (place.page == to) continue;
+    EraseOne(starts_on_, place.page, start);
+    if (place.page != from) EraseOne(starts_on_, from, start);
+    starts_on_.emplace(to, start);
+    const StartPlace before = std::exchange(place, {to, std::string(AuthorityOf(url)), std::string(SiteOf(url))});
+    if (Failed(collection_.PlaceStart(start, to, place.authority, place.site))) return;
+    OpenScope(place.authority, place.site);
+    scope_.Close(before.authority, before.site);
+    const auto given = given_.find(start);
+    if (given == given_.end()) continue;
+    const auto page = collection_.Page(to);
+    if (Failed(page)) return;
+    given->second.host = page.value().host;
+  }
 }
 
 // A person who names a site wants to know why nothing comes of it.
@@ -105,79 +189,27 @@ void Crawler::TellOfRefusedStart(const HostVisit& visit, const PageEnd& end) {
                        "); with --robots ignore it is visited all the same");
 }
 
-// A start without a scheme is asked for by https first, then by http when nothing answers there.
-bool Crawler::FallBackToHttp(HostVisit& visit, const WebAnswer& answer) {
+// Starts without a scheme are asked for by https first, then by http when nothing answers there.
+void Crawler::FallBackToHttp(HostVisit& visit, const WebAnswer& answer) {
   const bool nothing_answers = answer.failure == WebFailure::kNoConnection || answer.failure == WebFailure::kNoTls ||
-                               answer.failure == WebFailure::kTimeout;
-  if (!nothing_answers || !visit.url || !visit.url->secure() || may_fall_back_.erase(visit.page->page) == 0) {
-    return false;
+                               answer.failure == WebFailure::kTimeout || answer.failure == WebFailure::kProxy;
+  if (!nothing_answers || visit.memory.answered) return;
+  const auto [begin, end] = may_fall_back_.equal_range(visit.row.id);
+  for (auto it = begin; it != end; ++it) {
+    const auto page = collection_.Page(it->second);
+    if (Failed(page)) return;
+    if (!page.value().Is(PageState::kWaiting) || page.value().host != visit.row.id) continue;
+    const auto url = ParseUrl("http" + page.value().url.substr(page.value().url.find("://")), nullptr, world_.idna);
+    if (!url) continue;
+    const auto host = collection_.Readdress(it->second, *url, SiteOf(*url), 0);
+    if (Failed(host)) return;
+    const auto [first, last] = starts_on_.equal_range(it->second);
+    for (auto start = first; start != last; ++start) {
+      if (const auto given = given_.find(start->second); given != given_.end()) given->second.host = host.value();
+    }
+    QueueHost(host.value(), page.value().depth);
   }
-  const auto url = ParseUrl("http://" + std::string(visit.url->PageKey()), nullptr, world_.idna);
-  if (!url) return false;
-  const auto host = collection_.Readdress(visit.page->page, *url, SiteOf(*url), 0);
-  if (Failed(host)) return true;
-  for (auto& [text, start_host] : start_hosts_) {
-    if (start_host == visit.row.id) start_host = host.value();
-  }
-  QueueHost(host.value(), 0);
-  schedule_.AskAt(visit.row.id, world_.loop.Now());
-  return true;
-}
-
-void Crawler::AddKeyword(const StartRow& start) {
-  if (start.asked && !options_.again) return;
-  if (options_.search_service.empty()) {
-    start_problems_.push_back(
-        start.text +
-        ": a keyword needs a search service; name one with --search URL (any SearXNG service that answers in JSON)");
-    return;
-  }
-  search_.keywords.push_back(start);
-}
-
-void Crawler::AskSearchService() {
-  if (search_.keywords.empty() || search_.under_way || search_.pace.ready() > world_.loop.Now()) return;
-  const StartRow& keyword = search_.keywords.front();
-  search_.under_way = true;
-  ++requests_;
-  const std::string url = SearchUrl(options_.search_service, keyword.text, options_.language, search_.page);
-  world_.client.Start(RequestFor(url, true), kSearchKey);
-}
-
-void Crawler::OnSearchAnswer(WebAnswer answer) {
-  if (!search_.under_way || !failure_.ok()) return;
-  search_.under_way = false;
-  --requests_;
-  constexpr int kMostBusy = 3;
-  const int status = answer.head.status;
-  if (answer.failure == WebFailure::kNone && (status == 429 || status == 503) && ++search_.busy < kMostBusy) {
-    return search_.pace.OnBusy(world_.loop.Now(), answer.duration, RetryAfterOf(answer));
-  }
-  search_.pace.OnAnswer(world_.loop.Now(), answer.duration);
-  const SearchReply reply = ReadSearchAnswer(options_.search_service, answer);
-  const StartId keyword = search_.keywords.front().id;
-  bool brought_new = false;
-  for (const std::string& text : reply.urls) {
-    const auto url = ParseUrl(text, nullptr, world_.idna);
-    if (!url || !search_.seen.emplace(url->PageKey()).second) continue;
-    brought_new = true;
-    const auto start = collection_.AddStart(url->href(), kResult, keyword);
-    if (Failed(start)) return;
-    if (start.value().page == 0) PlaceSite(start.value(), *url, true, false);
-  }
-  if (!brought_new || ++search_.page > kMostSearchPages) EndSearch(reply.problem);
-}
-
-// The first keyword has brought what it can. One that failed is asked for again by the next run.
-void Crawler::EndSearch(const std::string& problem) {
-  const StartRow keyword = std::move(search_.keywords.front());
-  search_.keywords.pop_front();
-  const bool found = !search_.seen.empty();
-  if (!found) start_problems_.push_back(keyword.text + ": " + (problem.empty() ? "the search finds nothing" : problem));
-  if (found || problem.empty()) Failed(collection_.MarkAsked(keyword.id, world_.clock.UtcSeconds()));
-  search_.page = 1;
-  search_.busy = 0;
-  search_.seen.clear();
+  may_fall_back_.erase(visit.row.id);
 }
 
 }  // namespace quenlar

@@ -17,9 +17,10 @@ std::string_view AuthorityOf(const Url& url) {
   return key.substr(0, key.find('/'));
 }
 
-std::optional<Url> WithoutUser(std::optional<Url> url, const Idna& idna) {
-  if (!url) return url;
+std::optional<Url> AsPage(std::optional<Url> url, const Idna& idna) {
+  if (!url || url->port() == 0) return std::nullopt;
   const std::string plain = std::string(url->scheme()).append("://").append(url->PageKey());
+  if (plain.size() > kLongestPageUrl) return std::nullopt;
   return plain.size() == url->href().size() ? url : ParseUrl(plain, nullptr, idna);
 }
 
@@ -39,8 +40,14 @@ bool RepeatsSegments(std::string_view path) {
   return false;
 }
 
-void ScopeRule::Open(std::string_view authority, std::string_view site) {
-  if (scope_ != CrawlScope::kAnywhere) open_.emplace(scope_ == CrawlScope::kHost ? authority : site);
+bool ScopeRule::Open(std::string_view authority, std::string_view site) {
+  if (scope_ == CrawlScope::kAnywhere) return false;
+  return ++open_[std::string(scope_ == CrawlScope::kHost ? authority : site)] == 1;
+}
+
+void ScopeRule::Close(std::string_view authority, std::string_view site) {
+  const auto found = open_.find(std::string(scope_ == CrawlScope::kHost ? authority : site));
+  if (found != open_.end() && --found->second == 0) open_.erase(found);
 }
 
 bool ScopeRule::Contains(const Url& url) const {

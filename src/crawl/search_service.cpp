@@ -61,11 +61,13 @@ std::string SearchUrl(std::string_view service, std::string_view keyword, std::s
 SearchReply ReadSearchAnswer(std::string_view service, const WebAnswer& answer) {
   SearchReply reply;
   reply.problem = ProblemOf(service, answer);
-  if (!reply.problem.empty()) return reply;
+  reply.broken = !reply.problem.empty();
+  if (reply.broken) return reply;
   // Depth is bounded by the body, and the parser does not call itself.
   const nlohmann::json parsed = nlohmann::json::parse(answer.body, nullptr, false);
   const auto results = parsed.is_object() ? parsed.find("results") : parsed.end();
   if (!parsed.is_object() || results == parsed.end() || !results->is_array()) {
+    reply.broken = true;
     reply.problem = "the search service at " + std::string(service) +
                     " gives no results that can be read; is this the address of a service with the SearXNG interface?";
     return reply;

@@ -20,6 +20,7 @@ inline constexpr int kMostSearchPages = 20;
 struct SearchReply {
   std::vector<std::string> urls = {};  // of the results, in their order
   std::string problem = {};  // a sentence without its end that says what is wrong and what to do; empty: nothing
+  bool broken = false;       // there was no answer that could be read, so more results may be there
 };
 
 // What an answer of the service holds.

@@ -185,4 +185,10 @@ RobotsRules::Verdict RobotsRules::Check(std::string_view target) const {
   return {};
 }
 
+std::string RobotsLine(std::string_view body, int number) {
+  body = ReadPart(body);
+  for (int i = 1; i < number && !body.empty(); ++i) TakeLine(body);
+  return std::string(number < 1 ? std::string_view() : TakeLine(body));
+}
+
 }  // namespace quenlar

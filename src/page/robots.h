@@ -56,4 +56,7 @@ class RobotsRules {
   std::vector<std::string> sitemaps_;
 };
 
+// The line of a robots.txt with this number, counted from 1 as in a verdict. Empty where there is none.
+[[nodiscard]] std::string RobotsLine(std::string_view body, int number);
+
 }  // namespace quenlar

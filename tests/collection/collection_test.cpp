@@ -50,7 +50,8 @@ TEST_F(CollectionTest, APageThatIsOfferedWaits) {
 TEST_F(CollectionTest, APageIsKnownUnderBothSchemes) {
   Offer("https://www.example.org/a");
   EXPECT_FALSE(Offer("http://www.example.org/a").queued);
-  collection_->ForgetKnownPages();
+  ASSERT_TRUE(collection_->Commit().ok());
+  Reopen();
   EXPECT_FALSE(Offer("http://www.example.org/a").queued) << "the file knows it too";
   EXPECT_EQ(collection_->waiting(), 1);
   EXPECT_THAT(Query("SELECT url FROM pages"), ElementsAre("https://www.example.org/a"));
@@ -212,7 +213,7 @@ TEST_F(CollectionTest, APageThatIsReadAgainMarksAddressesThatAreGone) {
   end.body_hash = 1;
   end.etag = "\"v1\"";
   End(page, end, {kAnna, kBert}, 1000);
-  ASSERT_TRUE(collection_->QueueAgain().ok());
+  VisitAgain();
   EXPECT_EQ(collection_->waiting(), 1);
   const auto next = collection_->Next(page.host);
   EXPECT_TRUE(next.value()->read_before);
@@ -227,7 +228,7 @@ TEST_F(CollectionTest, APageThatHasNotChangedKeepsItsAddresses) {
   PageEnd end = Read();
   end.body_hash = 1;
   End(page, end, {kAnna}, 1000);
-  ASSERT_TRUE(collection_->QueueAgain().ok());
+  VisitAgain();
   ASSERT_TRUE(collection_->EndUnchanged(page.host, page.page, 2000).ok());
   EXPECT_EQ(collection_->waiting(), 0);
   EXPECT_THAT(Query("SELECT last_seen FROM sightings WHERE gone = 0"), ElementsAre("2000"));
@@ -238,7 +239,7 @@ TEST_F(CollectionTest, APageThatIsNotThereAnyMoreLosesItsAddressesAndOneThatFail
   const OfferedPage gone = Offer("https://www.example.org/gone"), ill = Offer("https://www.example.org/ill");
   End(gone, Read(), {kAnna});
   End(ill, Read(), {kBert});
-  ASSERT_TRUE(collection_->QueueAgain().ok());
+  VisitAgain();
   End(gone, Failed(404));
   End(ill, Failed(500));
   EXPECT_THAT(Query("SELECT a.address FROM addresses a JOIN sightings s ON s.address = a.id WHERE s.gone = 1"),
@@ -262,7 +263,7 @@ TEST_F(CollectionTest, APageCanBeAskedForUnderTheOtherScheme) {
   EXPECT_NE(host.value(), page.host);
   EXPECT_EQ(NextUrl(host.value()), "http://www.example.org/");
   EXPECT_EQ(NextUrl(page.host), "");
-  EXPECT_EQ(collection_->HostOfPage(page.page).value(), host.value());
+  EXPECT_EQ(collection_->Page(page.page).value().host, host.value());
 }
 
 TEST_F(CollectionTest, AReaderSeesWhatIsCommittedWhileARunWrites) {
@@ -272,6 +273,16 @@ TEST_F(CollectionTest, AReaderSeesWhatIsCommittedWhileARunWrites) {
   auto reader = Database::Open(path_, Database::Mode::kRead);
   ASSERT_TRUE(reader.ok());
   EXPECT_EQ(reader.value()->Number("SELECT count(*) FROM pages").value(), 1);
+}
+
+TEST_F(CollectionTest, WhatIsCommittedSoonIsThereForOthersAtOnce) {
+  for (const char* const url : {"https://www.example.org/a", "https://www.example.org/b"}) {
+    Offer(url);
+    ASSERT_TRUE(collection_->CommitSoon().ok());
+  }
+  auto reader = Database::Open(path_, Database::Mode::kRead);
+  ASSERT_TRUE(reader.ok());
+  EXPECT_EQ(reader.value()->Number("SELECT count(*) FROM pages").value(), 2);
 }
 
 TEST_F(CollectionTest, ADamagedFileIsKeptAside) {

@@ -113,7 +113,7 @@ TEST_F(OverviewTest, HoldsWhatWasChosenAndSaysSo) {
 }
 
 TEST_F(OverviewTest, WhatIsGoneComesLastAndAnAddressThatIsGoneEverywhereOnlyOnDemand) {
-  ASSERT_TRUE(collection_->QueueAgain().ok());
+  VisitAgain();
   PageEnd end;
   end.title = "Home";
   End({1, 1, true}, end, {}, kSecondVisit);

@@ -77,6 +77,12 @@ class CollectionTest : public testing::Test {
     return offered.ok() ? offered.value() : OfferedPage{};
   }
 
+  // Ends the pass at hand, and begins another one.
+  void VisitAgain() {
+    ASSERT_TRUE(collection_->EndPass().ok());
+    ASSERT_TRUE(collection_->BeginPass(true, "").ok());
+  }
+
   std::string NextUrl(HostId host) {
     const auto next = collection_->Next(host);
     EXPECT_TRUE(next.ok()) << next.status().message();

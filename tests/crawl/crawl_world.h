@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "collection/collection_reader.h"
 #include "collection/scratch_collection.h"
 #include "crawl/crawler.h"
 #include "support/fake_event_loop.h"
