@@ -297,7 +297,7 @@ class List {
 function makeSighting(sighting) {
   const {page, place, first, last, gone} = sighting;
   const item = make('li', gone ? 'gone' : '', make('div', 'page', linkTo(page)), make('div', 'url', page.url));
-  const seen = first === last ? formatTime(first) : formatTime(first) + ' to ' + formatTime(last);
+  const seen = [...new Set([formatTime(first), formatTime(last)])].join(' to ');
   item.append(make('div', 'facts', [place, seen, gone ? 'gone since' : ''].filter(Boolean).join(' \u00b7 ')));
   return item;
 }

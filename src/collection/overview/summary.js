@@ -33,9 +33,12 @@ function showFigures(model, sites) {
 }
 
 function makeBar(share) {
+  const track = make('span', 'track');
+  if (share === 0) return track;
   const bar = make('span', 'bar');
   bar.style.width = (share * 100).toFixed(2) + '%';
-  return make('span', 'track', bar);
+  track.append(bar);
+  return track;
 }
 
 // Each bar is a button that narrows the list to its addresses.
@@ -52,11 +55,9 @@ function showChart(list, counts, prefix, search) {
 }
 
 function showMoreSites(sites) {
-  const more = sites.slice(kMostBars);
-  if (more.length === 0) return;
-  byId('more-sites').hidden = false;
-  byId('more-sites').textContent = more.length === 1 ? 'One more site has fewer addresses.' :
-                                                       formatNumber(more.length) + ' more sites have fewer addresses.';
+  const more = sites.length - kMostBars;
+  byId('more-sites').hidden = more <= 0;
+  byId('more-sites').textContent = more === 1 ? 'And one more site.' : 'And ' + formatNumber(more) + ' more sites.';
 }
 
 function makeRun(run, most) {

@@ -112,7 +112,7 @@ class Page:
         end = time.monotonic() + PATIENCE
         while time.monotonic() < end:
             value = self.get(expression)
-            if value:
+            if value not in (None, False, 0, ""):  # an element is an empty object here
                 return value
             time.sleep(0.02)
         raise Missing(expression)
