@@ -12,7 +12,7 @@ packages_for() {
     window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;
     cluster) packages_for run; echo python3-distributed ;;
     test)    packages_for window; packages_for cluster; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev \
-                  python3-protego python3-html5lib libpsl5 chromium \
+                  python3-protego python3-html5lib libpsl5 chromium searx \
                   python3-pytest black mypy parallel ;;
     bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \
                   libgumbo-dev wget wget2 curl nginx-light mawk time dpkg ;;

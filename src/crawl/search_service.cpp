@@ -43,7 +43,7 @@ std::string ProblemOf(std::string_view service, const WebAnswer& answer) {
   }
   if (answer.head.status == 429) return name + " has been asked too often; wait a while, or name another service";
   if (answer.head.status < 200 || answer.head.status > 299) {
-    return name + " answers with status " + std::to_string(answer.head.status) + "; is this its address?";
+    return name + " answers with status " + std::to_string(answer.head.status) + "; check its address";
   }
   return {};
 }
@@ -69,7 +69,7 @@ SearchReply ReadSearchAnswer(std::string_view service, const WebAnswer& answer) 
   if (!parsed.is_object() || results == parsed.end() || !results->is_array()) {
     reply.broken = true;
     reply.problem = "the search service at " + std::string(service) +
-                    " gives no results that can be read; is this the address of a service with the SearXNG interface?";
+                    " gives no results that can be read; name one with the SearXNG interface";
     return reply;
   }
   for (const auto& result : *results) {

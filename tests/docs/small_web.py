@@ -3,7 +3,9 @@ import collections
 import http.server
 import json
 import threading
+import urllib.error
 import urllib.parse
+import urllib.request
 
 TITLES_AND_BODIES = {
     "www.garden.example/": ("Rose garden", """
@@ -52,9 +54,11 @@ FOUND = [{"url": "http://www.museum.example/", "title": "The museum"},
          {"url": "http://www.library.example/", "title": "Library"}]
 
 
+# With `search_service`, the origin of one that runs, requests for search.example go there.
 class SmallWeb(http.server.ThreadingHTTPServer):
-    def __init__(self):
+    def __init__(self, search_service=None):
         super().__init__(("127.0.0.1", 0), Visit)
+        self.search_service = search_service
         self.visits = collections.Counter()
         threading.Thread(target=self.serve_forever, daemon=True).start()
 
@@ -64,6 +68,8 @@ class SmallWeb(http.server.ThreadingHTTPServer):
 
     # The status, type and body of a page.
     def answer(self, host, path, query):
+        if host == "search.example" and self.search_service:
+            return passed_on(self.search_service + path + "?" + query)
         if host == "search.example":
             first = urllib.parse.parse_qs(query).get("pageno", ["1"])[0] == "1"
             return 200, "application/json", json.dumps({"results": FOUND if first else []})
@@ -85,13 +91,21 @@ class SmallWeb(http.server.ThreadingHTTPServer):
         self.server_close()
 
 
+def passed_on(url):
+    try:
+        with urllib.request.build_opener(urllib.request.ProxyHandler({})).open(url) as answer:
+            return answer.status, answer.headers["Content-Type"], answer.read().decode()
+    except urllib.error.HTTPError as error:
+        return error.code, error.headers["Content-Type"], error.read().decode()
+
+
 class Visit(http.server.BaseHTTPRequestHandler):
     def do_GET(self):
         url = urllib.parse.urlsplit(self.path)
         status, kind, body = self.server.answer(url.hostname, url.path or "/", url.query)
         self.send_response(status)
         self.send_header("Content-Type", kind)
-        self.send_header("Content-Length", str(len(body)))
+        self.send_header("Content-Length", str(len(body.encode())))
         self.end_headers()
         self.wfile.write(body.encode())
 
