@@ -18,6 +18,7 @@ class List {
     this.descending = false;
     this.grid = byId('grid');
     this.body = byId('rows');
+    this.body.replaceChildren();
     this.makeColumns();
     this.grid.setAttribute('aria-colcount', kColumns.length);
     this.grid.addEventListener('keydown', (event) => this.onKey(event));
@@ -38,7 +39,7 @@ class List {
       button.addEventListener('click', () => this.sortBy(column));
       return heading;
     });
-    byId('columns').firstElementChild.append(...this.headings);
+    byId('columns').firstElementChild.replaceChildren(...this.headings);
   }
 
   // The first click sorts upwards, the second downwards, the third gives the order of finding back.

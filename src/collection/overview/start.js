@@ -1,4 +1,5 @@
-// Puts the parts of the page together.
+// Puts the parts of the page together. What is there already is replaced, so that a copy that a browser has saved, with
+// everything shown in it, works like the page itself.
 
 const kMostPrinted = 5000;  // about two hundred sheets; browsers fail to print many times as many
 
@@ -25,7 +26,6 @@ function fillPrint(model, list) {
 
 function start() {
   const model = new Model(byId('data').textContent);
-  byId('data').remove();  // decoded; the text is as large again
   byId('main').hidden = false;
   const field = byId('search');
   const list = new List(model);

@@ -27,9 +27,8 @@ function showFigures(model, sites) {
     ['Pages left to visit', left],
   ];
   if (addresses !== model.rows.length) figures.splice(1, 0, ['In the whole collection', addresses]);
-  for (const [name, number] of figures) {
-    byId('figures').append(make('div', '', make('dt', '', name), make('dd', '', formatNumber(number))));
-  }
+  byId('figures').replaceChildren(
+      ...figures.map(([name, number]) => make('div', '', make('dt', '', name), make('dd', '', formatNumber(number)))));
 }
 
 function makeBar(share) {
@@ -44,14 +43,15 @@ function makeBar(share) {
 // Each bar is a button that narrows the list to its addresses.
 function showChart(list, counts, prefix, search) {
   const most = counts.length > 0 ? counts[0][1] : 1;
-  for (const [name, number] of counts.slice(0, kMostBars)) {
+  const bars = counts.slice(0, kMostBars).map(([name, number]) => {
     const label = make('span', 'label', name);
     label.title = name;
     const bar = make('button', '', label, makeBar(number / most), make('span', 'number', formatNumber(number)));
     bar.type = 'button';
     bar.addEventListener('click', () => search(prefix + name));
-    list.append(make('li', '', bar));
-  }
+    return make('li', '', bar);
+  });
+  list.replaceChildren(...bars);
 }
 
 function showMoreSites(sites) {
