@@ -24,6 +24,7 @@ for stage in $stages; do
     cluster)
       scripts/build.sh linux quenlar
       scripts/cluster_test.sh
+      tests/packaging/cluster.sh
       ;;
     *)
       echo "test.sh: unknown stage: $stage" >&2

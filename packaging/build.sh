@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Builds the packages into build/packages: a zip for Windows that needs no installation, an installer for Windows, and
-# a Debian package of the command line. usage: packaging/build.sh [zip|installer|deb ...]; without arguments all.
+# a Debian package of the command line, and one of what divides a collection over many machines.
+# usage: packaging/build.sh [zip|installer|deb|cluster ...]; without arguments all.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-[ $# -gt 0 ] || set -- zip installer deb
+[ $# -gt 0 ] || set -- zip installer deb cluster
 
 version=$(sed -n 's/^project(Quenlar VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 packages=$PWD/build/packages
@@ -59,24 +60,44 @@ build_deb() {
   install -D -m 644 LICENSE "$root/usr/share/doc/quenlar/copyright"
   mkdir -p "$root/usr/share/man/man1"
   gzip -9 -n -c docs/quenlar.1 >"$root/usr/share/man/man1/quenlar.1.gz"
-  mkdir -p "$root/DEBIAN"
-  (cd "$root" && find usr -type f -exec md5sum {} + | LC_ALL=C sort -k 2 >DEBIAN/md5sums)
-  cat >"$root/DEBIAN/control" <<CONTROL
-Package: quenlar
-Version: $version
-Architecture: $architecture
-Maintainer: Quenlar <maintainer@quenlar.example>
-Installed-Size: $(du -sk "$root/usr" | cut -f 1)
-Depends: $(shared_libraries "$root/usr/bin/quenlar")
-Section: web
-Priority: optional
-Description: collect e-mail addresses from the web
+  pack_deb "$root" quenlar "$architecture" "$(shared_libraries "$root/usr/bin/quenlar")" <<DESCRIPTION
+collect e-mail addresses from the web
  Starts from a keyword or a web address, follows the links that it finds and
  prints every e-mail address on the way. Runs can be stopped and continued.
-CONTROL
+DESCRIPTION
+}
+
+build_cluster() {
+  local root=$stage/cluster source
+  rm -rf "$root"
+  install -D -m 755 cluster/quenlar-cluster "$root/usr/bin/quenlar-cluster"
+  for source in cluster/quenlar_cluster/*.py; do
+    install -D -m 644 "$source" "$root/usr/lib/python3/dist-packages/quenlar_cluster/${source##*/}"
+  done
+  install -D -m 644 LICENSE "$root/usr/share/doc/quenlar-cluster/copyright"
+  mkdir -p "$root/usr/share/man/man1"
+  gzip -9 -n -c docs/quenlar-cluster.1 >"$root/usr/share/man/man1/quenlar-cluster.1.gz"
+  pack_deb "$root" quenlar-cluster all "quenlar (= $version), python3 (>= 3.11), python3-distributed" <<DESCRIPTION
+collect e-mail addresses from the web on many machines
+ Divides the sites of a collection over the processes of one or of many
+ machines, and puts what they find together.
+DESCRIPTION
+}
+
+# FOLDER PACKAGE ARCHITECTURE DEPENDS: builds the package and prints its path; its description is on standard input.
+pack_deb() {
+  local root=$1 package=$packages/$2_${version}_$3.deb
+  mkdir -p "$root/DEBIAN"
+  (cd "$root" && find usr -type f -exec md5sum {} + | LC_ALL=C sort -k 2 >DEBIAN/md5sums)
+  {
+    printf '%s\n' "Package: $2" "Version: $version" "Architecture: $3" 'Maintainer: Quenlar <maintainer@quenlar.example>' \
+      "Installed-Size: $(du -sk "$root/usr" | cut -f 1)" "Depends: $4" 'Section: web' 'Priority: optional'
+    printf 'Description: '
+    cat
+  } >"$root/DEBIAN/control"
   age "$root"
-  dpkg-deb --root-owner-group --build "$root" "$packages/quenlar_${version}_$architecture.deb" >&2
-  echo "$packages/quenlar_${version}_$architecture.deb"
+  dpkg-deb --root-owner-group --build "$root" "$package" >&2
+  echo "$package"
 }
 
 # The packages that hold the libraries a program is linked to, with the versions that they need.
@@ -91,7 +112,7 @@ shared_libraries() {
 
 for package; do
   case $package in
-    zip | installer | deb) "build_$package" ;;
-    *) echo "usage: packaging/build.sh [zip|installer|deb ...]" >&2; exit 2 ;;
+    zip | installer | deb | cluster) "build_$package" ;;
+    *) echo "usage: packaging/build.sh [zip|installer|deb|cluster ...]" >&2; exit 2 ;;
   esac
 done
