@@ -38,6 +38,9 @@ SELECT p.id + o.pages, p.key, p.url, m.id, p.parent + o.pages, p.moved_to + o.pa
 FROM temp.offsets o, share.pages p JOIN share.hosts h ON h.id = p.host JOIN main.hosts m ON m.origin = h.origin
 WHERE owned(h.site) ORDER BY p.id;
 
+INSERT INTO main.links (page, keys)
+SELECT l.page + o.pages, l.keys FROM temp.offsets o, share.links l ORDER BY l.page;
+
 INSERT INTO temp.foreign_pages (id, key, url, origin, site, parent, {_COPIED})
 SELECT p.id + o.pages, p.key, p.url, h.origin, h.site, p.parent + o.pages, {_COPIED_OF_P}
 FROM temp.offsets o, share.pages p JOIN share.hosts h ON h.id = p.host

@@ -84,14 +84,15 @@ def test_the_merged_collection_is_one_like_any_other(
     assert sorted(quenlar(run, "addresses", "collection").splitlines()) == expected
     one = next((tmp_path / "one" / "data").glob("*.sqlite"))
     question = (
-        "SELECT p.url, p.state, p.title, t.url, h.state FROM pages p JOIN hosts h ON h.id = p.host"
+        "SELECT p.url, p.depth, p.state, p.title, t.url, h.state FROM pages p JOIN hosts h ON h.id = p.host"
         " LEFT JOIN pages t ON t.id = p.moved_to ORDER BY 1"
     )
     sightings = (
         "SELECT a.address, p.url, s.place, s.written FROM sightings s JOIN addresses a ON a.id = s.address"
         " JOIN pages p ON p.id = s.page ORDER BY 1, 2, 3"
     )
-    for sql in (question, sightings):
+    links = "SELECT p.url, length(l.keys) FROM links l JOIN pages p ON p.id = l.page ORDER BY p.url"
+    for sql in (question, sightings, links):
         assert rows_of(run / "data" / "collection.sqlite", sql) == rows_of(one, sql)
     assert rows_of(run / "data" / "collection.sqlite", "PRAGMA integrity_check") == [("ok",)]
     assert rows_of(run / "data" / "collection.sqlite", "PRAGMA foreign_key_check") == []
