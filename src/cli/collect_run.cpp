@@ -89,7 +89,6 @@ class CollectRun final : public CrawlView {
  private:
   [[nodiscard]] Status Prepare();
   [[nodiscard]] Status LoadFilters();
-  [[nodiscard]] std::string FiltersText() const;
   void RunCrawler();
   void TellEnd(const Crawler::Outcome& outcome);
   void Tell(const std::string& text);
@@ -160,20 +159,6 @@ Status CollectRun::LoadFilters() {
   return Status::Ok();
 }
 
-// What the filters keep and drop: a change of it is a reason to read pages anew that have not changed.
-std::string CollectRun::FiltersText() const {
-  std::string text;
-  const auto add = [&text](const char* name, bool on, const std::vector<std::string>& words) {
-    if (!on) return;
-    text += name;
-    for (const std::string& word : words) text += " " + word;
-    text += "\n";
-  };
-  add("remove", settings_.RemoveFilterOn != 0, filter_.RemoveFilterWords);
-  add("extract", settings_.ExtractFilterOn != 0, filter_.ExtractFilterWords);
-  return text;
-}
-
 void CollectRun::RunCrawler() {
   const Platform& platform = place_.platform;
   if (options_.crawl.contact.empty()) {
@@ -182,7 +167,7 @@ void CollectRun::RunCrawler() {
   const CrawlWorld world{platform.loop,         client_, platform.interfaces, platform.clock, platform.idna,
                          platform.text_decoder, filter_, suppression_,        *this};
   CrawlOptions crawl = options_.crawl;
-  crawl.filters = FiltersText();
+  crawl.filters = filter_.Text();
   crawler_ = std::make_unique<Crawler>(world, *collection_, crawl);
   if (stopped_) crawler_->Stop();
   const auto redraw = platform.loop.MakeTimer(kRedrawEvery, [this] { Redraw(); });

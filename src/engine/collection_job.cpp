@@ -179,6 +179,7 @@ CollectionEnd CollectionJob::RunOnce(const WebSettings& settings, bool again) {
   if (end.opened) {
     CrawlOptions options = CrawlOptionsOf(settings, named_.language);
     options.again = again;
+    options.filters = engine_.filter.Text();
     Crawl(options, end);
     collection_.reset();
     const auto reader = CollectionReader::Open(Path());

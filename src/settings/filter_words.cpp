@@ -156,4 +156,11 @@ bool FilterWords::Keeps(std::string_view address) {
          engine_->Matches(engine_->extract, "extract", address);
 }
 
+std::string FilterWords::Text() const {
+  std::string text;
+  if (settings_.RemoveFilterOn == 1 && !RemoveFilterWords.empty()) text += "remove " + RemoveFilterPattern + "\n";
+  if (settings_.ExtractFilterOn == 1 && !ExtractFilterWords.empty()) text += "extract " + ExtractFilterPattern + "\n";
+  return text;
+}
+
 }  // namespace quenlar

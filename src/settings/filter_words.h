@@ -37,6 +37,9 @@ class FilterWords final : public AddressFilter {
   // it. Does not pump.
   [[nodiscard]] bool Keeps(std::string_view address) override;
 
+  // What the filters keep and drop, as a text: another one where they may decide otherwise. Empty when both are off.
+  [[nodiscard]] std::string Text() const;
+
  private:
   struct Engine;
   const Settings& settings_;

@@ -1,8 +1,9 @@
 // A generated web of any size behind one loopback port, to be used as an HTTP proxy: hosts www.h0.example,
 // www.h1.example, ... each with a start page that links to its own pages and to two other hosts, and pages that hold
 // addresses. Nothing is stored; every page is made from its address. One thread, poll. usage: farm_server HOSTS
-// PAGES-PER-HOST ADDRESSES-PER-PAGE DELAY-MILLISECONDS Prints its port and serves until its standard input ends. To
-// each byte of its input it prints how many pages it has answered so far.
+// PAGES-PER-HOST ADDRESSES-PER-PAGE DELAY-MILLISECONDS [LOG] Prints its port and serves until its standard input ends.
+// To each byte of its input it prints how many pages it has answered so far. Each address that is asked for becomes a
+// line of the file LOG, before it is answered.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -22,6 +24,7 @@ using Clock = std::chrono::steady_clock;
 
 struct Farm {
   long hosts, pages, addresses, delay_ms;
+  int log = -1;
   long answered = 0;
 
   [[nodiscard]] std::string Page(std::string_view url) const {
@@ -68,7 +71,10 @@ void Answer(Farm& farm, Connection& connection) {
   if (end == std::string::npos || !connection.out.empty()) return;
   const std::size_t first = connection.in.find(' ');
   const std::size_t last = connection.in.find(' ', first + 1);
-  const std::string body = farm.Page(std::string_view(connection.in).substr(first + 1, last - first - 1));
+  const std::string url = connection.in.substr(first + 1, last - first - 1);
+  const std::string line = url + "\n";
+  if (farm.log >= 0 && write(farm.log, line.data(), line.size()) < 0) std::exit(1);
+  const std::string body = farm.Page(url);
   connection.in.erase(0, end + 4);
   ++farm.answered;
   connection.out = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: " + std::to_string(body.size()) +
@@ -97,9 +103,10 @@ bool Move(Farm& farm, int socket, Connection& connection, short events) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 5)
-    return std::fprintf(stderr, "usage: farm_server HOSTS PAGES-PER-HOST ADDRESSES-PER-PAGE DELAY-MS\n"), 2;
+  if (argc != 5 && argc != 6)
+    return std::fprintf(stderr, "usage: farm_server HOSTS PAGES-PER-HOST ADDRESSES-PER-PAGE DELAY-MS [LOG]\n"), 2;
   Farm farm{std::atol(argv[1]), std::atol(argv[2]), std::atol(argv[3]), std::atol(argv[4])};
+  if (argc == 6) farm.log = open(argv[5], O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
   int port = 0;
   const int listener = Listen(port);
   std::printf("%d\n", port);

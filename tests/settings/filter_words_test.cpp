@@ -91,6 +91,17 @@ TEST_F(FilterWordsTest, OnlyASwitchOfExactlyOneIsOn) {
   }
 }
 
+TEST_F(FilterWordsTest, TheTextChangesWithWhatIsKept) {
+  EXPECT_EQ(filter.Text(), "");
+  EXPECT_THAT(Remove({"a"}), IsEmpty());
+  const std::string removes = filter.Text();
+  EXPECT_THAT(removes, HasSubstr("remove"));
+  EXPECT_THAT(Extract({"a"}), IsEmpty());
+  EXPECT_NE(filter.Text(), removes);
+  settings.RemoveFilterOn = settings.ExtractFilterOn = 0;
+  EXPECT_EQ(filter.Text(), "");
+}
+
 TEST_F(FilterWordsTest, SwitchWithoutWordsDoesNothing) {
   Remove({});
   Extract({});
