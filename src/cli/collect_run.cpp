@@ -186,7 +186,7 @@ void CollectRun::RunCrawler() {
 void CollectRun::TellEnd(const Crawler::Outcome& outcome) {
   live_.Clear();
   if (nobody_reads_) return;
-  for (const std::string& sentence : outcome.messages) Tell(sentence + ".");
+  for (const std::string& sentence : outcome.messages) Tell(sentence + (sentence.ends_with('?') ? "" : "."));
   Tell(outcome.status.ok() ? EndSentence(outcome.end, result_.left) : SentenceOf(outcome.status));
   const CrawlFigures& figures = result_.figures;
   std::string line = std::to_string(figures.fresh) + " new addresses on " + std::to_string(figures.pages) + " pages; " +

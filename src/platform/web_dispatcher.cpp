@@ -10,7 +10,6 @@ namespace quenlar {
 namespace {
 
 using std::chrono::seconds;
-using std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kTick{250};
 constexpr seconds kNameAge{60};  // after which a name is looked up again
@@ -119,7 +118,7 @@ void WebDispatcher::Cancel(const std::string& key) {
 }
 
 WebDispatcher::Host& WebDispatcher::HostOf(const WireAddress& target) {
-  ForgetQuietHosts(steady_clock::now());
+  ForgetQuietHosts(loop_.Now());
   std::string key = HostNameOf(target);
   auto& host = hosts_[key];
   if (host) return *host;
@@ -162,7 +161,7 @@ void WebDispatcher::Prepare(Host& host) {
   }
   if (host.literal) {
     host.addresses.assign(1, *host.literal);
-  } else if (host.addresses.empty() || steady_clock::now() - host.resolved > kNameAge) {
+  } else if (host.addresses.empty() || loop_.Now() - host.resolved > kNameAge) {
     return Resolve(host);
   }
   Connect(host);
@@ -175,7 +174,7 @@ void WebDispatcher::Resolve(Host& host) {
 
 void WebDispatcher::OnFound(Host& host, const std::vector<IpAddress>& found) {
   host.addresses = found;
-  host.resolved = steady_clock::now();
+  host.resolved = loop_.Now();
   host.stage = Host::Stage::kAtRest;
   if (host.current != 0 && found.empty()) Refuse(host, WebFailure::kNoName, host.name + " has no address");
   Resume(host);
@@ -246,7 +245,7 @@ void WebDispatcher::Send(Host& host, const std::optional<IpAddress>& address) {
   host.stage = Host::Stage::kSending;
   Request& request = requests_.at(host.current);
   request.sending = true;
-  request.began = steady_clock::now();
+  request.began = loop_.Now();
   deadlines_.emplace(request.began + std::min(request.request.silence_limit, request.request.whole_limit),
                      host.current);
   tick_->SetEnabled(true);
@@ -319,7 +318,7 @@ WebTransport::Outcome WebDispatcher::TakeOutcome(WebExchangeId id) {
   Request& request = requests_.at(id);
   request.sending = false;
   WebTransport::Outcome outcome = transport_->Take(id);
-  outcome.answer.duration = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - request.began);
+  outcome.answer.duration = std::chrono::duration_cast<std::chrono::milliseconds>(loop_.Now() - request.began);
   return outcome;
 }
 
@@ -344,7 +343,7 @@ void WebDispatcher::LeaveConnection(Host& host, bool kept) {
     Close(host);
   } else {
     host.idle = true;
-    host.idle_since = steady_clock::now();
+    host.idle_since = loop_.Now();
     host.idle_place = idle_.insert(idle_.end(), &host);
   }
   ServeWaiting(address);
@@ -399,7 +398,7 @@ void WebDispatcher::OnIdleClosed(WebHostId id) {
 
 void WebDispatcher::Tick() {
   const std::weak_ptr alive(alive_);
-  const Instant now = steady_clock::now();
+  const Instant now = loop_.Now();
   while (!idle_.empty() && now - idle_.front()->idle_since > kIdleAge) {
     Host& host = *idle_.front();
     const auto address = host.connected_to;
@@ -434,7 +433,7 @@ void WebDispatcher::EndSlowOnes(Instant now) {
 }
 
 void WebDispatcher::NoteQuiet(Host& host) {
-  host.quiet_since = steady_clock::now();
+  host.quiet_since = loop_.Now();
   if (!std::exchange(host.in_quiet, true)) quiet_.push_back(&host);
 }
 

@@ -155,6 +155,53 @@ TEST_F(Dispatcher, ANameThatChangesItsMeaningGoesNowhereElse) {
   EXPECT_EQ(transport_->sent[1].to, "8.8.8.8");  // as it was judged, for a minute
 }
 
+// A name whose owner lets it mean another address every minute.
+class DispatcherOverTime : public Dispatcher {
+ protected:
+  void SetUp() override {
+    platform_ = MakeFakeTestPlatform();  // its time jumps
+    Use(1000);
+  }
+  // Until what a name means is asked anew, and idle connections are closed.
+  void LetAMinutePass() {
+    const auto end = platform_->loop().Now() + std::chrono::seconds(61);
+    while (platform_->loop().Now() < end) platform_->loop().Wait(std::chrono::milliseconds(500));
+  }
+};
+
+TEST_F(DispatcherOverTime, ANameThatComesToMeanAPrivateAddressIsRefused) {
+  for (const bool keeps : {false, true}) {
+    transport_->keeps = keeps;
+    transport_->sent.clear();
+    log_.ended.clear();
+    const std::string host = keeps ? "http://kept.example/" : "http://a.example/";
+    const std::string name = keeps ? "kept.example" : "a.example";
+    Name(name, {"8.8.8.8"});
+    Start(host + "1");
+    ASSERT_TRUE(WaitForSent(1));
+    transport_->End(0);
+    Name(name, {"127.0.0.1", "::1", "169.254.169.254"});
+    LetAMinutePass();
+    Start(host + "2");
+    ASSERT_TRUE(PumpUntil(platform_->loop(), [&] { return log_.ended.contains(host + "2"); }));
+    EXPECT_EQ(log_.ended[host + "2"].failure, WebFailure::kPrivateAddress);
+    EXPECT_EQ(transport_->sent.size(), 1u) << "nothing went there";
+  }
+}
+
+TEST_F(DispatcherOverTime, OfANameThatComesToMeanBothThePublicAddressIsTaken) {
+  transport_->keeps = false;
+  Name("a.example", {"8.8.8.8"});
+  Start("http://a.example/1");
+  ASSERT_TRUE(WaitForSent(1));
+  transport_->End(0);
+  Name("a.example", {"10.0.0.1", "8.8.8.9"});
+  LetAMinutePass();
+  Start("http://a.example/2");
+  ASSERT_TRUE(WaitForSent(2));
+  EXPECT_EQ(transport_->sent[1].to, "8.8.8.9");
+}
+
 TEST_F(Dispatcher, AConnectionToAPrivateAddressServesOnlyThoseWhoMayGoThere) {
   Name("a.example", {"127.0.0.1"});
   Start("http://a.example/1", true);
