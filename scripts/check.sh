@@ -20,7 +20,7 @@ grep_in() {  # FILES GREP-ARGUMENTS ...: no match is no failure
 
 # The rooms below src/ from the bottom up: each uses itself and those before it, and no room without a name here exists.
 # What implements the seam for one system, or draws the forms with one toolkit, is a room like any other.
-rooms="base platform platform/posix platform/win32 page collection state ui ui/win32 web project settings netstat run crawl \
+rooms="base platform platform/posix platform/win32 page collection archive state ui ui/win32 web project settings netstat run crawl \
   mailtool engine cli forms forms/win32"
 all=$(sources '*.cpp' '*.h')
 product=$(printf '%s\n' "$all" | grep '^src/')

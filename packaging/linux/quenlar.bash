@@ -12,7 +12,6 @@ _quenlar() {
     *:--home) COMPREPLY=($(compgen -d -- "$word")); return ;;
     collect:--from) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--name) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")); return ;;
-    collect:--links) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--scope) COMPREPLY=($(compgen -W "host site anywhere" -- "$word")); return ;;
     collect:--depth) COMPREPLY=(); return ;;
     collect:--pages) COMPREPLY=(); return ;;
@@ -30,7 +29,12 @@ _quenlar() {
     collect:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     collect:--proxy) COMPREPLY=(); return ;;
     collect:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
-    addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl html" -- "$word")); return ;;
+    harvest:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
+    harvest:--jobs) COMPREPLY=(); return ;;
+    harvest:--robots) COMPREPLY=($(compgen -W "obey ignore" -- "$word")); return ;;
+    harvest:--remove) COMPREPLY=(); return ;;
+    harvest:--extract) COMPREPLY=(); return ;;
+    addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     addresses:--place) COMPREPLY=($(compgen -W "text mailto attribute script comment protected" -- "$word")); return ;;
     addresses:--site) COMPREPLY=(); return ;;
     addresses:--since) COMPREPLY=(); return ;;
@@ -52,7 +56,8 @@ _quenlar() {
   esac
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
-    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --links --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
+    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
+    harvest:-*) COMPREPLY=($(compgen -W "-h --help --format --jobs --decode-protected --robots --remove --extract --progress --version" -- "$word")) ;;
     addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
     why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;
     collections:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
@@ -66,8 +71,9 @@ _quenlar() {
     filter:-*) COMPREPLY=($(compgen -W "-h --help --remove --extract --version" -- "$word")) ;;
     net:-*) COMPREPLY=($(compgen -W "-h --help -w --watch --version" -- "$word")) ;;
     demo:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
-    :*) COMPREPLY=($(compgen -W "collect addresses why collections extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
+    :*) COMPREPLY=($(compgen -W "collect harvest addresses why collections extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
     collect:*) COMPREPLY=() ;;
+    harvest:*) COMPREPLY=() ;;
     addresses:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
     why:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
     extract:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;

@@ -7,6 +7,7 @@
 #include "cli/exit_status.h"
 #include "cli/json_text.h"
 #include "cli/live_view.h"
+#include "cli/run_filter.h"
 #include "cli/sighting_format.h"
 #include "cli/terminal_text.h"
 #include "collection/collection.h"
@@ -15,7 +16,6 @@
 #include "engine/collections.h"
 #include "engine/home.h"
 #include "platform/event_loop.h"
-#include "settings/filter_file.h"
 #include "settings/filter_words.h"
 
 namespace quenlar {
@@ -88,7 +88,6 @@ class CollectRun final : public CrawlView {
 
  private:
   [[nodiscard]] Status Prepare();
-  [[nodiscard]] Status LoadFilters();
   void RunCrawler();
   void TellEnd(const Crawler::Outcome& outcome);
   void Tell(const std::string& text);
@@ -129,33 +128,16 @@ Status CollectRun::Prepare() {
   Files& files = place_.platform.files;
   if (Status made = MakeFolders(files, place_.installation.Data(), place_.installation.separator); !made.ok())
     return made;
-  if (Status loaded = LoadFilters(); !loaded.ok()) return loaded;
+  const auto tell = [this](const std::string& message) { Tell(message); };
+  const Status loaded = LoadRunFilter(place_.platform, place_.installation, options_.remove_words,
+                                      options_.extract_words, settings_, filter_, tell);
+  if (!loaded.ok()) return loaded;
   auto opened = Collection::Open(files, CollectionPath(place_.installation, options_.name));
   if (!opened.ok()) return opened.status();
   if (!opened.value().kept_aside.empty()) {
     Tell("The collection was damaged. It lies in " + opened.value().kept_aside + " now, and a new one begins.");
   }
   collection_ = std::move(opened.value().collection);
-  return Status::Ok();
-}
-
-// The stored filters hold, and those of the command line in their place.
-Status CollectRun::LoadFilters() {
-  const Platform& platform = place_.platform;
-  const auto loaded = LoadStored(platform.registry, settings_);
-  if (!loaded.ok()) return loaded.status();
-  const std::string path = FilterFilePath(place_.installation);
-  for (const std::string& message : ReadFilterFile(platform.files, platform.code_page, path, filter_)) Tell(message);
-  if (!options_.remove_words.empty()) {
-    settings_.RemoveFilterOn = 1;
-    filter_.RemoveFilterWords = options_.remove_words;
-  }
-  if (!options_.extract_words.empty()) {
-    settings_.ExtractFilterOn = 1;
-    filter_.ExtractFilterWords = options_.extract_words;
-  }
-  filter_.OnStepLimit([this](const std::string& message) { Tell(message); });
-  for (const std::string& message : filter_.BuildFilterPatterns()) Tell(message);
   return Status::Ok();
 }
 

@@ -109,6 +109,42 @@ Examples:
   Choose(*verb, chosen, Collect, arguments);
 }
 
+void DeclareHarvest(CLI::App& root, Command& chosen) {
+  constexpr std::size_t kMostJobs = 256;
+  const auto arguments = std::make_shared<HarvestArguments>();
+  HarvestOptions& options = arguments->options;
+  CLI::App* verb = root.add_subcommand("harvest", "List the addresses in web archives, files and folders");
+  verb->add_option("INPUT", options.inputs, "A WARC, HTML or text file, a folder of such files, or - (standard input)")
+      ->type_name("")
+      ->required()
+      ->check(CheckNotEmpty);
+  DeclareChoice(*verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
+                "Each address once; a row for each record with address, page, title and place as csv; JSON objects");
+  verb->add_option("--jobs", options.jobs, "Processor cores to use (all)")
+      ->type_name("N")
+      ->check(CLI::Range(std::size_t{1}, kMostJobs));
+  verb->add_flag("--decode-protected", options.decode_protected,
+                 "Also list addresses that their owners chose to hide from programs");
+  DeclareChoice(*verb, "--robots", arguments->robots, {"obey", "ignore"},
+                "Whether pages that ask not to be indexed are left out (obey)");
+  DeclareFilterWords(*verb, options.remove_words, options.extract_words);
+  verb->add_flag("--progress", options.progress, "Show on a terminal how far it is");
+  verb->footer(
+      R"(What an input is shows in its first bytes, not in its name: WARC files may be plain or packed by gzip. Of an
+archive the answers with pages are read, as the run that fetched them would have read them. Rows come in the
+order of the inputs and of the records in them, whatever the number of cores. Damaged records are counted, and
+what can be read of them is.
+
+Exit status: 0 everything read, 1 an input could not be read or is damaged (everything readable has been
+printed), 2 wrong usage, 130 stopped by a signal.
+
+Examples:
+  quenlar harvest crawl.warc.gz
+  quenlar harvest --format csv crawls/ saved-pages/
+  curl -s https://archive.example/2026.warc.gz | quenlar harvest --format jsonl -)");
+  Choose(*verb, chosen, HarvestInputs, arguments);
+}
+
 void DeclareAddresses(CLI::App& root, Command& chosen) {
   const auto arguments = std::make_shared<AddressesArguments>();
   CLI::App* verb = root.add_subcommand("addresses", "List what a collection holds");
@@ -169,7 +205,8 @@ Examples:
 }  // namespace
 
 void DeclareCollectionCommands(CLI::App& root, Command& chosen) {
-  for (const auto declare : {DeclareCollect, DeclareAddresses, DeclareWhy, DeclareCollections}) declare(root, chosen);
+  for (const auto declare : {DeclareCollect, DeclareHarvest, DeclareAddresses, DeclareWhy, DeclareCollections})
+    declare(root, chosen);
 }
 
 }  // namespace quenlar

@@ -7,6 +7,7 @@
 
 #include "cli/collect_run.h"
 #include "cli/extract_run.h"
+#include "cli/harvest_run.h"
 #include "cli/invocation.h"
 #include "collection/collection_reader.h"
 
@@ -26,6 +27,11 @@ struct CollectArguments {
   CollectOptions options;
   std::string from, links, scope = "site", robots = "obey", format = "lines", proxy, summary;
   double delay = 1;  // seconds
+};
+
+struct HarvestArguments {
+  HarvestOptions options;
+  std::string format = "lines", robots = "obey";
 };
 
 struct AddressesArguments {
@@ -59,6 +65,7 @@ struct FilterArguments {
 
 [[nodiscard]] int Extract(Invocation& invocation, const ExtractArguments& arguments);
 [[nodiscard]] int Collect(Invocation& invocation, const CollectArguments& arguments);
+[[nodiscard]] int HarvestInputs(Invocation& invocation, const HarvestArguments& arguments);
 [[nodiscard]] int Addresses(Invocation& invocation, const AddressesArguments& arguments);
 [[nodiscard]] int Why(Invocation& invocation, const WhyArguments& arguments);
 [[nodiscard]] int Collections(Invocation& invocation);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,9 +32,27 @@ class FolderLock {
   virtual ~FolderLock() = default;
 };
 
+// A file that is open for reading: a plain file, or something that is read from its beginning to its end, such as a pipe.
+class ReadableFile {
+ public:
+  virtual ~ReadableFile() = default;
+  // In bytes, when it was opened. Empty for what is not a plain file.
+  [[nodiscard]] virtual std::optional<std::uint64_t> size() const = 0;
+  // When it was last changed, in seconds since 1970 UTC.
+  [[nodiscard]] virtual std::int64_t modified() const = 0;
+  // Reads `size` bytes from `offset` on into `buffer` and returns their number, which is smaller only at the end. Of
+  // what is not a plain file it gives the next bytes, whatever the offset. Several threads may read a plain file.
+  [[nodiscard]] virtual Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const = 0;
+};
+
+// What a path names. Links are not followed.
+enum class PathKind { kNothing, kFile, kFolder, kOther };
+
 class Files {
  public:
   virtual ~Files() = default;
+
+  [[nodiscard]] virtual PathKind KindOf(const std::string& path) const = 0;
 
   // Whether there is a plain file at `path`, directly or behind a link. False for folders.
   [[nodiscard]] virtual bool FileExists(const std::string& path) const = 0;
@@ -47,6 +66,9 @@ class Files {
 
   // Hands the bytes of the file to `block` piece by piece and in order, until its end, or until `block` returns false.
   virtual Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const = 0;
+
+  // Opens a file for reading. Fails for a folder.
+  [[nodiscard]] virtual Result<std::unique_ptr<ReadableFile>> Open(const std::string& path) const = 0;
 
   // Begins to replace the file at `path`, which need not exist. Fails when `path` is a folder, or when its folder
   // cannot be written.

@@ -203,6 +203,36 @@ TEST_P(FilesContract, AFileThatIsLongerThanAllowedIsNotReadWhole) {
   EXPECT_EQ(ReadWhole(files_, At("a"), 999).status().kind(), StatusKind::kLimit);
 }
 
+TEST_P(FilesContract, AnOpenFileIsReadAtAnyPlace) {
+  ASSERT_TRUE(WriteWhole(files_, At("a"), "0123456789").ok());
+  auto file = files_.Open(At("a"));
+  ASSERT_TRUE(file.ok());
+  EXPECT_EQ(file.value()->size(), 10u);
+  EXPECT_GT(file.value()->modified(), 1'600'000'000);
+  const auto read = [&](std::uint64_t offset, std::size_t size) {
+    std::string text(size, '-');
+    const auto got = file.value()->ReadAt(offset, text.data(), size);
+    return got.ok() ? text.substr(0, got.value()) : "failed";
+  };
+  EXPECT_EQ(read(7, 2), "78");
+  EXPECT_EQ(read(0, 20), "0123456789");
+  EXPECT_EQ(read(8, 20), "89");
+  EXPECT_EQ(read(10, 1), "");
+  EXPECT_EQ(read(5'000'000'000, 1), "");
+}
+
+TEST_P(FilesContract, WhatIsOpenedIsAFile) {
+  EXPECT_EQ(files_.Open(At("missing")).status().kind(), StatusKind::kNotFound);
+  EXPECT_FALSE(files_.Open(folder_).ok());
+}
+
+TEST_P(FilesContract, KindsAreToldApart) {
+  ASSERT_TRUE(WriteWhole(files_, At("a"), "").ok());
+  EXPECT_EQ(files_.KindOf(At("a")), PathKind::kFile);
+  EXPECT_EQ(files_.KindOf(folder_), PathKind::kFolder);
+  EXPECT_EQ(files_.KindOf(At("missing")), PathKind::kNothing);
+}
+
 TEST_P(FilesContract, DeletedFilesAreGone) {
   ASSERT_TRUE(WriteWhole(files_, At("a"), "x").ok());
   EXPECT_TRUE(files_.Delete(At("a")).ok());

@@ -13,6 +13,7 @@ namespace {
 class FilesReference : public Files {
  public:
   explicit FilesReference(Files& files) : files_(files) {}
+  [[nodiscard]] PathKind KindOf(const std::string& path) const override { return files_.KindOf(path); }
   [[nodiscard]] bool FileExists(const std::string& path) const override { return files_.FileExists(path); }
   [[nodiscard]] bool FolderExists(const std::string& path) const override { return files_.FolderExists(path); }
   [[nodiscard]] Result<std::vector<std::string>> Names(const std::string& folder) const override {
@@ -21,6 +22,9 @@ class FilesReference : public Files {
   Status MakeFolder(const std::string& path) override { return files_.MakeFolder(path); }
   Status Read(const std::string& path, const std::function<bool(std::string_view)>& block) const override {
     return files_.Read(path, block);
+  }
+  [[nodiscard]] Result<std::unique_ptr<ReadableFile>> Open(const std::string& path) const override {
+    return files_.Open(path);
   }
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override {
     return files_.Replace(path);

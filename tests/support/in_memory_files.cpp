@@ -67,6 +67,27 @@ class InMemoryLock : public FolderLock {
   std::string path_;
 };
 
+namespace {
+
+class InMemoryFile final : public ReadableFile {
+ public:
+  explicit InMemoryFile(std::string contents) : contents_(std::move(contents)) {}
+  [[nodiscard]] std::optional<std::uint64_t> size() const override { return contents_.size(); }
+  [[nodiscard]] std::int64_t modified() const override { return InMemoryFiles::kModified; }
+  [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const override {
+    return offset >= contents_.size() ? 0 : contents_.copy(buffer, size, offset);
+  }
+
+ private:
+  const std::string contents_;
+};
+
+}  // namespace
+
+PathKind InMemoryFiles::KindOf(const std::string& path) const {
+  return FileExists(path) ? PathKind::kFile : FolderExists(path) ? PathKind::kFolder : PathKind::kNothing;
+}
+
 bool InMemoryFiles::FileExists(const std::string& path) const { return files_.contains(Plain(path)); }
 
 bool InMemoryFiles::FolderExists(const std::string& path) const {
@@ -110,6 +131,14 @@ Status InMemoryFiles::Read(const std::string& path, const std::function<bool(std
     if (!block(std::string_view(contents).substr(at, block_size_))) break;
   }
   return Status::Ok();
+}
+
+Result<std::unique_ptr<ReadableFile>> InMemoryFiles::Open(const std::string& path) const {
+  if (const Status call = CountCall("open", path); !call.ok()) return call;
+  const auto file = files_.find(Plain(path));
+  if (file != files_.end()) return std::unique_ptr<ReadableFile>(std::make_unique<InMemoryFile>(file->second));
+  if (FolderExists(path)) return Status(StatusKind::kFailed, path + ": a folder");
+  return Status(StatusKind::kNotFound, path + ": no such file");
 }
 
 Result<std::unique_ptr<FileReplacement>> InMemoryFiles::Replace(const std::string& path) {

@@ -15,15 +15,19 @@ namespace quenlar {
 // Paths begin with "/" (or a drive); "\" counts as "/". The root "/" exists, other folders must be made.
 class InMemoryFiles : public Files {
  public:
+  static constexpr std::int64_t kModified = 1'700'000'000;  // of every file, in seconds since 1970
+
   InMemoryFiles() = default;
   InMemoryFiles(const InMemoryFiles&) = delete;
   InMemoryFiles& operator=(const InMemoryFiles&) = delete;
 
+  [[nodiscard]] PathKind KindOf(const std::string& path) const override;
   [[nodiscard]] bool FileExists(const std::string& path) const override;
   [[nodiscard]] bool FolderExists(const std::string& path) const override;
   [[nodiscard]] Result<std::vector<std::string>> Names(const std::string& folder) const override;
   Status MakeFolder(const std::string& path) override;
   Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
+  [[nodiscard]] Result<std::unique_ptr<ReadableFile>> Open(const std::string& path) const override;
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
   Status Delete(const std::string& path) override;
   Status Rename(const std::string& from, const std::string& to) override;
@@ -36,7 +40,7 @@ class InMemoryFiles : public Files {
   [[nodiscard]] std::optional<std::string> Contents(const std::string& path) const;
   [[nodiscard]] std::vector<std::string> AllFiles() const;  // full paths, sorted
 
-  // The n-th call from now on that can fail (1 is the next one: MakeFolder, Read, Replace, Write, Commit, Delete,
+  // The n-th call from now on that can fail (1 is the next one: MakeFolder, Read, Open, Replace, Write, Commit, Delete,
   // Rename, Lock) fails with `kind`, once; 0 fails none. Also sets calls() to 0.
   void FailCall(int n, StatusKind kind = StatusKind::kFailed);
   [[nodiscard]] int calls() const { return calls_; }

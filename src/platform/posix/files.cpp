@@ -35,7 +35,43 @@ class DescriptorLock : public FolderLock {
   Descriptor file_;
 };
 
+class DescriptorFile final : public ReadableFile {
+ public:
+  DescriptorFile(Descriptor file, const struct stat& about, std::string path)
+      : file_(std::move(file)), about_(about), path_(std::move(path)) {}
+
+  [[nodiscard]] std::optional<std::uint64_t> size() const override {
+    return Plain() ? std::optional(static_cast<std::uint64_t>(about_.st_size)) : std::nullopt;
+  }
+  [[nodiscard]] std::int64_t modified() const override { return about_.st_mtim.tv_sec; }
+  [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const override {
+    std::size_t done = 0;
+    while (done < size) {
+      const ssize_t got = Plain() ? pread(file_.get(), buffer + done, size - done, static_cast<off_t>(offset + done))
+                                  : read(file_.get(), buffer + done, size - done);
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) return StatusOfErrno(errno, path_);
+      if (got == 0) break;
+      done += static_cast<std::size_t>(got);
+    }
+    return done;
+  }
+
+ private:
+  [[nodiscard]] bool Plain() const { return S_ISREG(about_.st_mode); }
+
+  const Descriptor file_;
+  const struct stat about_;
+  const std::string path_;
+};
+
 }  // namespace
+
+PathKind PosixFiles::KindOf(const std::string& path) const {
+  struct stat about {};
+  if (!CheckPath(path).ok() || lstat(path.c_str(), &about) != 0) return PathKind::kNothing;
+  return S_ISREG(about.st_mode) ? PathKind::kFile : S_ISDIR(about.st_mode) ? PathKind::kFolder : PathKind::kOther;
+}
 
 bool PosixFiles::FileExists(const std::string& path) const {
   struct stat about {};
@@ -83,6 +119,15 @@ Status PosixFiles::Read(const std::string& path, const std::function<bool(std::s
     if (size < 0) return StatusOfErrno(errno, path);
     if (size == 0 || !block(std::string_view(buffer->data(), static_cast<std::size_t>(size)))) return Status::Ok();
   }
+}
+
+Result<std::unique_ptr<ReadableFile>> PosixFiles::Open(const std::string& path) const {
+  if (const Status checked = CheckPath(path); !checked.ok()) return checked;
+  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+  struct stat about {};
+  if (!file.valid() || fstat(file.get(), &about) != 0) return StatusOfErrno(errno, path);
+  if (S_ISDIR(about.st_mode)) return StatusOfErrno(EISDIR, path);
+  return std::unique_ptr<ReadableFile>(std::make_unique<DescriptorFile>(std::move(file), about, path));
 }
 
 Result<std::unique_ptr<FileReplacement>> PosixFiles::Replace(const std::string& path) {

@@ -14,11 +14,13 @@ namespace quenlar {
 // has left are removed when their target is replaced for the first time.
 class PosixFiles : public Files {
  public:
+  [[nodiscard]] PathKind KindOf(const std::string& path) const override;
   [[nodiscard]] bool FileExists(const std::string& path) const override;
   [[nodiscard]] bool FolderExists(const std::string& path) const override;
   [[nodiscard]] Result<std::vector<std::string>> Names(const std::string& folder) const override;
   Status MakeFolder(const std::string& path) override;
   Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
+  [[nodiscard]] Result<std::unique_ptr<ReadableFile>> Open(const std::string& path) const override;
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
   Status Delete(const std::string& path) override;
   Status Rename(const std::string& from, const std::string& to) override;

@@ -135,6 +135,47 @@ class HeldLock final : public FolderLock {
   Handle file_;
 };
 
+class HandleFile final : public ReadableFile {
+ public:
+  HandleFile(Handle file, const BY_HANDLE_FILE_INFORMATION& about, bool plain, std::string path)
+      : file_(std::move(file)), about_(about), plain_(plain), path_(std::move(path)) {}
+
+  [[nodiscard]] std::optional<std::uint64_t> size() const override {
+    if (!plain_) return std::nullopt;
+    return static_cast<std::uint64_t>(about_.nFileSizeHigh) << 32 | about_.nFileSizeLow;
+  }
+  [[nodiscard]] std::int64_t modified() const override {
+    constexpr std::int64_t kTicksASecond = 10'000'000, kSecondsTo1970 = 11'644'473'600;  // the system counts from 1601
+    const auto ticks = static_cast<std::int64_t>(
+        static_cast<std::uint64_t>(about_.ftLastWriteTime.dwHighDateTime) << 32 | about_.ftLastWriteTime.dwLowDateTime);
+    return plain_ ? ticks / kTicksASecond - kSecondsTo1970 : 0;
+  }
+  [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const override {
+    std::size_t done = 0;
+    while (done < size) {
+      OVERLAPPED place{};  // says where to read; the call waits all the same
+      place.Offset = static_cast<DWORD>(offset + done);
+      place.OffsetHigh = static_cast<DWORD>((offset + done) >> 32);
+      const auto wanted = static_cast<DWORD>(std::min<std::size_t>(size - done, 1u << 30));
+      DWORD got = 0;
+      if (!ReadFile(file_.get(), buffer + done, wanted, &got, plain_ ? &place : nullptr)) {
+        const DWORD error = GetLastError();
+        if (error == ERROR_HANDLE_EOF || error == ERROR_BROKEN_PIPE) break;
+        return SystemError(path_, error);
+      }
+      if (got == 0) break;
+      done += got;
+    }
+    return done;
+  }
+
+ private:
+  const Handle file_;
+  const BY_HANDLE_FILE_INFORMATION about_;
+  const bool plain_;
+  const std::string path_;
+};
+
 // Returns the folder of a path with its last separator, or "" for the current folder.
 std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\:") + 1); }
 
@@ -171,6 +212,13 @@ void PauseBetweenTries() {
 }  // namespace
 
 Win32Files::Win32Files() : Win32Files(PauseBetweenTries) {}
+
+PathKind Win32Files::KindOf(const std::string& path) const {
+  const DWORD attributes = GetFileAttributesW(NativePath(path).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return PathKind::kNothing;
+  if ((attributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE)) != 0) return PathKind::kOther;
+  return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? PathKind::kFolder : PathKind::kFile;
+}
 
 bool Win32Files::FileExists(const std::string& path) const {
   const auto attributes = Attributes(NativePath(path));
@@ -217,6 +265,19 @@ Status Win32Files::Read(const std::string& path, const std::function<bool(std::s
     if (!ReadFile(file.get(), buffer.get(), kBlock, &bytes, nullptr)) return LastError(path);
     if (bytes == 0 || !block(std::string_view(buffer.get(), bytes))) return {};
   }
+}
+
+Result<std::unique_ptr<ReadableFile>> Win32Files::Open(const std::string& path) const {
+  const std::wstring native = NativePath(path);
+  Handle file(CreateFileW(native.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+  if (!file.valid()) {
+    const DWORD error = GetLastError();
+    return IsFolder(native) ? FolderInTheWay(path) : SystemError(path, error);
+  }
+  BY_HANDLE_FILE_INFORMATION about{};
+  const bool plain = GetFileType(file.get()) == FILE_TYPE_DISK;
+  if (plain && !GetFileInformationByHandle(file.get(), &about)) return LastError(path);
+  return std::unique_ptr<ReadableFile>(std::make_unique<HandleFile>(std::move(file), about, plain, path));
 }
 
 Result<std::unique_ptr<FileReplacement>> Win32Files::Replace(const std::string& path) {

@@ -17,11 +17,13 @@ class Win32Files final : public Files {
   Win32Files();
   // `pause` is called between two attempts, nine times at most.
   explicit Win32Files(std::function<void()> pause) : pause_(std::move(pause)) {}
+  [[nodiscard]] PathKind KindOf(const std::string& path) const override;
   [[nodiscard]] bool FileExists(const std::string& path) const override;
   [[nodiscard]] bool FolderExists(const std::string& path) const override;
   [[nodiscard]] Result<std::vector<std::string>> Names(const std::string& folder) const override;
   Status MakeFolder(const std::string& path) override;
   Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
+  [[nodiscard]] Result<std::unique_ptr<ReadableFile>> Open(const std::string& path) const override;
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
   Status Delete(const std::string& path) override;
   Status Rename(const std::string& from, const std::string& to) override;
