@@ -49,7 +49,7 @@ std::optional<std::int64_t> ParseWarcDate(std::string_view text) {
   Parts parts{1970, 1, 1, 0, 0, 0};
   text = TrimBlanks(text);
   const bool digits_alone = text.size() > 4 && IsDigit(text[4]);
-  for (std::size_t i = 0; i < kParts && !text.empty(); ++i) {
+  for (std::size_t i = 0; i < kParts && (i == 0 || !text.empty()); ++i) {
     if (i > 0 && !digits_alone && !TakeSign(text, kSigns[i])) break;
     if (!TakeNumber(text, i == 0 ? 4 : 2, parts[i])) return std::nullopt;
   }
