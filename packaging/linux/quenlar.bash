@@ -12,6 +12,7 @@ _quenlar() {
     *:--home) COMPREPLY=($(compgen -d -- "$word")); return ;;
     collect:--from) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--name) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")); return ;;
+    collect:--links) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--scope) COMPREPLY=($(compgen -W "host site anywhere" -- "$word")); return ;;
     collect:--depth) COMPREPLY=(); return ;;
     collect:--pages) COMPREPLY=(); return ;;
@@ -34,7 +35,7 @@ _quenlar() {
     harvest:--robots) COMPREPLY=($(compgen -W "obey ignore" -- "$word")); return ;;
     harvest:--remove) COMPREPLY=(); return ;;
     harvest:--extract) COMPREPLY=(); return ;;
-    addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
+    addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl html" -- "$word")); return ;;
     addresses:--place) COMPREPLY=($(compgen -W "text mailto attribute script comment protected" -- "$word")); return ;;
     addresses:--site) COMPREPLY=(); return ;;
     addresses:--since) COMPREPLY=(); return ;;
@@ -56,7 +57,7 @@ _quenlar() {
   esac
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
-    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
+    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --links --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
     harvest:-*) COMPREPLY=($(compgen -W "-h --help --format --jobs --decode-protected --robots --remove --extract --progress --version" -- "$word")) ;;
     addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
     why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;

@@ -32,7 +32,8 @@ class FolderLock {
   virtual ~FolderLock() = default;
 };
 
-// A file that is open for reading: a plain file, or something that is read from its beginning to its end, such as a pipe.
+// A file that is open for reading: a plain file, or something that is read from its beginning to its end, such as a
+// pipe.
 class ReadableFile {
  public:
   virtual ~ReadableFile() = default;
