@@ -5,12 +5,19 @@
 
 namespace quenlar {
 
+namespace {
+
+// Standard input is no formula.
+std::string PageField(std::string_view page) { return page == "-" ? "\"-\"" : CsvField(page); }
+
+}  // namespace
+
 std::string FormatSighting(const Sighting& sighting, AddressFormat format) {
   switch (format) {
     case AddressFormat::kLines:
       break;
     case AddressFormat::kCsv:
-      return CsvField(sighting.address) + "," + CsvField(sighting.page) + "," + CsvField(sighting.title) + "," +
+      return CsvField(sighting.address) + "," + PageField(sighting.page) + "," + CsvField(sighting.title) + "," +
              CsvField(sighting.place) + (sighting.gone ? ",\"gone\"\n" : "\n");
     case AddressFormat::kJsonl: {
       Json line = {{"address", std::string(sighting.address)},
