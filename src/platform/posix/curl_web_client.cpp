@@ -140,7 +140,11 @@ void CurlWebTransport::Begin(const WebExchange& wanted) {
   spare_.pop_back();
   lines_[wanted.host].busy = true;
   const bool ready = exchange.Prepare(wanted, wanted.address ? "" : ProxyFor(wanted.target));
-  if (ready && multi_ != nullptr && curl_multi_add_handle(multi_, exchange.handle()) == CURLM_OK) return;
+  if (ready && multi_ != nullptr && curl_multi_add_handle(multi_, exchange.handle()) == CURLM_OK) {
+    // The request goes out now. Otherwise it would wait until all pages that have arrived together are read.
+    Act(CURL_SOCKET_TIMEOUT, 0);
+    return;
+  }
   exchange.End(CURLE_OUT_OF_MEMORY);
   PostEnd(wanted.id);
 }
