@@ -6,14 +6,14 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 size=${1:-quick}
 case "$size" in
-  quick) keys="100000" most=$((4 << 20)) lines=1000000 dense=32000000 every=4 ;;
-  full) keys="100000 1000000 10000000" most=$((64 << 20)) lines=10000000 dense=171000000 every=8 ;;
+  quick) keys="100000" most=$((4 << 20)) lines=1000000 dense=32000000 every=4 long_hosts=20000 ;;
+  full) keys="100000 1000000 10000000" most=$((64 << 20)) lines=10000000 dense=171000000 every=8 long_hosts=100000 ;;
   *) echo "usage: ./bench.sh [quick|full]" >&2; exit 2 ;;
 esac
 rounds=3
 
 scripts/install.sh bench
-scripts/build.sh bench quenlar compare_harvest compare_page compare_tables compare_files growth delay_proxy
+scripts/build.sh bench quenlar compare_harvest compare_page compare_tables compare_files growth delay_proxy web_of_hosts
 corpus=${QUENLAR_CORPUS:-$PWD/build/bench/corpus}
 bench/corpus.sh "$size" >&2
 # The slow parsers go through one page in so many.
@@ -46,9 +46,10 @@ part growth "$bin/growth" $most
 part tables tables
 part files "$bin/compare_files" "$scratch" 9
 part crawl bench/crawl.sh $rounds
+part collect bench/collect.sh $rounds $long_hosts
 part merge bench/merge.sh $lines $rounds
 part window bench/window.sh
-names="harvest page growth tables files crawl merge window"
+names="harvest page growth tables files crawl collect merge window"
 
 goals() { # "Goal: NAME (at least W). Measured: M, met." as rows
   for name in $names; do cat "$parts/$name.md"; done |

@@ -12,6 +12,8 @@ namespace {
 constexpr CrawlDuration kLongestWait = std::chrono::minutes(5);
 // The budgets of time and the commit are looked at this often.
 constexpr CrawlDuration kLongestSleep{1000};
+// Kept beside those of the hosts under way, for hosts that are visited again soon.
+constexpr std::size_t kSpareConnections = 64;
 constexpr const char* kSearchKey = "s";
 
 std::string UserAgent(const std::string& contact) {
@@ -52,6 +54,7 @@ Crawler::Crawler(const CrawlWorld& world, Collection& collection, const CrawlOpt
       scope_(options.scope) {
   search_.pace = HostPace(options.delay);
   world_.client.SetListener(this);
+  world_.client.LimitConnections(std::max<std::size_t>(options.hosts, 1) + kSpareConnections);
 }
 
 Crawler::~Crawler() {

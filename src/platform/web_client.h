@@ -110,6 +110,11 @@ class WebClient {
   // Forgets the request at once: no call is made for its key any more. Unknown keys are ignored.
   virtual void Cancel(const std::string& key) = 0;
 
+  // How many connections may be open at a time, idle ones included; fewer where the system allows fewer. For one more
+  // the longest idle one is closed. A crawl of many hosts sets it, so that connections to hosts that it has left do not
+  // pile up.
+  virtual void LimitConnections(std::size_t most) = 0;
+
   // Connections that are open now, idle ones included.
   [[nodiscard]] virtual std::size_t connections() const = 0;
 };

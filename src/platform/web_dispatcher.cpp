@@ -74,7 +74,8 @@ struct WebDispatcher::Address {
 WebDispatcher::WebDispatcher(EventLoop& loop, std::unique_ptr<WebTransport> transport, LookUpName look_up,
                              std::size_t most_connections)
     : loop_(loop),
-      most_connections_(std::max<std::size_t>(most_connections, 1)),
+      system_limit_(std::max<std::size_t>(most_connections, 1)),
+      most_connections_(system_limit_),
       transport_(std::move(transport)),
       lookups_(loop, std::move(look_up)),
       tick_(loop.MakeTimer(kTick, [this] { Tick(); })) {
@@ -211,6 +212,17 @@ void WebDispatcher::Connect(Host& host) {
   Refuse(host, WebFailure::kPrivateAddress, "not a public address:" + names);
 }
 
+void WebDispatcher::LimitConnections(std::size_t most) {
+  most_connections_ = std::clamp<std::size_t>(most, 1, system_limit_);
+  while (connections_ > most_connections_ && !idle_.empty()) CloseLongestIdle();
+}
+
+void WebDispatcher::CloseLongestIdle() {
+  Host& idle = *idle_.front();
+  Close(idle);
+  NoteQuiet(idle);
+}
+
 // False: the host waits until Resume.
 bool WebDispatcher::GetConnection(Host& host, const std::optional<IpAddress>& address) {
   if (address && addresses_[*address].connected.size() >= kConnectionsPerAddress) {
@@ -229,9 +241,7 @@ bool WebDispatcher::GetConnection(Host& host, const std::optional<IpAddress>& ad
       host.stage = Host::Stage::kQueued;
       return false;
     }
-    Host& idle = *idle_.front();
-    Close(idle);
-    NoteQuiet(idle);
+    CloseLongestIdle();
   }
   if (address) addresses_[*address].connected.push_back(&host);
   host.connected = true;

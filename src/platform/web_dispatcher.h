@@ -27,7 +27,8 @@ namespace quenlar {
 // connections. What a name resolves to is asked for again after a minute; each address is judged for each request.
 class WebDispatcher final : public WebClient, private WebTransportListener {
  public:
-  // At most `most_connections` are open at a time, idle ones included. `loop` must outlive the dispatcher.
+  // At most `most_connections` are open at a time, idle ones included, whatever LimitConnections asks for. `loop` must
+  // outlive the dispatcher.
   WebDispatcher(EventLoop& loop, std::unique_ptr<WebTransport> transport, LookUpName look_up,
                 std::size_t most_connections);
   WebDispatcher(const WebDispatcher&) = delete;
@@ -37,6 +38,7 @@ class WebDispatcher final : public WebClient, private WebTransportListener {
   void SetListener(WebListener* listener) override { listener_ = listener; }
   void Start(WebRequest request, const std::string& key) override;
   void Cancel(const std::string& key) override;
+  void LimitConnections(std::size_t most) override;
   [[nodiscard]] std::size_t connections() const override { return connections_; }
 
  private:
@@ -82,6 +84,7 @@ class WebDispatcher final : public WebClient, private WebTransportListener {
   // Takes the host's connection off the books. Nobody is served with what that leaves free.
   void Release(Host& host);
   void Close(Host& host);
+  void CloseLongestIdle();
   void ServeWaiting(const std::optional<IpAddress>& address);
   [[nodiscard]] bool HasRoom(const Address& address) const;
 
@@ -91,7 +94,8 @@ class WebDispatcher final : public WebClient, private WebTransportListener {
   void ForgetQuietHosts(Instant now);
 
   EventLoop& loop_;
-  const std::size_t most_connections_;
+  const std::size_t system_limit_;
+  std::size_t most_connections_;
   const std::unique_ptr<WebTransport> transport_;
   NameLookups lookups_;
   WebListener* listener_ = nullptr;

@@ -244,6 +244,22 @@ TEST_F(Dispatcher, ConnectionsAreBoundedInAllAndTheLongestIdleMakesWay) {
   EXPECT_EQ(transport_->closed.back(), transport_->sent[6].host);
 }
 
+TEST_F(Dispatcher, ALimitClosesTheLongestIdleConnections) {
+  for (int i = 0; i < 5; ++i) {
+    Start("http://8.8.8." + std::to_string(i) + "/");
+    ASSERT_TRUE(WaitForSent(static_cast<std::size_t>(i) + 1));
+    transport_->End(static_cast<std::size_t>(i));
+    ASSERT_TRUE(WaitForEnds(static_cast<std::size_t>(i) + 1));
+  }
+  client_->LimitConnections(2);
+  EXPECT_EQ(client_->connections(), 2u);
+  ASSERT_EQ(transport_->closed.size(), 3u);
+  EXPECT_EQ(transport_->closed[0], transport_->sent[0].host);
+  Start("http://8.8.8.100/");
+  ASSERT_TRUE(WaitForSent(6));
+  EXPECT_EQ(client_->connections(), 2u);
+}
+
 TEST_F(Dispatcher, AConnectionThatTheServerClosesIsNotCounted) {
   Start("http://8.8.8.8/");
   ASSERT_TRUE(WaitForSent(1));

@@ -46,6 +46,7 @@ class ScriptedWebClient : public WebClient {
   void SetListener(WebListener* listener) override { listener_ = listener; }
   void Start(WebRequest request, const std::string& key) override;
   void Cancel(const std::string& key) override;
+  void LimitConnections(std::size_t) override {}
   // One for each host that has been asked for.
   [[nodiscard]] std::size_t connections() const override { return hosts_.size(); }
 

@@ -67,6 +67,8 @@ class CurlWebTransport final : public WebTransport, public IoSource, public Curl
   struct Line {
     int fd = -1;
     bool busy = false;
+    WireAddress target = {};  // of its last request, with the address that this went to
+    std::optional<IpAddress> address = {};
   };
 
   static int OnSocket(CURL* handle, curl_socket_t fd, int what, void* self, void* of_socket);
@@ -89,7 +91,8 @@ class CurlWebTransport final : public WebTransport, public IoSource, public Curl
   std::optional<std::chrono::steady_clock::time_point> deadline_;
   std::unordered_map<WebExchangeId, std::unique_ptr<CurlWebExchange>> exchanges_;
   std::vector<std::unique_ptr<CurlWebExchange>> spare_;
-  std::vector<WebExchangeId> heads_;  // arrived, not yet posted
+  std::unique_ptr<CurlWebExchange> broom_;  // see CloseIdle
+  std::vector<WebExchangeId> heads_;        // arrived, not yet posted
   std::unordered_map<WebHostId, Line> lines_;
   std::vector<WebHostId> by_descriptor_;  // 0: not of a host's connection
   bool ending_ = false;
@@ -117,6 +120,7 @@ CurlWebTransport::~CurlWebTransport() {
   for (auto& [id, exchange] : exchanges_) curl_multi_remove_handle(multi_, exchange->handle());
   exchanges_.clear();
   spare_.clear();
+  broom_.reset();
   curl_multi_cleanup(multi_);
   loop_.RemoveSource(*this);
   curl_global_cleanup();
@@ -138,7 +142,10 @@ void CurlWebTransport::Begin(const WebExchange& wanted) {
   if (spare_.empty()) spare_.push_back(std::make_unique<CurlWebExchange>(options_.authorities, *this, heads_));
   CurlWebExchange& exchange = *(exchanges_[wanted.id] = std::move(spare_.back()));
   spare_.pop_back();
-  lines_[wanted.host].busy = true;
+  Line& line = lines_[wanted.host];
+  line.busy = true;
+  line.target = wanted.target;
+  line.address = wanted.address;
   const bool ready = exchange.Prepare(wanted, wanted.address ? "" : ProxyFor(wanted.target));
   if (ready && multi_ != nullptr && curl_multi_add_handle(multi_, exchange.handle()) == CURLM_OK) {
     // The request goes out now. Otherwise it would wait until all pages that have arrived together are read.
@@ -163,13 +170,23 @@ WebTransport::Outcome CurlWebTransport::Take(WebExchangeId id) {
   return outcome;
 }
 
-// Curl has no call for it, but finds out that the connection is dead before it would use it, and then closes it.
+// Curl has no call for it. It would find the dead connection out within a second, but then it goes through all of them,
+// and from the beginning again behind each dead one: with thousands of hosts one after the other that is most of the
+// time. When it looks for a connection to that very host it finds it at once. So it is asked for one, and gets no
+// socket.
 void CurlWebTransport::CloseIdle(WebHostId host) {
   const auto line = lines_.find(host);
   if (line == lines_.end() || line->second.fd < 0) return;
   by_descriptor_[static_cast<std::size_t>(line->second.fd)] = 0;
   shutdown(line->second.fd, SHUT_RDWR);
+  if (!broom_) broom_ = std::make_unique<CurlWebExchange>(options_.authorities, *this, heads_);
+  const Line gone = std::move(line->second);
   lines_.erase(line);
+  const WebRequest request;
+  const WebExchange nobody{.id = 0, .host = 0, .request = request, .target = gone.target, .address = gone.address};
+  if (!broom_->Prepare(nobody, "") || curl_multi_add_handle(multi_, broom_->handle()) != CURLM_OK) return;
+  Act(CURL_SOCKET_TIMEOUT, 0);
+  curl_multi_remove_handle(multi_, broom_->handle());
 }
 
 void CurlWebTransport::OnOpened(WebHostId host, int fd) {

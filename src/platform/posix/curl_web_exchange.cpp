@@ -137,6 +137,7 @@ void CurlWebExchange::SetConnectionOptions(const WebRequest& request, const std:
 
 curl_socket_t CurlWebExchange::OnOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
   auto& exchange = *static_cast<CurlWebExchange*>(self);
+  if (exchange.host_ == 0) return CURL_SOCKET_BAD;  // asked for a kept connection, not for a new one
   // Whatever curl makes of the name, nothing but the judged address is connected to.
   if (exchange.address_ && IpAddressOf(address->addr) != exchange.address_) return CURL_SOCKET_BAD;
   const int fd = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);

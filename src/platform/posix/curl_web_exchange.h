@@ -38,7 +38,7 @@ class CurlWebExchange {
   ~CurlWebExchange();
 
   // Makes the handle ready to be added; false when memory is short. With `proxy` "" the exchange's address is connected
-  // to, and no other.
+  // to, and no other. An exchange of host 0 opens no connection: it has a kept one or fails.
   [[nodiscard]] bool Prepare(const WebExchange& exchange, const std::string& proxy);
   [[nodiscard]] CURL* handle() const { return handle_; }
   [[nodiscard]] WebExchangeId id() const { return id_; }
