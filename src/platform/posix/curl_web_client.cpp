@@ -79,6 +79,7 @@ class CurlWebTransport final : public WebTransport, public IoSource, public Curl
   [[nodiscard]] std::string ProxyFor(const WireAddress& target) const;
   void Act(curl_socket_t fd, int bits);
   void Collect();
+  void ForgetDescriptor(WebHostId host, Line& line);
   void PostHead(WebExchangeId id);
   void PostEnd(WebExchangeId id);
   template <typename Call>
@@ -163,11 +164,18 @@ WebTransport::Outcome CurlWebTransport::Take(WebExchangeId id) {
   Outcome outcome;
   const auto line = lines_.find(exchange->host());
   line->second.busy = false;
+  if (exchange->opened_in_vain()) ForgetDescriptor(exchange->host(), line->second);
   outcome.kept = line->second.fd >= 0 && !exchange->behind_proxy();
   if (!outcome.kept && line->second.fd < 0) lines_.erase(line);
   outcome.answer = exchange->TakeAnswer();
   if (spare_.size() < kSpareExchanges) spare_.push_back(std::move(exchange));
   return outcome;
+}
+
+// Curl closes a socket that never came to be connected without a word. Its number may be in use again by now.
+void CurlWebTransport::ForgetDescriptor(WebHostId host, Line& line) {
+  const int fd = std::exchange(line.fd, -1);
+  if (fd >= 0 && by_descriptor_[static_cast<std::size_t>(fd)] == host) by_descriptor_[static_cast<std::size_t>(fd)] = 0;
 }
 
 // Curl has no call for it. It would find the dead connection out within a second, but then it goes through all of them,

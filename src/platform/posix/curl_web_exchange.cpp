@@ -66,7 +66,7 @@ bool CurlWebExchange::Prepare(const WebExchange& exchange, const std::string& pr
   if (exchange.request.keep_wire) wire_.emplace();
   body_bytes_ = 0;
   last_byte_ = std::chrono::steady_clock::now();
-  malformed_ = no_memory_ = false;
+  opened_ = malformed_ = no_memory_ = false;
   result_.reset();
   error_[0] = '\0';
   if (handle_ == nullptr || names_ == nullptr) return false;
@@ -144,6 +144,7 @@ curl_socket_t CurlWebExchange::OnOpenSocket(void* self, curlsocktype, curl_socka
   if (fd < 0) return CURL_SOCKET_BAD;
   const auto note = [&] {
     exchange.sockets_.OnOpened(exchange.host_, fd);
+    exchange.opened_ = true;
     return true;
   };
   if (AddWithinMemory(exchange.no_memory_, note)) return fd;

@@ -47,6 +47,9 @@ class CurlWebExchange {
   [[nodiscard]] const WebHead& head() const { return head_.head(); }
   [[nodiscard]] std::chrono::steady_clock::time_point last_byte() const { return last_byte_; }
 
+  // Whether it opened a socket that never came to be connected.
+  [[nodiscard]] bool opened_in_vain() const { return opened_ && !Connected(); }
+
   // Curl says that the exchange is over, or would not begin it.
   void End(CURLcode result) { result_ = result; }
   // What it has come to; without a failure when End was not called.
@@ -88,7 +91,7 @@ class CurlWebExchange {
   std::optional<WebWire> wire_;
   std::uint64_t body_bytes_ = 0;
   std::chrono::steady_clock::time_point last_byte_;
-  bool malformed_ = false, no_memory_ = false;
+  bool opened_ = false, malformed_ = false, no_memory_ = false;
   std::optional<CURLcode> result_;
 };
 
