@@ -102,7 +102,7 @@ void Crawler::Ask(HostVisit& visit) {
       return Leave(visit, std::nullopt);
     }
     const WaitingPage& page = *next.value();
-    if (schedule_.IsNearerQueued(page.depth)) return Leave(visit, page.depth);
+    if (!visit.robots_url && schedule_.IsNearerQueued(page.depth)) return Leave(visit, page.depth);
     if (options_.pages && figures_.pages + page_requests_ >= *options_.pages) return held_.push_back(visit.row.id);
     visit.page = std::move(*next.value());
     visit.url = ParseUrl(visit.page->url, nullptr, world_.idna);

@@ -11,15 +11,19 @@ namespace {
 
 constexpr const char* kSite = "site";
 
-bool HasWebScheme(std::string_view text) {
-  const std::string scheme = Lower(text.substr(0, text.find("://")));
-  return scheme.size() < text.size() && (scheme == "http" || scheme == "https");
+// The scheme that is typed, in lower case: what stands before "://" at the beginning. Empty without one.
+std::string SchemeOf(std::string_view text) {
+  const std::size_t end = text.find("://");
+  const std::string_view scheme = text.substr(0, end == text.npos ? 0 : end);
+  const bool is_scheme = std::all_of(scheme.begin(), scheme.end(), [](char c) {
+    return IsLetter(c) || IsDigit(c) || c == '+' || c == '-' || c == '.';
+  });
+  return is_scheme ? Lower(scheme) : std::string();
 }
 
 // What a person means by a site's address: without a scheme it is asked for by https first.
 std::optional<Url> TypedUrl(const std::string& text, const Idna& idna) {
-  const std::string whole = text.find("://") == std::string::npos ? "https://" + text : text;
-  return AsPage(ParseUrl(whole, nullptr, idna), idna);
+  return AsPage(ParseUrl(SchemeOf(text).empty() ? "https://" + text : text, nullptr, idna), idna);
 }
 
 template <typename Map>
@@ -35,8 +39,8 @@ void EraseOne(Map& map, typename Map::key_type key, typename Map::mapped_type va
 }  // namespace
 
 bool IsSiteText(std::string_view text) {
-  if (text.find_first_of(" \t") != std::string_view::npos) return false;
-  return text.find('.') != std::string_view::npos || text.find("://") != std::string_view::npos;
+  if (!SchemeOf(text).empty()) return true;
+  return text.find('.') != std::string_view::npos && text.find_first_of(" \t") == std::string_view::npos;
 }
 
 void Crawler::AddStarts(const std::vector<std::string>& texts) {
@@ -50,9 +54,9 @@ void Crawler::AddStarts(const std::vector<std::string>& texts) {
 void Crawler::AddSite(const std::string& text) {
   const auto url = TypedUrl(text, world_.idna);
   if (!url) {
-    const bool other_scheme = text.find("://") != std::string::npos && !HasWebScheme(text);
-    start_problems_.push_back(text +
-                              (other_scheme ? ": only http and https can be visited" : ": this is not a web address"));
+    const std::string scheme = SchemeOf(text);
+    const bool other = !scheme.empty() && scheme != "http" && scheme != "https";
+    start_problems_.push_back(text + (other ? ": only http and https can be visited" : ": this is not a web address"));
     return;
   }
   const auto start = collection_.AddStart(text, kSite, 0);
@@ -122,7 +126,7 @@ void Crawler::LoadStart(const StartRow& start) {
   const auto typed = TypedUrl(start.text, world_.idna);
   if (Failed(page) || !typed) return;
   if (const auto given = given_.find(start.id); given != given_.end()) given->second.host = page.value().host;
-  const bool scheme_typed = start.text.find("://") != std::string::npos;
+  const bool scheme_typed = !SchemeOf(start.text).empty();
   std::string_view url = page.value().url;
   url.remove_prefix(std::min(url.find("//") + 2, url.size()));
   if (url == typed->PageKey()) {

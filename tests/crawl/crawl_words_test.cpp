@@ -25,6 +25,21 @@ TEST_F(CrawlWordsTest, AStartOfAnotherSchemeSaysWhatCanBeVisited) {
   EXPECT_THAT(client_.sent(), IsEmpty());
 }
 
+TEST_F(CrawlWordsTest, AStartMayHoldAnotherAddressInItsQuery) {
+  Page("https://www.firma.de/?u=http://other.de/", "a@firma.de");
+  Crawl({"www.firma.de/?u=http://other.de/"});
+  EXPECT_THAT(view_.addresses, ElementsAre("a@firma.de"));
+}
+
+TEST(SiteText, HasASchemeOrADotAndNoBlank) {
+  for (const char* const text : {"firma.de", "HTTP://localhost", "https://a.de/x y", "ftp://server", "a.b/?x=://"}) {
+    EXPECT_TRUE(IsSiteText(text)) << text;
+  }
+  for (const char* const text : {"cars", "red cars 2.0", "localhost:8080", "://", "what is this://"}) {
+    EXPECT_FALSE(IsSiteText(text)) << text;
+  }
+}
+
 TEST_F(CrawlWordsTest, WhatIsNotAPageHasNotFailed) {
   Page("https://www.firma.de/", {.fields = {{"Content-Type", "application/pdf"}}, .body = "a@firma.de"});
   Crawl({"www.firma.de"});
