@@ -23,8 +23,8 @@ class HostileWeb : public testing::Test {
     UseClient("", "");
     LeaveBadConnections();
   }
-  void UseClient(const std::string& proxy, const std::string& authorities) {
-    client_ = platform_->MakeWebClient(proxy, authorities);
+  void UseClient(const std::string& proxy, const std::string& authorities, LookUpName look_up = {}) {
+    client_ = platform_->MakeWebClient(proxy, authorities, std::move(look_up));
     client_->SetListener(&log_);
   }
 

@@ -109,6 +109,23 @@ TEST_F(HostileWeb, APrivateAddressIsRefusedBeforeAnythingIsSent) {
   EXPECT_EQ(Fetch("/hits?private").body, "0");
 }
 
+// A name that is judged by one answer of its server and connected to by another one would lead anywhere. The system
+// takes "localhost" for this machine, whatever the answer was that has been judged.
+TEST_F(HostileWeb, NothingIsSentWhereANameHasNotBeenJudgedToLead) {
+  UseClient("", "", [](const std::string&) {
+    return std::vector<IpAddress>{*ParseIpAddress("2000::1")};  // public, and given to nobody
+  });
+  WebRequest request = Request("http://localhost" + server_.substr(server_.find(':')) + "/hit-and-close?rebound");
+  request.private_addresses = false;
+  request.connect_limit = milliseconds(1000);
+  const WebAnswer answer = Fetch(request);
+  EXPECT_TRUE(answer.failure == WebFailure::kNoConnection || answer.failure == WebFailure::kPrivateAddress)
+      << answer.message;
+  EXPECT_EQ(answer.body, "");
+  UseClient("", "");
+  EXPECT_EQ(Fetch("/hits?rebound").body, "0");
+}
+
 TEST_F(HostileWeb, AKeptConnectionOfAPrivateHostIsNoWayInForOthers) {
   ExpectOrdinaryService();
   WebRequest request = Request("/hit-and-close?kept-private");

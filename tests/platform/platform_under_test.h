@@ -17,6 +17,7 @@
 #include "platform/idna.h"
 #include "platform/interface_table.h"
 #include "platform/loopback_server.h"
+#include "platform/name_lookups.h"
 #include "platform/page_fetcher.h"
 #include "platform/registry.h"
 #include "platform/text_decoder.h"
@@ -51,9 +52,11 @@ class TestPlatform {
   // whatever the environment says. The certificates in the file `authorities` (PEM) are trusted, if it is named.
   [[nodiscard]] virtual std::unique_ptr<PageFetcher> MakeFetcher(const std::string& proxy,
                                                                  const std::string& authorities) = 0;
-  // A crawler's client on loop(), with proxy and authorities as above.
+  // A crawler's client on loop(), with proxy and authorities as above. `look_up` finds the addresses that are judged;
+  // empty: the system does.
   [[nodiscard]] virtual std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy,
-                                                                 const std::string& authorities) = 0;
+                                                                 const std::string& authorities,
+                                                                 LookUpName look_up) = 0;
   // False where the system's HTTP client is Wine's: it takes torn heads and chunks for answers, reads heads without
   // end, keeps connections on which something follows the answer, and knows them again in another fetcher. Its faults
   // are none of this program, so tests expect there that such a download ends, and that the next ones work.

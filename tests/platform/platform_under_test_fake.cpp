@@ -87,7 +87,7 @@ class FakeTestPlatform : public TestPlatform {
     fetcher->ServeOthers([this](const std::string& address) { return Answer(address); });
     return fetcher;
   }
-  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string&, const std::string&) override {
+  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string&, const std::string&, LookUpName) override {
     auto client = std::make_unique<ScriptedWebClient>(fakes_.loop);
     client->ServeOthers([this](const WebRequest& request) { return WebAnswerTo(request.url); });
     return client;

@@ -40,11 +40,12 @@ class PosixTestPlatform : public TestPlatform {
     options.authorities = authorities;
     return std::make_unique<CurlPageFetcher>(*loop_, std::move(options));
   }
-  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy,
-                                                         const std::string& authorities) override {
+  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy, const std::string& authorities,
+                                                         LookUpName look_up) override {
     CurlWebOptions options;
     options.proxy = proxy.empty() ? ProxyChoice::None() : ProxyChoice::Given(proxy);
     options.authorities = authorities;
+    options.look_up = std::move(look_up);
     return MakeCurlWebClient(*loop_, std::move(options));
   }
   void Serve(ServeHandler handler) override {

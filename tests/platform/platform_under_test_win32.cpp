@@ -40,10 +40,11 @@ class Win32TestPlatform : public TestPlatform {
     options.proxy = proxy.empty() ? ProxyChoice{} : ProxyChoice::Given(proxy);
     return std::make_unique<WinHttpPageFetcher>(loop_, options);
   }
-  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy,
-                                                         const std::string& authorities) override {
+  [[nodiscard]] std::unique_ptr<WebClient> MakeWebClient(const std::string& proxy, const std::string& authorities,
+                                                         LookUpName look_up) override {
     if (!authorities.empty()) authorities_ = std::make_unique<TrustedAuthority>(authorities);
-    return MakeWinHttpWebClient(loop_, proxy.empty() ? ProxyChoice::None() : ProxyChoice::Given(proxy));
+    return MakeWinHttpWebClient(loop_, proxy.empty() ? ProxyChoice::None() : ProxyChoice::Given(proxy),
+                                std::move(look_up));
   }
   [[nodiscard]] bool HttpIsStrict() const override {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;

@@ -37,7 +37,7 @@ class WebContract : public PlatformContract {
 
   EventLoop& loop_ = platform_->loop();
   WebLog log_;
-  std::unique_ptr<WebClient> client_ = platform_->MakeWebClient("", "");
+  std::unique_ptr<WebClient> client_ = platform_->MakeWebClient("", "", {});
 };
 INSTANTIATE_TEST_SUITE_P(Platforms, WebContract, testing::Values(MakeTestPlatform, MakeFakeTestPlatform), PlatformName);
 

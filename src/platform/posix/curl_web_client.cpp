@@ -286,8 +286,9 @@ void CurlWebTransport::PostEnd(WebExchangeId id) {
 std::unique_ptr<WebClient> MakeCurlWebClient(PosixEventLoop& loop, CurlWebOptions options) {
   const std::size_t most_connections = MostConnections();
   if (options.authorities.empty()) options.authorities = SystemAuthorities();
+  LookUpName look_up = options.look_up ? options.look_up : LookUpName(&LookUpByGetaddrinfo);
   return std::make_unique<WebDispatcher>(loop, std::make_unique<CurlWebTransport>(loop, std::move(options)),
-                                         &LookUpByGetaddrinfo, most_connections);
+                                         std::move(look_up), most_connections);
 }
 
 }  // namespace quenlar

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/name_lookups.h"
 #include "platform/posix/event_loop.h"
 #include "platform/proxy_choice.h"
 #include "platform/web_client.h"
@@ -13,6 +14,7 @@ namespace quenlar {
 struct CurlWebOptions {
   ProxyChoice proxy = {};
   std::string authorities = {};  // a file of certificates (PEM) to trust; empty: the system's
+  LookUpName look_up = {};       // empty: the system's resolver
 };
 
 // Bodies are asked for with gzip and deflate; HTTP/2 is spoken over TLS where the server offers it. Raises the

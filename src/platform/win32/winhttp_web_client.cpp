@@ -136,9 +136,10 @@ void WinHttpWebTransport::CloseIdle(WebHostId host) {
 
 }  // namespace
 
-std::unique_ptr<WebClient> MakeWinHttpWebClient(EventLoop& loop, const ProxyChoice& proxy) {
+std::unique_ptr<WebClient> MakeWinHttpWebClient(EventLoop& loop, const ProxyChoice& proxy, LookUpName look_up) {
   return std::make_unique<WebDispatcher>(loop, std::make_unique<WinHttpWebTransport>(loop, proxy),
-                                         &win32::LookUpByGetAddrInfo, kMostConnections);
+                                         look_up ? std::move(look_up) : LookUpName(&win32::LookUpByGetAddrInfo),
+                                         kMostConnections);
 }
 
 }  // namespace quenlar
