@@ -82,8 +82,11 @@ while [ "$killed" -lt "$kills" ]; do
   rm -rf "$home"
   for again in "" --again; do
     echo visit >>"$log"
-    until disturbed_run $again || [ "$killed" -ge "$kills" ]; do killed=$((killed + 1)); done
-    if [ "$killed" -ge "$kills" ]; then # the last one comes to its end in peace
+    finished=
+    while [ -z "$finished" ] && [ "$killed" -lt "$kills" ]; do
+      if disturbed_run $again; then finished=yes; else killed=$((killed + 1)); fi
+    done
+    if [ -z "$finished" ]; then # the last one comes to its end in peace
       echo run >>"$log"
       "${program[@]}" --home "$home" "${run[@]}" $again >/dev/null 2>"$work/err" || fail "the last run ended with status $?"
       check_log
