@@ -6,8 +6,8 @@
 #include "cli/open_collection.h"
 #include "cli/option_checks.h"
 #include "cli/sighting_format.h"
-#include "cli/time_text.h"
 #include "collection/overview.h"
+#include "engine/time_text.h"
 
 namespace quenlar {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "base/ascii.h"
 #include "base/number.h"
-#include "cli/time_text.h"
+#include "engine/time_text.h"
 #include "settings/web_checks.h"
 
 namespace quenlar {

@@ -1,7 +1,7 @@
 #include "cli/sighting_format.h"
 
 #include "cli/json_text.h"
-#include "cli/time_text.h"
+#include "engine/time_text.h"
 
 namespace quenlar {
 

@@ -105,14 +105,23 @@ Status CollectionReader::Addresses(const SightingChoice& choice, const Each& eac
 }
 
 Status CollectionReader::Listed(const std::function<bool(const ListedAddress&)>& each) {
+  constexpr std::int64_t kAtOnce = 1000;
+  const Result<std::int64_t> last = database_->Number(sql::kLastAddress);
+  if (!last.ok()) return last.status();
   Result<Statement> prepared = database_->Prepare(sql::kListedAddresses);
   if (!prepared.ok()) return prepared.status();
   Statement& row = prepared.value();
-  for (;;) {
-    const Result<bool> found = row.Step();
-    if (!found.ok()) return found.status();
-    if (!found.value() || !each({row.Text(0), row.Text(1), row.Text(2)})) return Status::Ok();
+  for (std::int64_t from = 0; from < last.value(); from += kAtOnce) {
+    row.Reset();
+    row.Bind(from, from + kAtOnce);
+    for (;;) {
+      const Result<bool> found = row.Step();
+      if (!found.ok()) return found.status();
+      if (!found.value()) break;
+      if (!each({row.Text(0), row.Text(1), row.Text(2)})) return Status::Ok();
+    }
   }
+  return Status::Ok();
 }
 
 Status CollectionReader::Sightings(const SightingChoice& choice, const Each& each) {

@@ -69,7 +69,8 @@ class CollectionReader {
   // The addresses in the order in which they were found, each with its first sighting among those chosen. What is gone
   // is left out.
   Status Addresses(const SightingChoice& choice, const Each& each);
-  // The same addresses for a list that shows all of them, in a fraction of the time.
+  // The same addresses for a list that shows all of them, in a fraction of the time. However many there are, the first
+  // one comes at once.
   Status Listed(const std::function<bool(const ListedAddress&)>& each);
   // Every sighting, address by address; what is gone too.
   Status Sightings(const SightingChoice& choice, const Each& each);

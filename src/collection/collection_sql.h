@@ -220,11 +220,13 @@ inline constexpr const char* kSightings =
     " WHERE (?1 IS NULL OR s.place = ?1) AND (?2 IS NULL OR h.site = ?2 COLLATE NOCASE) AND (?3 IS NULL OR "
     "a.first_seen >= ?3)"
     " ORDER BY a.id, s.first_seen, s.page, s.place";
-// Of each address the page on which it was seen first, in the order in which the addresses were found.
+// Of each address in a range of ids the page on which it was seen first, in the order in which they were found.
 inline constexpr const char* kListedAddresses =
     "SELECT a.address, p.url, p.title"
-    " FROM (SELECT address, page, min(first_seen) FROM sightings WHERE gone = 0 GROUP BY address) s"
+    " FROM (SELECT address, page, min(first_seen) FROM sightings WHERE gone = 0 AND address > ?1 AND address <= ?2"
+    " GROUP BY address) s"
     " JOIN addresses a ON a.id = s.address JOIN pages p ON p.id = s.page ORDER BY s.address";
+inline constexpr const char* kLastAddress = "SELECT coalesce(max(id), 0) FROM addresses";
 inline constexpr const char* kSightingsOf =
     "SELECT a.id, a.address, p.url, p.title, s.place, s.written, h.site, s.first_seen, s.last_seen, s.gone, p.id"
     " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"

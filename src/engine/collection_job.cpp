@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/product.h"
+#include "collection/overview.h"
 #include "engine/collections.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -124,6 +125,44 @@ std::string CollectionJob::report() const {
   return HasFiles() ? engine_.installation.Report(SafeFileName(named_.name) + ".web.rpt") : std::string();
 }
 
+std::string CollectionJob::WebPagePath() const {
+  return engine_.installation.Report(SafeFileName(named_.name) + ".web.html");
+}
+
+Result<std::unique_ptr<CollectionReader>> CollectionJob::Reader() {
+  SaveAtOnce();
+  if (!HasFiles() || !engine_.platform.files.FileExists(Path())) {
+    return Status(StatusKind::kNotFound, "Nothing has been collected yet");
+  }
+  return CollectionReader::Open(Path());
+}
+
+Result<std::string> CollectionJob::WriteWebPage() {
+  if (std::exchange(writing_page_, true)) return std::string();
+  const std::uint64_t opening = openings_;
+  const auto write = [&]() -> Result<std::string> {
+    const auto reader = Reader();
+    if (!reader.ok()) return reader.status();
+    const std::string path = WebPagePath();
+    auto file = engine_.platform.files.Replace(path);
+    if (!file.ok()) return Sentence(file.status(), path, "saved");
+    Status saved;
+    const Status written = WriteOverview(*reader.value(), named_.name, {}, [&](std::string_view piece) {
+      saved = file.value()->Write(piece);
+      pump_();
+      return saved.ok() && opening == openings_;
+    });
+    if (!written.ok()) return written;
+    if (opening != openings_) return std::string();
+    if (saved.ok()) saved = file.value()->Commit();
+    if (!saved.ok()) return Sentence(saved, path, "saved");
+    return path;
+  };
+  Result<std::string> path = write();
+  writing_page_ = false;
+  return path;
+}
+
 // In one go: the table may be cleared in a pump.
 Status CollectionJob::WriteReport() {
   const std::string path = report();
@@ -139,7 +178,7 @@ Status CollectionJob::DeleteFiles() {
   Status first;
   if (!HasFiles()) return first;
   Files& files = engine_.platform.files;
-  for (const std::string& path : {Path(), Path() + "-wal", Path() + "-shm", report()}) {
+  for (const std::string& path : {Path(), Path() + "-wal", Path() + "-shm", report(), WebPagePath()}) {
     if (!files.FileExists(path)) continue;
     const Status deleted = Sentence(files.Delete(path), path, "deleted");
     if (first.ok()) first = deleted;

@@ -49,6 +49,13 @@ class CollectionJob final : public Job, private CrawlView {
   Status WriteReport() override;
   Status DeleteFiles() override;
 
+  // Opens the collection for questions; also while a run goes on, whose pages until now are in it then. kNotFound, with
+  // a message, before the first run.
+  [[nodiscard]] Result<std::unique_ptr<CollectionReader>> Reader();
+  // Writes the collection as a web page into the folder of the reports, and returns its path; "" where another opening,
+  // or a second call, has come between. Pumps.
+  [[nodiscard]] Result<std::string> WriteWebPage();
+
   void Run() override;
   void Stop() override;
   [[nodiscard]] bool running() const override { return running_; }
@@ -61,6 +68,7 @@ class CollectionJob final : public Job, private CrawlView {
   void OnNotice(const std::string& text) override { notices_.push_back(text); }
 
   [[nodiscard]] std::string Path() const;
+  [[nodiscard]] std::string WebPagePath() const;
   // Opens what named_ says.
   void OpenNamed(Pumping pumping);
   [[nodiscard]] Status LoadAddresses(std::uint64_t opening, Pumping pumping);
@@ -78,7 +86,7 @@ class CollectionJob final : public Job, private CrawlView {
   NamedCollection named_;
   FoundAddresses found_;
   std::uint64_t openings_ = 0;  // calls of Open so far
-  bool loading_ = false;
+  bool loading_ = false, writing_page_ = false;
 
   std::unique_ptr<Collection> collection_;  // while a run goes on
   std::unique_ptr<Crawler> crawler_;

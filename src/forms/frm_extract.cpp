@@ -24,7 +24,11 @@ constexpr const char* kInputHint = "Enter URL as \"http://www.example.com\" or K
 }  // namespace
 
 frmExtract::frmExtract(Context context)
-    : Form("frmExtract", kProductCaption), context_(context), job_(&context.classic) {
+    : Form("frmExtract", kProductCaption),
+      context_(context),
+      job_(&context.classic),
+      menu_({context.collection, context.sightings, context.why, context.engine,
+             [this] { return job_ == &context_.collection; }}) {
   system_menu = {&mnuWeb};
   txtSearch.SetVisible(false);
   cmdExport.SetEnabled(false);
@@ -64,6 +68,7 @@ void frmExtract::SetUpList() {
       {"Copy &row", 0, [this, copy](const auto& rows) { copy(CopyOfRows(job_->found(), rows)); }},
       {"&Open page", 0, [this](const auto& rows) { OpenPage(rows.front()); }},
   };
+  for (ui::ListView::Command& command : menu_.Commands()) lstMail.commands.push_back(std::move(command));
 }
 
 // The models outlive the window, so a window that is opened again during a run shows the run as it stands.

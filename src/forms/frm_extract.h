@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "engine/collection_job.h"
 #include "engine/engine.h"
 #include "engine/job.h"
+#include "forms/collection_menu.h"
 #include "forms/frm_email_merge_tool.h"
 #include "forms/frm_option.h"
 #include "platform/file_dialogs.h"
@@ -22,10 +24,12 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   struct Context {
     Engine& engine;
     Job& classic;
-    Job& collection;
+    CollectionJob& collection;
     const WebSettings& web_settings;
     frmOption& option;
     frmEmailMergeTool& tool;
+    frmSightings& sightings;
+    frmWhy& why;
     // Of the notification icon's form.
     ui::Timer& tmrExtract;
     ui::MenuItem& mnuExtractor;
@@ -117,6 +121,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
 
   Context context_;
   Job* job_;
+  CollectionMenu menu_;
   bool ready_ = false;      // the window is loaded
   bool starting_ = false;   // between the Extract button and the timer that it enables
   bool exporting_ = false;  // the report is being written for the editor

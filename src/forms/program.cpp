@@ -11,8 +11,8 @@ namespace quenlar {
 Program::Program(const Platform& platform, const DesktopPlatform& desktop, Installation installation, System system,
                  Pump::Pace pace)
     : tray({engine, extract, help, about, [this] { End(); }}, desktop.tray),
-      extract(
-          {engine, classic, collection, web_settings, option, tool, tray.tmrExtract, tray.mnuExtractor, tray.mnuExit}),
+      extract({engine, classic, collection, web_settings, option, tool, sightings, why, tray.tmrExtract,
+               tray.mnuExtractor, tray.mnuExit}),
       engine(platform, std::move(installation), {extract, extract, extract}, pace),
       classic(engine),
       collection(engine, desktop.web_client, web_settings, {extract, extract, extract}, pace),
@@ -21,6 +21,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
       web({platform.registry, web_settings, platform.boxes, [this] { extract.FollowSetting(); }}),
       tool({engine.books, platform.files, platform.code_page, platform.loop, platform.boxes, desktop.dialogs,
             engine.installation}),
+      sightings(platform.shell),
       dialog(engine.settings, platform.shell, engine.installation, [this] { End(); }),
       about(platform.shell),
       help(platform.shell),
@@ -60,7 +61,9 @@ bool Program::Start() {
   return !ended_;
 }
 
-std::vector<ui::Form*> Program::Windows() { return {&extract, &option, &web, &tool, &dialog, &about, &help}; }
+std::vector<ui::Form*> Program::Windows() {
+  return {&extract, &option, &web, &tool, &sightings, &why, &dialog, &about, &help};
+}
 
 void Program::SaveRun() {
   if (extract.job().running()) extract.job().SaveAtOnce();

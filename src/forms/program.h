@@ -66,6 +66,8 @@ class Program {
   frmOption option;
   frmWeb web;
   frmEmailMergeTool tool;
+  frmSightings sightings;
+  frmWhy why;
   frmDialog dialog;
   frmAbout about;
   frmHelp help;

@@ -265,8 +265,13 @@ class ListView : public Control {
   struct Command {
     std::string caption;   // "Copy &address\tCtrl+C": the part behind the tab is shown as the shortcut
     char control_key = 0;  // the letter that runs the command together with Ctrl; 0: no shortcut
-    // `rows` are the marked rows, at least one, in the order in which they are shown.
+    // `rows` are the marked rows in the order in which they are shown; at least one, if the command needs rows.
     std::function<void(const std::vector<std::uint32_t>& rows)> run;
+    std::function<bool()> offered = {};  // whether the list has this command now; empty: always
+    bool needs_rows = true;
+    bool apart = false;  // a line parts it from the entry before
+
+    [[nodiscard]] bool CanRun(bool any_marked) const { return (!offered || offered()) && (any_marked || !needs_rows); }
   };
   std::vector<Command> commands;
 

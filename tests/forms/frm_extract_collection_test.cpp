@@ -164,6 +164,107 @@ TEST_F(CollectingWindow, AKeywordWithoutASearchServiceSaysHowToGetOne) {
   EXPECT_THAT(boxes.shown[0].text, HasSubstr("search service"));
 }
 
+// --- The menu of the list ---
+
+class CollectionMenuTest : public CollectingProgram {
+ protected:
+  // Chooses a command by a part of its caption. False where the list does not offer it.
+  bool Choose(const std::string& caption, const std::vector<std::uint32_t>& rows) {
+    for (const ui::ListView::Command& command : Main().lstMail.commands) {
+      if (command.caption.find(caption) == std::string::npos || !command.CanRun(!rows.empty())) continue;
+      command.run(rows);
+      return true;
+    }
+    return false;
+  }
+  [[nodiscard]] std::vector<std::string> Captions(bool any_marked) const {
+    std::vector<std::string> captions;
+    for (const ui::ListView::Command& command : Main().lstMail.commands) {
+      if (command.CanRun(any_marked)) captions.push_back(command.caption);
+    }
+    return captions;
+  }
+};
+
+TEST_F(CollectionMenuTest, IsOfferedOnlyWhileACollectionIsShown) {
+  Start();
+  EXPECT_EQ(Captions(true).size(), 6u);
+  EXPECT_THAT(Captions(false), ElementsAre("Wh&y ...", "Open as we&b page"));
+  SwitchTo(false);
+  EXPECT_THAT(Captions(true), ElementsAre("Copy &address\tCtrl+C", "Copy &row", "&Open page"));
+  EXPECT_THAT(Captions(false), IsEmpty());
+}
+
+TEST_F(CollectionMenuTest, WhereItWasFoundShowsEveryPage) {
+  Page("https://www.cars.example/two", "<title>Two</title><a href='mailto:first@cars.de'>mail</a>");
+  Start();
+  Collect("www.cars.example");
+  ASSERT_TRUE(Choose("Where", {0}));
+  frmSightings& sightings = program_->sightings;
+  EXPECT_TRUE(sightings.shown());
+  EXPECT_EQ(sightings.lblAddress.text(), "first@cars.de was found in 2 places:");
+  ASSERT_EQ(sightings.lstPages.rows(), 2u);
+  EXPECT_EQ(sightings.lstPages.CellText(1, 0), "https://www.cars.example/two");
+  EXPECT_EQ(sightings.lstPages.CellText(1, 1), "mailto");
+  EXPECT_EQ(sightings.lstPages.CellText(1, 2), "2023-11-14 22:13");
+  EXPECT_EQ(sightings.lstPages.CellText(1, 4), "Two");
+  sightings.lstPages.UserSelect(1);
+  sightings.cmdOpen.Click();
+  EXPECT_THAT(shell.opened, ElementsAre("https://www.cars.example/two"));
+  sightings.cmdCopy.Click();
+  EXPECT_THAT(shell.copied,
+              ElementsAre("https://www.cars.example/two\tmailto\t2023-11-14 22:13\t2023-11-14 22:13\tTwo"));
+  sightings.cmdOK.Click();
+  EXPECT_FALSE(sightings.loaded());
+}
+
+TEST_F(CollectionMenuTest, WhereItWasFoundCanBeAskedDuringARun) {
+  Start();
+  std::size_t rows = 0;
+  WhenFound([&] {
+    EXPECT_TRUE(Choose("Where", {0}));
+    rows = program_->sightings.lstPages.rows();
+  });
+  Collect("www.cars.example");
+  EXPECT_EQ(rows, 1u);
+}
+
+TEST_F(CollectionMenuTest, WhyAnswersForAddressesAndPages) {
+  Page("https://www.cars.example/robots.txt", "User-agent: *\nDisallow: /private\n");
+  Page("https://www.cars.example/", "first@cars.de <a href='/private'>x</a>");
+  Start();
+  Collect("www.cars.example");
+  frmWhy& why = program_->why;
+  ASSERT_TRUE(Choose("Wh&y", {0}));
+  EXPECT_EQ(why.txtWhat.text(), "first@cars.de");
+  EXPECT_THAT(why.txtAnswer.text(), HasSubstr("It is listed: it stands in 1 places."));
+  why.txtWhat.UserText("www.cars.example/private");
+  why.cmdAsk.Click();
+  EXPECT_THAT(why.txtAnswer.text(), HasSubstr("robots.txt forbids it (line 2: Disallow: /private)"));
+  why.txtWhat.UserText("nobody@cars.de");
+  why.cmdAsk.Click();
+  EXPECT_EQ(why.txtAnswer.text(), "No page that was read shows nobody@cars.de .");
+  why.Close();
+  ASSERT_TRUE(Choose("Wh&y", {}));
+  EXPECT_EQ(why.txtWhat.text(), "");
+  EXPECT_EQ(why.txtAnswer.text(), "");
+}
+
+TEST_F(CollectionMenuTest, TheWebPageIsWrittenAndOpenedAndDeletedWithTheRest) {
+  Start();
+  ASSERT_TRUE(Choose("we&b page", {}));
+  EXPECT_THAT(boxes.texts(), ElementsAre("Nothing has been collected yet !"));
+  Collect("www.cars.example");
+  ASSERT_TRUE(Choose("we&b page", {}));
+  EXPECT_THAT(Contents("report/cars_example.web.html"), HasSubstr("third@cars.de"));
+  ASSERT_EQ(shell.opened.size(), 1u);
+  EXPECT_THAT(shell.opened[0], StartsWith("file:///"));
+  EXPECT_THAT(shell.opened[0], testing::EndsWith("report/cars_example.web.html"));
+  boxes.answers = {BoxAnswer::kYes};
+  Main().cmdDelete.Click();
+  EXPECT_FALSE(Exists("report/cars_example.web.html"));
+}
+
 // --- Beside classic projects ---
 
 TEST_F(CollectingWindow, ACollectionTouchesNothingOfTheClassicProject) {

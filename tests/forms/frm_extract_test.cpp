@@ -1,6 +1,8 @@
 // The main window: its controls, what it does before a run, and its list.
 #include "forms/frm_extract.h"
 
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
 #include "project/data_file.h"
@@ -356,7 +358,7 @@ TEST_F(MainWindow, MarkedRowsCanBeCopiedAndOpened) {
   AddAddress("x@a.test", "http://a.test/1");
   AddAddress("y@a.test", "http://a.test/2");
   const auto& commands = extract.lstMail.commands;
-  ASSERT_EQ(commands.size(), 3u);
+  ASSERT_EQ(std::count_if(commands.begin(), commands.end(), [](const auto& one) { return one.CanRun(true); }), 3);
   EXPECT_EQ(commands[0].caption, "Copy &address\tCtrl+C");
   EXPECT_EQ(commands[0].control_key, 'C');
   EXPECT_EQ(commands[1].caption, "Copy &row");

@@ -217,8 +217,8 @@ TEST_F(ProgramStart, EveryWindowNamesEachOfItsControlsOnce) {
   }
   std::vector<std::string> forms;
   for (ui::Form* form : program.Windows()) forms.push_back(form->name());
-  EXPECT_THAT(
-      forms, ElementsAre("frmExtract", "frmOption", "frmWeb", "frmEmailMergeTool", "frmDialog", "frmAbout", "frmHelp"));
+  EXPECT_THAT(forms, ElementsAre("frmExtract", "frmOption", "frmWeb", "frmEmailMergeTool", "frmSightings", "frmWhy",
+                                 "frmDialog", "frmAbout", "frmHelp"));
 }
 
 TEST_F(ProgramStart, TwoProgramsLiveSideBySide) {

@@ -98,6 +98,7 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
   endpoints["/tls/wrong-name"] = text(std::to_string(ports.wrong_name));
   endpoints["/tls/stranger"] = text(std::to_string(ports.stranger));
   endpoints["/tls/downgrade"] = text(std::to_string(ports.downgrade));
+  endpoints["/tls/site"] = text(std::to_string(ports.site));
   endpoints["/tls/authority"] = text(ports.authority);
 }
 

@@ -1,6 +1,11 @@
 #include "tls.h"
 
+#include <atomic>
+#include <functional>
+#include <map>
+#include <string>
 #include <thread>
+#include <utility>
 
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -59,33 +64,71 @@ std::string Pem(X509* certificate) {
   return pem;
 }
 
+// Gives the answer to a request's path, or nothing where the client is to wait in vain.
+using Answers = std::function<std::string(const std::string& path)>;
+
 // One request, one answer, one orderly end.
-void Answer(SSL_CTX* context, int socket, const std::string& answer) {
+void Answer(SSL_CTX* context, int socket, const Answers& answers) {
   SSL* tls = SSL_new(context);
   SSL_set_fd(tls, socket);
   char request[16 * 1024];
-  if (SSL_accept(tls) == 1 && SSL_read(tls, request, sizeof request) > 0) {
-    SSL_write(tls, answer.data(), static_cast<int>(answer.size()));
-    SSL_shutdown(tls);
+  const int count = SSL_accept(tls) == 1 ? SSL_read(tls, request, sizeof request) : 0;
+  if (count > 0) {
+    const std::string head(request, static_cast<std::size_t>(count));
+    const std::size_t path = head.find(' ') + 1;
+    const std::string answer = answers(head.substr(path, head.find(' ', path) - path));
+    if (answer.empty()) {
+      SSL_read(tls, request, sizeof request);  // until the client goes
+    } else {
+      SSL_write(tls, answer.data(), static_cast<int>(answer.size()));
+      SSL_shutdown(tls);
+    }
   }
   SSL_free(tls);
   close(socket);
 }
 
 // `asks`: for a certificate of the client's, of whatever kind, or none.
-int Serve(const Identity& identity, const std::string& answer, bool asks = false) {
+int Serve(const Identity& identity, const Answers& answers, bool asks = false) {
   SSL_CTX* context = SSL_CTX_new(TLS_server_method());
   SSL_CTX_use_certificate(context, identity.certificate);
   SSL_CTX_use_PrivateKey(context, identity.key);
   if (asks) SSL_CTX_set_verify(context, SSL_VERIFY_PEER, [](int, X509_STORE_CTX*) { return 1; });
   const Listener listener = Listen();
-  std::thread([context, listener, answer] {
+  std::thread([context, listener, answers] {
     while (true) {
       const int socket = Accept(listener);
-      std::thread([context, socket, answer] { Answer(context, socket, answer); }).detach();
+      std::thread([context, socket, answers] { Answer(context, socket, answers); }).detach();
     }
   }).detach();
   return listener.port;
+}
+
+int Serve(const Identity& identity, const std::string& answer, bool asks = false) {
+  return Serve(
+      identity, [answer](const std::string&) { return answer; }, asks);
+}
+
+// A club's site. "/late" is answered from the second time on.
+std::string PageOfTheClub(const std::string& path) {
+  static const std::map<std::string, std::pair<const char*, const char*>> kPages = {
+      {"/robots.txt", {"text/plain", "User-agent: *\nDisallow: /private\n"}},
+      {"/index.html",
+       {"text/html",
+        "<title>Chess club</title>secretary@chess.de <a href=/board.html>board</a> "
+        "<a href=/late.html>late</a> <a href=/private/x.html>x</a>"}},
+      {"/board.html",
+       {"text/html",
+        "<title>Board</title><a href='mailto:treasurer@chess.museum'>mail</a> "
+        "secretary@chess.de"}},
+      {"/late.html", {"text/html", "<title>Late</title>coach@chess.de"}}};
+  static std::atomic<int> late = 0;
+  if (path == "/late.html" && late++ == 0) return {};
+  const auto found = kPages.find(path);
+  const std::string type = found == kPages.end() ? "text/plain" : found->second.first;
+  const std::string body = found == kPages.end() ? "no such page" : found->second.second;
+  return std::string("HTTP/1.1 ") + (found == kPages.end() ? "404 Not Found" : "200 OK") + "\r\nContent-Type: " + type +
+         "\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
 }
 
 }  // namespace
@@ -105,6 +148,7 @@ TlsPorts ServeTls(int plain_port) {
   ports.stranger = Serve(Certify("localhost", here, &stranger, -kDay, 365 * kDay), page);
   ports.downgrade = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay),
                           "HTTP/1.1 302 Found\r\n" + plain + "Content-Length: 0\r\nConnection: close\r\n\r\n");
+  ports.site = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), PageOfTheClub);
   return ports;
 }
 

@@ -13,6 +13,7 @@ struct TlsPorts {
   int wrong_name = 0;     // for other.example
   int stranger = 0;       // a right one, but signed by an authority that nobody knows
   int downgrade = 0;      // right, and each answer is a redirect to plain http
+  int site = 0;           // right, and a small site, see PageOfTheClub
   std::string authority;  // the certificate of the authority that has signed the others (PEM)
 };
 TlsPorts ServeTls(int plain_port);

@@ -7,6 +7,7 @@
 
 #include "project/project_list.h"
 #include "settings/settings_store.h"
+#include "settings/web_settings.h"
 
 namespace quenlar::window_test {
 namespace {
@@ -18,9 +19,29 @@ constexpr UINT kTrayMessage = 512;
 constexpr LPARAM kRightButtonDown = 516;
 constexpr int kFileNameBox = 0x47C;
 
-const std::wstring& SettingsKey() {
-  static const std::wstring key = Wide(kProjectKey);
-  return key;
+std::map<std::string, std::string> ValuesOf(const char* path) {
+  std::map<std::string, std::string> values;
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, Wide(path).c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return values;
+  for (DWORD i = 0;; ++i) {
+    wchar_t name[256], text[1024];
+    DWORD name_units = std::size(name), bytes = sizeof text, type = 0;
+    if (RegEnumValueW(key, i, name, &name_units, nullptr, &type, reinterpret_cast<BYTE*>(text), &bytes) !=
+        ERROR_SUCCESS) {
+      break;
+    }
+    std::wstring value(text, bytes / sizeof(wchar_t));
+    value.resize(std::min(value.size(), value.find(L'\0')));
+    values[Utf8(name)] = Utf8(value);
+  }
+  RegCloseKey(key);
+  return values;
+}
+
+void StoreValue(const char* path, const std::string& name, const std::string& text) {
+  const std::wstring value = Wide(text);
+  RegSetKeyValueW(HKEY_LOCAL_MACHINE, Wide(path).c_str(), Wide(name).c_str(), REG_SZ, value.c_str(),
+                  static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
 }
 
 fs::path FolderOfTheTest() {
@@ -45,34 +66,19 @@ fs::path NewFolder() {
 
 }  // namespace
 
-std::map<std::string, std::string> StoredSettings() {
-  std::map<std::string, std::string> settings;
-  HKEY key = nullptr;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, SettingsKey().c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return settings;
-  for (DWORD i = 0;; ++i) {
-    wchar_t name[256], text[1024];
-    DWORD name_units = std::size(name), bytes = sizeof text, type = 0;
-    if (RegEnumValueW(key, i, name, &name_units, nullptr, &type, reinterpret_cast<BYTE*>(text), &bytes) !=
-        ERROR_SUCCESS) {
-      break;
-    }
-    std::wstring value(text, bytes / sizeof(wchar_t));
-    value.resize(std::min(value.size(), value.find(L'\0')));
-    settings[Utf8(name)] = Utf8(value);
-  }
-  RegCloseKey(key);
-  return settings;
-}
+std::map<std::string, std::string> StoredSettings() { return ValuesOf(kProjectKey); }
+
+std::map<std::string, std::string> StoredWebSettings() { return ValuesOf(kWebKey); }
 
 void DeleteStoredSettings() {
-  for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) RegDeleteTreeW(root, SettingsKey().c_str());
+  for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+    for (const char* key : {kProjectKey, kWebKey}) RegDeleteTreeW(root, Wide(key).c_str());
+  }
 }
 
-void StoreSetting(const std::string& name, const std::string& text) {
-  const std::wstring value = Wide(text);
-  RegSetKeyValueW(HKEY_LOCAL_MACHINE, SettingsKey().c_str(), Wide(name).c_str(), REG_SZ, value.c_str(),
-                  static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-}
+void StoreSetting(const std::string& name, const std::string& text) { StoreValue(kProjectKey, name, text); }
+
+void StoreWebSetting(const std::string& name, const std::string& text) { StoreValue(kWebKey, name, text); }
 
 void StoreDefaultsWithoutUpgradeCheck() {
   StoreSetting("ProjectNum", "0");
@@ -103,10 +109,7 @@ Program::Program() : folder_(NewFolder()) {
 Program::Program(fs::path installed) : folder_(std::move(installed)), installed_(true) { DeleteStoredSettings(); }
 
 Program::~Program() {
-  if (Running()) {
-    TerminateProcess(process_.hProcess, 1);
-    WaitForSingleObject(process_.hProcess, INFINITE);
-  }
+  if (Running()) Kill();
   if (process_.hProcess) CloseHandle(process_.hProcess);
   DeleteStoredSettings();
   std::error_code ignored;
@@ -146,6 +149,11 @@ PROCESS_INFORMATION Program::StartProcess() const {
 void Program::Start() {
   process_ = StartProcess();
   if (!WaitForWindow(kCaption)) throw std::runtime_error("the main window does not come");
+}
+
+void Program::Kill() {
+  TerminateProcess(process_.hProcess, 1);
+  WaitForSingleObject(process_.hProcess, INFINITE);
 }
 
 int Program::StartSecond() {
@@ -223,6 +231,15 @@ Window Program::Box(const std::string& text) const {
   for (const Window& window : Windows()) {
     const HWND words = GetDlgItem(window.handle(), 0xFFFF);
     if (window.Visible() && window.ClassName() == "#32770" && words && Window(words).Text() == text) return window;
+  }
+  return {};
+}
+
+Window Program::BoxThatBegins(const std::string& text) const {
+  for (const Window& window : Windows()) {
+    const HWND words = GetDlgItem(window.handle(), 0xFFFF);
+    if (!window.Visible() || window.ClassName() != "#32770" || !words) continue;
+    if (Window(words).Text().starts_with(text)) return window;
   }
   return {};
 }

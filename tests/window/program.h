@@ -15,8 +15,10 @@ inline constexpr const char* kCaption = "Brenvy Quenlar Pro 3.0";
 
 // The settings of the program as they stand in the registry.
 [[nodiscard]] std::map<std::string, std::string> StoredSettings();
+[[nodiscard]] std::map<std::string, std::string> StoredWebSettings();
 void DeleteStoredSettings();
 void StoreSetting(const std::string& name, const std::string& text);
+void StoreWebSetting(const std::string& name, const std::string& text);
 // The defaults with the upgrade check turned off, which would show its stages in the status bar at any moment.
 void StoreDefaultsWithoutUpgradeCheck();
 
@@ -47,6 +49,8 @@ class Program {
 
   // Starts the program and waits for its main window.
   void Start();
+  // Ends it at once, as the task manager does.
+  void Kill();
   // Starts it once more in the same folder, and waits for the end of that one. Its exit status.
   [[nodiscard]] int StartSecond();
   [[nodiscard]] bool Running() const;
@@ -72,6 +76,8 @@ class Program {
   // Waits for a message box with this text and presses its button (IDOK, IDYES, IDNO). False when it does not come.
   [[nodiscard]] bool Answer(const std::string& text, int button = IDOK) const;
   [[nodiscard]] bool HasBox(const std::string& text) const;
+  // The message box whose text begins so; empty when there is none.
+  [[nodiscard]] Window BoxThatBegins(const std::string& text) const;
 
   // Opens the menu of the tray icon and chooses an item. False when the menu does not come or does not go.
   [[nodiscard]] bool ChooseInTrayMenu(TrayItem item) const;

@@ -6,10 +6,9 @@ namespace quenlar {
 namespace {
 
 constexpr ui::Dialog kDialogs[] = {
-    {.form = "frmExtract", .first = {960, 600}},
-    {.form = "frmOption", .owned = true},
-    {.form = "frmWeb", .owned = true},
-    {.form = "frmEmailMergeTool", .owned = true},
+    {.form = "frmExtract", .first = {960, 600}}, {.form = "frmOption", .owned = true},
+    {.form = "frmWeb", .owned = true},           {.form = "frmSightings", .owned = true},
+    {.form = "frmWhy", .owned = true},           {.form = "frmEmailMergeTool", .owned = true},
 };
 
 }  // namespace

@@ -261,23 +261,31 @@ std::vector<std::uint32_t> ListViewBinding::MarkedRows() const {
 
 void ListViewBinding::Run(const ListView::Command& command) {
   const std::vector<std::uint32_t> rows = MarkedRows();
-  if (!rows.empty() && command.run) command.run(rows);
+  if (command.run && command.CanRun(!rows.empty())) command.run(rows);
 }
 
-// Without marked rows there is nothing to do and no menu. From the keyboard the menu opens at the row that the model
-// knows, or at the edge of the list that is nearest to it.
+// At the row that the model knows, or at the edge of the list that is nearest to it.
+POINT ListViewBinding::KeyboardPlace() const {
+  RECT row{}, inside{};
+  const int position = SelectedPosition();
+  if (position >= 0) ListView_GetItemRect(window(), position, &row, LVIR_LABEL);
+  GetClientRect(window(), &inside);
+  POINT place{std::clamp(row.left, inside.left, inside.right), std::clamp(row.bottom, inside.top, inside.bottom)};
+  ClientToScreen(window(), &place);
+  return place;
+}
+
+// Without anything to do there is no menu.
 void ListViewBinding::OnContextMenu(POINT place) {
-  if (model().commands.empty() || Send(LVM_GETSELECTEDCOUNT) == 0) return;
-  if (place.x == -1 && place.y == -1) {
-    RECT row{}, inside{};
-    ListView_GetItemRect(window(), SelectedPosition(), &row, LVIR_LABEL);
-    GetClientRect(window(), &inside);
-    place = {std::clamp(row.left, inside.left, inside.right), std::clamp(row.bottom, inside.top, inside.bottom)};
-    ClientToScreen(window(), &place);
-  }
+  const bool any_marked = Send(LVM_GETSELECTEDCOUNT) > 0;
+  const auto& commands = model().commands;
+  if (std::none_of(commands.begin(), commands.end(), [&](const auto& one) { return one.CanRun(any_marked); })) return;
+  if (place.x == -1 && place.y == -1) place = KeyboardPlace();
   const HMENU menu = CreatePopupMenu();
-  for (std::size_t i = 0; i < model().commands.size(); ++i) {
-    AppendMenuW(menu, MF_STRING, i + 1, win32::ToWide(model().commands[i].caption).c_str());
+  for (std::size_t i = 0; i < commands.size(); ++i) {
+    if (!commands[i].CanRun(any_marked)) continue;
+    if (commands[i].apart && GetMenuItemCount(menu) > 0) AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, MF_STRING, i + 1, win32::ToWide(commands[i].caption).c_str());
   }
   const int chosen =
       TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, GetParent(window()), nullptr);

@@ -35,6 +35,7 @@ class ListViewBinding final : public BindingTo<ListView> {
   void TellSelection();
   void SelectAll();
   [[nodiscard]] std::vector<std::uint32_t> MarkedRows() const;
+  [[nodiscard]] POINT KeyboardPlace() const;
   // Which rows the user has marked and where the focus is. These are rows of the table and not places in the list, so
   // they survive sorting.
   struct Marks {

@@ -63,6 +63,24 @@ void FillSite(Site& site) {
   site.SetPage(kUpgradePage, "3.1\r\n");
 }
 
+// A club's web site for a collection: the secretary stands on each page, one page is for members, one never comes.
+void FillClub(Site& site) {
+  const std::string club = "http://www.club.example";
+  const auto page = [&](const std::string& path, const std::string& title, const std::string& text) {
+    site.SetPage(club + path, "<title>Rowing club: " + title + "</title>" + text +
+                                  "<p>Questions? <a href=\"mailto:secretary@club.example\">Write to us</a>");
+  };
+  site.SetPage(club + "/robots.txt", "User-agent: *\nDisallow: /members\n");
+  page("/", "welcome",
+       "<a href=/board.html>Board</a> <a href=/youth.html>Youth</a> <a href=/boats.html>Boats</a> "
+       "<a href=/members.html>Members</a> <a href=/late.html>News</a> info@club.example");
+  page("/board.html", "the board", "<p>chair@club.example <p>treasurer@club.example <p>nina [at] club [dot] example");
+  page("/youth.html", "the youth", "<p>Ask coach@club.example or otto.reed@club.example.");
+  page("/boats.html", "our boats", "<p>boatman@club.example");
+  site.SetSilent(club + "/late.html");
+}
+constexpr int kClubRows = 7;
+
 void ShowRun(const Program& program) {
   const Window main = program.Main();
   Picture("main-empty", kCaption);
@@ -125,6 +143,62 @@ void ShowWebSettings(const Program& program) {
   Expect(WaitUntil([&] { return !web && program.Main().Enabled(); }), "web settings stay");
 }
 
+void SwitchCollectingOn(const Program& program) {
+  const Window web = program.OpenWebSettings();
+  Expect(static_cast<bool>(web), "no web settings");
+  web.Control("chkCollect").Click();
+  Expect(WaitUntil([&] { return web.Control("chkCollect").Checked(); }), "not on");
+  web.Control("txtContact").Type("https://me.example/collecting");
+  web.Control("txtPause").Type("0");
+  web.Control(IDOK).Click();
+  Expect(WaitUntil([&] { return !web && program.Main().Enabled(); }), "web settings stay");
+}
+
+void CloseBox(const Window& box) {
+  box.Control(IDCANCEL).Click();
+  Expect(WaitUntil([&] { return !box; }), "the window stays");
+}
+
+void ShowCollection(const Program& program) {
+  SwitchCollectingOn(program);
+  const Window main = program.Main(), list = main.Control("lstMail");
+  Expect(WaitUntil([&] { return list.Rows() == 0; }), "the classic rows stay");
+  main.Control("cmbURL").Type("http://www.club.example/");
+  main.Control("cmdExtract").Click();
+  Expect(WaitUntil([&] { return list.Rows() == kClubRows; }), "no rows");
+  main.Control("cmdExtract").Click();
+  Window end;
+  Expect(WaitUntil([&] { return static_cast<bool>(end = program.BoxThatBegins(kEndStopButton)); }), "no end");
+  Picture("collecting-end", main.Place());
+  end.Control(IDOK).Click();
+  Expect(WaitUntil([&] { return !end && main.Control("cmdExtract").Enabled(); }), "not idle");
+  const auto choose = [&](char key) {
+    list.MarkRow(0);
+    list.MouseRightClick(list.RowPlace(0));
+    const Window menu = WaitForMenu();
+    if (key == 0) {
+      Picture("collecting-menu", main.Place());
+      main.Press(VK_ESCAPE);
+    } else {
+      PostMessageW(menu.handle(), WM_CHAR, static_cast<WPARAM>(key), 0);
+    }
+  };
+  choose(0);
+  choose('w');
+  const Window sightings = program.WaitForWindow("Where it was found");
+  Expect(static_cast<bool>(sightings), "no sightings");
+  Picture("sightings", "Where it was found");
+  CloseBox(sightings);
+  choose('y');
+  const Window why = program.WaitForWindow("Why ?");
+  Expect(static_cast<bool>(why), "no answer");
+  why.Control("txtWhat").Type("http://www.club.example/members.html");
+  why.Control("cmdAsk").Click();
+  Expect(WaitUntil([&] { return why.Control("txtAnswer").Text().find("robots.txt") != std::string::npos; }), "no why");
+  Picture("why", "Why ?");
+  CloseBox(why);
+}
+
 void ShowTool(const Program& program) {
   const char* kTool = "Mailing List Management Tool";
   program.WriteFile("report/friends.txt", "anna1@chess.test\r\nZoe@garden.test\r\nyves@garden.test\r\n");
@@ -178,6 +252,7 @@ void Tour(const std::string& what) {
   const char* kUpgrade = "Brenvy Quenlar Pro 3.0 Upgrade";
   Site site;
   FillSite(site);
+  FillClub(site);
   Program program;
   program.SetProxy(site);
   program.WriteFile("data/ExtractFilter.dat", "\r\n<r>noreply</r>\r\n<r>*test*</r>\r\n<e>chess</e>\r\n");
@@ -186,7 +261,10 @@ void Tour(const std::string& what) {
   if (what.empty()) Picture("upgrade", kUpgrade);
   program.Find(kUpgrade).Close();
   Expect(WaitUntil([&] { return !program.Find(kUpgrade); }), "the upgrade dialog stays");
-  if (what == "web") return ShowWebSettings(program);
+  if (what == "web") {
+    ShowWebSettings(program);
+    return ShowCollection(program);
+  }
   ShowRun(program);
   if (only_main) return;
   ShowSmallest(program);
@@ -195,6 +273,7 @@ void Tour(const std::string& what) {
   ShowTool(program);
   ShowTrayMenu(program);
   ShowBoxes(program);
+  ShowCollection(program);
 }
 
 }  // namespace

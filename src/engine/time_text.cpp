@@ -1,4 +1,4 @@
-#include "cli/time_text.h"
+#include "engine/time_text.h"
 
 #include <charconv>
 #include <chrono>

@@ -1,0 +1,113 @@
+#include "engine/why.h"
+
+#include <fmt/format.h>
+
+#include "crawl/link_rules.h"
+#include "engine/time_text.h"
+
+namespace quenlar {
+namespace {
+
+std::string ReasonSentence(const PageFacts& page) {
+  if (page.state == "waiting") return "It is still to be visited.";
+  if (page.state == "moved") return "It redirects to " + page.moved_to + ".";
+  if (page.state == "read") {
+    std::string sentence = fmt::format("It was read on {} (status {}); it shows {} addresses", TimeText(page.time),
+                                       page.status, page.addresses);
+    if (page.protected_count > 0) sentence += fmt::format(", and {} that their owners hide", page.protected_count);
+    if (page.filtered_count > 0) sentence += fmt::format("; the filters dropped {}", page.filtered_count);
+    return sentence + ".";
+  }
+  if (page.reason == "robots") {
+    return fmt::format("It was not visited: robots.txt forbids it (line {}: {}).", page.line, page.rule);
+  }
+  if (page.reason == "depth") return fmt::format("It was not visited: it is {} clicks from a start.", page.depth);
+  if (page.reason == "scope") return "It was not visited: it is out of scope.";
+  if (page.reason == "private") return "It was not visited: a public page leads to a private address there.";
+  if (page.reason == "trap") return "It was not visited: a part of its path repeats itself.";
+  if (page.reason == "type") return fmt::format("It is not a page: its type is {}.", page.type);
+  if (page.reason == "status") return fmt::format("It failed on {}: status {}.", TimeText(page.time), page.status);
+  return fmt::format("It failed on {}: {}.", TimeText(page.time), page.reason);
+}
+
+// A page that the collection does not hold is out of scope, or was never linked.
+Result<WhyAnswer> WhyNoPage(CollectionReader& reader, const Url& url) {
+  const auto starts = reader.Starts();
+  if (!starts.ok()) return starts.status();
+  const std::string site(SiteOf(url));
+  WhyAnswer answer;
+  for (const StartRow& start : starts.value()) {
+    if (start.site != site) continue;
+    answer.sentences = {"No page that was read links to " + url.href() + " ."};
+    return answer;
+  }
+  answer.definite = true;
+  answer.sentences = {url.href(), "It was not visited: no start lies on its site."};
+  answer.page = url.href();
+  answer.state = "refused";
+  answer.reason = "scope";
+  return answer;
+}
+
+Result<WhyAnswer> WhyPage(CollectionReader& reader, const Url& url) {
+  auto found = reader.Page(url);
+  if (!found.ok()) return found.status();
+  if (!found.value()) return WhyNoPage(reader, url);
+  const PageFacts& page = *found.value();
+  WhyAnswer answer;
+  answer.definite = true;
+  answer.sentences = {page.url, ReasonSentence(page)};
+  answer.sentences.push_back(page.parent.empty()
+                                 ? "It is a start."
+                                 : fmt::format("{} clicks from a start; found on {} .", page.depth, page.parent));
+  answer.page = page.url;
+  answer.state = page.state;
+  answer.reason = page.reason;
+  answer.rule = page.rule;
+  answer.facts = page;
+  return answer;
+}
+
+Result<WhyAnswer> WhyAddress(CollectionReader& reader, const std::string& address, std::size_t most_places) {
+  WhyAnswer answer;
+  std::vector<std::string> places;
+  std::size_t count = 0, gone = 0;
+  const Status listed = reader.SightingsOf(address, [&](const Sighting& row) {
+    answer.address = row.address;
+    ++count;
+    if (row.gone) ++gone;
+    if (places.size() < most_places) {
+      places.push_back(
+          fmt::format("{} ({}, {}{})", row.page, row.place, TimeText(row.first_seen), row.gone ? ", gone" : ""));
+    }
+    return true;
+  });
+  if (!listed.ok()) return listed;
+  if (count == 0) {
+    answer.sentences = {"No page that was read shows " + address + " ."};
+    return answer;
+  }
+  answer.definite = true;
+  answer.state = count == gone ? "gone" : "listed";
+  answer.sentences = {answer.address, count == gone
+                                          ? "It is not listed: it does not stand on any page any more. It stood on:"
+                                          : fmt::format("It is listed: it stands in {} places.", count - gone)};
+  answer.sentences.insert(answer.sentences.end(), places.begin(), places.end());
+  if (count > places.size()) answer.sentences.push_back(fmt::format("and {} more.", count - places.size()));
+  return answer;
+}
+
+bool HasScheme(std::string_view what) { return what.find("//") != std::string_view::npos; }
+
+}  // namespace
+
+Result<WhyAnswer> Why(CollectionReader& reader, const Idna& idna, const std::string& what, std::size_t most_places) {
+  if (!HasScheme(what) && what.find('@') != std::string::npos) return WhyAddress(reader, what, most_places);
+  const auto url = ParseUrl(HasScheme(what) ? what : "https://" + what, nullptr, idna);
+  if (url) return WhyPage(reader, *url);
+  WhyAnswer answer;
+  answer.sentences = {what + ": this is not a web address."};
+  return answer;
+}
+
+}  // namespace quenlar

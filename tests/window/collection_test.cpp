@@ -1,0 +1,242 @@
+// The window while it collects from a small https site, from the switch in the web settings to the way back.
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "run/end_reasons.h"
+#include "scratch_win32.h"
+#include "window/fetch.h"
+#include "window/program.h"
+
+namespace quenlar::window_test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+using ui::ControlNumber;
+
+struct WebSettingsTest : testing::Test {
+  Program program;
+  Window web;
+
+  WebSettingsTest() { StoreDefaultsWithoutUpgradeCheck(); }
+  void Open() {
+    if (!program.Running()) program.Start();
+    ASSERT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
+    web = program.OpenWebSettings();
+    ASSERT_TRUE(web);
+  }
+};
+
+TEST_F(WebSettingsTest, AreReachedByTheSystemMenuAndStoredByOk) {
+  Open();
+  EXPECT_FALSE(program.Main().Enabled());
+  EXPECT_FALSE(web.Control("chkCollect").Checked());
+  web.Control("chkCollect").Click();
+  ASSERT_TRUE(WaitUntil([&] { return web.Control("chkCollect").Checked(); }));
+  web.Control("txtContact").Type("https://me.example/");
+  web.Control("txtDepth").Type("3");
+  web.Control("txtPause").Type("0.5");
+  web.Control(IDOK).Click();
+  ASSERT_TRUE(WaitUntil([&] { return !web; }));
+  EXPECT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
+  EXPECT_THAT(StoredWebSettings(), UnorderedElementsAre(Pair("Collect", "1"), Pair("Contact", "https://me.example/"),
+                                                        Pair("Depth", "3"), Pair("Pause", "500")));
+  Open();
+  EXPECT_TRUE(web.Control("chkCollect").Checked());
+  EXPECT_EQ(web.Control("txtPause").Text(), "0.5");
+}
+
+TEST_F(WebSettingsTest, TheKeyboardReachesEveryPage) {
+  Open();
+  EXPECT_THAT(web.TabStops(), ElementsAre(ControlNumber("chkCollect"), ControlNumber("txtContact"),
+                                          ControlNumber("txtService"), IDOK, IDCANCEL, ControlNumber("tabWeb")));
+  web.Control("tabWeb").Send(TCM_SETCURFOCUS, 1);
+  ASSERT_TRUE(WaitUntil([&] { return web.Control("cmbScope").Visible(); }));
+  EXPECT_THAT(web.TabStops(),
+              ElementsAre(ControlNumber("cmbScope"), ControlNumber("txtDepth"), ControlNumber("txtPages"),
+                          ControlNumber("chkProtected"), IDOK, IDCANCEL, ControlNumber("tabWeb")));
+  web.Control("tabWeb").Send(TCM_SETCURFOCUS, 2);
+  ASSERT_TRUE(WaitUntil([&] { return web.Control("txtPause").Visible(); }));
+  EXPECT_THAT(web.TabStops(), ElementsAre(ControlNumber("txtPause"), ControlNumber("txtHosts"),
+                                          ControlNumber("chkRobots"), IDOK, IDCANCEL, ControlNumber("tabWeb")));
+}
+
+TEST_F(WebSettingsTest, EachBoxFollowsItsLabel) {
+  Open();
+  for (const auto& [box, label] :
+       {std::pair{"txtContact", "&Contact"}, std::pair{"txtService", "&Search service"},
+        std::pair{"cmbScope", "&Links may lead to"}, std::pair{"txtDepth", "Clicks from a s&tart"},
+        std::pair{"txtPages", "&Pages of a host"}, std::pair{"txtPause", "&Pause"},
+        std::pair{"txtHosts", "&Hosts at a time"}}) {
+    EXPECT_EQ(Window(GetWindow(web.Control(box).handle(), GW_HWNDPREV)).Text(), label);
+  }
+}
+
+TEST_F(WebSettingsTest, EscChangesNothing) {
+  Open();
+  web.Control("chkCollect").Click();
+  web.Control("txtContact").Press(VK_ESCAPE);
+  ASSERT_TRUE(WaitUntil([&] { return !web; }));
+  EXPECT_TRUE(StoredWebSettings().empty());
+}
+
+TEST_F(WebSettingsTest, AMistakeIsSaidAndShown) {
+  Open();
+  web.Control("txtHosts").Type("none");
+  web.Control(IDOK).Click();
+  ASSERT_TRUE(program.Answer("Hosts at a time: please enter a number between 1 and 100000 !"));
+  EXPECT_TRUE(WaitUntil([&] { return web.FocusedControl() == ControlNumber("txtHosts"); }));
+  EXPECT_TRUE(web.Control("txtHosts").Visible());
+}
+
+// --- A run ---
+
+struct CollectionRun : testing::Test {
+  Program program;
+  ScratchFolder folder;
+  std::unique_ptr<TrustedAuthority> authority;
+  std::string site = "https://localhost:" + FetchFromServer("/tls/site");
+
+  CollectionRun() {
+    StoreDefaultsWithoutUpgradeCheck();
+    StoreWebSetting("Pause", "0");
+    StoreWebSetting("Contact", "https://me.example/");
+    const std::string path = folder.path() + "/authority.pem";
+    std::ofstream(path, std::ios::binary) << FetchFromServer("/tls/authority");
+    authority = std::make_unique<TrustedAuthority>(path);
+  }
+  [[nodiscard]] Window Control(std::string_view name) const { return program.Main().Control(name); }
+  void SwitchTo(bool collect) {
+    const Window web = program.OpenWebSettings();
+    ASSERT_TRUE(web);
+    if (web.Control("chkCollect").Checked() != collect) web.Control("chkCollect").Click();
+    ASSERT_TRUE(WaitUntil([&] { return web.Control("chkCollect").Checked() == collect; }));
+    web.Control(IDOK).Click();
+    ASSERT_TRUE(WaitUntil([&] { return !web && program.Main().Enabled(); }));
+  }
+  // Presses the button of the message at the end, whose text begins so.
+  void AnswerEnd(const std::string& beginning) {
+    Window box;
+    ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(box = program.BoxThatBegins(beginning)); })) << beginning;
+    end_text = box.Control(0xFFFF).Text();
+    box.Control(IDOK).Click();
+    ASSERT_TRUE(WaitUntil([&] { return !box; }));
+    ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled() && Control("cmbURL").Enabled(); }));
+  }
+  // Chooses from the menu of the list by its access key, for the row.
+  void ChooseForRow(int row, char key) {
+    const Window list = Control("lstMail");
+    list.MarkRow(row);
+    list.MouseRightClick(list.RowPlace(row));
+    HWND menu = nullptr;
+    ASSERT_TRUE(WaitUntil([&] { return (menu = FindWindowW(L"#32768", nullptr)) && IsWindowVisible(menu); }));
+    PostMessageW(menu, WM_CHAR, static_cast<WPARAM>(key), 0);
+  }
+  [[nodiscard]] std::vector<std::string> FilesIn(const std::string& name) const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(program.folder() / name)) {
+      names.push_back(Utf8(entry.path().filename().wstring()));
+    }
+    return names;
+  }
+
+  std::string end_text;
+};
+
+TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
+  program.Start();
+  SwitchTo(true);
+  Control("cmbURL").Type(site + "/index.html");
+  Control("cmdExtract").Click();
+  // The page that is never answered keeps the run going until Stop.
+  const Window list = Control("lstMail");
+  ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 2; })) << list.Rows();
+  EXPECT_THAT(list.Column(1), ElementsAre("secretary@chess.de", "treasurer@chess.museum"));
+  EXPECT_EQ(list.Cell(0, 2), site + "/index.html");
+  EXPECT_EQ(list.Cell(1, 3), "Board");
+  EXPECT_FALSE(Control("cmbURL").Enabled());
+  ASSERT_TRUE(WaitUntil([&] { return Control("stsExtract").Panel(1).starts_with("Reading localhost:"); }))
+      << Control("stsExtract").Panel(1);
+  Control("cmdExtract").Click();
+  AnswerEnd(kEndStopButton);
+  EXPECT_THAT(end_text, HasSubstr("2 new addresses on 2 pages"));
+  EXPECT_THAT(end_text, HasSubstr("1 page left to visit"));
+  EXPECT_THAT(end_text, HasSubstr("1 page that robots.txt keeps programs away from"));
+  EXPECT_THAT(StoredSettings(), Not(Contains(Pair(HasSubstr("Project1"), testing::_))));
+
+  // Killed and started again, it goes on with what was left.
+  program.Kill();
+  program.Start();
+  const Window again = Control("lstMail");
+  ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 2; })) << again.Rows();
+  EXPECT_EQ(Control("cmbURL").Text(), site + "/index.html");
+  Control("cmdExtract").Click();
+  AnswerEnd(kEndAllParsed);
+  EXPECT_THAT(again.Column(1), ElementsAre("secretary@chess.de", "treasurer@chess.museum", "coach@chess.de"));
+  EXPECT_THAT(end_text, HasSubstr("1 new address on 1 page"));
+
+  // Where it was found.
+  ChooseForRow(0, 'w');
+  const Window sightings = program.WaitForWindow("Where it was found");
+  ASSERT_TRUE(sightings);
+  ASSERT_TRUE(WaitUntil([&] { return sightings.Control("lstPages").Rows() == 2; }));
+  EXPECT_THAT(sightings.Control("lstPages").Column(0), ElementsAre(site + "/index.html", site + "/board.html"));
+  EXPECT_THAT(sightings.Control("lstPages").Column(1), ElementsAre("text", "text"));
+  sightings.Control(IDCANCEL).Click();
+  ASSERT_TRUE(WaitUntil([&] { return !sightings && program.Main().Enabled(); }));
+
+  // The files, and their end.
+  ASSERT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
+  EXPECT_THAT(FilesIn("report"), ElementsAre(testing::EndsWith(".web.rpt")));
+  Control("cmdDelete").Click();
+  ASSERT_TRUE(program.Answer("Are you sure to delete it ?", IDYES));
+  ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 0; }));
+  EXPECT_TRUE(WaitUntil([&] { return FilesIn("report").empty() && FilesIn("data").empty(); }));
+}
+
+TEST_F(CollectionRun, TheClassicRunIsAsBeforeWhenItIsSwitchedOff) {
+  Site classic;
+  classic.SetPage("http://www.cars.example",
+                  "<title>Cars</title> Write to first@cars.test <a href=\"/two.html\">m</a>");
+  classic.SetPage("http://www.cars.example/two.html", "<title>Two</title> second@cars.test<p>");
+  program.SetProxy(classic);
+  program.Start();
+  const auto run = [&] {
+    Control("cmbURL").Type("www.cars.example");
+    Control("cmdExtract").Click();
+  };
+  run();
+  ASSERT_TRUE(program.Answer(kEndAllParsed));
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled() && Control("lstMail").Rows() == 2; }));
+  const std::string data = program.ReadFile("data/cars_example.dat");
+  const std::string report = program.ReadFile("report/cars_example.rpt");
+  const auto stored = StoredSettings();
+
+  SwitchTo(true);
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstMail").Rows() == 0; }));
+  classic.SetPage("http://www.cars.example/", "<title>Today</title> today@cars.de");
+  Control("cmbURL").Type("http://www.cars.example/");
+  Control("cmdExtract").Click();
+  AnswerEnd(kEndAllParsed);
+  EXPECT_THAT(Control("lstMail").Column(1), ElementsAre("today@cars.de"));
+
+  SwitchTo(false);
+  Control("cmbURL").Type("www.cars.example");
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstMail").Rows() == 2; })) << Control("lstMail").Rows();
+  EXPECT_THAT(Control("lstMail").Column(1), ElementsAre("first@cars.test", "second@cars.test"));
+  EXPECT_EQ(program.ReadFile("data/cars_example.dat"), data);
+  EXPECT_EQ(program.ReadFile("report/cars_example.rpt"), report);
+  EXPECT_EQ(StoredSettings(), stored);
+  EXPECT_THAT(Control("cmbURL").Items(), ElementsAre("www.cars.example"));
+}
+
+}  // namespace
+}  // namespace quenlar::window_test
