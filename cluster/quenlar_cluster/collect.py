@@ -14,6 +14,7 @@ from quenlar_cluster.errors import ClusterError
 from quenlar_cluster.folder import Folder
 from quenlar_cluster.frontier import Frontier, Link
 from quenlar_cluster.lease import Lease
+from quenlar_cluster.lists import read_lines
 from quenlar_cluster.merge import merge_collections
 
 # A share is one program that visits many hosts at the same time; in a small crawl every worker gets one.
@@ -79,23 +80,14 @@ def _run(
 
 
 def read_starts(path: Path) -> list[str]:
-    """One start a line; blanks around it, empty lines and lines that begin with "#" do not count."""
-    try:
-        text = path.read_text(encoding="utf-8") if str(path) != "-" else sys.stdin.read()
-    except OSError as error:
-        raise ClusterError(f"{path}: {error.strerror}") from error
-    except UnicodeDecodeError as error:
-        raise ClusterError(f"{path}: this is not UTF-8") from error
-    starts = [line.strip(" \t\r") for line in text.split("\n")]
-    starts = list(dict.fromkeys(start for start in starts if start and not start.startswith("#")))
+    """The starts of a file, each once. Keywords are refused."""
+    starts = list(dict.fromkeys(read_lines(path)))
     for start in starts:
         typed = start.startswith(("http://", "https://"))
         if not typed and ("." not in start or " " in start or "\t" in start):
             raise ClusterError(
                 f"{start}: a keyword cannot be divided; `quenlar collect` asks a search service for it"
             )
-    if not starts:
-        raise ClusterError(f"{path}: There is nothing to start from")
     return starts
 
 
@@ -146,20 +138,16 @@ def _make_seed(order: CollectOrder, home: Path) -> Path:
 
     It is made each time, if only to hear what the program has to say of the options.
     """
+    program.check([*_idle_run(order, home), "--name", "seed"])
+    return home / "data" / "seed.sqlite"
+
+
+def _idle_run(order: CollectOrder, home: Path) -> list[str]:
+    """The command of a run that has nothing to visit."""
     nothing = home / "nothing.jsonl"
     nothing.touch()
-    command = [
-        order.program,
-        "--home",
-        str(home),
-        "collect",
-        "--name",
-        "seed",
-        "--links",
-        str(nothing),
-    ]
-    program.check([*command, *dict.fromkeys([*order.options, "--assume-online"])])
-    return home / "data" / "seed.sqlite"
+    command = [order.program, "--home", str(home), "collect", "--links", str(nothing)]
+    return [*command, *dict.fromkeys([*order.options, "--assume-online"])]
 
 
 def _run_rounds(
@@ -229,18 +217,11 @@ def _finish(order: CollectOrder, frontier: Frontier, say: Callable[[str], None])
         collection = Path(scratch) / "data" / folder.collection.name
         collection.parent.mkdir()
         merge_collections(folder.seed, shares, frontier.shares, frontier.starts(), collection)
-        command = [
-            order.program,
-            "--home",
-            scratch,
-            "addresses",
-            collection.stem,
-            "--format",
-            "jsonl",
-        ]
+        _erase_suppressed(order, Path(scratch), collection.stem)
+        command = [order.program, "--home", scratch, "addresses", collection.stem]
         addresses = Path(scratch) / folder.addresses.name
         with open(addresses, "wb") as stream:
-            status, said = program.run(command, stream, lambda: True)
+            status, said = program.run([*command, "--format", "jsonl"], stream, lambda: True)
         if status != 0:
             raise ClusterError(said)
         files.copy_whole(collection, folder.collection)
@@ -248,3 +229,10 @@ def _finish(order: CollectOrder, frontier: Frontier, say: Callable[[str], None])
         with open(addresses, "rb") as rows:
             count = sum(1 for _ in rows)
     say(f"{count} addresses in {folder.addresses}, everything in {folder.collection}.")
+
+
+def _erase_suppressed(order: CollectOrder, home: Path, name: str) -> None:
+    """Takes out what was suppressed after its share had been visited: every run begins with that."""
+    settings.take_over(order.folder.handed, home)
+    if settings.suppresses(home):
+        program.check([*_idle_run(order, home), "--name", name])

@@ -10,6 +10,7 @@ from pathlib import Path
 from quenlar_cluster.collect import CollectOrder, collect
 from quenlar_cluster.errors import ClusterError
 from quenlar_cluster.folder import Folder
+from quenlar_cluster.harvest import HarvestOrder, harvest
 
 EXIT_DONE, EXIT_FAILED, EXIT_USAGE, EXIT_STOPPED = 0, 1, 2, 130
 
@@ -32,6 +33,18 @@ _COLLECT_OPTIONS: Sequence[tuple[str, str | None, str]] = (
     ("--assume-online", None, "do not ask the workers' systems whether they are on line"),
 )
 
+# The same of `quenlar harvest`.
+_HARVEST_OPTIONS: Sequence[tuple[str, str | None, str]] = (
+    ("--robots", "obey|ignore", "whether pages that ask not to be indexed are left out (obey)"),
+    (
+        "--decode-protected",
+        None,
+        "also list addresses that their owners chose to hide from programs",
+    ),
+    ("--remove", "WORD", "drop addresses in which this word occurs (repeatable)"),
+    ("--extract", "WORD", "keep only addresses in which such a word occurs (repeatable)"),
+)
+
 _COLLECT_EPILOG = """\
 The work is divided by registrable domain, so that no site is visited by two programs. Links to other sites are
 visited in the next round. The same command goes on where it was stopped or killed, and tries again what was set
@@ -40,6 +53,15 @@ quenlar --home FOLDER addresses collection.
 
 Exit status: 0 everything is visited, 1 a task was set aside or the run could not be made (the message says why),
 2 wrong usage, 130 stopped.
+"""
+
+_HARVEST_EPILOG = """\
+Each input, a web archive, a file or a folder, is one task. FOLDER/addresses.txt (.csv, .jsonl) holds what one
+quenlar harvest over all of them would print. The same command goes on where it was stopped or killed, and tries
+again what was set aside.
+
+Exit status: 0 everything is read, 1 an input was set aside or is damaged (the message names it; everything readable
+is there), 2 wrong usage, 130 stopped.
 """
 
 
@@ -71,6 +93,7 @@ def _parser() -> argparse.ArgumentParser:
     )
     commands = parser.add_subparsers(required=True, metavar="COMMAND")
     _declare_collect(commands)
+    _declare_harvest(commands)
     return parser
 
 
@@ -107,13 +130,43 @@ def _declare_collect(commands: "argparse._SubParsersAction[argparse.ArgumentPars
         type=_positive,
         help="parts that the sites are divided into (one for 1,000 starts)",
     )
-    handed = verb.add_argument_group("options of quenlar collect")
-    for name, takes, told in _COLLECT_OPTIONS:
+    _declare_handed(verb, "options of quenlar collect", _COLLECT_OPTIONS)
+    verb.set_defaults(run=_collect, parser=verb)
+
+
+def _declare_harvest(commands: "argparse._SubParsersAction[argparse.ArgumentParser]") -> None:
+    verb = commands.add_parser(
+        "harvest",
+        help="addresses out of many web archives",
+        description="Reads addresses out of many web archives, files and folders on many machines.",
+        epilog=_HARVEST_EPILOG,
+        formatter_class=argparse.RawDescriptionHelpFormatter,
+        allow_abbrev=False,
+    )
+    _declare_common(verb)
+    verb.add_argument(
+        "inputs", metavar="INPUT-LIST", type=Path, help="paths, one a line; - is standard input"
+    )
+    verb.add_argument(
+        "--format", choices=("lines", "csv", "jsonl"), default="lines", help="of the list (lines)"
+    )
+    verb.add_argument(
+        "--jobs", metavar="N", type=_positive, default=1, help="cores that one task uses (1)"
+    )
+    _declare_handed(verb, "options of quenlar harvest", _HARVEST_OPTIONS)
+    verb.set_defaults(run=_harvest, parser=verb)
+
+
+def _declare_handed(
+    verb: argparse.ArgumentParser, title: str, options: Sequence[tuple[str, str | None, str]]
+) -> None:
+    handed = verb.add_argument_group(title)
+    for name, takes, told in options:
         if takes is None:
             handed.add_argument(name, dest="handed", action=_Handed, nargs=0, help=told)
         else:
             handed.add_argument(name, dest="handed", action=_Handed, metavar=takes, help=told)
-    verb.set_defaults(run=_collect, handed=(), parser=verb)
+    verb.set_defaults(handed=())
 
 
 def _declare_common(verb: argparse.ArgumentParser) -> None:
@@ -180,6 +233,21 @@ def _collect(given: argparse.Namespace) -> int:
         options=(f"--scope={'host' if scope == 'host' else 'site'}", *given.handed),
     )
     return collect(order, _say)
+
+
+def _harvest(given: argparse.Namespace) -> int:
+    order = HarvestOrder(
+        folder=Folder(given.out.absolute()),
+        inputs=given.inputs,
+        program=given.program,
+        home=given.home,
+        scheduler=given.scheduler,
+        workers=given.workers,
+        list_format=given.format,
+        jobs=given.jobs,
+        options=given.handed,
+    )
+    return harvest(order, _say)
 
 
 def _say(text: str) -> None:

@@ -8,6 +8,7 @@ import warnings
 import zipfile
 from collections.abc import Callable, Iterator, Sequence
 from concurrent.futures import CancelledError
+from contextlib import suppress
 from dataclasses import dataclass
 from pathlib import Path
 from types import TracebackType
@@ -20,6 +21,7 @@ from quenlar_cluster.errors import ClusterError
 
 ATTEMPTS = 3
 _ATTACH_SECONDS = 30
+_CLOSE_SECONDS = 10
 _WORKERS_SECONDS = 600
 _IN_FLIGHT_EACH_WORKER = 20
 
@@ -91,9 +93,12 @@ class Engine:
     def __exit__(
         self, kind: type | None, error: BaseException | None, trace: TracebackType | None
     ) -> None:
-        self._client.close(timeout=2)
+        # What the run has done lies in its folder; an engine that takes its time to end is no failure.
+        with suppress(TimeoutError):
+            self._client.close(timeout=_CLOSE_SECONDS)
         if self._cluster is not None:
-            self._cluster.close(timeout=2)
+            with suppress(TimeoutError):
+                self._cluster.close(timeout=_CLOSE_SECONDS)
 
     @property
     def dashboard(self) -> str:

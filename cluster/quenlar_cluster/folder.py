@@ -73,6 +73,18 @@ class Folder:
         """The collection of a share as it is behind a round; whole when the part is there."""
         return self.root / "shares" / f"{_name(round_number, share)}.sqlite"
 
+    def input_part(self, number: int, row_format: str) -> Path:
+        """What was found in an input of a harvest."""
+        return self.parts / f"input-{number:07}.{row_format}"
+
+    def input_message(self, number: int) -> Path:
+        """What the program had to say of an input that it could not read as a whole."""
+        return self.root / "tasks" / f"input-{number:07}.txt"
+
+    def harvested(self, list_format: str) -> Path:
+        """The one list of a harvest."""
+        return self.root / f"addresses.{'txt' if list_format == 'lines' else list_format}"
+
     def make(self) -> None:
         """Makes the folders below the root."""
         for name in ("data", "handed", "leases", "parts", "shares", "tasks"):

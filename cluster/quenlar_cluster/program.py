@@ -32,14 +32,24 @@ def dying_with_us(command: Sequence[str]) -> list[str]:
     ]
 
 
-def run(command: Sequence[str], output: BinaryIO, go_on: Callable[[], bool]) -> tuple[int, str]:
+def run(
+    command: Sequence[str],
+    output: BinaryIO,
+    go_on: Callable[[], bool],
+    folder: Path | None = None,
+) -> tuple[int, str]:
     """Runs the program to its end: its exit status, and the last of what it said on standard error.
 
     Its standard output goes to `output`. When `go_on` becomes false the program is killed, and the status is negative.
+    It works in `folder` where one is given.
     """
     with tempfile.TemporaryFile() as errors:
         process = subprocess.Popen(
-            dying_with_us(command), stdin=subprocess.DEVNULL, stdout=output, stderr=errors
+            dying_with_us(command),
+            stdin=subprocess.DEVNULL,
+            stdout=output,
+            stderr=errors,
+            cwd=folder,
         )
         try:
             while go_on():

@@ -6,7 +6,8 @@ from quenlar_cluster import files
 from quenlar_cluster.program import home_of
 
 # Below the program folder, and below the folder of the settings.
-_OF_THE_HOME = ("suppressed.txt", "data/ExtractFilter.dat")
+_SUPPRESSED = "suppressed.txt"
+_OF_THE_HOME = (_SUPPRESSED, "data/ExtractFilter.dat")
 _OF_THE_SETTINGS = ("quenlar.conf",)
 
 
@@ -29,3 +30,8 @@ def take_over(handed: Path, home: Path) -> None:
         (home / name).parent.mkdir(parents=True, exist_ok=True)
         if (handed / name).is_file():
             files.copy_whole(handed / name, home / name)
+
+
+def suppresses(home: Path) -> bool:
+    """Whether a program folder has a suppression list."""
+    return (home / _SUPPRESSED).is_file()

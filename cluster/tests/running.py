@@ -3,6 +3,7 @@
 import json
 import os
 import signal
+import socket
 import subprocess
 import sys
 import time
@@ -22,13 +23,19 @@ def quenlar(home: Path, *arguments: str) -> str:
     return subprocess.run(command, check=True, stdout=subprocess.PIPE, timeout=120).stdout.decode()
 
 
-def cluster(*arguments: str, output: object = None) -> subprocess.Popen:
+def cluster(*arguments: str, folder: Path | None = None, output: object = None) -> subprocess.Popen:
     """Starts `quenlar-cluster`. What a failed test leaves running is killed behind it."""
     command = [sys.executable, "-m", "quenlar_cluster", *arguments]
-    _started.append(
-        subprocess.Popen(command, stdout=output, stderr=subprocess.STDOUT if output else None)
-    )
+    stderr = subprocess.STDOUT if output else None
+    _started.append(subprocess.Popen(command, stdout=output, stderr=stderr, cwd=folder))
     return _started[-1]
+
+
+def free_port() -> int:
+    """A port of this machine that nobody listens on."""
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
 
 
 def kill_what_is_left() -> None:

@@ -2,7 +2,6 @@
 
 import os
 import signal
-import socket
 import sqlite3
 from collections.abc import Iterator
 from pathlib import Path
@@ -17,7 +16,7 @@ from running import (
     collect_arguments,
     collected_by_one,
     crawling,
-    kill_what_is_left,
+    free_port,
     parent_of,
     quenlar,
     wait_until,
@@ -29,7 +28,6 @@ from small_web import SmallWeb, fill
 def _web() -> Iterator[SmallWeb]:
     with SmallWeb(9) as web:
         yield web
-        kill_what_is_left()
 
 
 @pytest.fixture(name="starts")
@@ -46,13 +44,6 @@ def _expected(web: SmallWeb, starts: Path, tmp_path: Path) -> list[str]:
     assert len(expected) == 9 * 4 + 1 + 3
     web.asked.clear()
     return expected
-
-
-def free_port() -> int:
-    """A port of this machine that nobody listens on."""
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
 
 
 def nothing_was_fetched_twice(web: SmallWeb, but: int = 1) -> bool:
@@ -226,3 +217,24 @@ def test_filters_suppression_and_rounds_hold(web: SmallWeb, starts: Path, tmp_pa
     assert "home4@site4.test" not in found
     assert "p1@site0.test" in found
     assert not [address for address in found if address.startswith("p2@")]
+
+
+def test_the_suppression_list_holds(web: SmallWeb, starts: Path, tmp_path: Path) -> None:
+    """For what is visited from then on, and for what was found before."""
+    home = tmp_path / "home"
+    quenlar(home, "suppress", "p1@site0.test", "@site3.test")
+    run = collect_arguments(tmp_path / "run", starts, "--workers", "2", "--home", str(home))
+    assert cluster(*run).wait(120) == 0
+    found = addresses_of(tmp_path / "run")
+    assert "home0@site0.test" in found
+    assert "p1@site0.test" not in found
+    assert not [address for address in found if address.endswith("@site3.test")]
+    for part in (tmp_path / "run" / "parts").iterdir():
+        assert "@site3.test" not in part.read_text(encoding="utf-8")
+    quenlar(home, "suppress", "home0@site0.test")
+    asked = web.asked.total()
+    assert cluster(*run).wait(120) == 0
+    assert web.asked.total() == asked
+    assert addresses_of(tmp_path / "run") == [one for one in found if one != "home0@site0.test"]
+    listed = quenlar(tmp_path / "run", "addresses", "collection").split()
+    assert "home0@site0.test" not in listed

@@ -1,0 +1,127 @@
+"""The coordinator of a harvest: one task an archive, and in the end one list."""
+
+import hashlib
+import json
+import shutil
+import sqlite3
+import tempfile
+from collections.abc import Callable, Iterable, Iterator
+from dataclasses import dataclass
+from pathlib import Path
+from typing import BinaryIO
+
+from quenlar_cluster import files, program, settings
+from quenlar_cluster.engine import Engine
+from quenlar_cluster.errors import ClusterError
+from quenlar_cluster.folder import Folder
+from quenlar_cluster.harvest_task import HarvestJob, harvest_input
+from quenlar_cluster.lease import Lease
+from quenlar_cluster.lists import read_lines
+
+
+@dataclass(frozen=True)
+class HarvestOrder:
+    """What a person asks for."""
+
+    folder: Folder
+    inputs: Path
+    program: str
+    home: str | None
+    scheduler: str | None
+    workers: int | None
+    list_format: str  # lines, csv or jsonl
+    jobs: int  # cores that one task uses
+    options: tuple[str, ...]  # of `quenlar harvest`
+
+
+def harvest(order: HarvestOrder, say: Callable[[str], None]) -> int:
+    """Reads the inputs, or goes on with it. Returns the exit status."""
+    inputs = read_lines(order.inputs)
+    if "-" in inputs:
+        raise ClusterError("-: standard input cannot be divided")
+    _check_options(order)
+    with Engine(order.scheduler, order.workers, say) as engine:
+        say(f"The cluster: {engine.dashboard} (plain figures: /json/counts.json there).")
+        engine.wait_for_workers()
+        return _run(order, engine, inputs, say)
+
+
+def _check_options(order: HarvestOrder) -> None:
+    """Lets the program say what it has to say of its options, over an empty file."""
+    with tempfile.TemporaryDirectory(prefix="quenlar-cluster-") as home:
+        nothing = Path(home) / "nothing"
+        nothing.touch()
+        command = [order.program, "--home", home, "harvest", f"--jobs={order.jobs}"]
+        program.check([*command, *order.options, str(nothing)])
+
+
+def _run(order: HarvestOrder, engine: Engine, inputs: list[str], say: Callable[[str], None]) -> int:
+    folder = order.folder
+    folder.root.mkdir(parents=True, exist_ok=True)
+    # Rows of lines are told apart by address only when all of them are there, so they are kept as JSON.
+    row_format = "csv" if order.list_format == "csv" else "jsonl"
+    digest = hashlib.sha256("\n".join(inputs).encode()).hexdigest()
+    facts = {"command": "harvest", "options": list(order.options), "rows": row_format}
+    folder.claim(facts | {"list": digest, "start": str(Path.cwd())})
+    on_wait: Callable[[], None] = lambda: say(f"Another is at work in {folder.root}; waiting.")
+    with Lease(folder.coordinator_lease, on_wait=on_wait):
+        settings.hand_out(order.home, folder.handed)
+        options = (f"--jobs={order.jobs}", *order.options)
+        jobs = [
+            HarvestJob(folder, order.program, options, row_format, Path.cwd(), number, given)
+            for number, given in enumerate(inputs, 1)
+        ]
+        left = [job for job in jobs if not folder.input_part(job.number, row_format).exists()]
+        say(f"{len(jobs)} inputs, {len(left)} of them to read.")
+        failures = {
+            outcome.job.number: outcome.failure for outcome in engine.run(harvest_input, left)
+        }
+        _finish(order, row_format, len(jobs), say)
+    status = 0
+    for job in jobs:
+        if failures.get(job.number) is not None:
+            say(f"Set aside: {job.given}: {failures[job.number]}")
+            status = 1
+        elif (message := folder.input_message(job.number)).exists():
+            say(message.read_text(encoding="utf-8").rstrip("\n"))
+            status = 1
+    return status
+
+
+def _finish(order: HarvestOrder, row_format: str, count: int, say: Callable[[str], None]) -> None:
+    """Puts the parts together in the order of the inputs: the bytes of one `quenlar harvest` over all of them."""
+    target = order.folder.harvested(order.list_format)
+    parts = [order.folder.input_part(number, row_format) for number in range(1, count + 1)]
+    parts = [part for part in parts if part.exists()]
+    with files.replacing(target) as stream:
+        if order.list_format == "lines":
+            _write_addresses(parts, stream)
+        else:
+            for part in parts:
+                with open(part, "rb") as rows:
+                    shutil.copyfileobj(rows, stream, 1 << 20)
+    say(f"The list is in {target}.")
+
+
+def _write_addresses(parts: Iterable[Path], stream: BinaryIO) -> None:
+    """Each address once, whatever its letter case, as it is spelt first. The disk remembers them, not the memory."""
+    with tempfile.TemporaryDirectory(prefix="quenlar-cluster-") as scratch:
+        database = sqlite3.connect(Path(scratch) / "seen.sqlite", isolation_level=None)
+        try:
+            database.executescript(
+                "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA cache_size = -262144;"
+                "CREATE TABLE seen (address TEXT PRIMARY KEY COLLATE NOCASE) WITHOUT ROWID;"
+            )
+            for address in _addresses_of(parts):
+                added = database.execute("INSERT OR IGNORE INTO seen VALUES (?)", (address,))
+                if added.rowcount == 1:
+                    stream.write(address.encode() + b"\n")
+        finally:
+            database.close()
+
+
+def _addresses_of(parts: Iterable[Path]) -> Iterator[str]:
+    for part in parts:
+        with open(part, encoding="utf-8") as rows:
+            for row in rows:
+                yield json.loads(row)["address"]

@@ -1,0 +1,162 @@
+"""Whole harvests over archives, with workers, schedulers and coordinators that are killed."""
+
+import gzip
+import os
+import signal
+import subprocess
+from collections.abc import Sequence
+from pathlib import Path
+
+import pytest
+
+from running import PROGRAM, Machines, cluster, free_port, parent_of, wait_until
+
+ARCHIVES = 12
+
+
+def record(number: int, body: bytes) -> bytes:
+    """A WARC record with a page."""
+    block = b"HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n" + body
+    head = (
+        "WARC/1.1\r\nWARC-Type: response\r\nWARC-Date: 2026-11-22T13:20:32Z\r\n"
+        f"WARC-Record-ID: <urn:uuid:00000000-0000-4000-8000-{number:012}>\r\n"
+        f"WARC-Target-URI: http://www.site{number}.example.net/\r\n"
+        f"Content-Type: application/http;msgtype=response\r\nContent-Length: {len(block)}\r\n\r\n"
+    )
+    return head.encode() + block + b"\r\n\r\n"
+
+
+@pytest.fixture(name="inputs")
+def _inputs(tmp_path: Path) -> Path:
+    """A list of archives, pages and a folder, with addresses that come again in other letters."""
+    (tmp_path / "in" / "folder").mkdir(parents=True)
+    names = []
+    for archive in range(ARCHIVES):
+        pages = [
+            record(
+                archive * 100 + page,
+                b'<title>T, "%d"</title>Shared%d@Firma.de shared%d@firma.de own%d.%d@firma.de'
+                % (page, page, page % 3, archive, page),
+            )
+            for page in range(20)
+        ]
+        path = tmp_path / "in" / f"{archive}.warc.gz"
+        path.write_bytes(b"".join(map(gzip.compress, pages)))
+        names.append(f"in/{archive}.warc.gz")
+    (tmp_path / "in" / "folder" / "a.html").write_text("a@folder.de", encoding="utf-8")
+    (tmp_path / "in" / "folder" / "b.html").write_text("SHARED1@firma.de", encoding="utf-8")
+    inputs = tmp_path / "inputs.txt"
+    names.insert(3, "in/folder")
+    inputs.write_text("\n".join(names) + "\n", encoding="utf-8")
+    return inputs
+
+
+def harvested_by_one(inputs: Path, *options: str) -> bytes:
+    """What one `quenlar harvest` over the list prints."""
+    names = inputs.read_text(encoding="utf-8").split("\n")[:-1]
+    home = str(inputs.parent / "one")
+    command = [PROGRAM, "--home", home, "harvest", *options, *names]
+    return subprocess.run(
+        command, check=True, stdout=subprocess.PIPE, cwd=inputs.parent, timeout=120
+    ).stdout
+
+
+def harvest_arguments(inputs: Path, *more: str) -> Sequence[str]:
+    """Arguments of a harvest of the list."""
+    folder = str(inputs.parent / "run")
+    return ["harvest", "--program", PROGRAM, "--out", folder, *more, str(inputs)]
+
+
+@pytest.mark.parametrize(
+    ("list_format", "name"), [("lines", "txt"), ("csv", "csv"), ("jsonl", "jsonl")]
+)
+def test_the_bytes_are_those_of_one_harvest(inputs: Path, list_format: str, name: str) -> None:
+    """Whatever the format; and the same command does nothing more."""
+    run = harvest_arguments(inputs, "--workers", "3", "--format", list_format)
+    assert cluster(*run, folder=inputs.parent).wait(120) == 0
+    expected = harvested_by_one(inputs, "--format", list_format)
+    assert len(expected.splitlines()) >= ARCHIVES * 20
+    assert (inputs.parent / "run" / f"addresses.{name}").read_bytes() == expected
+    parts = {part: part.stat().st_mtime_ns for part in (inputs.parent / "run" / "parts").iterdir()}
+    assert len(parts) == ARCHIVES + 1
+    assert cluster(*run, folder=inputs.parent).wait(120) == 0
+    assert parts == {part: part.stat().st_mtime_ns for part in parts}
+
+
+def slow_program(folder: Path) -> Path:
+    """A program that holds the third archive back until the file `go` is there."""
+    slow = folder / "slow"
+    slow.write_text(
+        "#!/bin/sh\n"
+        f'case "$*" in *in/2.warc.gz) echo $$ >>"{folder}/held"; '
+        f'while [ ! -e "{folder}/go" ]; do sleep 0.05; done;; esac\n'
+        f'exec "{PROGRAM}" "$@"\n',
+        encoding="utf-8",
+    )
+    slow.chmod(0o755)
+    return slow
+
+
+def held(folder: Path) -> list[int]:
+    """The processes that were held back, in their order."""
+    path = folder / "held"
+    return [int(line) for line in path.read_text().split()] if path.exists() else []
+
+
+def test_workers_and_schedulers_may_be_killed(inputs: Path) -> None:
+    """A worker, then the scheduler with its workers and the coordinator; finished parts stay."""
+    folder = inputs.parent
+    run = harvest_arguments(inputs, "--program", str(slow_program(folder)))
+    with Machines(folder, free_port()) as machines:
+        coordinator = cluster(*run, "--scheduler", machines.address, folder=folder)
+        wait_until(lambda: len(held(folder)) == 1)
+        os.kill(parent_of(held(folder)[0]), signal.SIGKILL)
+        wait_until(lambda: len(held(folder)) == 2)
+        wait_until(lambda: len(list((folder / "run" / "parts").glob("input-*"))) == ARCHIVES)
+        coordinator.kill()
+        coordinator.wait()
+        machines.kill_all()
+    parts = {part: part.stat().st_mtime_ns for part in (folder / "run" / "parts").glob("input-*")}
+    (folder / "go").touch()
+    assert cluster(*run, "--workers", "3", folder=folder).wait(120) == 0
+    assert (folder / "run" / "addresses.txt").read_bytes() == harvested_by_one(inputs)
+    assert parts == {part: part.stat().st_mtime_ns for part in parts}
+
+
+def test_what_cannot_be_read_is_named(inputs: Path) -> None:
+    """An input that is not there is set aside, a damaged one is read as far as it goes."""
+    folder = inputs.parent
+    damaged = folder / "in" / "0.warc.gz"
+    whole = damaged.read_bytes()
+    damaged.write_bytes(whole[:100] + b"\0" * 50 + whole[150:])
+    (folder / "in" / "1.warc.gz").rename(folder / "away")
+    run = harvest_arguments(inputs, "--workers", "2")
+    with open(folder / "said", "wb") as said:
+        assert cluster(*run, folder=folder, output=said).wait(120) == 1
+    text = (folder / "said").read_text(encoding="utf-8")
+    assert "Set aside: in/1.warc.gz: " in text
+    assert "in/0.warc.gz: 1 damaged record" in text
+    found = (folder / "run" / "addresses.txt").read_text(encoding="utf-8").split()
+    assert "own0.9@firma.de" in found
+    assert "own11.19@firma.de" in found
+    assert "own1.9@firma.de" not in found
+    (folder / "away").rename(folder / "in" / "1.warc.gz")
+    assert cluster(*run, folder=folder).wait(120) == 1
+    found = (folder / "run" / "addresses.txt").read_text(encoding="utf-8").split()
+    assert "own1.9@firma.de" in found
+
+
+def test_parallel_does_the_same_without_an_engine(inputs: Path) -> None:
+    """As docs/scale.md tells it: rows of all inputs in their order, then each address once."""
+    names = inputs.read_text(encoding="utf-8").split("\n")[:-1]
+    command = ["parallel", "--keep-order", PROGRAM, "--home", "one", "harvest", "--jobs", "1"]
+    environment = {**os.environ, "HOME": str(inputs.parent)}
+    done = subprocess.run(
+        [*command, "--format", "jsonl", "{}", ":::", *names],
+        check=True,
+        stdout=subprocess.PIPE,
+        cwd=inputs.parent,
+        env=environment,
+        timeout=120,
+    )
+    assert done.stdout == harvested_by_one(inputs, "--format", "jsonl")
