@@ -8,11 +8,11 @@ packages_for() {
   case "$1" in
     run)     echo g++ cmake ninja-build ccache googletest libcurl4-openssl-dev zlib1g-dev libcli11-dev nlohmann-json3-dev \
                   libboost1.81-dev libfmt-dev libcpp-httplib-dev libidn2-dev publicsuffix libsqlite3-dev \
-                  libdeflate-dev libisal-dev ;;
+                  libdeflate-dev libisal-dev libssl-dev ;;
     windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 dpkg-dev make tcl ;;
     window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;
     cluster) packages_for run; echo python3-distributed ;;
-    test)    packages_for window; packages_for cluster; echo libssl-dev libpcre2-dev clang-format openssl git nsis dpkg-dev \
+    test)    packages_for window; packages_for cluster; echo libpcre2-dev clang-format openssl git nsis dpkg-dev \
                   python3-protego python3-html5lib libpsl5 chromium searx \
                   python3-pytest black mypy parallel ;;
     bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \
