@@ -26,6 +26,16 @@ class FileReplacement {
   virtual Status Commit() = 0;
 };
 
+// A new file that grows. What has been appended stays, however the program ends. Nothing is buffered by the program.
+class GrowingFile {
+ public:
+  virtual ~GrowingFile() = default;
+  // Appends all of `bytes`. Where that fails the file gets back the length that it had, as far as the system allows.
+  virtual Status Append(std::string_view bytes) = 0;
+  // Flushes what was appended to the medium.
+  virtual Status Flush() = 0;
+};
+
 // Holds a folder for as long as the object lives. A second lock of the same folder, in any process, fails with kBusy.
 class FolderLock {
  public:
@@ -74,6 +84,9 @@ class Files {
   // Begins to replace the file at `path`, which need not exist. Fails when `path` is a folder, or when its folder
   // cannot be written.
   [[nodiscard]] virtual Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) = 0;
+
+  // Makes an empty file. kBusy where a file or folder of that name exists; it stays as it is.
+  [[nodiscard]] virtual Result<std::unique_ptr<GrowingFile>> Create(const std::string& path) = 0;
 
   // Deletes a plain file. kNotFound when there is none.
   virtual Status Delete(const std::string& path) = 0;

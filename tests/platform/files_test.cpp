@@ -271,6 +271,29 @@ TEST_P(FilesContract, TwoFoldersAreLockedApart) {
   EXPECT_TRUE(first.ok() && second.ok());
 }
 
+TEST_P(FilesContract, AFileGrowsWhileOthersReadIt) {
+  auto file = files_.Create(At("a"));
+  ASSERT_TRUE(file.ok()) << file.status().message();
+  EXPECT_EQ(Contents(At("a")), "");
+  ASSERT_TRUE(file.value()->Append("one\r\n").ok());
+  EXPECT_EQ(Contents(At("a")), "one\r\n");
+  ASSERT_TRUE(file.value()->Append(std::string(100'000, 'x')).ok());
+  ASSERT_TRUE(file.value()->Append("").ok());
+  EXPECT_TRUE(file.value()->Flush().ok());
+  EXPECT_EQ(Contents(At("a")), "one\r\n" + std::string(100'000, 'x'));
+  file.value().reset();
+  EXPECT_EQ(platform_->Names(folder_), Names{"a"});
+}
+
+TEST_P(FilesContract, OnlyANewFileIsCreated) {
+  ASSERT_TRUE(WriteWhole(files_, At("a"), "old").ok());
+  ASSERT_TRUE(files_.MakeFolder(At("sub")).ok());
+  EXPECT_EQ(files_.Create(At("a")).status().kind(), StatusKind::kBusy);
+  EXPECT_EQ(files_.Create(At("sub")).status().kind(), StatusKind::kBusy);
+  EXPECT_EQ(files_.Create(At("missing/a")).status().kind(), StatusKind::kNotFound);
+  EXPECT_EQ(Contents(At("a")), "old");
+}
+
 TEST_P(FilesContract, AFailureNamesThePath) {
   const Status missing = ReadWhole(files_, At("a.dat")).status();
   EXPECT_NE(missing.message().find("a.dat"), std::string::npos) << missing.message();

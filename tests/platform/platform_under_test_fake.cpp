@@ -29,6 +29,9 @@ class FilesReference : public Files {
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override {
     return files_.Replace(path);
   }
+  [[nodiscard]] Result<std::unique_ptr<GrowingFile>> Create(const std::string& path) override {
+    return files_.Create(path);
+  }
   Status Delete(const std::string& path) override { return files_.Delete(path); }
   Status Rename(const std::string& from, const std::string& to) override { return files_.Rename(from, to); }
   [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder, const std::string& name) override {

@@ -55,6 +55,26 @@ class InMemoryReplacement : public FileReplacement {
   Status failure_;
 };
 
+class InMemoryGrowingFile : public GrowingFile {
+ public:
+  InMemoryGrowingFile(InMemoryFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
+
+  Status Append(std::string_view bytes) override {
+    if (const Status call = files_.CountCall("append", path_); !call.ok()) return call;
+    if (files_.free_space_) {
+      if (bytes.size() > *files_.free_space_) return {StatusKind::kFull, path_ + ": no space left"};
+      *files_.free_space_ -= bytes.size();
+    }
+    files_.files_[path_].append(bytes);
+    return Status::Ok();
+  }
+  Status Flush() override { return files_.CountCall("flush", path_); }
+
+ private:
+  InMemoryFiles& files_;
+  const std::string path_;
+};
+
 class InMemoryLock : public FolderLock {
  public:
   InMemoryLock(InMemoryFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
@@ -147,6 +167,15 @@ Result<std::unique_ptr<FileReplacement>> InMemoryFiles::Replace(const std::strin
   const std::string plain = Plain(path);
   if (const Status place = CheckPlace(plain); !place.ok()) return place;
   return std::unique_ptr<FileReplacement>(std::make_unique<InMemoryReplacement>(*this, plain));
+}
+
+Result<std::unique_ptr<GrowingFile>> InMemoryFiles::Create(const std::string& path) {
+  const std::string plain = Plain(path);
+  if (const Status call = CountCall("create", path); !call.ok()) return call;
+  if (FolderExists(plain) || files_.contains(plain)) return Status(StatusKind::kBusy, path + ": it exists");
+  if (const Status place = CheckPlace(plain); !place.ok()) return place;
+  files_[plain];
+  return std::unique_ptr<GrowingFile>(std::make_unique<InMemoryGrowingFile>(*this, plain));
 }
 
 Status InMemoryFiles::Delete(const std::string& path) {

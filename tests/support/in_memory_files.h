@@ -29,6 +29,7 @@ class InMemoryFiles : public Files {
   Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
   [[nodiscard]] Result<std::unique_ptr<ReadableFile>> Open(const std::string& path) const override;
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
+  [[nodiscard]] Result<std::unique_ptr<GrowingFile>> Create(const std::string& path) override;
   Status Delete(const std::string& path) override;
   Status Rename(const std::string& from, const std::string& to) override;
   [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder,
@@ -40,8 +41,8 @@ class InMemoryFiles : public Files {
   [[nodiscard]] std::optional<std::string> Contents(const std::string& path) const;
   [[nodiscard]] std::vector<std::string> AllFiles() const;  // full paths, sorted
 
-  // The n-th call from now on that can fail (1 is the next one: MakeFolder, Read, Open, Replace, Write, Commit, Delete,
-  // Rename, Lock) fails with `kind`, once; 0 fails none. Also sets calls() to 0.
+  // The n-th call from now on that can fail (1 is the next one: MakeFolder, Read, Open, Replace, Write, Commit, Create,
+  // Append, Flush, Delete, Rename, Lock) fails with `kind`, once; 0 fails none. Also sets calls() to 0.
   void FailCall(int n, StatusKind kind = StatusKind::kFailed);
   [[nodiscard]] int calls() const { return calls_; }
 
@@ -57,6 +58,7 @@ class InMemoryFiles : public Files {
 
  private:
   friend class InMemoryReplacement;
+  friend class InMemoryGrowingFile;
   friend class InMemoryLock;
 
   Status CountCall(const char* what, const std::string& path) const;

@@ -65,6 +65,34 @@ class DescriptorFile final : public ReadableFile {
   const std::string path_;
 };
 
+class PosixGrowingFile : public GrowingFile {
+ public:
+  PosixGrowingFile(std::string path, Descriptor file) : path_(std::move(path)), file_(std::move(file)) {}
+
+  Status Append(std::string_view bytes) override {
+    const off_t length = length_ + static_cast<off_t>(bytes.size());
+    while (!bytes.empty()) {
+      const ssize_t size = write(file_.get(), bytes.data(), bytes.size());
+      if (size < 0 && errno == EINTR) continue;
+      if (size < 0) {
+        const int error = errno;
+        if (ftruncate(file_.get(), length_) == 0) lseek(file_.get(), length_, SEEK_SET);
+        return StatusOfErrno(error, path_);
+      }
+      bytes.remove_prefix(static_cast<std::size_t>(size));
+    }
+    length_ = length;
+    return Status::Ok();
+  }
+
+  Status Flush() override { return fsync(file_.get()) == 0 ? Status::Ok() : StatusOfErrno(errno, path_); }
+
+ private:
+  const std::string path_;
+  const Descriptor file_;
+  off_t length_ = 0;
+};
+
 }  // namespace
 
 PathKind PosixFiles::KindOf(const std::string& path) const {
@@ -138,6 +166,14 @@ Result<std::unique_ptr<FileReplacement>> PosixFiles::Replace(const std::string& 
   auto replacement = PosixReplacement::Begin(target.take());
   if (!replacement.ok()) return replacement.status();
   return std::unique_ptr<FileReplacement>(replacement.take());
+}
+
+Result<std::unique_ptr<GrowingFile>> PosixFiles::Create(const std::string& path) {
+  if (const Status checked = CheckPath(path); !checked.ok()) return checked;
+  Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY, 0666));
+  if (!file.valid() && errno == EEXIST) return Status(StatusKind::kBusy, path + ": it exists");
+  if (!file.valid()) return StatusOfErrno(errno, path);
+  return std::unique_ptr<GrowingFile>(std::make_unique<PosixGrowingFile>(path, std::move(file)));
 }
 
 Status PosixFiles::Delete(const std::string& path) {

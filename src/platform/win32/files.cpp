@@ -127,6 +127,38 @@ class Replacement final : public FileReplacement {
   bool committed_ = false;
 };
 
+class Win32GrowingFile final : public GrowingFile {
+ public:
+  Win32GrowingFile(std::string path, Handle file) : path_(std::move(path)), file_(std::move(file)) {}
+
+  Status Append(std::string_view bytes) override {
+    const std::int64_t length = length_ + static_cast<std::int64_t>(bytes.size());
+    while (!bytes.empty()) {
+      const auto piece = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 30));
+      DWORD written = 0;
+      if (!WriteFile(file_.get(), bytes.data(), piece, &written, nullptr)) return TakeBack(GetLastError());
+      if (written == 0) return TakeBack(ERROR_DISK_FULL);
+      bytes.remove_prefix(written);
+    }
+    length_ = length;
+    return {};
+  }
+
+  Status Flush() override { return FlushFileBuffers(file_.get()) ? Status() : LastError(path_); }
+
+ private:
+  Status TakeBack(DWORD error) {
+    LARGE_INTEGER length;
+    length.QuadPart = length_;
+    if (SetFilePointerEx(file_.get(), length, nullptr, FILE_BEGIN)) SetEndOfFile(file_.get());
+    return SystemError(path_, error);
+  }
+
+  const std::string path_;
+  const Handle file_;
+  std::int64_t length_ = 0;
+};
+
 class HeldLock final : public FolderLock {
  public:
   explicit HeldLock(Handle file) : file_(std::move(file)) {}
@@ -295,6 +327,21 @@ Result<std::unique_ptr<FileReplacement>> Win32Files::Replace(const std::string& 
     }
     if (GetLastError() != ERROR_FILE_EXISTS) return LastError(path);
   }
+}
+
+Result<std::unique_ptr<GrowingFile>> Win32Files::Create(const std::string& path) {
+  const std::wstring native = NativePath(path);
+  Handle file(CreateFileW(native.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+                          FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (file.valid()) {
+    return std::unique_ptr<GrowingFile>(std::make_unique<Win32GrowingFile>(path, std::move(file)));
+  }
+  const DWORD error = GetLastError();
+  // An existing folder counts as denied.
+  if (error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS || IsFolder(native)) {
+    return Status(StatusKind::kBusy, path + ": it exists");
+  }
+  return SystemError(path, error);
 }
 
 Status Win32Files::Delete(const std::string& path) {

@@ -25,6 +25,7 @@ class Win32Files final : public Files {
   Status Read(const std::string& path, const std::function<bool(std::string_view bytes)>& block) const override;
   [[nodiscard]] Result<std::unique_ptr<ReadableFile>> Open(const std::string& path) const override;
   [[nodiscard]] Result<std::unique_ptr<FileReplacement>> Replace(const std::string& path) override;
+  [[nodiscard]] Result<std::unique_ptr<GrowingFile>> Create(const std::string& path) override;
   Status Delete(const std::string& path) override;
   Status Rename(const std::string& from, const std::string& to) override;
   [[nodiscard]] Result<std::unique_ptr<FolderLock>> Lock(const std::string& folder,

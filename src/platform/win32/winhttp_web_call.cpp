@@ -97,7 +97,7 @@ HttpCall::Next WebCall::OnHead(const std::optional<std::string>& lines) {
   if (keep_wire_) head_text_ = *lines;
   keeps_connection_ = KeepsConnection(*lines);
   body_.Begin(head_.coding(), body_limit_);
-  sink_({.head = head_.head(), .end = {}});
+  sink_({.head = head_.head(), .head_text = head_text_, .end = {}});
   return Next::kReadOn;
 }
 
@@ -143,7 +143,7 @@ HttpCall::Next WebCall::End(WebFailure failure, std::string message) {
   if (keep_wire_ && sent()) {
     answer.wire = WebWire{request_head_, std::move(head_text_), std::move(wire_body_), head_.chunked()};
   }
-  sink_({.head = {}, .end = std::move(end)});
+  sink_({.head = {}, .head_text = {}, .end = std::move(end)});
   return Next::kFinish;
 }
 

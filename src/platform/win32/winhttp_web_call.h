@@ -18,6 +18,7 @@ namespace quenlar::win32 {
 
 struct WebReport {
   std::optional<WebHead> head;  // first, when one arrives
+  std::string head_text;        // of it, as it came; with keep_wire
   struct End {
     WebAnswer answer;
     bool kept = false;  // as far as the answer's head tells

@@ -68,6 +68,7 @@ class WinHttpWebTransport final : public WebTransport {
     bool keep_wire;
     std::shared_ptr<WebCall> call;
     WebHead head = {};
+    std::string head_text = {};
     std::optional<WebReport::End> end = {};
   };
 
@@ -108,6 +109,7 @@ void WinHttpWebTransport::OnReport(WebExchangeId id, WebReport& report) {
   if (exchange == exchanges_.end()) return;
   if (report.head) {
     exchange->second.head = *report.head;
+    exchange->second.head_text = std::move(report.head_text);
     return listener_->OnTransportHead(id, *report.head);
   }
   exchange->second.end = std::move(report.end);
@@ -122,7 +124,9 @@ WebTransport::Outcome WinHttpWebTransport::Take(WebExchangeId id) {
   } else {
     exchange.call->Abandon();
     outcome.answer.bytes_received = exchange.call->bytes_received();
-    if (exchange.keep_wire) outcome.answer.wire = WebWire{.request = exchange.call->request_head()};
+    if (exchange.keep_wire) {
+      outcome.answer.wire = WebWire{.request = exchange.call->request_head(), .head = std::move(exchange.head_text)};
+    }
     outcome.answer.head = std::move(exchange.head);
   }
   if (!outcome.kept) CloseIdle(exchange.host);
