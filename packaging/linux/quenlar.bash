@@ -29,6 +29,7 @@ _quenlar() {
     collect:--extract) COMPREPLY=(); return ;;
     collect:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     collect:--proxy) COMPREPLY=(); return ;;
+    collect:--warc) COMPREPLY=(); return ;;
     collect:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
     harvest:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     harvest:--jobs) COMPREPLY=(); return ;;
@@ -57,7 +58,7 @@ _quenlar() {
   esac
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
-    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --links --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --summary --version" -- "$word")) ;;
+    collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --links --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --warc --summary --version" -- "$word")) ;;
     harvest:-*) COMPREPLY=($(compgen -W "-h --help --format --jobs --decode-protected --robots --remove --extract --progress --version" -- "$word")) ;;
     addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
     why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;

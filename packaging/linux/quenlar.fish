@@ -27,6 +27,7 @@ complete -c quenlar -n '__fish_seen_subcommand_from collect' -l extract -x -d 'K
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l format -x -a 'lines csv jsonl' -d 'How a new address is printed: the address alone; address, page, title and place as csv; a JSON object'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l proxy -x -d 'HTTP proxy for every download instead of the system\'s own settings'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l assume-online -d 'Do not ask the system whether it is on line'
+complete -c quenlar -n '__fish_seen_subcommand_from collect' -l warc -x -d 'Keep what is fetched in web archives, PREFIX-00000.warc.gz and so on, 1 GB each'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l summary -r -F -d 'Write one JSON object about the run to this file at its end'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l version -d 'Print the version and exit'
 complete -c quenlar -n '__fish_use_subcommand' -a harvest -d 'List the addresses in web archives, files and folders'

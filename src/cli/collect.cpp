@@ -67,6 +67,8 @@ CollectOptions OptionsOf(const CollectArguments& arguments) {
                                                         : CrawlScope::kSite;
   options.crawl.delay = std::chrono::milliseconds(static_cast<std::int64_t>(arguments.delay * 1000));
   options.crawl.obey_robots = arguments.robots != "ignore";
+  options.crawl.keep_wire = !options.warc.empty();
+  if (!options.warc.empty()) options.warc = AbsolutePath(options.warc);
   options.remove_words = TidyWords(options.remove_words);
   options.extract_words = TidyWords(options.extract_words);
   return options;

@@ -4,6 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "archive/archiving_client.h"
+#include "archive/warc_writer.h"
 #include "cli/exit_status.h"
 #include "cli/json_text.h"
 #include "cli/live_view.h"
@@ -88,6 +90,7 @@ class CollectRun final : public CrawlView {
 
  private:
   [[nodiscard]] Status Prepare();
+  [[nodiscard]] Status OpenArchive();
   void RunCrawler();
   void TellEnd(const Crawler::Outcome& outcome);
   void Tell(const std::string& text);
@@ -102,6 +105,8 @@ class CollectRun final : public CrawlView {
   KeepAll suppression_;
   LiveView live_;
   CollectResult result_;
+  std::unique_ptr<WarcWriter> writer_;          // with --warc
+  std::unique_ptr<ArchivingClient> archiving_;  // the same
   std::unique_ptr<Collection> collection_;
   std::unique_ptr<Crawler> crawler_;
   std::chrono::steady_clock::time_point started_{};
@@ -132,6 +137,7 @@ Status CollectRun::Prepare() {
   const Status loaded = LoadRunFilter(place_.platform, place_.installation, options_.remove_words,
                                       options_.extract_words, settings_, filter_, tell);
   if (!loaded.ok()) return loaded;
+  if (Status opened = OpenArchive(); !opened.ok()) return opened;
   auto opened = Collection::Open(files, CollectionPath(place_.installation, options_.name));
   if (!opened.ok()) return opened.status();
   if (!opened.value().kept_aside.empty()) {
@@ -141,12 +147,25 @@ Status CollectRun::Prepare() {
   return Status::Ok();
 }
 
+Status CollectRun::OpenArchive() {
+  if (options_.warc.empty()) return Status::Ok();
+  const Platform& platform = place_.platform;
+  const CrawlOptions& crawl = options_.crawl;
+  const WarcOrigin origin{CrawlUserAgent(""), CrawlUserAgent(crawl.contact), crawl.obey_robots ? "obey" : "ignore"};
+  auto opened = WarcWriter::Open(platform.files, platform.clock, options_.warc, place_.installation.separator, origin);
+  if (!opened.ok()) return opened.status();
+  writer_ = opened.take();
+  archiving_ = std::make_unique<ArchivingClient>(client_, *writer_, [this] { Stop(); });
+  return Status::Ok();
+}
+
 void CollectRun::RunCrawler() {
   const Platform& platform = place_.platform;
   if (options_.crawl.contact.empty()) {
     Tell("Sites cannot tell who visits them. Name a web or mail address of yours with --contact TEXT; it is kept.");
   }
-  const CrawlWorld world{platform.loop,         client_, platform.interfaces, platform.clock, platform.idna,
+  WebClient& client = archiving_ ? *archiving_ : client_;
+  const CrawlWorld world{platform.loop,         client,  platform.interfaces, platform.clock, platform.idna,
                          platform.text_decoder, filter_, suppression_,        *this};
   CrawlOptions crawl = options_.crawl;
   crawl.filters = filter_.Text();
@@ -154,8 +173,15 @@ void CollectRun::RunCrawler() {
   if (stopped_) crawler_->Stop();
   const auto redraw = platform.loop.MakeTimer(kRedrawEvery, [this] { Redraw(); });
   redraw->SetEnabled(live_.on());
-  const Crawler::Outcome outcome = crawler_->Run(options_.starts);
+  Crawler::Outcome outcome = crawler_->Run(options_.starts);
   redraw->SetEnabled(false);
+  if (archiving_) {
+    Status archived = archiving_->status().ok() ? writer_->Flush() : archiving_->status();
+    if (!archived.ok()) {
+      outcome.end = CrawlEnd::kFailed;
+      outcome.status = std::move(archived);
+    }
+  }
   // What could be visited was, but a keyword without a service is not what was asked for.
   result_.status = outcome.no_search_service ? kExitFailed : StatusOf(outcome.end);
   result_.reason = NameOf(outcome.end);

@@ -20,6 +20,7 @@ struct CollectOptions {
   CrawlOptions crawl;
   AddressFormat format = AddressFormat::kLines;
   std::vector<std::string> remove_words, extract_words;
+  std::string warc;  // the prefix of the archive that keeps what is fetched; absolute; empty: none
 };
 
 struct CollectResult {

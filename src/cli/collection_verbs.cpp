@@ -90,6 +90,10 @@ void DeclareCollect(CLI::App& root, Command& chosen) {
       *verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
       "How a new address is printed: the address alone; address, page, title and place as csv; a JSON object");
   DeclareNetwork(*verb, arguments->proxy, options.crawl.assume_online);
+  verb->add_option("--warc", options.warc,
+                   "Keep what is fetched in web archives, PREFIX-00000.warc.gz and so on, 1 GB each")
+      ->type_name("PREFIX")
+      ->check(CheckNotEmpty);
   verb->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
       ->type_name("FILE")
       ->check(CheckNotEmpty);

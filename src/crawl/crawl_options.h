@@ -42,6 +42,7 @@ struct CrawlOptions {
   bool decode_protected = false;    // also list addresses that are hidden from programs
   bool assume_online = false;       // do not ask the system whether there is a network
   bool again = false;               // visit everything again
+  bool keep_wire = false;           // WebRequest::keep_wire of pages and robots.txt; not of searches
   // The filters as a text: where it changes, a page that has not changed is read anew all the same.
   std::string filters = {};
   // The run visits these and what they lead to on their own sites, and nothing else: a redirect to another site is not

@@ -16,12 +16,12 @@ constexpr CrawlDuration kLongestSleep{1000};
 constexpr std::size_t kSpareConnections = 64;
 constexpr const char* kSearchKey = "s";
 
-std::string UserAgent(const std::string& contact) {
+}  // namespace
+
+std::string CrawlUserAgent(const std::string& contact) {
   const std::string agent = std::string(kCrawlAgent) + "/3.0";
   return contact.empty() ? agent : agent + " (+" + contact + ")";
 }
-
-}  // namespace
 
 std::string_view NameOf(CrawlEnd end) {
   switch (end) {
@@ -49,7 +49,7 @@ Crawler::Crawler(const CrawlWorld& world, Collection& collection, const CrawlOpt
     : world_(world),
       collection_(collection),
       options_(options),
-      user_agent_(UserAgent(options.contact)),
+      user_agent_(CrawlUserAgent(options.contact)),
       schedule_(std::max<std::size_t>(options.hosts, 1)),
       scope_(options.scope) {
   search_.pace = HostPace(options.delay);
@@ -215,6 +215,7 @@ WebRequest Crawler::RequestFor(const std::string& url, bool may_be_private) cons
   request.url = url;
   request.user_agent = user_agent_;
   request.private_addresses = may_be_private;
+  request.keep_wire = options_.keep_wire;
   return request;
 }
 

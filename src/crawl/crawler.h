@@ -216,6 +216,9 @@ class Crawler final : private WebListener {
 // Whether the text of a start is a site's address: it has a scheme, or a dot and no blank. Any other is a keyword.
 [[nodiscard]] bool IsSiteText(std::string_view text);
 
+// As it is sent to the sites; `contact` may be empty.
+[[nodiscard]] std::string CrawlUserAgent(const std::string& contact);
+
 // Whether the head of an answer says that it is a page: HTML, XHTML, plain text, or nothing.
 [[nodiscard]] bool IsPageType(const WebHead& head);
 

@@ -33,7 +33,9 @@ void Crawler::AskSearchService() {
   ++requests_;
   ++sent_;
   const std::string url = SearchUrl(options_.search_service, keyword.text, options_.language, search_.page);
-  world_.client.Start(RequestFor(url, true), kSearchKey);
+  WebRequest request = RequestFor(url, true);
+  request.keep_wire = false;
+  world_.client.Start(std::move(request), kSearchKey);
 }
 
 void Crawler::OnSearchAnswer(WebAnswer answer) {
