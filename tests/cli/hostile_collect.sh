@@ -85,8 +85,8 @@ done
 
 # Another host goes on meanwhile. The server takes itself for a proxy, so that there are as many hosts as names.
 through_it=(--proxy "$server")
-collect stuck http://stuck.example/never http://good.example/gzip/right --minutes 0.05 "${through_it[@]}"
-expect stuck 0 minutes pages 1 left 1
+collect stuck http://stuck.example/never http://good.example/gzip/right --addresses 1 --minutes 2 "${through_it[@]}"
+expect stuck 0 addresses pages 1 left 1
 [ "$(cat "$work/stuck/out")" = someone@mail.example.org ] || fail "a stuck host holds up another one"
 
 # Hosts that are not there.
