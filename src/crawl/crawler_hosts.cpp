@@ -106,14 +106,14 @@ void Crawler::Ask(HostVisit& visit) {
     if (options_.pages && figures_.pages + page_requests_ >= *options_.pages) return held_.push_back(visit.row.id);
     visit.page = std::move(*next.value());
     visit.url = ParseUrl(visit.page->url, nullptr, world_.idna);
-    if (!visit.rules_known) return AskForRobots(visit);
-    if (JudgePage(visit)) return AskForPage(visit);
+    // Nobody is asked for the rules of pages that are not to be visited anyway.
+    if (JudgePage(visit)) return visit.rules_known ? AskForPage(visit) : AskForRobots(visit);
     if (!failure_.ok()) return;
   }
   schedule_.AskAt(visit.row.id, world_.loop.Now());
 }
 
-// True when the page may be asked for; otherwise its visit has ended.
+// True when the page may be asked for, as far as is known without the host's rules; otherwise its visit has ended.
 bool Crawler::JudgePage(HostVisit& visit) {
   PageEnd end;
   end.state = PageState::kRefused;
@@ -123,7 +123,7 @@ bool Crawler::JudgePage(HostVisit& visit) {
     end.reason = kRefusedDepth;
   } else if (!scope_.Contains(*visit.url) && !IsStart(visit.page->page)) {
     end.reason = kRefusedScope;
-  } else if (options_.obey_robots) {
+  } else if (options_.obey_robots && visit.rules_known) {
     const RobotsRules::Verdict verdict = visit.rules.Check(visit.url->target());
     if (verdict.allowed) return true;
     end.reason = kRefusedRobots;

@@ -318,6 +318,16 @@ TEST_F(CrawlAgainTest, APageBehindARedirectIsInScopeOnlyWhereItsHostIs) {
   EXPECT_THAT(Query("SELECT reason FROM pages WHERE url LIKE '%shop%'"), ElementsAre("scope"));
 }
 
+TEST_F(CrawlAgainTest, NoHostIsAskedForTheRulesOfPagesThatAreOutOfScopeAnyway) {
+  Page("https://www.firma.de/", "<a href=https://other.de/>o</a><a href=/1>1</a>");
+  Crawl({"www.firma.de"});
+  options_.scope = CrawlScope::kHost;
+  options_.depth = 4;
+  EXPECT_EQ(Crawl({"www.firma.de"}).end, CrawlEnd::kNothingToDo);
+  EXPECT_EQ(Count("https://other.de/robots.txt"), 0);
+  EXPECT_THAT(Query("SELECT reason FROM pages WHERE url LIKE '%other%'"), ElementsAre("scope"));
+}
+
 TEST_F(CrawlAgainTest, WhatHasArrivedIsKeptBeforeTheNextPageIsAskedFor) {
   Page("https://www.firma.de/", "a@firma.de <a href=/1>1</a>");
   std::vector<std::string> states;
