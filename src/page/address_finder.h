@@ -46,6 +46,8 @@ class AddressFinder {
   // Listed in the order of the page, each address (letter case ignored) once a place. The views stay valid as long as
   // the finder lives.
   [[nodiscard]] std::vector<PageAddress> Addresses() const { return list_.Listed(settings_.decode_protected); }
+  // Whether anything has been found, be it plain or protected.
+  [[nodiscard]] bool HasAny() const { return !list_.empty(); }
   // How many distinct addresses the page protects that it does not show plainly too.
   [[nodiscard]] std::size_t ProtectedCount() const { return list_.ProtectedCount(); }
 

@@ -21,6 +21,7 @@ struct PageAddress {
 
 class PageAddressList {
  public:
+  [[nodiscard]] bool empty() const { return entries_.empty(); }
   // The texts are copied.
   void Add(const PageAddress& found);
 

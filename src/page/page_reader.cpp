@@ -119,8 +119,8 @@ class NamesBefore {
 // The part of the walk that is about addresses. It takes every piece of the page in order, as long as a sign is ahead.
 class AddressWalk {
  public:
-  AddressWalk(std::string_view page, AddressFinder& finder)
-      : page_(page), finder_(finder), signs_(page), runs_(page, finder) {
+  AddressWalk(std::string_view page, PageSignKind signs, AddressFinder& finder)
+      : page_(page), finder_(finder), signs_(page, signs), runs_(page, finder) {
     if (signs_.next() == kNone) return;
     // Few pages say anything about how an element is shown.
     looks_matter_ = FindIgnoreCase(page, "hidden") != kNone || FindIgnoreCase(page, "display") != kNone ||
@@ -231,10 +231,21 @@ class AddressWalk {
   std::string scratch_;
 };
 
+PageSignKind SignsOf(const ReadRequest& request) {
+  return request.count_protected || request.decode_protected ? PageSignKind::kAll : PageSignKind::kPlain;
+}
+
+// Whether a page's bytes show that it has no addresses, so that they need not be converted.
+bool ShowsNone(const ReadRequest& request, Charset charset) {
+  if (request.links || SignsOf(request) != PageSignKind::kPlain) return false;
+  const bool as_ascii = charset != Charset::kUtf16Be && charset != Charset::kUtf16Le && charset != Charset::kIso2022Jp;
+  return as_ascii && !MayHoldPlainAddress(request.body);
+}
+
 class PageWalk {
  public:
   PageWalk(std::string_view page, const ReadRequest& request, ReadResult& result)
-      : page_(page), request_(request), result_(result), addresses_(page, *result.finder) {}
+      : page_(page), request_(request), result_(result), addresses_(page, SignsOf(request), *result.finder) {}
 
   void Run() {
     bool addresses = addresses_.Goes();
@@ -252,7 +263,15 @@ class PageWalk {
         StartTag(markup);
       else if (markup.kind == Markup::Kind::kRawText && markup.name == TagName::kTitle && !result_.title)
         result_.title = ShownTitle(page_.substr(markup.inside, markup.inside_end - markup.inside));
+      if (!addresses && !request_.links && IsDone(markup.begin)) return;
     }
+  }
+
+  // Whether nothing from this place on matters to who wants no links.
+  [[nodiscard]] bool IsDone(std::size_t at) const {
+    if (!result_.finder->HasAny()) return true;
+    if (!result_.title && FindIgnoreCase(page_, "<title", at) != kNone) return false;
+    return FindIgnoreCase(page_, "<meta", at) == kNone;
   }
 
   [[nodiscard]] const PageLinks& links() const { return links_; }
@@ -386,10 +405,11 @@ ReadResult ReadPage(const ReadRequest& request, const Idna& idna, const TextDeco
       std::make_unique<AddressFinder>(idna, AddressFinder::Settings{reserved_names, request.decode_protected});
 
   const Charset charset = request.body_is_utf8 ? Charset::kUtf8 : CharsetOfPage(request.body, request.content_type);
+  if (ShowsNone(request, charset)) return result;
   std::string converted;
   const std::string_view page = PageAsUtf8(request.body, charset, decoder, converted);
   if (EqualsIgnoreCase(ParseContentType(request.content_type).type, "text/plain")) {
-    if (PageSigns(page).next() != kNone) result.finder->Text({page, {}, false, false});
+    if (PageSigns(page, SignsOf(request)).next() != kNone) result.finder->Text({page, {}, false, false});
   } else {
     PageWalk walk(page, request, result);
     walk.Run();
@@ -400,7 +420,7 @@ ReadResult ReadPage(const ReadRequest& request, const Idna& idna, const TextDeco
     result.links = walk.links().Resolve(base ? &*base : request.url, idna, at_most);
   }
   result.addresses = result.finder->Addresses();
-  result.protected_addresses = result.finder->ProtectedCount();
+  if (SignsOf(request) == PageSignKind::kAll) result.protected_addresses = result.finder->ProtectedCount();
   return result;
 }
 

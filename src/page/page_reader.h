@@ -28,16 +28,18 @@ struct ReadRequest {
   // With `links` off, a page on which nothing may be an address is not read at all: its title, base and words for
   // robots are then not looked for either.
   bool links = true;
-  bool decode_protected = false;  // see AddressFinder::Settings
+  bool count_protected = true;  // without it protected addresses are neither looked for nor counted
+  bool decode_protected =
+      false;  // see AddressFinder::Settings; protected addresses are looked for whatever the one before
 };
 
 struct ReadResult {
-  std::optional<std::string> title;    // of the first <title>: blanks run together, at most 500 characters
-  std::string base;                    // what relative links are relative to; empty where the page has no address
-  std::vector<PageLink> links;         // in the order of the page
-  std::vector<PageAddress> addresses;  // in the order of the page; views into `finder`
-  std::size_t protected_addresses = 0;
-  RobotsWords robots;  // of the headers, then of the page
+  std::optional<std::string> title;     // of the first <title>: blanks run together, at most 500 characters
+  std::string base;                     // what relative links are relative to; empty where the page has no address
+  std::vector<PageLink> links;          // in the order of the page
+  std::vector<PageAddress> addresses;   // in the order of the page; views into `finder`
+  std::size_t protected_addresses = 0;  // 0 where they are not looked for
+  RobotsWords robots;                   // of the headers, then of the page
   std::unique_ptr<AddressFinder> finder;
 };
 

@@ -36,6 +36,7 @@ constexpr std::array<Beginning, 8> kBeginnings = {{
     {"pP", "oOuU", "iInN"},
 }};
 constexpr std::size_t kBeginningBytes = 3;
+constexpr std::uint8_t kAllBeginnings = 0xFF, kPlainBeginnings = 0x0F;  // a bit for each of kBeginnings
 
 constexpr bool CanBe(std::string_view bytes, std::size_t byte) {
   return bytes.empty() || bytes.find(static_cast<char>(byte)) != std::string_view::npos;
@@ -56,9 +57,9 @@ constexpr auto kTables = [] {
   return tables;
 }();
 
-bool MayBegin(std::string_view page, std::size_t at) {
+bool MayBegin(std::string_view page, std::size_t at, std::uint8_t wanted) {
   const auto byte = [&](std::size_t i) { return i < page.size() ? static_cast<unsigned char>(page[i]) : 0; };
-  return (kTables[0][byte(at)] & kTables[1][byte(at + 1)] & kTables[2][byte(at + 2)]) != 0;
+  return (kTables[0][byte(at)] & kTables[1][byte(at + 1)] & kTables[2][byte(at + 2)] & wanted) != 0;
 }
 
 #if defined(__SSE2__)
@@ -80,7 +81,7 @@ constexpr auto kHalves = [] {
 
 // A place at or behind `from` before which no sign begins: that of the first bytes that may be one, or one near the
 // end.
-__attribute__((target("avx2"))) std::size_t PassOverAvx2(std::string_view page, std::size_t from) {
+__attribute__((target("avx2"))) std::size_t PassOverAvx2(std::string_view page, std::size_t from, std::uint8_t wanted) {
   constexpr std::size_t kBlock = 32;
   __m256i low[kBeginningBytes], high[kBeginningBytes];
   for (std::size_t i = 0; i < kBeginningBytes; ++i) {
@@ -90,7 +91,7 @@ __attribute__((target("avx2"))) std::size_t PassOverAvx2(std::string_view page, 
   const __m256i half = _mm256_set1_epi8(15);
   std::size_t at = from;
   for (; at + kBlock + kBeginningBytes <= page.size(); at += kBlock) {
-    __m256i all = _mm256_set1_epi8(-1);
+    __m256i all = _mm256_set1_epi8(static_cast<char>(wanted));
     for (std::size_t i = 0; i < kBeginningBytes; ++i) {
       const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(page.data() + at + i));
       const __m256i by_low = _mm256_shuffle_epi8(low[i], _mm256_and_si256(bytes, half));
@@ -100,7 +101,7 @@ __attribute__((target("avx2"))) std::size_t PassOverAvx2(std::string_view page, 
     const __m256i none = _mm256_cmpeq_epi8(all, _mm256_setzero_si256());
     for (auto hits = ~static_cast<std::uint32_t>(_mm256_movemask_epi8(none)); hits != 0; hits &= hits - 1) {
       const std::size_t hit = at + static_cast<std::size_t>(std::countr_zero(hits));
-      if (MayBegin(page, hit)) return hit;
+      if (MayBegin(page, hit, wanted)) return hit;
     }
   }
   return at;
@@ -114,14 +115,27 @@ const bool kHasAvx2 = [] {
 #endif
 
 // The first place at or behind `from` where a sign may begin.
-std::size_t NextBeginning(std::string_view page, std::size_t from) {
+std::size_t NextBeginning(std::string_view page, std::size_t from, std::uint8_t wanted) {
   std::size_t at = from;
 #if defined(__SSE2__)
-  if (kHasAvx2) at = PassOverAvx2(page, from);
+  if (kHasAvx2) at = PassOverAvx2(page, from, wanted);
 #endif
-  while (at < page.size() && !MayBegin(page, at)) ++at;
+  while (at < page.size() && !MayBegin(page, at, wanted)) ++at;
   return at;
 }
+
+// Bytes that an "@" with an address around it cannot have beside it. Odd ones before it, such as "=", are never the end
+// of what stands before the "@" of an address.
+constexpr std::string_view kNotBefore = " \t\n\r\f\"'()[]{}<,:=`|/?&#@\\";
+constexpr std::string_view kNotBehind = " \t\n\r\f\"'()]},.:;=`|/?#@*!$^~+_-";
+constexpr auto kBeside = [] {
+  std::array<std::uint8_t, 256> table{};
+  for (std::size_t byte = 0; byte < 256; ++byte) {
+    const auto is_in = [byte](std::string_view bytes) { return bytes.find(static_cast<char>(byte)) != bytes.npos; };
+    table[byte] = static_cast<std::uint8_t>((is_in(kNotBefore) ? 0 : 1) | (is_in(kNotBehind) ? 0 : 2));
+  }
+  return table;
+}();
 
 constexpr std::array<std::string_view, 8> kAtWords = {"at",          "arobase",    "ät",     "Ät",
                                                       "klammeraffe", "chiocciola", "arroba", "アット"};
@@ -204,8 +218,19 @@ bool PageSigns::IsDot(std::size_t at) {
   return last_at_word_ != kNone && last_at_word_ >= first;
 }
 
+bool PageSigns::IsPlainSign(std::size_t at) const {
+  if (page_[at] == '&') {
+    const char32_t code = ReadReference(page_.substr(at), ReferencePlace::kText).codes[0];
+    return code == '@' || code == '%';
+  }
+  if (at == 0 || at + 1 == page_.size()) return false;
+  const auto before = static_cast<unsigned char>(page_[at - 1]), behind = static_cast<unsigned char>(page_[at + 1]);
+  return (kBeside[before] & 1) != 0 && (kBeside[behind] & 2) != 0;
+}
+
 bool PageSigns::IsSign(std::size_t at) {
   const std::string_view rest = page_.substr(at);
+  if (kind_ == PageSignKind::kPlain && (rest[0] == '@' || rest[0] == '&')) return IsPlainSign(at);
   switch (rest[0]) {
     case '@':
       return true;
@@ -228,10 +253,16 @@ bool PageSigns::IsSign(std::size_t at) {
 }
 
 void PageSigns::Find(std::size_t from) {
-  for (next_ = NextBeginning(page_, from); next_ < page_.size(); next_ = NextBeginning(page_, next_ + 1)) {
+  const std::uint8_t wanted = kind_ == PageSignKind::kPlain ? kPlainBeginnings : kAllBeginnings;
+  for (next_ = NextBeginning(page_, from, wanted); next_ < page_.size();
+       next_ = NextBeginning(page_, next_ + 1, wanted)) {
     if (IsSign(next_)) return;
   }
   next_ = kNone;
+}
+
+bool MayHoldPlainAddress(std::string_view bytes) {
+  return PageSigns(bytes, PageSignKind::kPlain).next() != std::string_view::npos;
 }
 
 }  // namespace quenlar
