@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-#include "archive/gunzip_source.h"
+#include "archive/member_source.h"
 #include "archive/warc_head.h"
 #include "archive/warc_pieces.h"
 

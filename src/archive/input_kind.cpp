@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "archive/gunzip_source.h"
+#include "archive/member_source.h"
 #include "archive/warc_head.h"
 #include "base/ascii.h"
 #include "page/html_blanks.h"
@@ -45,13 +45,6 @@ InputKind KindOfPage(std::string_view bytes) {
   return IsMarkup(bytes) ? InputKind::kHtml : InputKind::kText;
 }
 
-// A frame, or one of those that decoders skip.
-bool BeginsZstd(std::string_view bytes) {
-  if (bytes.size() < 4) return false;
-  const bool skippable = bytes.substr(1, 3) == "\x2A\x4D\x18" && (bytes[0] & 0xF0) == 0x50;
-  return skippable || bytes.starts_with("\x28\xB5\x2F\xFD");
-}
-
 }  // namespace
 
 InputKind KindOfStream(std::string_view beginning) {
@@ -59,7 +52,7 @@ InputKind KindOfStream(std::string_view beginning) {
   if (beginning.size() > 6 && BeginsWarcHead(beginning)) return InputKind::kWarc;
   if (beginning.starts_with("filedesc://")) return InputKind::kArc;
   if (BeginsGzipMember(beginning)) return InputKind::kGzip;
-  if (BeginsZstd(beginning)) return InputKind::kZstd;
+  if (BeginsZstdFrame(beginning)) return InputKind::kZstd;
   return KindOfPage(beginning);
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "archive/unpack_body.h"
+
 namespace quenlar {
 namespace {
 
@@ -63,7 +65,11 @@ InputReader::Step InputReader::Next(HarvestWork& work, std::size_t& weight) {
 Status InputReader::Begin() {
   kind_ = KindOf(beginning_);
   way_ = Way::kEnd;
-  if (kind_ == InputKind::kGzip) return BeginPacked();
+  if (kind_ == InputKind::kGzip) {
+    members_ = std::make_unique<MemberSource>(packed_, 0);
+    return BeginPacked(file_ != nullptr);
+  }
+  if (kind_ == InputKind::kZstd) return BeginZstd();
   if (kind_ == InputKind::kHtml || kind_ == InputKind::kText) way_ = Way::kPage;
   if (kind_ != InputKind::kWarc) return Status::Ok();
   if (file_ != nullptr) file_source_ = std::make_unique<FileSource>(*file_, place_.offset);
@@ -71,22 +77,49 @@ Status InputReader::Begin() {
   return Status::Ok();
 }
 
-Status InputReader::BeginPacked() {
-  gunzip_ = std::make_unique<GunzipSource>(packed_, 0);
-  Result<std::string> text = ReadUpTo(*gunzip_, kKindBytes);
+// Web archives packed by zstd begin with a frame that decoders skip, with a dictionary for all others in it, which may
+// be packed by itself.
+Status InputReader::BeginZstd() {
+  constexpr std::size_t kMostDictionary = 16u << 20;
+  std::string dictionary;
+  if (beginning_.starts_with("\x5D\x2A\x4D\x18")) {
+    Result<std::string> head = ReadUpTo(packed_, 8);
+    if (!head.ok()) return head.status();
+    std::size_t size = 0;
+    for (std::size_t i = head.value().size(); i > 4; --i)
+      size = size << 8 | static_cast<unsigned char>(head.value()[i - 1]);
+    Result<std::string> content = ReadUpTo(packed_, std::min(size, kMostDictionary));
+    if (!content.ok()) return content.status();
+    dictionary = content.take();
+    if (dictionary.starts_with("\x28\xB5\x2F\xFD")) {
+      std::string unpacked;
+      (void)UnpackBody(BodyCoding::kZstd, dictionary, kMostDictionary, unpacked);  // a damaged one fits no frame
+      dictionary = std::move(unpacked);
+    }
+  }
+  Packing packing = ZstdPacking(std::move(dictionary));
+  if (!packing.make()) return Status::Ok();  // the kind says it
+  members_ = std::make_unique<MemberSource>(packed_, 0, std::move(packing));
+  return BeginPacked(false);
+}
+
+// With `apart` members that hold whole records are divided over threads.
+Status InputReader::BeginPacked(bool apart) {
+  apart_ = apart;
+  Result<std::string> text = ReadUpTo(*members_, kKindBytes);
   if (!text.ok()) return text.status();
   kind_ = KindOf(text.value());
-  if (kind_ == InputKind::kWarc && file_ != nullptr) {
+  if (kind_ == InputKind::kWarc && apart) {
     if (place_.text == 0)
       BeginSpans(place_.offset);
     else
       BeginMembers(place_);
     return Status::Ok();
   }
-  unpacked_ = std::make_unique<ResumedSource>(text.take(), *gunzip_);
+  unpacked_ = std::make_unique<ResumedSource>(text.take(), *members_);
   if (kind_ == InputKind::kWarc) {
-    BeginRecords(*unpacked_, {});
-  } else if (kind_ == InputKind::kHtml || kind_ == InputKind::kText || gunzip_->breaks() > 0) {
+    BeginRecords(*unpacked_, {0, place_.text});
+  } else if (kind_ == InputKind::kHtml || kind_ == InputKind::kText || members_->breaks() > 0) {
     way_ = Way::kPage;
   }
   return Status::Ok();
@@ -104,15 +137,14 @@ void InputReader::BeginRecords(ByteSource& text, const HarvestPlace& place) {
   way_ = Way::kRecords;
   text_place_ = place;
   damaged_ = 0;
-  const bool members = file_ != nullptr && gunzip_ != nullptr;
-  batches_ = std::make_unique<RecordBatches>(text, members ? gunzip_.get() : nullptr, place.text);
+  batches_ = std::make_unique<RecordBatches>(text, apart_ ? members_.get() : nullptr, place.text);
 }
 
 void InputReader::BeginMembers(const HarvestPlace& place) {
   batches_.reset();
   file_source_ = std::make_unique<FileSource>(*file_, place.offset);
-  gunzip_ = std::make_unique<GunzipSource>(*file_source_, place.offset);
-  BeginRecords(*gunzip_, place);
+  members_ = std::make_unique<MemberSource>(*file_source_, place.offset);
+  BeginRecords(*members_, place);
 }
 
 InputReader::Step InputReader::NextPage(HarvestWork& work, std::size_t& weight) {
@@ -120,7 +152,7 @@ InputReader::Step InputReader::NextPage(HarvestWork& work, std::size_t& weight) 
   HarvestPortion portion;
   Result<std::string> body = ReadUpTo(unpacked_ ? *unpacked_ : packed_, kMostPage);
   if (!body.ok()) portion.failure = body.status();
-  if (gunzip_) portion.damaged = std::min<std::size_t>(gunzip_->breaks(), 1);
+  if (members_) portion.damaged = std::min<std::size_t>(members_->breaks(), 1);
   if (!body.ok() || (kind_ != InputKind::kHtml && kind_ != InputKind::kText)) {
     work = Finished(std::move(portion));
     return Step::kWork;
@@ -153,8 +185,8 @@ InputReader::Step InputReader::NextBatch(HarvestWork& work, std::size_t& weight)
   damaged_ += batch->damaged;
   weight = batch->capacity;
   HarvestPlace behind{text_place_.offset, batch->text_end};
-  if (!gunzip_) behind = {text_place_.offset + batch->text_end, 0};
-  if (batches_->synced()) behind = {gunzip_->next_member(), 0};
+  if (!members_) behind = {text_place_.offset + batch->text_end, 0};
+  if (batches_->synced()) behind = {members_->next_member(), 0};
   work = [this, batch, behind](HarvestTools&) {
     HarvestPortion portion;
     for (const WarcRecord& record : batch->records) ReadInto(portion, record, reading_);
@@ -166,9 +198,9 @@ InputReader::Step InputReader::NextBatch(HarvestWork& work, std::size_t& weight)
 }
 
 InputReader::Step InputReader::EndBatches(HarvestWork& work, std::size_t& weight) {
-  const std::size_t breaks = gunzip_ ? gunzip_->breaks() : 0;
+  const std::size_t breaks = members_ ? members_->breaks() : 0;
   if (batches_->synced())
-    BeginSpans(gunzip_->next_member());
+    BeginSpans(members_->next_member());
   else
     way_ = Way::kEnd;
   // Damage that no record has shown, such as a wrong checksum.

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "archive/gunzip_source.h"
 #include "archive/gzip_members.h"
 #include "archive/input_kind.h"
+#include "archive/member_source.h"
 #include "archive/record_batches.h"
 #include "archive/record_page.h"
 #include "archive/sources.h"
@@ -71,7 +71,8 @@ class InputReader {
   enum class Way { kUnknown, kPage, kRecords, kSpans, kEnd };
 
   [[nodiscard]] Status Begin();
-  [[nodiscard]] Status BeginPacked();
+  [[nodiscard]] Status BeginZstd();
+  [[nodiscard]] Status BeginPacked(bool apart);
   void BeginSpans(std::uint64_t offset);
   void BeginRecords(ByteSource& text, const HarvestPlace& place);
   void BeginMembers(const HarvestPlace& place);
@@ -90,10 +91,11 @@ class InputReader {
   std::string_view beginning_;
   InputKind kind_ = InputKind::kEmpty;
   Way way_ = Way::kUnknown;
+  bool apart_ = false;  // members that hold whole records are divided over threads
 
   // A text of records, or a page.
   std::unique_ptr<FileSource> file_source_;
-  std::unique_ptr<GunzipSource> gunzip_;
+  std::unique_ptr<MemberSource> members_;
   std::unique_ptr<ResumedSource> unpacked_;
   std::unique_ptr<RecordBatches> batches_;
   HarvestPlace text_place_;  // of the text of `batches_`

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "archive/byte_source.h"
-#include "archive/gunzip_source.h"
+#include "archive/member_source.h"
 #include "archive/warc_pieces.h"
 
 namespace quenlar {
@@ -37,7 +37,7 @@ class RecordBatches {
   // `members` is `text` where that is a gzip file; the reading then ends where the end of a record is the end of a
   // member, because from there on members may be divided over threads. Null reads the text to its end. The first
   // `skip` bytes of the text are passed over.
-  RecordBatches(ByteSource& text, const GunzipSource* members, std::uint64_t skip)
+  RecordBatches(ByteSource& text, const MemberSource* members, std::uint64_t skip)
       : text_(text), members_(members), skip_(skip) {}
 
   // The next batch; null when the reading has ended.
@@ -61,7 +61,7 @@ class RecordBatches {
   void Rebuffer(std::string_view text, std::size_t capacity);
 
   ByteSource& text_;
-  const GunzipSource* const members_;
+  const MemberSource* const members_;
   std::uint64_t skip_;
   std::unique_ptr<char[]> bytes_;  // holds [at_, end_) of the text, which stands at `offset_` + `at_` in it
   std::size_t capacity_ = 0, at_ = 0, end_ = 0;

@@ -1,5 +1,5 @@
-// Unpacks gzip members (RFC 1952), in one go or piece by piece. platform/posix and platform/win32 each define the two
-// functions by the libraries that are the fastest there (docs/archives.md).
+// Unpacks gzip members (RFC 1952), in one go or piece by piece, and the like. platform/posix and platform/win32 each
+// define the functions at the end by the libraries that are the fastest there (docs/archives.md).
 #pragma once
 
 #include <cstddef>
@@ -25,7 +25,7 @@ class MemberInflater {
   [[nodiscard]] virtual Step Inflate(std::string_view in, char* out, std::size_t room) = 0;
 };
 
-// Unpacks a member piece by piece, and of a damaged one what stands before the damage. An object is for one thread at a
+// Unpacks a member, or a frame, piece by piece, and of a damaged one what stands before the damage. An object is for one thread at a
 // time.
 class StreamInflater {
  public:
@@ -48,5 +48,10 @@ class StreamInflater {
 
 [[nodiscard]] std::unique_ptr<MemberInflater> MakeMemberInflater();
 [[nodiscard]] std::unique_ptr<StreamInflater> MakeStreamInflater();
+
+// The same for brotli (RFC 7932) and for frames of zstd (RFC 8878), with a dictionary or without. Null where the system
+// has no such library.
+[[nodiscard]] std::unique_ptr<StreamInflater> MakeBrotliInflater();
+[[nodiscard]] std::unique_ptr<StreamInflater> MakeZstdInflater(std::string_view dictionary);
 
 }  // namespace quenlar

@@ -59,5 +59,7 @@ class ZlibMemberInflater final : public MemberInflater {
 
 std::unique_ptr<MemberInflater> MakeMemberInflater() { return std::make_unique<ZlibMemberInflater>(); }
 std::unique_ptr<StreamInflater> MakeStreamInflater() { return std::make_unique<ZlibInflater>(); }
+std::unique_ptr<StreamInflater> MakeBrotliInflater() { return nullptr; }
+std::unique_ptr<StreamInflater> MakeZstdInflater(std::string_view) { return nullptr; }
 
 }  // namespace quenlar

@@ -1,8 +1,9 @@
-#include "archive/gunzip_source.h"
+#include "archive/member_source.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace quenlar {
 namespace {
@@ -10,6 +11,7 @@ namespace {
 constexpr std::size_t kWindow = 1u << 20;  // bytes of packed data in memory
 constexpr std::size_t kKept = 256u << 10;  // of these behind the place at hand, where the next member may begin
 constexpr std::size_t kHeader = 10;        // bytes of the shortest header of a member
+constexpr std::string_view kZstdMagic = "\x28\xB5\x2F\xFD";
 constexpr std::size_t kTrial = 64u << 10;  // packed bytes that show whether a member unpacks
 
 }  // namespace
@@ -20,10 +22,29 @@ bool BeginsGzipMember(std::string_view bytes) {
          (static_cast<unsigned char>(bytes[3]) & kReservedFlags) == 0;
 }
 
-GunzipSource::GunzipSource(ByteSource& packed, std::uint64_t offset)
-    : packed_(packed), window_(std::make_unique_for_overwrite<char[]>(kWindow)), offset_(offset) {}
+bool BeginsZstdFrame(std::string_view bytes) {
+  if (bytes.size() < 4) return false;
+  const bool skippable = bytes.substr(1, 3) == "\x2A\x4D\x18" && (bytes[0] & 0xF0) == 0x50;
+  return skippable || bytes.starts_with(kZstdMagic);
+}
 
-Status GunzipSource::Fill(std::size_t size) {
+Packing GzipPacking() {
+  return {"\x1F\x8B\x08", BeginsGzipMember, [] { return MakeStreamInflater(); }};
+}
+
+Packing ZstdPacking(std::string dictionary) {
+  return {kZstdMagic, BeginsZstdFrame, [dictionary = std::move(dictionary)] { return MakeZstdInflater(dictionary); }};
+}
+
+MemberSource::MemberSource(ByteSource& packed, std::uint64_t offset, Packing packing)
+    : packed_(packed),
+      packing_(std::move(packing)),
+      inflater_(packing_.make()),
+      trial_(packing_.make()),
+      window_(std::make_unique_for_overwrite<char[]>(kWindow)),
+      offset_(offset) {}
+
+Status MemberSource::Fill(std::size_t size) {
   if (end_ - at_ >= size || packed_ended_) return Status::Ok();
   const std::size_t first = at_ - std::min(at_, kKept);
   std::memmove(window_.get(), window_.get() + first, end_ - first);
@@ -40,7 +61,7 @@ Status GunzipSource::Fill(std::size_t size) {
   return Status::Ok();
 }
 
-Result<std::size_t> GunzipSource::Read(char* buffer, std::size_t size) {
+Result<std::size_t> MemberSource::Read(char* buffer, std::size_t size) {
   std::size_t given = 0;
   while (given < size && !ended_) {
     if (between_) {
@@ -62,7 +83,7 @@ Result<std::size_t> GunzipSource::Read(char* buffer, std::size_t size) {
   return given;
 }
 
-Result<bool> GunzipSource::BeginMember() {
+Result<bool> MemberSource::BeginMember() {
   for (;;) {
     if (const Status filled = Fill(kHeader); !filled.ok()) return filled;
     while (at_ < end_ && window_[at_] == '\0') ++at_;
@@ -72,7 +93,7 @@ Result<bool> GunzipSource::BeginMember() {
     ended_ = true;
     return false;
   }
-  if (!BeginsGzipMember(Rest())) {
+  if (!packing_.begins(Rest())) {
     ++breaks_;
     return FindMember(at_);
   }
@@ -82,19 +103,19 @@ Result<bool> GunzipSource::BeginMember() {
   return true;
 }
 
-Status GunzipSource::Break() {
+Status MemberSource::Break() {
   ++breaks_;
   between_ = false;
   const std::size_t first = at_ - std::min(at_, kKept);
   return FindMember(std::max(first, member_)).status();
 }
 
-Result<bool> GunzipSource::FindMember(std::size_t from) {
+Result<bool> MemberSource::FindMember(std::size_t from) {
   at_ = from;
   for (;;) {
     if (const Status filled = Fill(kTrial); !filled.ok()) return filled;
     const std::string_view rest = Rest();
-    const std::size_t magic = rest.find("\x1F\x8B\x08");
+    const std::size_t magic = rest.find(packing_.magic);
     const bool far = !packed_ended_ && magic != rest.npos && rest.size() - magic < kTrial;
     if (magic != rest.npos && !far && Unpacks(rest.substr(magic))) {
       at_ += magic;
@@ -109,12 +130,14 @@ Result<bool> GunzipSource::FindMember(std::size_t from) {
       return false;
     }
     // A magic number near the end of the window is looked at again when more is there.
-    at_ += magic == rest.npos ? rest.size() - std::min<std::size_t>(rest.size(), 2) : far ? magic : magic + 1;
+    at_ += magic == rest.npos ? rest.size() - std::min(rest.size(), packing_.magic.size() - 1)
+           : far              ? magic
+                              : magic + 1;
   }
 }
 
-bool GunzipSource::Unpacks(std::string_view packed) {
-  if (!BeginsGzipMember(packed)) return false;
+bool MemberSource::Unpacks(std::string_view packed) {
+  if (!packing_.begins(packed)) return false;
   std::array<char, 4096> text;
   trial_->Begin();
   const StreamInflater::Step step = trial_->Inflate(packed.substr(0, kTrial), text.data(), text.size());

@@ -1,9 +1,11 @@
-// The text of gzip members that follow each other, sound or damaged.
+// The text of gzip members or zstd frames that follow each other, sound or damaged.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "archive/byte_source.h"
@@ -11,12 +13,22 @@
 
 namespace quenlar {
 
+// How members are packed.
+struct Packing {
+  std::string_view magic;                  // first bytes of a member, by which the next one is looked for
+  bool (*begins)(std::string_view bytes);  // whether a member may begin here
+  std::function<std::unique_ptr<StreamInflater>()> make;
+};
+[[nodiscard]] Packing GzipPacking();
+// The frames may want a dictionary. `make` gives null where the system has no such library.
+[[nodiscard]] Packing ZstdPacking(std::string dictionary);
+
 // Of a damaged member it gives what can be unpacked, and goes on with the next member that unpacks. NULs between two
 // members are passed over.
-class GunzipSource final : public ByteSource {
+class MemberSource final : public ByteSource {
  public:
   // `offset` is where `packed` stands in its file; it must stand where a member begins.
-  GunzipSource(ByteSource& packed, std::uint64_t offset);
+  MemberSource(ByteSource& packed, std::uint64_t offset, Packing packing = GzipPacking());
 
   // Fills `buffer`, but stops at the end of a member.
   [[nodiscard]] Result<std::size_t> Read(char* buffer, std::size_t size) override;
@@ -39,7 +51,8 @@ class GunzipSource final : public ByteSource {
   [[nodiscard]] Status Break();
 
   ByteSource& packed_;
-  std::unique_ptr<StreamInflater> inflater_ = MakeStreamInflater(), trial_ = MakeStreamInflater();
+  const Packing packing_;
+  const std::unique_ptr<StreamInflater> inflater_, trial_;
   std::unique_ptr<char[]> window_;
   std::uint64_t offset_;          // of the window in the file
   std::size_t at_ = 0, end_ = 0;  // in the window: not yet unpacked
@@ -48,7 +61,8 @@ class GunzipSource final : public ByteSource {
   std::size_t breaks_ = 0;
 };
 
-// Whether a gzip member may begin here.
+// Whether a gzip member may begin here, and a frame of zstd or one of those that are skipped.
 [[nodiscard]] bool BeginsGzipMember(std::string_view bytes);
+[[nodiscard]] bool BeginsZstdFrame(std::string_view bytes);
 
 }  // namespace quenlar
