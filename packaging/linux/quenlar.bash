@@ -32,6 +32,7 @@ _quenlar() {
     collect:--warc) COMPREPLY=(); return ;;
     collect:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
     harvest:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
+    harvest:--name) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")); return ;;
     harvest:--jobs) COMPREPLY=(); return ;;
     harvest:--robots) COMPREPLY=($(compgen -W "obey ignore" -- "$word")); return ;;
     harvest:--remove) COMPREPLY=(); return ;;
@@ -59,7 +60,7 @@ _quenlar() {
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
     collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --links --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --warc --summary --version" -- "$word")) ;;
-    harvest:-*) COMPREPLY=($(compgen -W "-h --help --format --jobs --decode-protected --robots --remove --extract --progress --version" -- "$word")) ;;
+    harvest:-*) COMPREPLY=($(compgen -W "-h --help --format --name --jobs --decode-protected --robots --remove --extract --progress --version" -- "$word")) ;;
     addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
     why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;
     collections:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;

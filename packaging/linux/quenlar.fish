@@ -33,6 +33,7 @@ complete -c quenlar -n '__fish_seen_subcommand_from collect' -l version -d 'Prin
 complete -c quenlar -n '__fish_use_subcommand' -a harvest -d 'List the addresses in web archives, files and folders'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -s h -l help -d 'Print this help message and exit'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l format -x -a 'lines csv jsonl' -d 'Each address once; a row for each record with address, page, title and place as csv; JSON objects'
+complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l name -x -d 'Put everything into this collection as well; a harvest that was cut off goes on'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l jobs -x -d 'Processor cores to use (all)'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l decode-protected -d 'Also list addresses that their owners chose to hide from programs'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l robots -x -a 'obey ignore' -d 'Whether pages that ask not to be indexed are left out (obey)'

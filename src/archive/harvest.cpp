@@ -18,7 +18,6 @@ constexpr std::size_t kMostRoom = 16u << 20, kLeastRoom = 1u << 20, kAllRooms = 
 void Append(HarvestPortion& all, HarvestPortion portion) {
   std::move(portion.pages.begin(), portion.pages.end(), std::back_inserter(all.pages));
   all.counts.pages += portion.counts.pages;
-  all.counts.protected_count += portion.counts.protected_count;
   all.damaged += portion.damaged;
   if (!portion.failure.ok()) all.failure = portion.failure;
 }

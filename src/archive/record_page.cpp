@@ -65,12 +65,10 @@ std::optional<HarvestedPage> Read(const ReadRequest& request, const PageReading&
   ++counts.pages;
   const ReadResult read = ReadPage(request, reading.idna, reading.decoder);
   if (reading.obey_robots && read.robots.noindex()) return std::nullopt;
-  counts.protected_count += read.protected_addresses;
   if (read.addresses.empty()) return std::nullopt;
   HarvestedPage page;
   page.title = read.title.value_or("");
   page.type = Lower(ParseContentType(request.content_type).type);
-  page.protected_count = read.protected_addresses;
   TakeAddresses(read, page);
   return page;
 }
@@ -97,10 +95,12 @@ std::optional<HarvestedPage> ReadRecordPage(const WarcRecord& record, const Page
   request.content_type = message.content_type;
   request.robots_headers = message.robots_headers;
   request.links = false;
+  request.count_protected = false;
   request.decode_protected = reading.decode_protected;
   std::optional<HarvestedPage> page = Read(request, reading, counts);
   if (!page) return page;
   page->url = url->href();
+  page->of_record = true;
   page->status = message.status;
   page->seen = ParseWarcDate(record.head.date);
   return page;
@@ -112,6 +112,7 @@ std::optional<HarvestedPage> ReadFilePage(std::string_view body, std::string_vie
   request.body = body.substr(0, kMostPage);
   request.content_type = content_type;
   request.links = false;
+  request.count_protected = false;
   request.decode_protected = reading.decode_protected;
   std::optional<HarvestedPage> page = Read(request, reading, counts);
   if (page) page->url = name;

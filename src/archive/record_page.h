@@ -25,13 +25,13 @@ struct HarvestedPage {
   };
 
   std::string url;                   // by the URL Standard; of a file what the caller calls it
+  bool of_record = false;            // not of a file
   std::string title;                 // empty without one
   std::string type;                  // media type without parameters, in lower case; empty without one
   int status = 0;                    // of the HTTP answer; 0 where there was none
   std::optional<std::int64_t> seen;  // the record's date, in seconds since 1970 UTC
   std::string texts;
   std::vector<Address> addresses;  // in the order of the page
-  std::size_t protected_count = 0;
 
   [[nodiscard]] std::string_view AddressOf(const Address& a) const {
     return std::string_view(texts).substr(a.begin, a.size);
@@ -52,8 +52,7 @@ inline constexpr std::size_t kMostPage = 8u << 20;  // bytes of a page that are 
 
 // How much of what was read were pages.
 struct PageCounts {
-  std::uint64_t pages = 0;            // read, with addresses or without
-  std::uint64_t protected_count = 0;  // addresses that pages protect
+  std::uint64_t pages = 0;  // read, with addresses or without
 };
 
 // The page in a record, where it is one: an answer with a status from 200 to 299, or a resource or conversion, of a

@@ -124,6 +124,10 @@ void DeclareHarvest(CLI::App& root, Command& chosen) {
       ->check(CheckNotEmpty);
   DeclareChoice(*verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
                 "Each address once; a row for each record with address, page, title and place as csv; JSON objects");
+  verb->add_option("--name", options.name,
+                   "Put everything into this collection as well; a harvest that was cut off goes on")
+      ->type_name("NAME")
+      ->check(CheckNotEmpty);
   verb->add_option("--jobs", options.jobs, "Processor cores to use (all)")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, kMostJobs));
@@ -137,7 +141,8 @@ void DeclareHarvest(CLI::App& root, Command& chosen) {
       R"(What an input is shows in its first bytes, not in its name: WARC files may be plain or packed by gzip. Of an
 archive the answers with pages are read, as the run that fetched them would have read them. Rows come in the
 order of the inputs and of the records in them, whatever the number of cores. Damaged records are counted, and
-what can be read of them is.
+what can be read of them is. With --name rows are printed when they are in the collection, lines prints the
+addresses that are new in it, and what has been read of the inputs is not read again.
 
 Exit status: 0 everything read, 1 an input could not be read or is damaged (everything readable has been
 printed), 2 wrong usage, 130 stopped by a signal.
@@ -145,6 +150,7 @@ printed), 2 wrong usage, 130 stopped by a signal.
 Examples:
   quenlar harvest crawl.warc.gz
   quenlar harvest --format csv crawls/ saved-pages/
+  quenlar harvest --name members crawls/
   curl -s https://archive.example/2026.warc.gz | quenlar harvest --format jsonl -)");
   Choose(*verb, chosen, HarvestInputs, arguments);
 }

@@ -10,17 +10,23 @@
 #include "archive/harvest.h"
 #include "base/ascii.h"
 #include "cli/exit_status.h"
+#include "cli/harvest_store.h"
 #include "cli/paths.h"
 #include "cli/run_filter.h"
 #include "cli/seen_addresses.h"
 #include "cli/sighting_format.h"
 #include "cli/terminal_text.h"
+#include "cli/workplace.h"
+#include "engine/collections.h"
+#include "engine/home.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/registry.h"
 
 namespace quenlar {
 namespace {
+
+constexpr std::size_t kMostRows = 8u << 20;  // bytes of rows that wait for a commit
 
 class ConsoleSource final : public ByteSource {
  public:
@@ -51,39 +57,66 @@ class HarvestRun final : public HarvestView {
   void OnFailure(const Status& failure) override { Complain(SentenceOf(failure)); }
 
  private:
-  void PrintPage(const HarvestedPage& page);
-  void PrintAddress(const HarvestedPage& page, const HarvestedPage::Address& address);
-  [[nodiscard]] bool Flush();
+  [[nodiscard]] Status Prepare();
+  [[nodiscard]] Status OpenStore();
+  void TakePage(const HarvestedPage& page);
+  void AddRow(const HarvestedPage& page, const SeenAddress& address);
+  // Commits when it is time to, or `now`, and writes what need not wait any more. False when nobody reads it, or it
+  // cannot be put into the collection.
+  [[nodiscard]] bool Flush(bool now);
+  void SaveRun();
   void Tell(const std::string& text);
   // Tells a failure.
   void Complain(const std::string& text);
   void TellEnd();
-  void DrawProgress(const HarvestInput& input, const HarvestPortion& portion);
+  void DrawProgress(const HarvestInput& input);
   void ClearProgress();
 
   Invocation& invocation_;
   Console& console_;
   const Platform& platform_;
   const HarvestOptions& options_;
+  std::unique_ptr<FolderLock> lock_;
+  std::unique_ptr<HarvestStore> store_;
   Settings settings_;
   FilterWords filter_;
   SeenAddresses seen_;
   std::int64_t now_ = 0;
   std::string rows_;           // that have not been written yet
   std::string undated_input_;  // the last one with records without a date
-  std::uint64_t pages_ = 0, pages_with_addresses_ = 0, addresses_ = 0, filtered_ = 0, protected_ = 0;
+  std::uint64_t pages_ = 0, pages_with_addresses_ = 0, addresses_ = 0, new_ = 0, filtered_ = 0;
   bool failed_ = false, stopped_ = false, nobody_reads_ = false, progress_drawn_ = false;
   std::chrono::steady_clock::time_point progress_last_{};
 };
 
-int HarvestRun::Run() {
+Status HarvestRun::Prepare() {
   now_ = platform_.clock.UtcSeconds();
   if (!invocation_.choice().home.empty()) {
     const auto tell = [this](const std::string& message) { Tell(message); };
     const Status loaded = LoadRunFilter(platform_, invocation_.installation(), options_.remove_words,
                                         options_.extract_words, settings_, filter_, tell);
-    if (!loaded.ok()) return invocation_.Fail(loaded);
+    if (!loaded.ok()) return loaded;
   }
+  return options_.name.empty() ? Status::Ok() : OpenStore();
+}
+
+Status HarvestRun::OpenStore() {
+  const Installation installation = invocation_.installation();
+  auto lock = TakeHome(platform_.files, installation);
+  if (!lock.ok()) return lock.status();
+  lock_ = lock.take();
+  if (Status made = MakeFolders(platform_.files, installation.Data(), installation.separator); !made.ok()) return made;
+  auto opened = Collection::Open(platform_.files, CollectionPath(installation, options_.name));
+  if (!opened.ok()) return opened.status();
+  if (!opened.value().kept_aside.empty()) {
+    Tell("The collection was damaged. It lies in " + opened.value().kept_aside + " now, and a new one begins.");
+  }
+  store_ = std::make_unique<HarvestStore>(std::move(opened.value().collection), platform_.idna);
+  return store_->BeginRun(now_);
+}
+
+int HarvestRun::Run() {
+  if (const Status prepared = Prepare(); !prepared.ok()) return invocation_.Fail(prepared);
   std::vector<HarvestInput> inputs;
   for (const std::string& given : options_.inputs) inputs.push_back({given, given == "-" ? "" : AbsolutePath(given)});
   const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
@@ -92,49 +125,64 @@ int HarvestRun::Run() {
   ConsoleSource standard_input(console_);
   InputWalk walk(platform_.files, std::move(inputs), invocation_.system().separator());
   Harvest(platform_.files, standard_input, settings, *this).Run(walk);
-  (void)Flush();
+  SaveRun();
+  (void)Flush(true);
   ClearProgress();
   if (!nobody_reads_) TellEnd();
   return stopped_ ? kExitStopped : failed_ ? kExitFailed : kExitDone;
 }
 
-std::optional<HarvestPlace> HarvestRun::PlaceOf(const HarvestInput&, const ReadableFile*) { return HarvestPlace{}; }
+std::optional<HarvestPlace> HarvestRun::PlaceOf(const HarvestInput& input, const ReadableFile* file) {
+  return store_ ? store_->PlaceOf(input, file) : HarvestPlace{};
+}
 
 bool HarvestRun::OnPortion(const HarvestInput& input, HarvestPortion& portion) {
   pages_ += portion.counts.pages;
-  protected_ += portion.counts.protected_count;
   for (HarvestedPage& page : portion.pages) {
     if (!page.seen) {
       page.seen = now_;
-      if (undated_input_ != input.name && page.url != input.name) {
+      if (page.of_record && undated_input_ != input.name) {
         undated_input_ = input.name;
         Tell(input.name + ": Records without a date count as seen now.");
       }
     }
-    PrintPage(page);
+    TakePage(page);
   }
-  if (!Flush()) return false;
-  DrawProgress(input, portion);
+  if (store_) store_->Note(input, portion.behind, portion.damaged);
+  if (!Flush(rows_.size() > kMostRows)) return false;
+  DrawProgress(input);
   platform_.loop.Yield();
   return !stopped_;
 }
 
-void HarvestRun::PrintPage(const HarvestedPage& page) {
+void HarvestRun::TakePage(const HarvestedPage& page) {
   ++pages_with_addresses_;
+  std::vector<SeenAddress> kept;    // in all of their places
+  std::vector<std::size_t> firsts;  // of these, each address in its first place
+  std::size_t filtered = 0;
   for (const HarvestedPage::Address& address : page.addresses) {
-    if (!address.first) continue;
-    if (filter_.Keeps(page.AddressOf(address)))
-      PrintAddress(page, address);
-    else
-      ++filtered_;
+    const std::string_view text = page.AddressOf(address);
+    if (filter_.Keeps(text)) {
+      if (address.first) firsts.push_back(kept.size());
+      kept.push_back({text, page.WrittenOf(address), address.place});
+    } else if (address.first) {
+      ++filtered;
+    }
+  }
+  filtered_ += filtered;
+  std::vector<std::size_t> fresh;
+  if (store_ && !kept.empty()) fresh = store_->Add(page, kept, filtered);
+  new_ += fresh.size();
+  const bool lines = options_.format == AddressFormat::kLines;
+  for (const std::size_t i : lines&& store_ ? fresh : firsts) {
+    if (!lines || store_ || seen_.Add(kept[i].address)) AddRow(page, kept[i]);
   }
 }
 
-void HarvestRun::PrintAddress(const HarvestedPage& page, const HarvestedPage::Address& address) {
-  if (options_.format == AddressFormat::kLines && !seen_.Add(page.AddressOf(address))) return;
+void HarvestRun::AddRow(const HarvestedPage& page, const SeenAddress& address) {
   ++addresses_;
   Sighting sighting;
-  sighting.address = page.AddressOf(address);
+  sighting.address = address.address;
   sighting.page = page.url;
   sighting.title = page.title;
   sighting.place = PlaceName(address.place);
@@ -144,12 +192,35 @@ void HarvestRun::PrintAddress(const HarvestedPage& page, const HarvestedPage::Ad
   rows_ += line;
 }
 
-bool HarvestRun::Flush() {
-  if (rows_.empty() || nobody_reads_) return !nobody_reads_;
+bool HarvestRun::Flush(bool now) {
+  if (nobody_reads_) return false;
+  if (store_) {
+    const bool committed = store_->Commit(now);
+    if (!store_->failure().ok()) {
+      if (!failed_) Complain(SentenceOf(store_->failure()));
+      rows_.clear();
+      return false;
+    }
+    if (!committed) return true;
+  }
+  if (rows_.empty()) return true;
   ClearProgress();
   nobody_reads_ = !console_.Write(rows_);
   rows_.clear();
   return !nobody_reads_;
+}
+
+void HarvestRun::SaveRun() {
+  if (!store_) return;
+  RunRecord run;
+  run.started = now_;
+  run.ended = platform_.clock.UtcSeconds();
+  run.reason = stopped_ ? "stopped" : "finished";
+  run.pages = pages_;
+  run.fresh = new_;
+  run.filtered = filtered_;
+  run.seconds = static_cast<double>(run.ended - now_);
+  store_->SaveRun(run).Ignore("a failure is seen by the commit");
 }
 
 bool HarvestRun::OnInputEnd(const InputReport& report) {
@@ -163,19 +234,23 @@ bool HarvestRun::OnInputEnd(const InputReport& report) {
   } else if ((report.kind == InputKind::kOther || report.kind == InputKind::kGzip) && report.input.named) {
     Complain(name + ": Neither an archive nor a page of text.");
   }
-  if (report.damaged > 0) {
-    const std::string records = report.damaged == 1 ? " damaged record" : " damaged records";
-    Complain(name + ": " + std::to_string(report.damaged) + records + ". Everything readable has been read.");
+  const std::size_t damaged = report.damaged + (store_ ? store_->NoteEnd(report.input) : 0);
+  if (damaged > 0) {
+    const std::string records = damaged == 1 ? " damaged record" : " damaged records";
+    Complain(name + ": " + std::to_string(damaged) + records + ". Everything readable has been read.");
   }
   return !stopped_;
 }
 
 void HarvestRun::TellEnd() {
+  if (store_ && store_->finished_before() > 0) {
+    const bool all = pages_ == 0 && !failed_;
+    Tell(all ? "This harvest is finished: everything in its inputs is in the collection."
+             : std::to_string(store_->finished_before()) + " inputs were read before.");
+    if (all) return;
+  }
   std::string line = std::to_string(addresses_) + " addresses on " + std::to_string(pages_with_addresses_) + " of " +
                      std::to_string(pages_) + " pages";
-  if (protected_ > 0 && !options_.decode_protected) {
-    line += ", " + std::to_string(protected_) + " protected addresses not listed";
-  }
   if (filtered_ > 0) line += ", " + std::to_string(filtered_) + " dropped by the filters";
   Tell(line + ".");
 }
@@ -190,7 +265,7 @@ void HarvestRun::Complain(const std::string& text) {
   Tell(text);
 }
 
-void HarvestRun::DrawProgress(const HarvestInput& input, const HarvestPortion&) {
+void HarvestRun::DrawProgress(const HarvestInput& input) {
   constexpr std::chrono::milliseconds kRedrawEvery{200};
   const auto now = std::chrono::steady_clock::now();
   if (!options_.progress || !console_.ErrorIsTerminal() || now - progress_last_ < kRedrawEvery) return;

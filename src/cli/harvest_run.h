@@ -12,6 +12,7 @@ namespace quenlar {
 
 struct HarvestOptions {
   std::vector<std::string> inputs;  // as given
+  std::string name;                 // of the collection that is filled as well; empty: none
   AddressFormat format = AddressFormat::kLines;
   std::size_t jobs = 0;  // 0: as many as there are cores
   bool decode_protected = false, obey_robots = true, progress = false;

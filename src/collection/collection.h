@@ -108,6 +108,20 @@ struct PageEnd {
   std::string etag{}, modified{};
 };
 
+// The reason of a page that counts as read because an archive had it. A crawl visits it when it is led to it.
+inline constexpr std::string_view kReadInArchive = "archive";
+
+// A page that was read out of an archive or a file, not visited. The views must outlive the call.
+struct ArchivedPage {
+  std::string_view url;         // its address, or the name of the file
+  const Url* parsed = nullptr;  // of its address; null for a file
+  std::string_view site{};      // registrable domain of its host; empty for a file
+  std::string_view type{}, title{};
+  int status = 0;                  // of the answer; 0: none
+  std::int64_t seen = 0;           // when it was fetched
+  std::size_t filtered_count = 0;  // of its addresses
+};
+
 // States of a host in the database.
 inline constexpr std::string_view kHostNew = "new";
 inline constexpr std::string_view kHostAnswers = "answers";
@@ -226,6 +240,11 @@ class Collection {
   // Ends the visit of a page that waited. Gives the positions in `addresses` of those that the collection did not hold.
   [[nodiscard]] Result<std::vector<std::size_t>> End(HostId host, PageId page, const PageEnd& end,
                                                      const std::vector<SeenAddress>& addresses, std::int64_t now);
+  // Puts in what an archived page shows. A page that the collection has already stays as it is but for its sightings,
+  // which were seen at this time too. A new one counts as read. Gives the positions in `addresses` of those that the
+  // collection did not hold.
+  [[nodiscard]] Result<std::vector<std::size_t>> AddArchived(const ArchivedPage& page,
+                                                             const std::vector<SeenAddress>& addresses);
   // Ends the visit of a page that has not changed since it was read (status 304).
   Status EndUnchanged(HostId host, PageId page, std::int64_t now);
   // Whether another page of the host was read with this body.
@@ -259,8 +278,11 @@ class Collection {
   Status Begin();
   [[nodiscard]] Result<OfferedPage> OfferKnown(const PageOffer& offer, std::int64_t key);
   [[nodiscard]] Result<OfferedPage> AddPage(const PageOffer& offer, std::int64_t key);
+  [[nodiscard]] Result<HostId> HostOfOrigin(std::string origin, std::string_view site);
+  [[nodiscard]] Result<PageId> ArchivedPageId(const ArchivedPage& page);
+  // `add` is the statement that puts one sighting in.
   [[nodiscard]] Result<std::vector<std::size_t>> AddSightings(PageId page, const std::vector<SeenAddress>& addresses,
-                                                              std::int64_t now);
+                                                              std::int64_t now, Statement& add);
   // From the row at hand of sql::kPage or sql::kFindPage.
   [[nodiscard]] static KnownPage ReadKnown(const Statement& row);
   // The row of sql::kFindPage for this identity; false where there is none.

@@ -13,6 +13,9 @@ std::optional<std::string_view> OrNull(const std::string& text) {
   return text.empty() ? std::optional<std::string_view>() : std::string_view(text);
 }
 
+// What follows the scheme: it makes two URLs one page.
+std::string_view KeyOfUrl(std::string_view url) { return url.substr(std::min(url.find("//") + 2, url.size())); }
+
 // A page that is not there any more takes its addresses with it; one that only failed for now does not.
 bool LosesAddresses(const PageEnd& end) {
   return end.state == PageState::kRead || end.state == PageState::kMoved || end.status == 404 || end.status == 410;
@@ -20,10 +23,11 @@ bool LosesAddresses(const PageEnd& end) {
 
 }  // namespace
 
-Result<HostId> Collection::HostOf(const Url& url, std::string_view site) {
+Result<HostId> Collection::HostOf(const Url& url, std::string_view site) { return HostOfOrigin(url.Origin(), site); }
+
+Result<HostId> Collection::HostOfOrigin(std::string origin, std::string_view site) {
   constexpr std::size_t kMostRemembered = 4096;
   if (const Status begun = Begin(); !begun.ok()) return begun;
-  std::string origin = url.Origin();
   if (const auto known = host_ids_.find(origin); known != host_ids_.end()) return known->second;
   const Result<bool> row = statements_->find_host.Bind(origin).Step();
   if (!row.ok()) return row.status();
@@ -144,8 +148,7 @@ Result<bool> Collection::FindRow(std::int64_t key, std::string_view page_key) {
   for (;;) {
     const Result<bool> found = row.Step();
     if (!found.ok() || !found.value()) return found;
-    const std::string_view url = row.Text(2);
-    if (url.substr(url.find("//") + 2) == page_key) return true;
+    if (KeyOfUrl(row.Text(2)) == page_key) return true;
   }
 }
 
@@ -199,7 +202,8 @@ Result<OfferedPage> Collection::OfferKnown(const PageOffer& offer, std::int64_t 
   const std::string_view state = row.Text(4);
   const bool waits = state == NameOf(PageState::kWaiting);
   const bool visited = state == NameOf(PageState::kRead) || state == NameOf(PageState::kMoved);
-  const bool lifted = state == NameOf(PageState::kRefused) && IsLifted(offer, row.Text(5));
+  const bool archived = state == NameOf(PageState::kRead) && row.Text(5) == kReadInArchive;
+  const bool lifted = archived || (state == NameOf(PageState::kRefused) && IsLifted(offer, row.Text(5)));
   const bool was_private = row.Int(6) != 0;
   row.Reset();
   const bool nearer = offer.depth < depth;
@@ -296,11 +300,11 @@ Result<std::vector<std::size_t>> Collection::End(HostId host, PageId page, const
     const Status forgotten = end.state == PageState::kRead ? Status::Ok() : statements_->forget_body.Bind(page).Run();
     if (!forgotten.ok()) return forgotten;
   }
-  return AddSightings(page, addresses, now);
+  return AddSightings(page, addresses, now, statements_->add_sighting);
 }
 
 Result<std::vector<std::size_t>> Collection::AddSightings(PageId page, const std::vector<SeenAddress>& addresses,
-                                                          std::int64_t now) {
+                                                          std::int64_t now, Statement& add) {
   std::vector<std::size_t> fresh;
   for (std::size_t i = 0; i < addresses.size(); ++i) {
     const SeenAddress& seen = addresses[i];
@@ -315,11 +319,39 @@ Result<std::vector<std::size_t>> Collection::AddSightings(PageId page, const std
       id = statements_->find_address.Int(0);
       statements_->find_address.Reset();
     }
-    const Status sighted =
-        statements_->add_sighting.Bind(id, page, PlaceName(seen.place), seen.written, now, now).Run();
+    const Status sighted = add.Bind(id, page, PlaceName(seen.place), seen.written, now, now).Run();
     if (!sighted.ok()) return sighted;
   }
   return fresh;
+}
+
+Result<std::vector<std::size_t>> Collection::AddArchived(const ArchivedPage& page,
+                                                         const std::vector<SeenAddress>& addresses) {
+  if (const Status begun = Begin(); !begun.ok()) return begun;
+  const Result<PageId> id = ArchivedPageId(page);
+  if (!id.ok()) return id.status();
+  return AddSightings(id.value(), addresses, page.seen, statements_->add_archived_sighting);
+}
+
+// The page in the collection, put in where it is new.
+Result<PageId> Collection::ArchivedPageId(const ArchivedPage& page) {
+  const std::string_view identity = page.parsed != nullptr ? page.parsed->PageKey() : page.url;
+  const std::int64_t key = HashOf(identity);
+  const Result<bool> found = FindRow(key, page.parsed != nullptr ? identity : KeyOfUrl(page.url));
+  if (!found.ok()) return found.status();
+  if (found.value()) {
+    const PageId known = statements_->find_page.Int(0);
+    statements_->find_page.Reset();
+    return known;
+  }
+  const Result<HostId> host = HostOfOrigin(page.parsed != nullptr ? page.parsed->Origin() : "file:", page.site);
+  if (!host.ok()) return host.status();
+  const Status added = statements_->add_archived_page
+                           .Bind(key, host.value(), page.url, page.status == 0 ? std::optional<int>() : page.status,
+                                 page.type, page.title, page.seen, static_cast<std::int64_t>(page.filtered_count))
+                           .Run();
+  if (!added.ok()) return added;
+  return database_->LastRowId();
 }
 
 Status Collection::EndUnchanged(HostId host, PageId page, std::int64_t now) {

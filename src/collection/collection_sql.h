@@ -193,7 +193,8 @@ inline constexpr const char* kNearestOf = "SELECT min(depth) FROM pages WHERE ho
 inline constexpr const char* kHostsOfSite = "SELECT id FROM hosts WHERE site = ?";
 inline constexpr const char* kQueueAgain =
     "UPDATE pages SET state = 'waiting', hops = 0, reason = NULL, rule = NULL, line = NULL"
-    " WHERE state IN ('read', 'failed', 'moved') OR (state = 'refused' AND reason IN ('robots', 'private'))";
+    " WHERE (state IN ('read', 'failed', 'moved') AND reason IS NOT 'archive')"
+    " OR (state = 'refused' AND reason IN ('robots', 'private'))";
 inline constexpr const char* kForgetReads = "UPDATE hosts SET read = 0";
 inline constexpr const char* kForgetSearches = "UPDATE starts SET asked = NULL";
 
@@ -237,6 +238,14 @@ inline constexpr const char* kAddAddress = "INSERT OR IGNORE INTO addresses (add
 inline constexpr const char* kAddSighting =
     "INSERT INTO sightings (address, page, place, written, first_seen, last_seen) VALUES (?, ?, ?, ?, ?, ?)"
     " ON CONFLICT DO UPDATE SET last_seen = excluded.last_seen, gone = 0";
+inline constexpr const char* kAddArchivedPage =
+    "INSERT INTO pages (key, host, url, depth, rank, state, reason, status, type, title, time, filtered)"
+    " VALUES (?, ?, ?, 0, 1, 'read', 'archive', ?, ?, ?, ?, ?)";
+// What was seen before or after is seen for longer; a sighting that is gone is back when it was seen later than that.
+inline constexpr const char* kAddArchivedSighting =
+    "INSERT INTO sightings (address, page, place, written, first_seen, last_seen) VALUES (?, ?, ?, ?, ?, ?)"
+    " ON CONFLICT DO UPDATE SET gone = CASE WHEN excluded.last_seen > last_seen THEN 0 ELSE gone END,"
+    " first_seen = min(first_seen, excluded.first_seen), last_seen = max(last_seen, excluded.last_seen)";
 inline constexpr const char* kSightingsSeen =
     "UPDATE sightings SET last_seen = ?, gone = 0 WHERE page = ? AND gone = 0";
 // Before what a page holds now is put in: what is not put in again is gone.

@@ -46,6 +46,8 @@ Status Collection::Statements::Prepare(Database& database) {
       {queue_refused_of, sql::kQueueRefusedOf},
       {save_links, sql::kSaveLinks},
       {links, sql::kLinks},
+      {add_archived_page, sql::kAddArchivedPage},
+      {add_archived_sighting, sql::kAddArchivedSighting},
       {find_address, sql::kFindAddress},
       {add_address, sql::kAddAddress},
       {add_sighting, sql::kAddSighting},

@@ -13,6 +13,7 @@ struct Collection::Statements {
   Statement find_page, page, add_page, queue_page, deepen_page, make_private, lift_page, next_page, readdress_page,
       end_page, end_unread, forget_body, page_unchanged, body_seen, queue_refused, queue_refused_of;
   Statement save_links, links;
+  Statement add_archived_page, add_archived_sighting;
   Statement find_address, add_address, add_sighting, sightings_seen, sightings_gone;
 
   // Prepares all of them.

@@ -57,7 +57,8 @@ Result<WhyAnswer> WhyPage(CollectionReader& reader, const Url& url) {
   WhyAnswer answer;
   answer.definite = true;
   answer.sentences = {page.url, ReasonSentence(page)};
-  answer.sentences.push_back(page.parent.empty()
+  answer.sentences.push_back(page.reason == kReadInArchive ? "An archive had it."
+                             : page.parent.empty()
                                  ? "It is a start."
                                  : fmt::format("{} clicks from a start; found on {} .", page.depth, page.parent));
   answer.page = page.url;

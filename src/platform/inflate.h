@@ -25,8 +25,8 @@ class MemberInflater {
   [[nodiscard]] virtual Step Inflate(std::string_view in, char* out, std::size_t room) = 0;
 };
 
-// Unpacks a member, or a frame, piece by piece, and of a damaged one what stands before the damage. An object is for one thread at a
-// time.
+// Unpacks a member, or a frame, piece by piece, and of a damaged one what stands before the damage. An object is for
+// one thread at a time.
 class StreamInflater {
  public:
   enum class Outcome {

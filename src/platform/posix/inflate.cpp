@@ -1,5 +1,5 @@
-// Whole members by libdeflate, which is the fastest but gives nothing of a torn one; pieces by ISA-L. Brotli and zstd by
-// their own libraries.
+// Whole members by libdeflate, which is the fastest but gives nothing of a torn one; pieces by ISA-L. Brotli and zstd
+// by their own libraries.
 #include "platform/inflate.h"
 
 #include <algorithm>

@@ -1,0 +1,100 @@
+#include "cli/harvest_store.h"
+
+#include <charconv>
+#include <utility>
+
+#include "base/ascii.h"
+#include "crawl/link_rules.h"
+#include "page/url.h"
+
+namespace quenlar {
+namespace {
+
+std::string FactOf(const HarvestInput& input) { return "harvest " + input.path; }
+
+// The numbers of a fact: size and time of the file, offset, place in the text, damage, 1 for an end.
+constexpr std::size_t kNumbers = 6;
+
+std::uint64_t NumberOf(std::string_view text) {
+  std::uint64_t number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
+}
+
+}  // namespace
+
+bool HarvestStore::Failed(const Status& status) {
+  if (failure_.ok()) failure_ = status;
+  return !failure_.ok();
+}
+
+std::optional<HarvestPlace> HarvestStore::PlaceOf(const HarvestInput& input, const ReadableFile* file) {
+  if (file == nullptr || !failure_.ok()) return HarvestPlace{};
+  Progress progress;
+  progress.file = std::to_string(file->size().value_or(0)) + " " + std::to_string(file->modified());
+  const Result<std::string> fact = collection_->Fact(FactOf(input));
+  if (!fact.ok() && Failed(fact.status())) return HarvestPlace{};
+  const std::vector<std::string_view> numbers = Split(fact.value(), " ");
+  if (numbers.size() == kNumbers && fact.value().starts_with(progress.file + " ")) {
+    if (numbers[5] == "1") {
+      ++finished_before_;
+      return std::nullopt;
+    }
+    progress.place = {NumberOf(numbers[2]), NumberOf(numbers[3])};
+    progress.damaged = progress.damaged_before = static_cast<std::size_t>(NumberOf(numbers[4]));
+  }
+  return under_way_.insert_or_assign(input.path, std::move(progress)).first->second.place;
+}
+
+std::vector<std::size_t> HarvestStore::Add(const HarvestedPage& page, const std::vector<SeenAddress>& kept,
+                                           std::size_t filtered) {
+  if (!failure_.ok()) return {};
+  const std::optional<Url> url = ParseUrl(page.url, nullptr, idna_);
+  ArchivedPage archived;
+  archived.url = page.url;
+  if (page.of_record) archived.parsed = url ? &*url : nullptr;
+  if (archived.parsed != nullptr) archived.site = SiteOf(*url);
+  archived.type = page.type;
+  archived.title = page.title;
+  archived.status = page.status;
+  archived.seen = page.seen.value_or(0);
+  archived.filtered_count = filtered;
+  Result<std::vector<std::size_t>> fresh = collection_->AddArchived(archived, kept);
+  if (!fresh.ok() && Failed(fresh.status())) return {};
+  return fresh.take();
+}
+
+void HarvestStore::Note(const HarvestInput& input, const HarvestPlace& behind, std::size_t damaged) {
+  const auto found = under_way_.find(input.path);
+  if (found == under_way_.end()) return;
+  found->second.place = behind;
+  found->second.damaged += damaged;
+  Write(input, found->second, false);
+}
+
+std::size_t HarvestStore::NoteEnd(const HarvestInput& input) {
+  const auto found = under_way_.find(input.path);
+  if (found == under_way_.end()) return 0;
+  const std::size_t before = found->second.damaged_before;
+  Write(input, found->second, true);
+  under_way_.erase(found);
+  return before;
+}
+
+void HarvestStore::Write(const HarvestInput& input, const Progress& progress, bool done) {
+  if (!failure_.ok()) return;
+  (void)Failed(collection_->SetFact(FactOf(input), progress.file + " " + std::to_string(progress.place.offset) + " " +
+                                                       std::to_string(progress.place.text) + " " +
+                                                       std::to_string(progress.damaged) + (done ? " 1" : " 0")));
+}
+
+bool HarvestStore::Commit(bool now) {
+  constexpr std::chrono::seconds kEvery{1};
+  if (!failure_.ok()) return false;
+  const auto time = std::chrono::steady_clock::now();
+  if (!now && time - committed_ < kEvery) return false;
+  committed_ = time;
+  return !Failed(now ? collection_->Commit() : collection_->CommitSoon());
+}
+
+}  // namespace quenlar

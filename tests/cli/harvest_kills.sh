@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# harvest from outside: the same bytes whatever the number of cores, and a harvest into a collection that is killed again
+# and again and still prints every row once. usage: harvest_kills.sh PROGRAM
+set -uo pipefail
+program=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export QUENLAR_HOME=$work/home
+failed=0
+expect() {  # WHAT WANTED FOUND
+  [ "$2" = "$3" ] && return
+  echo "[  FAILED  ] $1: expected '$2', got '$3'"
+  failed=1
+}
+
+# An archive of many small answers; the addresses, and so the rows, are all different.
+records() {  # FIRST LAST
+  LC_ALL=C awk -v first="$1" -v last="$2" 'BEGIN {
+    for (i = first; i <= last; ++i) {
+      page = sprintf("<title>Page %d</title><p>a%d@firma.de, b%d@firma.de and <a href=\"mailto:c%d@firma.de\">c</a>", i, i, i, i)
+      block = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n" page
+      printf "WARC/1.1\r\nWARC-Type: response\r\nWARC-Date: 2026-11-22T13:20:32Z\r\n"
+      printf "WARC-Target-URI: http://www.firma.de/%d\r\nContent-Length: %d\r\n\r\n%s\r\n\r\n", i, length(block), block
+    }
+  }'
+}
+mkdir "$work/in"
+records 1 20000 >"$work/in/a.warc"
+records 20001 40000 | gzip >"$work/in/b.warc.gz"
+for ((i = 0; i < 40; ++i)); do records $((40001 + i * 20)) $((40020 + i * 20)) | gzip; done >"$work/in/c.warc.gz"
+
+for format in lines csv jsonl; do
+  "$program" harvest --jobs 1 --format $format "$work/in" >"$work/$format.1" 2>/dev/null
+  expect "exit status" 0 $?
+  for jobs in 2 3 4; do
+    "$program" harvest --jobs $jobs --format $format "$work/in" >"$work/$format.$jobs" 2>/dev/null
+    cmp -s "$work/$format.1" "$work/$format.$jobs" || expect "$format with $jobs cores" "the same bytes" "others"
+  done
+  expect "rows of $format" 122400 "$(wc -l <"$work/$format.1")"
+done
+
+# Killed as soon as it has printed something, until there is nothing more to print.
+kills=0
+: >"$work/rows"
+for ((round = 0; round < 200; ++round)); do
+  rm -f "$work/out" "$work/err"
+  "$program" harvest --name all --format jsonl "$work/in" >"$work/out" 2>"$work/err" &
+  running=$!
+  while [ ! -s "$work/out" ] && kill -0 $running 2>/dev/null; do read -rt 0.02 <> <(:) || true; done
+  kill -KILL $running 2>/dev/null && kills=$((kills + 1))
+  wait $running 2>/dev/null
+  # A row that was cut off by the kill was in the collection already, as its beginning shows.
+  cat "$work/out" >>"$work/rows"
+  grep -q 'This harvest is finished' "$work/err" && break
+done
+expect "the last message" "This harvest is finished: everything in its inputs is in the collection." "$(cat "$work/err")"
+expect "rows that came twice" 0 "$(sort "$work/rows" | uniq -d | wc -l)"
+"$program" addresses all --format lines 2>/dev/null | sort >"$work/held"
+sort "$work/lines.1" >"$work/wanted"
+cmp -s "$work/held" "$work/wanted" || expect "addresses in the collection" "all" "$(wc -l <"$work/held")"
+echo "$kills kills, $(wc -l <"$work/rows") rows printed before them"
+
+# What is new alone is printed.
+records 50001 50002 >"$work/in/d.warc"
+expect "rows of a new file" 6 "$("$program" harvest --name all --format csv "$work/in" 2>/dev/null | wc -l)"
+[ $failed -eq 0 ] && echo "[  PASSED  ]"
+exit $failed
