@@ -42,6 +42,8 @@ _quenlar() {
     addresses:--site) COMPREPLY=(); return ;;
     addresses:--since) COMPREPLY=(); return ;;
     why:--format) COMPREPLY=($(compgen -W "text jsonl" -- "$word")); return ;;
+    suppress:--import) COMPREPLY=($(compgen -f -- "$word")); return ;;
+    suppress:--remove) COMPREPLY=(); return ;;
     extract:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     extract:--language) COMPREPLY=($(compgen -W "en fr de it es ja" -- "$word")); return ;;
     extract:--save-interval) COMPREPLY=($(compgen -W "30 50 100" -- "$word")); return ;;
@@ -64,6 +66,8 @@ _quenlar() {
     addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
     why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;
     collections:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
+    erase:-*) COMPREPLY=($(compgen -W "-h --help --suppress -y --yes --version" -- "$word")) ;;
+    suppress:-*) COMPREPLY=($(compgen -W "-h --help --import --remove --version" -- "$word")) ;;
     extract:-*) COMPREPLY=($(compgen -W "-h --help --format --language --save-interval --other-sites --stop-number --export --remove --extract --search-engine --proxy --assume-online --summary --version" -- "$word")) ;;
     analyze:-*) COMPREPLY=($(compgen -W "-h --help --jsonl --version" -- "$word")) ;;
     projects:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
@@ -74,11 +78,13 @@ _quenlar() {
     filter:-*) COMPREPLY=($(compgen -W "-h --help --remove --extract --version" -- "$word")) ;;
     net:-*) COMPREPLY=($(compgen -W "-h --help -w --watch --version" -- "$word")) ;;
     demo:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
-    :*) COMPREPLY=($(compgen -W "collect harvest addresses why collections extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
+    :*) COMPREPLY=($(compgen -W "collect harvest addresses why collections erase suppress extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
     collect:*) COMPREPLY=() ;;
     harvest:*) COMPREPLY=() ;;
     addresses:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
     why:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
+    erase:*) COMPREPLY=() ;;
+    suppress:*) COMPREPLY=() ;;
     extract:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;
     delete:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;
     report:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;

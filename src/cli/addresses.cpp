@@ -3,9 +3,11 @@
 
 #include "cli/commands.h"
 #include "cli/exit_status.h"
+#include "cli/load_suppression.h"
 #include "cli/open_collection.h"
 #include "cli/option_checks.h"
 #include "cli/sighting_format.h"
+#include "cli/workplace.h"
 #include "collection/overview.h"
 #include "engine/time_text.h"
 
@@ -22,6 +24,11 @@ Status PrintOverview(Console& console, CollectionReader& reader, const std::stri
 int Addresses(Invocation& invocation, const AddressesArguments& arguments) {
   const auto reader = OpenCollection(invocation, arguments.name);
   if (!reader.ok()) return invocation.Fail(reader.status());
+  const Result<Platform> platform = OpenHome(invocation);
+  if (!platform.ok()) return invocation.Fail(platform.status());
+  Result<SuppressionList> suppression = LoadSuppression(invocation, platform.value());
+  if (!suppression.ok()) return invocation.Fail(suppression.status());
+  reader.value()->LeaveOut([&](std::string_view address) { return suppression.value().Keeps(address); });
   SightingChoice choice = arguments.choice;
   if (!arguments.since.empty()) choice.since = ParseTime(arguments.since);
   if (arguments.format == "html") {

@@ -16,21 +16,17 @@
 #include "collection/collection_reader.h"
 #include "crawl/crawler.h"
 #include "engine/collections.h"
+#include "engine/erase_suppressed.h"
 #include "engine/home.h"
 #include "platform/event_loop.h"
 #include "settings/filter_words.h"
+#include "settings/suppression_file.h"
 
 namespace quenlar {
 namespace {
 
 constexpr std::chrono::milliseconds kRedrawEvery{200};
 constexpr std::size_t kSlowestShown = 3;
-
-// Nothing is suppressed.
-class KeepAll final : public AddressFilter {
- public:
-  [[nodiscard]] bool Keeps(std::string_view) override { return true; }
-};
 
 int StatusOf(CrawlEnd end) {
   switch (end) {
@@ -91,6 +87,7 @@ class CollectRun final : public CrawlView {
  private:
   [[nodiscard]] Status Prepare();
   [[nodiscard]] Status OpenArchive();
+  [[nodiscard]] Status LoadSuppression();
   void RunCrawler();
   void TellEnd(const Crawler::Outcome& outcome);
   void Tell(const std::string& text);
@@ -102,7 +99,7 @@ class CollectRun final : public CrawlView {
   const CollectOptions& options_;
   Settings settings_;
   FilterWords filter_;
-  KeepAll suppression_;
+  SuppressionList suppression_;
   LiveView live_;
   CollectResult result_;
   std::unique_ptr<WarcWriter> writer_;          // with --warc
@@ -137,8 +134,13 @@ Status CollectRun::Prepare() {
   const Status loaded = LoadRunFilter(place_.platform, place_.installation, options_.remove_words,
                                       options_.extract_words, settings_, filter_, tell);
   if (!loaded.ok()) return loaded;
+  if (Status read = LoadSuppression(); !read.ok()) return read;
+  const std::string path = CollectionPath(place_.installation, options_.name);
+  std::vector<std::string> notices;
+  if (Status erased = EraseSuppressed(files, path, suppression_, notices); !erased.ok()) return erased;
+  for (const std::string& notice : notices) Tell(notice + ".");
   if (Status opened = OpenArchive(); !opened.ok()) return opened;
-  auto opened = Collection::Open(files, CollectionPath(place_.installation, options_.name));
+  auto opened = Collection::Open(files, path);
   if (!opened.ok()) return opened.status();
   if (!opened.value().kept_aside.empty()) {
     Tell("The collection was damaged. It lies in " + opened.value().kept_aside + " now, and a new one begins.");
@@ -156,6 +158,16 @@ Status CollectRun::OpenArchive() {
   if (!opened.ok()) return opened.status();
   writer_ = opened.take();
   archiving_ = std::make_unique<ArchivingClient>(client_, *writer_, [this] { Stop(); });
+  return Status::Ok();
+}
+
+Status CollectRun::LoadSuppression() {
+  const Platform& platform = place_.platform;
+  std::vector<std::string> messages;
+  Result<SuppressionList> list = LoadSuppressionList(platform.files, platform.idna, place_.installation, messages);
+  if (!list.ok()) return list.status();
+  for (const std::string& message : messages) Tell(message);
+  suppression_ = list.take();
   return Status::Ok();
 }
 
@@ -271,6 +283,7 @@ std::string SummaryText(const CollectResult& result) {
                    {"refused", result.figures.refused},
                    {"left", result.left},
                    {"protected", result.figures.protected_count},
+                   {"suppressed", result.figures.suppressed},
                    {"bytes", result.figures.bytes},
                    {"seconds", result.seconds},
                    {"collection", result.collection}});

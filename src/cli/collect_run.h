@@ -38,8 +38,8 @@ struct CollectResult {
                                        const CollectOptions& options,
                                        const std::function<void(std::function<void()> stop)>& watch_stop);
 
-// {"reason", "addresses", "new", "pages", "failed", "refused", "left", "protected", "bytes", "seconds", "collection"},
-// one line.
+// {"reason", "addresses", "new", "pages", "failed", "refused", "left", "protected", "suppressed", "bytes", "seconds",
+// "collection"}, one line.
 [[nodiscard]] std::string SummaryText(const CollectResult& result);
 
 }  // namespace quenlar

@@ -212,10 +212,62 @@ Examples:
   verb->callback([&chosen] { chosen = Collections; });
 }
 
+void DeclareSuppress(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<SuppressArguments>();
+  CLI::App* verb = root.add_subcommand("suppress", "Show or change the list of addresses that are never to be listed");
+  CLI::Option* const entries =
+      verb->add_option("ENTRY", arguments->entries, "An address, @domain, or sha256: and the digest of an address")
+          ->type_name("");
+  CLI::Option* const import =
+      verb->add_option("--import", arguments->import, "Add the entries of this file, one a line; - is standard input")
+          ->type_name("FILE")
+          ->check(CheckNotEmpty);
+  verb->add_option("--remove", arguments->remove,
+                   "Take these entries off the list; what was deleted does not come back")
+      ->type_name("ENTRY ...")
+      ->excludes(entries)
+      ->excludes(import);
+  verb->footer(
+      R"(The list is the file suppressed.txt in the program folder; without an argument its entries are shown. It holds
+for collections, runs of projects, harvests and merged lists. What is stored already of an entry that is added is
+deleted. @domain holds for that domain alone, not for domains below it. Lines that begin with # are comments.
+
+Exit status: 0 done, 1 something could not be done (the message says what), 2 wrong usage.
+
+Examples:
+  quenlar suppress
+  quenlar suppress anna@example.org @example.net
+  quenlar suppress --import objections.txt
+  quenlar suppress --remove anna@example.org)");
+  Choose(*verb, chosen, Suppress, arguments);
+}
+
+void DeclareErase(CLI::App& root, Command& chosen) {
+  const auto arguments = std::make_shared<EraseArguments>();
+  CLI::App* verb = root.add_subcommand("erase", "Take an address out of all collections and reports");
+  verb->add_option("ADDRESS", arguments->address, "The e-mail address")->type_name("")->required();
+  verb->add_flag("--suppress", arguments->suppress, "And never list it again: only its digest is kept");
+  verb->add_flag("-y,--yes", arguments->yes, "Do not ask");
+  verb->footer(
+      R"(Also clears titles and links that hold the address, and writes the files anew so that no trace of it stays in
+them. Asks on a terminal; elsewhere it does nothing without --yes. A collection in use by a run is left as it
+is, with a message and status 1; the others are done. Files that the program does not keep itself, such as
+merged lists, are not looked at.
+
+Exit status: 0 done, also for an address that is nowhere, 1 something could not be done (the message says what),
+2 wrong usage.
+
+Examples:
+  quenlar erase anna@example.org
+  quenlar erase anna@example.org --suppress --yes)");
+  Choose(*verb, chosen, Erase, arguments);
+}
+
 }  // namespace
 
 void DeclareCollectionCommands(CLI::App& root, Command& chosen) {
-  for (const auto declare : {DeclareCollect, DeclareHarvest, DeclareAddresses, DeclareWhy, DeclareCollections})
+  for (const auto declare : {DeclareCollect, DeclareHarvest, DeclareAddresses, DeclareWhy, DeclareCollections,
+                             DeclareErase, DeclareSuppress})
     declare(root, chosen);
 }
 

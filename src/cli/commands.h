@@ -44,6 +44,16 @@ struct WhyArguments {
   std::string name, what, format = "text";
 };
 
+struct SuppressArguments {
+  std::vector<std::string> entries, remove;
+  std::string import;
+};
+
+struct EraseArguments {
+  std::string address;
+  bool suppress = false, yes = false;
+};
+
 struct DeleteArguments {
   std::string text;
   bool yes = false;
@@ -69,6 +79,8 @@ struct FilterArguments {
 [[nodiscard]] int Addresses(Invocation& invocation, const AddressesArguments& arguments);
 [[nodiscard]] int Why(Invocation& invocation, const WhyArguments& arguments);
 [[nodiscard]] int Collections(Invocation& invocation);
+[[nodiscard]] int Suppress(Invocation& invocation, const SuppressArguments& arguments);
+[[nodiscard]] int Erase(Invocation& invocation, const EraseArguments& arguments);
 [[nodiscard]] int Analyze(Invocation& invocation);
 [[nodiscard]] int Projects(Invocation& invocation);
 [[nodiscard]] int Delete(Invocation& invocation, const DeleteArguments& arguments);

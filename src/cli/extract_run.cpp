@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "base/ascii.h"
 #include "base/status.h"
 #include "cli/exit_status.h"
 #include "cli/json_text.h"
@@ -77,6 +78,7 @@ class ExtractRun final : public RunView, public RunHost, public ProjectView {
   void RecordInProjectList(int language_of_run);
   void RunToTheEnd();
   void TellWhatWasNotRecognised();
+  void TellOfTodaysWeb();
   void Refuse(int status, const std::string& reason);
   void TellSave(const Status& saved);
   void TellOnce(const std::string& message);
@@ -115,6 +117,10 @@ bool ExtractRun::Prepare() {
     Refuse(kExitFailed, SentenceOf(notes.folders));
     return false;
   }
+  if (!notes.suppression.ok()) {
+    Refuse(kExitFailed, SentenceOf(notes.suppression));
+    return false;
+  }
   if (!notes.notes.empty()) TellOnce(notes.notes);
   if (!engine_.platform.interfaces.IsOnline()) {
     Refuse(kExitOffLine, kEndOffLine);
@@ -124,6 +130,7 @@ bool ExtractRun::Prepare() {
     Refuse(kExitFailed, "Please enter keyword or URL !");
     return false;
   }
+  if (StartsWithIgnoreCase(options_.text, "https://")) TellOfTodaysWeb();
   const Settings stored = engine_.settings;
   OverrideSettings();
   engine_.projects.OpenProject(options_.text);
@@ -177,6 +184,15 @@ void ExtractRun::RunToTheEnd() {
   result_.found_in_run = engine_.project.found.Count() - loaded;
   result_.status = StatusOfEnd();
   TellWhatWasNotRecognised();
+  // Of a site that has only such links nothing is queued but its start.
+  std::uint32_t queued = 0;
+  for (const LinkQueue& queue : engine_.project.queues) queued += queue.Count();
+  const bool no_link = queued <= 1;
+  if (!engine_.project.IsKeywordProject && no_link && engine_.project.secure_links > 0) TellOfTodaysWeb();
+}
+
+void ExtractRun::TellOfTodaysWeb() {
+  if (!nobody_reads_) TellOnce("extract follows no https links; `quenlar collect` reads today's web.");
 }
 
 int ExtractRun::StatusOfEnd() const {

@@ -11,6 +11,7 @@
 #include "base/ascii.h"
 #include "cli/exit_status.h"
 #include "cli/harvest_store.h"
+#include "cli/load_suppression.h"
 #include "cli/paths.h"
 #include "cli/run_filter.h"
 #include "cli/seen_addresses.h"
@@ -18,6 +19,7 @@
 #include "cli/terminal_text.h"
 #include "cli/workplace.h"
 #include "engine/collections.h"
+#include "engine/erase_suppressed.h"
 #include "engine/home.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
@@ -80,11 +82,12 @@ class HarvestRun final : public HarvestView {
   std::unique_ptr<HarvestStore> store_;
   Settings settings_;
   FilterWords filter_;
+  SuppressionList suppression_;
   SeenAddresses seen_;
   std::int64_t now_ = 0;
   std::string rows_;           // that have not been written yet
   std::string undated_input_;  // the last one with records without a date
-  std::uint64_t pages_ = 0, pages_with_addresses_ = 0, addresses_ = 0, new_ = 0, filtered_ = 0;
+  std::uint64_t pages_ = 0, pages_with_addresses_ = 0, addresses_ = 0, new_ = 0, filtered_ = 0, suppressed_ = 0;
   bool failed_ = false, stopped_ = false, nobody_reads_ = false, progress_drawn_ = false;
   std::chrono::steady_clock::time_point progress_last_{};
 };
@@ -97,6 +100,9 @@ Status HarvestRun::Prepare() {
                                         options_.extract_words, settings_, filter_, tell);
     if (!loaded.ok()) return loaded;
   }
+  Result<SuppressionList> suppression = LoadSuppression(invocation_, platform_);
+  if (!suppression.ok()) return suppression.status();
+  suppression_ = suppression.take();
   return options_.name.empty() ? Status::Ok() : OpenStore();
 }
 
@@ -106,7 +112,11 @@ Status HarvestRun::OpenStore() {
   if (!lock.ok()) return lock.status();
   lock_ = lock.take();
   if (Status made = MakeFolders(platform_.files, installation.Data(), installation.separator); !made.ok()) return made;
-  auto opened = Collection::Open(platform_.files, CollectionPath(installation, options_.name));
+  const std::string path = CollectionPath(installation, options_.name);
+  std::vector<std::string> notices;
+  if (Status erased = EraseSuppressed(platform_.files, path, suppression_, notices); !erased.ok()) return erased;
+  for (const std::string& notice : notices) Tell(notice + ".");
+  auto opened = Collection::Open(platform_.files, path);
   if (!opened.ok()) return opened.status();
   if (!opened.value().kept_aside.empty()) {
     Tell("The collection was damaged. It lies in " + opened.value().kept_aside + " now, and a new one begins.");
@@ -162,11 +172,13 @@ void HarvestRun::TakePage(const HarvestedPage& page) {
   std::size_t filtered = 0;
   for (const HarvestedPage::Address& address : page.addresses) {
     const std::string_view text = page.AddressOf(address);
-    if (filter_.Keeps(text)) {
+    if (!filter_.Keeps(text)) {
+      if (address.first) ++filtered;
+    } else if (!suppression_.Keeps(text)) {
+      if (address.first) ++suppressed_;
+    } else {
       if (address.first) firsts.push_back(kept.size());
       kept.push_back({text, page.WrittenOf(address), address.place});
-    } else if (address.first) {
-      ++filtered;
     }
   }
   filtered_ += filtered;
@@ -252,6 +264,7 @@ void HarvestRun::TellEnd() {
   std::string line = std::to_string(addresses_) + " addresses on " + std::to_string(pages_with_addresses_) + " of " +
                      std::to_string(pages_) + " pages";
   if (filtered_ > 0) line += ", " + std::to_string(filtered_) + " dropped by the filters";
+  if (suppressed_ > 0) line += ", " + std::to_string(suppressed_) + " suppressed";
   Tell(line + ".");
 }
 

@@ -4,6 +4,7 @@
 #include "base/status.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
+#include "cli/load_suppression.h"
 #include "cli/paths.h"
 #include "mailtool/email_book_merge.h"
 #include "platform/event_loop.h"
@@ -32,7 +33,10 @@ int MergeWith(Invocation& invocation, const Platform& platform, const MergeArgum
     invocation.Say(message);
     status = kExitFailed;
   };
+  Result<SuppressionList> suppression = LoadSuppression(invocation, platform);
+  if (!suppression.ok()) return invocation.Fail(suppression.status());
   eMailBookMerge merge;
+  merge.SetSuppression(&suppression.value());
   for (const std::string& argument : arguments.books) {
     const std::string book = AbsolutePath(argument);
     const Result<bool> added = merge.AddBook(book);

@@ -18,6 +18,7 @@ int ReportIn(Invocation& invocation, const Workplace& place, const std::string& 
   Engine engine(place.platform, place.installation, {view, host, project_view});
   const Engine::StartNotes notes = engine.Start();
   if (!notes.folders.ok()) return invocation.Fail(notes.folders);
+  if (!notes.suppression.ok()) return invocation.Fail(notes.suppression);
   engine.projects.OpenProject(text);
   const Status read = place.platform.files.Read(engine.project.ReportFile, [](std::string_view) { return false; });
   if (!read.ok() && read.kind() != StatusKind::kNotFound) return invocation.Fail(read);

@@ -87,7 +87,7 @@ Result<Collection::Opened> Collection::Open(Files& files, const std::string& pat
 
 // kFormat: damaged. kLimit: too new.
 Status Collection::Prepare() {
-  const Result<std::int64_t> version = database_->Number("PRAGMA user_version");
+  const Result<std::int64_t> version = database_->Number(sql::kVersion);
   if (!version.ok()) return version.status();
   if (version.value() > sql::kSchemaVersion) return {StatusKind::kLimit, "too new"};
   if (const Status set = database_->Execute(sql::kSettings); !set.ok()) return set;

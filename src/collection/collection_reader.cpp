@@ -42,13 +42,6 @@ Status GiveRows(Statement& row, bool once, const CollectionReader::Each& each) {
   }
 }
 
-Status GiveSightings(Database& database, const SightingChoice& choice, bool once, const CollectionReader::Each& each) {
-  Result<Statement> row = database.Prepare(sql::kSightings);
-  if (!row.ok()) return row.status();
-  row.value().Bind(OrNull(choice.place), OrNull(choice.site), choice.since);
-  return GiveRows(row.value(), once, each);
-}
-
 Result<std::string> OneText(Database& database, const char* sql, std::string_view value) {
   Result<Statement> row = database.Prepare(sql);
   if (!row.ok()) return row.status();
@@ -69,7 +62,7 @@ Result<std::unique_ptr<CollectionReader>> CollectionReader::Open(const std::stri
 }
 
 Status CollectionReader::Check() {
-  const Result<std::int64_t> version = database_->Number("PRAGMA user_version");
+  const Result<std::int64_t> version = database_->Number(sql::kVersion);
   if (!version.ok()) return version.status();
   if (version.value() > sql::kSchemaVersion) {
     return {StatusKind::kLimit, "a newer version of Quenlar has made this collection"};
@@ -100,8 +93,16 @@ Result<CollectionFigures> CollectionReader::Figures() {
   return figures;
 }
 
+Status CollectionReader::GiveSightings(const SightingChoice& choice, bool once, const Each& each) {
+  Result<Statement> row = database_->Prepare(sql::kSightings);
+  if (!row.ok()) return row.status();
+  row.value().Bind(OrNull(choice.place), OrNull(choice.site), choice.since);
+  return GiveRows(row.value(), once,
+                  [&](const Sighting& sighting) { return IsLeftOut(sighting.address) || each(sighting); });
+}
+
 Status CollectionReader::Addresses(const SightingChoice& choice, const Each& each) {
-  return GiveSightings(*database_, choice, true, each);
+  return GiveSightings(choice, true, each);
 }
 
 Status CollectionReader::Listed(const std::function<bool(const ListedAddress&)>& each) {
@@ -118,14 +119,14 @@ Status CollectionReader::Listed(const std::function<bool(const ListedAddress&)>&
       const Result<bool> found = row.Step();
       if (!found.ok()) return found.status();
       if (!found.value()) break;
-      if (!each({row.Text(0), row.Text(1), row.Text(2)})) return Status::Ok();
+      if (!IsLeftOut(row.Text(0)) && !each({row.Text(0), row.Text(1), row.Text(2)})) return Status::Ok();
     }
   }
   return Status::Ok();
 }
 
 Status CollectionReader::Sightings(const SightingChoice& choice, const Each& each) {
-  return GiveSightings(*database_, choice, false, each);
+  return GiveSightings(choice, false, each);
 }
 
 Status CollectionReader::SightingsOf(std::string_view address, const Each& each) {

@@ -14,6 +14,7 @@
 #include "collection/collection.h"
 #include "collection/database.h"
 #include "collection/page_keys.h"
+#include "page/unwanted_addresses.h"
 #include "page/url.h"
 
 namespace quenlar {
@@ -65,6 +66,9 @@ class CollectionReader {
   // kNotFound where there is no such file, kLimit where a newer program has made it, kFormat where it is damaged.
   [[nodiscard]] static Result<std::unique_ptr<CollectionReader>> Open(const std::string& path);
 
+  // From now on addresses for which `keeps` is false are left out of Addresses, Listed and Sightings.
+  void LeaveOut(AddressTest keeps) { keeps_ = std::move(keeps); }
+
   [[nodiscard]] Result<CollectionFigures> Figures();
   // The addresses in the order in which they were found, each with its first sighting among those chosen. What is gone
   // is left out.
@@ -85,9 +89,12 @@ class CollectionReader {
  private:
   explicit CollectionReader(std::unique_ptr<Database> database) : database_(std::move(database)) {}
   Status Check();
+  [[nodiscard]] bool IsLeftOut(std::string_view address) const { return keeps_ && !keeps_(address); }
+  Status GiveSightings(const SightingChoice& choice, bool once, const Each& each);
 
   std::unique_ptr<Database> database_;
   PageKeys keys_;
+  AddressTest keeps_;
 };
 
 }  // namespace quenlar

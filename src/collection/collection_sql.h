@@ -6,6 +6,7 @@ namespace quenlar::sql {
 
 // PRAGMA user_version of a file with this schema. A change of the schema raises it and adds a step to kUpgrades.
 inline constexpr int kSchemaVersion = 1;
+inline constexpr const char* kVersion = "PRAGMA user_version";
 
 inline constexpr const char* kSettings =
     "PRAGMA journal_mode = WAL;"
@@ -250,5 +251,41 @@ inline constexpr const char* kSightingsSeen =
     "UPDATE sightings SET last_seen = ?, gone = 0 WHERE page = ? AND gone = 0";
 // Before what a page holds now is put in: what is not put in again is gone.
 inline constexpr const char* kSightingsGone = "UPDATE sightings SET gone = 1 WHERE page = ?";
+
+// Taking addresses out for good. Nobody else may have the file open meanwhile.
+inline constexpr const char* kEraseSettings =
+    "PRAGMA locking_mode = EXCLUSIVE;"
+    "PRAGMA busy_timeout = 1000;"  // milliseconds; who has it open for longer is a run, or a person who looks at it
+    "PRAGMA synchronous = FULL;"
+    "PRAGMA secure_delete = ON;";
+inline constexpr const char* kAllAddresses = "SELECT id, address FROM addresses";
+inline constexpr const char* kEraseSightings = "DELETE FROM sightings WHERE address = ?";
+inline constexpr const char* kEraseAddress = "DELETE FROM addresses WHERE id = ?";
+// Texts that may name an address, with the rows that hold them; then what such a row becomes.
+inline constexpr const char* kTitlesWithSigns =
+    "SELECT id, title FROM pages WHERE instr(title, '@') OR instr(title, '%40')";
+inline constexpr const char* kEraseTitle = "UPDATE pages SET title = NULL WHERE id = ?";
+inline constexpr const char* kUrlsWithSigns = "SELECT id, url FROM pages WHERE instr(url, '@') OR instr(url, '%40')";
+inline constexpr const char* kEraseUrl =
+    "UPDATE pages SET url = (SELECT origin FROM hosts WHERE hosts.id = pages.host) || '/(erased)', key = 0,"
+    " reason = CASE state WHEN 'waiting' THEN 'erased' ELSE reason END,"
+    " state = CASE state WHEN 'waiting' THEN 'refused' ELSE state END WHERE id = ?";
+inline constexpr const char* kRulesWithSigns =
+    "SELECT id, rule FROM pages WHERE instr(rule, '@') OR instr(rule, '%40')";
+inline constexpr const char* kEraseRule = "UPDATE pages SET rule = NULL WHERE id = ?";
+inline constexpr const char* kReasonsWithSigns =
+    "SELECT id, reason FROM pages WHERE instr(reason, '@') OR instr(reason, '%40')";
+inline constexpr const char* kEraseReason = "UPDATE pages SET reason = NULL WHERE id = ?";
+inline constexpr const char* kRobotsWithSigns =
+    "SELECT id, robots FROM hosts WHERE instr(robots, '@') OR instr(robots, '%40')";
+inline constexpr const char* kEraseRobots =
+    "UPDATE hosts SET robots = NULL, robots_status = NULL, robots_time = NULL WHERE id = ?";
+inline constexpr const char* kStartsWithSigns =
+    "SELECT id, text FROM starts WHERE instr(text, '@') OR instr(text, '%40')";
+inline constexpr const char* kEraseStart = "UPDATE starts SET text = 'erased ' || id WHERE id = ?";
+// Gives one row; its first column is not 0 where somebody else has kept it from its end.
+inline constexpr const char* kEmptyLog = "PRAGMA wal_checkpoint(TRUNCATE)";
+// Writes the whole file anew: pages of a database that was in use hold pieces of what was deleted.
+inline constexpr const char* kRewrite = "VACUUM";
 
 }  // namespace quenlar::sql

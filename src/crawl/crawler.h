@@ -182,6 +182,8 @@ class Crawler final : private WebListener {
   void OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end);
   [[nodiscard]] bool CameFromPrivatePlace(const Url& url, const WebAnswer& answer) const;
   [[nodiscard]] std::vector<SeenAddress> KeptAddresses(const ReadResult& page, PageEnd& end);
+  // Titles and links that name a suppressed address are not stored.
+  [[nodiscard]] bool NamesSuppressed(std::string_view text);
   void OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place);
   void EndPage(HostVisit& visit, const PageEnd& end, const std::vector<SeenAddress>& addresses = {});
 

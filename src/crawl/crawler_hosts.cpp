@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "crawl/crawler.h"
+#include "page/unwanted_addresses.h"
 
 namespace quenlar {
 namespace {
@@ -220,16 +221,18 @@ void Crawler::FollowRobots(HostVisit& visit, const WebAnswer& answer, const Url&
 void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_view rules) {
   HostMemory& memory = visit.memory;
   const bool redirected = visit.robots_host != visit.row.id;
-  const bool other_rules = visit.row.robots != rules;
+  const auto keeps = [this](std::string_view address) { return world_.suppression.Keeps(address); };
+  const std::string stored = RulesWithoutUnwanted(rules, keeps);
+  const bool other_rules = visit.row.robots != stored;
   visit.robots_url.reset();
-  visit.row.robots = rules;
+  visit.row.robots = stored;
   visit.row.robots_time = world_.clock.UtcSeconds();
   SetRules(visit, rules);
   memory.refusals = 0;
   memory.reason.clear();
   NoteProgress();
   if (answer.failure == WebFailure::kNone || visit.robots_hops > 0) {
-    if (Failed(collection_.SaveRobots(visit.row.id, *visit.row.robots_time, answer.head.status, rules))) return;
+    if (Failed(collection_.SaveRobots(visit.row.id, *visit.row.robots_time, answer.head.status, stored))) return;
     if (other_rules) QueueRefusedOf(visit.row.id, kRefusedRobots);
   }
   HostPace& pace = visit.asked_of->pace;

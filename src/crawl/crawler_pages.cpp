@@ -6,6 +6,7 @@
 #include "crawl/contact_words.h"
 #include "crawl/crawler.h"
 #include "page/page_reader.h"
+#include "page/unwanted_addresses.h"
 #include "platform/ip_address.h"
 
 namespace quenlar {
@@ -202,6 +203,7 @@ void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   end.state = PageState::kRead;
   end.reason.clear();
   end.title = page.title.value_or("");
+  if (NamesSuppressed(end.title)) end.title.clear();
   end.body_hash = collection_.HashOf(answer.body);
   end.etag = FieldOf(answer.head, "ETag");
   end.modified = FieldOf(answer.head, "Last-Modified");
@@ -237,6 +239,10 @@ std::vector<SeenAddress> Crawler::KeptAddresses(const ReadResult& page, PageEnd&
   return kept;
 }
 
+bool Crawler::NamesSuppressed(std::string_view text) {
+  return NextUnwanted(text, [this](std::string_view address) { return world_.suppression.Keeps(address); }).has_value();
+}
+
 // Takes up the links of a page, and remembers them: should it turn out to be nearer to a start, so are they.
 void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place) {
   const int depth = visit.page->depth + 1;
@@ -245,7 +251,7 @@ void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& li
     const LinkFollow least = options_.obey_robots ? LinkFollow::kFollowed : LinkFollow::kUnasked;
     if (link.follow < least) continue;
     const auto url = AsPage(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
-    if (!url) continue;
+    if (!url || NamesSuppressed(url->href())) continue;
     PageOffer offer{*url, SiteOf(*url)};
     offer.depth = depth;
     offer.rank = PromisesContacts(url->path()) || PromisesContacts(link.text) ? 0 : 1;

@@ -7,6 +7,7 @@
 #include "base/product.h"
 #include "collection/overview.h"
 #include "engine/collections.h"
+#include "engine/erase_suppressed.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/message_boxes.h"
@@ -18,12 +19,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{200};
 constexpr std::uint32_t kRowsBetweenPumps = 256;
-
-// Nothing is suppressed.
-class KeepAll final : public AddressFilter {
- public:
-  [[nodiscard]] bool Keeps(std::string_view) override { return true; }
-};
 
 // "<path> cannot be <done>: <reason> !"
 Status Sentence(const Status& status, const std::string& path, const char* done) {
@@ -101,6 +96,7 @@ void CollectionJob::OpenNamed(Pumping pumping) {
 Status CollectionJob::LoadAddresses(std::uint64_t opening, Pumping pumping) {
   const auto reader = CollectionReader::Open(Path());
   if (!reader.ok()) return reader.status();
+  reader.value()->LeaveOut([this](std::string_view address) { return engine_.suppression.Keeps(address); });
   const auto show = [this] {
     if (found_.Count() > 0) front_end_.view.AddRow(found_.Count() - 1, false);
   };
@@ -234,6 +230,8 @@ CollectionEnd CollectionJob::RunOnce(const WebSettings& settings, bool again) {
 }
 
 Status CollectionJob::OpenForRun() {
+  const Status erased = EraseSuppressed(engine_.platform.files, Path(), engine_.suppression, notices_);
+  if (!erased.ok()) return erased;
   auto opened = Collection::Open(engine_.platform.files, Path());
   if (!opened.ok()) return opened.status();
   if (const std::string& aside = opened.value().kept_aside; !aside.empty()) {
@@ -247,9 +245,8 @@ Status CollectionJob::OpenForRun() {
 
 void CollectionJob::Crawl(const CrawlOptions& options, CollectionEnd& end) {
   const Platform& platform = engine_.platform;
-  KeepAll suppression;
   const CrawlWorld world{platform.loop,         client_,        platform.interfaces, platform.clock, platform.idna,
-                         platform.text_decoder, engine_.filter, suppression,         *this};
+                         platform.text_decoder, engine_.filter, engine_.suppression, *this};
   crawler_ = std::make_unique<Crawler>(world, *collection_, options);
   if (stop_requested_) crawler_->Stop();
   const auto show = platform.loop.MakeTimer(kShowEvery, [this] { ShowMoment(); });

@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include "project/project_name.h"
 #include "settings/filter_file.h"
+#include "settings/suppression_file.h"
 
 namespace quenlar {
 
@@ -16,13 +17,15 @@ Engine::Engine(const Platform& given, Installation given_installation, FrontEnd 
       projects(platform, project, settings, installation, front_end.view, front_end.project_view, pace),
       pump(platform.loop, pace),
       web(platform.fetcher, platform.code_page,
-          AnalysisContext{run, project, settings, filter, projects, front_end.view, pump}),
+          AnalysisContext{run, project, settings, wanted, projects, front_end.view, pump}),
       driver(
           platform.loop, run, project, [this](int offset) { return SearchAddressAt(offset); }, web, platform.files,
           projects, front_end.host),
       watchdog(
           run, settings, platform.interfaces, front_end.view, [this] { driver.CancelStalled(); },
           [this] { StartUpgradeCheck(); }) {
+  projects.SetSuppression(&suppression);
+  books.SetSuppression(&suppression);
   web.SetEvents(&driver);
   web.SetResetStallCounter([this] { watchdog.ResetStallCounter(); });
   web.SetUpgradeHandler({.parse_upgrade = [this](const std::string& page) { ParseUpgradeHtml(page); },
@@ -39,8 +42,24 @@ Engine::StartNotes Engine::Start() {
        ReadFilterFile(platform.files, platform.code_page, FilterFilePath(installation), filter)) {
     notes.notes += (notes.notes.empty() ? "" : "\n") + message;
   }
+  std::vector<std::string> strange_lines;
+  notes.suppression = ReadSuppression(strange_lines).status();
+  for (const std::string& message : strange_lines) notes.notes += (notes.notes.empty() ? "" : "\n") + message;
   project_list.Load(settings_store.LoadOrInit());
   return notes;
+}
+
+Result<bool> Engine::ReadSuppression() {
+  std::vector<std::string> told_at_the_start;
+  return ReadSuppression(told_at_the_start);
+}
+
+Result<bool> Engine::ReadSuppression(std::vector<std::string>& strange_lines) {
+  Result<SuppressionList> list = LoadSuppressionList(platform.files, platform.idna, installation, strange_lines);
+  if (!list.ok()) return list.status();
+  const bool changed = list.value().entries() != suppression.entries();
+  suppression = list.take();
+  return changed;
 }
 
 std::string Engine::SearchAddressAt(int result_offset) const {

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "mailtool/email_book_merge.h"
 #include "platform/platform.h"
@@ -19,6 +20,8 @@
 #include "run/watchdog.h"
 #include "settings/filter_words.h"
 #include "settings/settings_store.h"
+#include "settings/suppression_list.h"
+#include "state/address_filter.h"
 #include "web/ocx_parse_web.h"
 
 namespace quenlar {
@@ -43,6 +46,8 @@ class Engine {
   Project project;
   Settings settings;
   FilterWords filter;
+  SuppressionList suppression;
+  BothFilters wanted{filter, suppression};
   SettingsStore settings_store;
   ProjectList project_list;
   ProjectStore projects;
@@ -54,12 +59,19 @@ class Engine {
 
   // Does what comes before a front end appears: makes the folders `data` and `report`, reads the filter file, and loads
   // the settings and the project list. The front end shows the result and goes on: `folders` is the first failure to
-  // make a folder, and `notes` holds messages such as those about invalid filter words, one a line.
+  // make a folder, `suppression` is that of ReadSuppression, and `notes` holds messages such as those about invalid
+  // filter words, one a line.
   struct StartNotes {
     Status folders;
+    Status suppression;
     std::string notes;
   };
   [[nodiscard]] StartNotes Start();
+
+  // Reads the suppression list, which another program may have changed: before a run begins and before books are
+  // merged. Returns whether it has changed; what is open may hold addresses then that are suppressed by now. After a
+  // failure nothing may be listed, and the list is the one that was read before.
+  [[nodiscard]] Result<bool> ReadSuppression();
 
   // Sets what happens when a newer version has been published: `show` is called inside a pump. The watchdog starts the
   // upgrade check at its first tick on line, once in each start of the program. Without `show` the answer is dropped.
@@ -67,6 +79,7 @@ class Engine {
   bool upgradeDone = false;  // the check has ended, with or without an answer
 
  private:
+  [[nodiscard]] Result<bool> ReadSuppression(std::vector<std::string>& strange_lines);
   // See RunDriver::SearchAddressAt.
   [[nodiscard]] std::string SearchAddressAt(int result_offset) const;
   // Starts the download of the upgrade page and counts it in the level-0 counter.

@@ -112,6 +112,10 @@ void frmEmailMergeTool::cmdDeleteAll_Click() {
 }
 
 void frmEmailMergeTool::cmdExtract_Click() {
+  if (const Status read = context_.read_suppression(); !read.ok()) {
+    Tell(SentenceOf(read), BoxIcon::kExclamation);
+    return;
+  }
   const std::vector<std::string> messages = context_.books.Extract(context_.files, context_.code_page, context_.loop);
   cmdDeleteAll_Click();
   lstAddress.Clear();

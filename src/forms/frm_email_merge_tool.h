@@ -1,9 +1,11 @@
 // The mailing list tool: opens address books, merges their addresses, saves the result.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "base/status.h"
 #include "mailtool/email_book_merge.h"
 #include "platform/file_dialogs.h"
 #include "platform/message_boxes.h"
@@ -25,6 +27,7 @@ class frmEmailMergeTool final : public ui::Form {
     MessageBoxes& boxes;
     FileDialogs& dialogs;
     const Installation& installation;
+    std::function<Status()> read_suppression;  // before addresses are listed; a failure forbids it
   };
 
   explicit frmEmailMergeTool(Context context);

@@ -20,7 +20,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
               engine.installation, [this](const std::string& code) { extract.txtSearch.SetText(code); }}),
       web({platform.registry, web_settings, platform.boxes, [this] { extract.FollowSetting(); }}),
       tool({engine.books, platform.files, platform.code_page, platform.loop, platform.boxes, desktop.dialogs,
-            engine.installation}),
+            engine.installation, [this] { return engine.ReadSuppression().status(); }}),
       sightings(platform.shell),
       dialog(engine.settings, platform.shell, engine.installation, [this] { End(); }),
       about(platform.shell),
@@ -57,6 +57,7 @@ bool Program::Start() {
   extract.Show();
   // A folder that cannot be written ends nothing: what is there can still be looked at.
   if (!notes.folders.ok()) extract.TellAfterRun(SentenceOf(notes.folders));
+  if (!notes.suppression.ok()) extract.TellAfterRun(SentenceOf(notes.suppression));
   if (!notes.notes.empty()) extract.TellAfterRun(notes.notes);
   return !ended_;
 }

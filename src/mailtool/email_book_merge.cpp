@@ -33,6 +33,7 @@ struct AddressList::Impl {
   TextList texts;
   IndexTable index;
   TextHash hash;
+  AddressFilter* filter = nullptr;
   std::array<Candidate, kBatch> batch;
   std::size_t batched = 0;
 
@@ -54,6 +55,7 @@ struct AddressList::Impl {
   void AddIfNew(const Candidate& candidate) {
     const auto equal = [&](TextList::Place at) { return EqualsIgnoreCase(texts.At(at), candidate.text); };
     if (index.Contains(candidate.hash, equal)) return;
+    if (filter != nullptr && !filter->Keeps(candidate.text)) return;
     index.MakeRoom();
     index.Insert(candidate.hash, texts.Add(candidate.text));
   }
@@ -78,7 +80,13 @@ std::uint32_t AddressList::Count() const { return impl_->texts.Count(); }
 TextList::Iterator AddressList::begin() const { return impl_->texts.begin(); }
 TextList::Iterator AddressList::end() const { return impl_->texts.end(); }
 
-void AddressList::Clear() { impl_ = std::make_unique<Impl>(); }
+void AddressList::SetFilter(AddressFilter* filter) { impl_->filter = filter; }
+
+void AddressList::Clear() {
+  AddressFilter* const filter = impl_->filter;
+  impl_ = std::make_unique<Impl>();
+  impl_->filter = filter;
+}
 
 // --- The books ---
 

@@ -12,6 +12,7 @@
 #include "platform/code_page.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
+#include "state/address_filter.h"
 
 namespace quenlar {
 
@@ -41,6 +42,8 @@ class AddressList {
   // Finds all addresses in `text` and adds those that are new. Returns whether it has added any. May throw
   // std::bad_alloc.
   bool AddMatchesToAddressList(std::string_view text);
+  // From now on only addresses that `filter` keeps are added. It must outlive the list.
+  void SetFilter(AddressFilter* filter);
   [[nodiscard]] std::uint32_t Count() const;
   [[nodiscard]] TextList::Iterator begin() const;
   [[nodiscard]] TextList::Iterator end() const;
@@ -61,6 +64,9 @@ class eMailBookMerge {
  public:
   std::vector<Book> BookList;
   AddressList Addresses;
+
+  // Addresses that `suppression` does not keep are left out. It must outlive this object.
+  void SetSuppression(AddressFilter* suppression) { Addresses.SetFilter(suppression); }
 
   // Appends the book at `path` (absolute, UTF-8) and marks a file name that occurs again. Returns false when there is a
   // book with the same path; ASCII letter case is ignored. kLimit with "Overflow !" beyond kMaxListed books.

@@ -21,6 +21,8 @@ class Console {
   // Reads up to `size` bytes of standard input. Blocks until some have come. Returns their number, 0 at the end.
   [[nodiscard]] virtual std::size_t Read(char* buffer, std::size_t size) = 0;
 
+  // Whether a person can be asked.
+  [[nodiscard]] virtual bool InputIsTerminal() const = 0;
   [[nodiscard]] virtual bool OutputIsTerminal() const = 0;
   [[nodiscard]] virtual bool ErrorIsTerminal() const = 0;
   // The width of the terminal behind standard error, in characters.

@@ -109,6 +109,8 @@ void ProjectStore::Clear() {
   project_.found.Clear();
   project_.search_page.clear();
   project_.result_offset = 0;
+  project_.secure_links = 0;
+  project_.report_holds_more = false;
   reported_ = 0;
   for (LinkQueue& queue : project_.queues) queue.Clear();
   reader_ = nullptr;
@@ -136,7 +138,7 @@ bool ProjectStore::LoadReport(std::uint64_t opening) {
   auto read = ReadReportText(platform_, project_.ReportFile);
   report_.keep_old = !read.ok();
   const std::string text = read.ok() ? read.take() : std::string();
-  ReportReader reader(text);
+  ReportReader reader(text, suppression_);
   std::uint32_t taken = 0;
   reader_ = &reader;
   while (reader.Advance()) {
@@ -147,6 +149,7 @@ bool ProjectStore::LoadReport(std::uint64_t opening) {
   }
   reader_ = nullptr;
   reported_ = taken;
+  project_.report_holds_more = reader.passed_over();
   // Where one of the pumps has loaded the rest, the list starts anew.
   if (taken != project_.found.Count()) view_.ClearRows();
   for (std::uint32_t i = 0; i < project_.found.Count(); ++i) view_.AddRow(i, false);
@@ -183,6 +186,7 @@ Status ProjectStore::BringReportUpToDate() {
 bool ProjectStore::KeepsDataBack(const Status& report) { return !report.ok() && report.kind() != StatusKind::kLimit; }
 
 bool ProjectStore::ReportIsBehind() const {
+  if (project_.report_holds_more) return true;
   const std::uint32_t count = project_.found.Count();
   return count != 0 && (count != reported_ || !platform_.files.FileExists(project_.ReportFile));
 }
@@ -271,7 +275,10 @@ Result<std::unique_ptr<RecordWriter>> ProjectStore::Start(Save& save) {
 Status ProjectStore::Commit(Save& save, RecordWriter& writer, const std::string& path) {
   if (writer.done()) return Sentence(writer.Commit(), path, "saved");  // code inside a pump has finished it
   const Status committed = Replace(save, writer, path);
-  if (committed.ok() && save.file == File::kReport) reported_ = save.addresses;
+  if (committed.ok() && save.file == File::kReport) {
+    reported_ = save.addresses;
+    project_.report_holds_more = false;
+  }
   return committed;
 }
 

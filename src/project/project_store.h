@@ -78,6 +78,10 @@ class ProjectStore final : public ProjectSaver {
   void SaveProjectReport() override;
   void OnSaveFailure(std::function<void(const Status&)> told) { on_save_failure_ = std::move(told); }
 
+  // Addresses that `suppression` does not keep are left out when a project is opened, and so out of its next report. It
+  // must outlive the store.
+  void SetSuppression(AddressFilter* suppression) { suppression_ = suppression; }
+
   // Deletes the data file and the report of the open project, as far as they exist. A save that is under way is given
   // up. The message of a failure is a complete sentence.
   Status DeleteFiles();
@@ -126,6 +130,7 @@ class ProjectStore final : public ProjectSaver {
   Pump pump_;
   Save data_{File::kData};
   Save report_{File::kReport};
+  AddressFilter* suppression_ = nullptr;
   ReportReader* reader_ = nullptr;  // while a report is being loaded
   std::uint64_t openings_ = 0;      // calls of OpenProject so far
   std::uint32_t reported_ = 0;      // addresses in the report on the disk, as far as it was loaded or written

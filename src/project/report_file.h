@@ -14,6 +14,7 @@
 #include "platform/pump.h"
 #include "project/data_file.h"
 #include "project/record_writer.h"
+#include "state/address_filter.h"
 #include "state/found_addresses.h"
 
 namespace quenlar {
@@ -41,8 +42,9 @@ Status WriteReport(Files& files, const CodePage& code_page, EventLoop& loop, con
 // Code inside the pump may take all that is left (FinishNow). The loop then ends.
 class ReportReader {
  public:
-  // `text` (UTF-8) must stay valid and unchanged while the reader lives.
-  explicit ReportReader(std::string_view text) : text_(text) {}
+  // `text` (UTF-8) must stay valid and unchanged while the reader lives. Records whose address `filter` does not keep
+  // are passed over.
+  explicit ReportReader(std::string_view text, AddressFilter* filter = nullptr) : text_(text), filter_(filter) {}
 
   // Finds the next record. Returns false when there is none left.
   bool Advance();
@@ -50,6 +52,8 @@ class ReportReader {
   void Take(FoundAddresses& found);
   // Appends all records that are left.
   void FinishNow(FoundAddresses& found);
+  // Whether a record has been passed over.
+  [[nodiscard]] bool passed_over() const { return passed_over_; }
 
  private:
   enum class Pass { kTableRows, kPaddedLines, kPlainLines, kDone };
@@ -60,6 +64,7 @@ class ReportReader {
   bool FindInPass();
   void NextPass();
   void AddRow(FoundAddresses& found) const;
+  [[nodiscard]] bool IsKept() const;
   [[nodiscard]] bool RowAt(Match& match);
   [[nodiscard]] bool PaddedLineAt(Match& match) const;
   [[nodiscard]] bool PlainLineAt(Match& match) const;
@@ -69,6 +74,8 @@ class ReportReader {
   std::size_t at_ = 0;  // where the pass goes on
   bool any_ = false;    // a pass has found something
   bool held_ = false;   // match_ has been found and not yet taken
+  AddressFilter* filter_;
+  bool passed_over_ = false;
   Match match_{};
 };
 

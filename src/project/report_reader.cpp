@@ -175,8 +175,16 @@ bool ReportReader::PlainLineAt(Match& match) const {
 
 void ReportReader::Take(FoundAddresses& found) {
   if (!held_) return;
-  AddRow(found);
   held_ = false;
+  if (IsKept()) {
+    AddRow(found);
+  } else {
+    passed_over_ = true;
+  }
+}
+
+bool ReportReader::IsKept() const {
+  return filter_ == nullptr || filter_->Keeps(text_.substr(match_.from, match_.address_end - match_.from));
 }
 
 void ReportReader::AddRow(FoundAddresses& found) const {

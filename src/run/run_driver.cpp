@@ -290,7 +290,7 @@ void RunDriver::End(const char* reason) {
   if (phase_ == Phase::kLinks) {
     const auto unvisited = [](const LinkQueue& queue) { return queue.HasUnvisited(); };
     if (std::any_of(project_.queues.begin(), project_.queues.end(), unvisited)) host_.DataSaved(saver_.WriteData());
-    if (project_.found.Count() >= 1) host_.ReportSaved(saver_.WriteReport());
+    if (project_.found.Count() >= 1 || project_.report_holds_more) host_.ReportSaved(saver_.WriteReport());
   }
   host_.Idle(phase_ == Phase::kLinks);
   run_.running = false;

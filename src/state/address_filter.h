@@ -13,4 +13,18 @@ class AddressFilter {
   [[nodiscard]] virtual bool Keeps(std::string_view address) = 0;
 };
 
+// Keeps what both keep.
+class BothFilters final : public AddressFilter {
+ public:
+  // Both must outlive it.
+  BothFilters(AddressFilter& first, AddressFilter& second) : first_(first), second_(second) {}
+  [[nodiscard]] bool Keeps(std::string_view address) override {
+    return first_.Keeps(address) && second_.Keeps(address);
+  }
+
+ private:
+  AddressFilter& first_;
+  AddressFilter& second_;
+};
+
 }  // namespace quenlar

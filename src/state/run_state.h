@@ -46,8 +46,10 @@ struct Project {
   std::int16_t result_offset = 0;  // the first result of the search page that is asked for next: 0, 100, 200, ...
 
   LinkQueues queues;
+  std::uint32_t secure_links = 0;  // links to https on pages of level 0 since the project was opened; none is followed
   FoundAddresses found;
-  std::string search_page;  // the search-page list: at most one entry
+  bool report_holds_more = false;  // the report on the disk: addresses that were left out when it was loaded
+  std::string search_page;         // the search-page list: at most one entry
 };
 
 }  // namespace quenlar

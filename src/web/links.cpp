@@ -102,7 +102,10 @@ std::optional<std::string_view> FollowedAddress(int level, std::string_view addr
 bool QueueLink(Project& project, const Settings& settings, std::string_view address, std::string_view page,
                std::string_view level_digit) {
   const auto followed = FollowedAddress(0, address);
-  if (!followed) return false;
+  if (!followed) {
+    if (ContainsIgnoreCase(address, kSecureScheme)) ++project.secure_links;
+    return false;
+  }
   if (HostPart(*followed) != HostPart(page)) return QueueOtherSite(project, settings, *followed);
   const int level = LevelOfDigit(level_digit);
   return level != 0 && QueueLink(project, level, *followed, 1);

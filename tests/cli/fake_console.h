@@ -18,7 +18,7 @@ class FakeConsole : public Console {
   std::size_t read_limit = 0;
   std::optional<std::size_t> readers_patience;  // the reader goes away after so many writes
   bool output_is_full = false;
-  bool output_is_terminal = false, error_is_terminal = false;
+  bool input_is_terminal = false, output_is_terminal = false, error_is_terminal = false;
   int columns = 80;
 
   bool Write(std::string_view bytes) override {
@@ -42,6 +42,7 @@ class FakeConsole : public Console {
     endless_read_ += size;
     return size;
   }
+  [[nodiscard]] bool InputIsTerminal() const override { return input_is_terminal; }
   [[nodiscard]] bool OutputIsTerminal() const override { return output_is_terminal; }
   [[nodiscard]] bool ErrorIsTerminal() const override { return error_is_terminal; }
   [[nodiscard]] int ErrorColumns() const override { return columns; }

@@ -59,6 +59,14 @@ TEST_F(HarvestCommandTest, FiltersHold) {
   EXPECT_EQ(system.errors(), "2 addresses on 3 of 3 pages, 2 dropped by the filters.\n");
 }
 
+TEST_F(HarvestCommandTest, SuppressedAddressesAreNotListed) {
+  system.fake.files.AddFolder("/user/quenlar");
+  system.fake.files.Put("/user/quenlar/suppressed.txt", "B@x.de\n");
+  EXPECT_EQ(system.Run({"harvest", "/in"}), kExitDone);
+  EXPECT_EQ(system.output(), "a@x.de\nc@x.de\n");
+  EXPECT_EQ(system.errors(), "2 addresses on 3 of 3 pages, 2 suppressed.\n");
+}
+
 TEST_F(HarvestCommandTest, WithoutAProgramFolderItWorksAndItNeverWrites) {
   system.default_home.clear();
   EXPECT_EQ(system.Run({"harvest", "/in"}), kExitDone);

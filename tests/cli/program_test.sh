@@ -162,6 +162,36 @@ at "$work/crawl" addresses nothing 2>"$work/err"
 expect "status of a collection that is not there" 1 $?
 expect_in "message" "There is no collection nothing" "$(messages)"
 
+begin "an address is erased from every file, and a suppressed one does not come back"
+cp -r "$work/crawl" "$work/erased"
+mkdir -p "$work/erased/report"
+cp "$work/calm/report/h0_example.rpt" "$work/erased/report/"
+erased=$(head -1 "$work/expected")
+at "$work/erased" erase "$erased" </dev/null 2>"$work/err"
+expect "exit status without a terminal" 1 $?
+grep -rqiaF "$erased" "$work/erased" || fail "it is erased without a question"
+at "$work/erased" erase "$erased" --yes 2>"$work/err"
+expect "exit status" 0 $?
+expect "message" "$erased: 1 address taken out of 1 collection and 1 file of projects." "$(messages)"
+grep -rqiaF "$erased" "$work/erased" && fail "$erased still stands in $(grep -rliaF "$erased" "$work/erased")"
+expect "addresses left" 83 "$(at "$work/erased" addresses h0_example | wc -l)"
+at "$work/erased" erase "$erased" --suppress --yes 2>"$work/err"
+expect "exit status of an address that nobody has" 0 $?
+grep -qE '^sha256:[0-9a-f]{64}.?$' "$work/erased/suppressed.txt" || fail "its digest is not on the list"
+domain=@$(sed -n '2s/.*@//p' "$work/expected")
+at "$work/erased" suppress "$domain" 2>"$work/err"
+expect "exit status of suppress" 0 $?
+grep -vF "$domain" "$work/expected" | grep -vxF "$erased" >"$work/kept"
+at "$work/erased" addresses h0_example | sorted_lines | cmp -s - "$work/kept" || fail "other addresses are left"
+at "$work/erased" "${crawl[@]}" --again --summary "$(folder "$work/summary")" >"$work/out" 2>"$work/err"
+expect "exit status of the next run" 0 $?
+expect "its new addresses" "" "$(cat "$work/out")"
+expect_in "its summary" '"protected":0,"suppressed":' "$(cat "$work/summary")"
+at "$work/erased" addresses h0_example | sorted_lines | cmp -s - "$work/kept" || fail "a suppressed address came back"
+grep -rqiaF "$erased" "$work/erased" && fail "$erased came back"
+at "$work/erased" "${run[@]}" 2>"$work/err" | sorted_lines | grep -qF "$domain" && fail "the classic run lists it"
+expect_in "why" "suppression list holds $domain" "$(at "$work/erased" why h0_example "x$domain" | tr -d '\r' | tail -1)"
+
 begin "a collection goes on where it stopped"
 at "$work/pieces" "${crawl[@]}" --pages 5 >"$work/out" 2>"$work/err"
 expect "exit status" 0 $?

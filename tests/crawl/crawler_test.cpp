@@ -428,6 +428,18 @@ TEST_F(CrawlTest, WhatTheFiltersAndTheSuppressionListDropIsNotStored) {
   EXPECT_THAT(Query("SELECT address FROM addresses"), ElementsAre("c@firma.de"));
 }
 
+TEST_F(CrawlTest, WhatNamesASuppressedAddressIsNotStored) {
+  Robots("https://www.firma.de", "# b@firma.de\nUser-agent: *\nDisallow: /no");
+  Page("https://www.firma.de/",
+       "<title>Write to b@firma.de</title><a href='/?to=b%40firma.de'>b</a><a href='/?to=c@firma.de'>c</a>");
+  suppression_.dropped = {"b@firma.de"};
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Query("SELECT url FROM pages"),
+              ElementsAre("https://www.firma.de/", "https://www.firma.de/?to=c@firma.de"));
+  EXPECT_THAT(Query("SELECT coalesce(title, 'none') FROM pages LIMIT 1"), ElementsAre("none"));
+  EXPECT_THAT(Query("SELECT robots FROM hosts"), ElementsAre("# \nUser-agent: *\nDisallow: /no"));
+}
+
 TEST_F(CrawlTest, ATypedStartMayBePrivateAndLeadToPrivatePlacesWithinItsScope) {
   Page("http://10.0.0.1/", ScriptedWebAnswer{.body = "<a href=/a>a</a>", .ip = "10.0.0.1"});
   Crawl({"http://10.0.0.1/"});

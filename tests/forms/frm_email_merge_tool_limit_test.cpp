@@ -18,7 +18,8 @@ TEST(EmailMergeTool, ShowsAndSavesAsManyAddressesAsSixteenBitsCount) {
   FakePlatform fakes;
   eMailBookMerge books;
   const Installation installation;
-  frmEmailMergeTool form({books, fakes.files, fakes.code_page, fakes.loop, fakes.boxes, fakes.dialogs, installation});
+  frmEmailMergeTool form({books, fakes.files, fakes.code_page, fakes.loop, fakes.boxes, fakes.dialogs, installation,
+                          [] { return Status::Ok(); }});
   form.Load();
   const auto extract = [&](int addresses) {
     fakes.files.Put("/book", Lines(addresses));

@@ -24,7 +24,8 @@ struct MergeToolTest : testing::Test {
   RecordingFileDialogs dialogs;
   eMailBookMerge books;
   Installation installation;
-  frmEmailMergeTool tool{{books, files, code_page, loop, boxes, dialogs, installation}};
+  Status suppression;
+  frmEmailMergeTool tool{{books, files, code_page, loop, boxes, dialogs, installation, [this] { return suppression; }}};
 
   MergeToolTest() {
     installation.program_folder = "C:\\Q";
@@ -52,6 +53,15 @@ struct MergeToolTest : testing::Test {
     return paths;
   }
 };
+
+TEST_F(MergeToolTest, WithoutTheSuppressionListNothingIsMerged) {
+  OpenBoth();
+  suppression = Status(StatusKind::kDenied, "The list cannot be read");
+  tool.cmdExtract.Click();
+  EXPECT_EQ(boxes.shown.back().text, "The list cannot be read !");
+  EXPECT_EQ(books.Addresses.Count(), 0u);
+  EXPECT_EQ(Books().size(), 2u) << "the books stay for another try";
+}
 
 // --- Opening the window ---
 

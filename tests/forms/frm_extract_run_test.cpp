@@ -11,6 +11,7 @@ using std::chrono::seconds;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr const char* kSite = "http://www.cars.test";
 constexpr const char* kResults = "http://www.google.com/search?hl=en&q=cars&btnG=Google+Search&num=100&start=";
@@ -57,6 +58,34 @@ TEST_F(MainWindowRun, ARunByAddressFillsListPanelsAndFiles) {
   EXPECT_EQ(Panel(2), "3 Address");
   EXPECT_EQ(Panel(3), "Scan 2");
   EXPECT_THAT(files.Contents(kReportFile).value_or(""), HasSubstr("first@cars.test\r\n"));
+}
+
+TEST_F(MainWindowRun, TheSuppressionListIsReadWhenARunBegins) {
+  Start();
+  files.Put("/home/suppressed.txt", "@cars.test\n");
+  files.AddFolder("/home/data");
+  RunProject("www.cars.test");
+  EXPECT_EQ(engine.project.found.Count(), 0u);
+}
+
+TEST_F(MainWindowRun, WhatWasListedBeforeItWasSuppressedIsGoneWithTheNextRun) {
+  Start();
+  RunProject("www.cars.test");
+  ASSERT_EQ(engine.project.found.Count(), 3u);
+  files.Put("/home/suppressed.txt", "second@cars.test\n");
+  extract.cmdExtract.Click();
+  FinishRun();
+  EXPECT_EQ(extract.lstMail.rows(), 2u);
+  EXPECT_THAT(files.Contents(kReportFile).value_or(""), Not(HasSubstr("second@cars.test")));
+}
+
+TEST_F(MainWindowRun, WithoutTheSuppressionListNoRunBegins) {
+  Start();
+  files.AddFolder("/home/suppressed.txt");
+  RunProject("www.cars.test");
+  EXPECT_TRUE(Boxed("The suppression list cannot be read: /home/suppressed.txt: a folder !"));
+  EXPECT_EQ(engine.project.found.Count(), 0u);
+  EXPECT_TRUE(extract.cmbURL.enabled());
 }
 
 TEST_F(MainWindowRun, AnotherRunCountsItsPagesFromNought) {

@@ -127,6 +127,20 @@ TEST_F(ProjectStoreTest, SavedProjectComesBackWithItsLinksAndRows) {
                                "2 Address", "Scan 0", "ready"}));
 }
 
+TEST_F(ProjectStoreTest, AddressesThatAreNotWantedAreLeftOutAndTheReportIsWrittenAgain) {
+  class AllButTheFirst final : public AddressFilter {
+    [[nodiscard]] bool Keeps(std::string_view address) override { return address != "0@cars.com"; }
+  } suppression;
+  PutCars(3);
+  store.SetSuppression(&suppression);
+  store.OpenProject("cars");
+  EXPECT_THAT(Addresses(), ElementsAre("1@cars.com", "2@cars.com"));
+  project.found.Add({"http://m", "new@cars.com", "", false});  // as many as the report had
+  store.SaveProjectReport();
+  EXPECT_EQ(Contents(kCarsReport).find("0@cars.com"), std::string::npos);
+  EXPECT_NE(Contents(kCarsReport).find("new@cars.com"), std::string::npos);
+}
+
 TEST_F(ProjectStoreTest, AReportWithoutADataFileIsToldAlone) {
   PutCars();
   ASSERT_TRUE(fakes.files.Delete(kCarsData).ok());

@@ -10,7 +10,7 @@ expected='Quenlar/ Quenlar/LICENSE.txt Quenlar/Quenlar.exe Quenlar/README.txt Qu
 # No other DLL than the system's own.
 for program in Quenlar.exe quenlar-cli.exe; do
   others=$(x86_64-w64-mingw32-objdump -p "build/packages/stage/windows/Quenlar/$program" | sed -n 's/.*DLL Name: //p' |
-    grep -viE '^(kernel32|msvcrt|user32|gdi32|comctl32|comdlg32|shell32|advapi32|ole32|uxtheme|winhttp|iphlpapi|ws2_32|sensapi|normaliz)\.dll$' || true)
+    grep -viE '^(kernel32|msvcrt|user32|gdi32|comctl32|comdlg32|shell32|advapi32|ole32|uxtheme|winhttp|iphlpapi|ws2_32|sensapi|normaliz|bcrypt)\.dll$' || true)
   [ -z "$others" ] || { echo "[  FAILED  ] $program needs $others"; exit 1; }
 done
 

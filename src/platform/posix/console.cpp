@@ -66,6 +66,7 @@ std::size_t PosixConsole::Read(char* buffer, std::size_t size) {
   }
 }
 
+bool PosixConsole::InputIsTerminal() const { return isatty(STDIN_FILENO) == 1; }
 bool PosixConsole::OutputIsTerminal() const { return isatty(STDOUT_FILENO) == 1; }
 bool PosixConsole::ErrorIsTerminal() const { return isatty(STDERR_FILENO) == 1; }
 

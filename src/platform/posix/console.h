@@ -16,6 +16,7 @@ class PosixConsole : public Console {
   void WriteError(std::string_view bytes) override;
   [[nodiscard]] std::size_t Read(char* buffer, std::size_t size) override;
 
+  [[nodiscard]] bool InputIsTerminal() const override;
   [[nodiscard]] bool OutputIsTerminal() const override;
   [[nodiscard]] bool ErrorIsTerminal() const override;
   [[nodiscard]] int ErrorColumns() const override;

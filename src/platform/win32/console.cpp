@@ -67,6 +67,7 @@ std::size_t Win32Console::Read(char* buffer, std::size_t size) {
   return ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer, wanted, &got, nullptr) ? got : 0;
 }
 
+bool Win32Console::InputIsTerminal() const { return IsConsole(GetStdHandle(STD_INPUT_HANDLE)); }
 bool Win32Console::OutputIsTerminal() const { return IsConsole(GetStdHandle(STD_OUTPUT_HANDLE)); }
 
 int Win32Console::ErrorColumns() const {

@@ -15,6 +15,7 @@ class Win32Console final : public Console {
   void WriteError(std::string_view bytes) override;
   [[nodiscard]] std::size_t Read(char* buffer, std::size_t size) override;
 
+  [[nodiscard]] bool InputIsTerminal() const override;
   [[nodiscard]] bool OutputIsTerminal() const override;
   // False for a console that does not understand escape sequences.
   [[nodiscard]] bool ErrorIsTerminal() const override { return error_understands_escapes_; }

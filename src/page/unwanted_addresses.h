@@ -1,0 +1,32 @@
+// Finds the places of a text that name an address which somebody does not want to be kept.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quenlar {
+
+// Whether an address may be kept.
+using AddressTest = std::function<bool(std::string_view address)>;
+
+// text[begin, end) names `address`.
+struct UnwantedPlace {
+  std::size_t begin = 0, sign = 0, end = 0;  // text[sign] is the "@", or the "%" of its code
+  std::string address;                       // percent codes decoded
+};
+
+// The first place at or behind `from` that names an address for which `keeps` is false. Made for titles, links and
+// reports: any character may be percent-encoded, and what belongs to an address is judged with a wide mind, because a
+// title too many that is taken for one harms nobody. A longer address does not name a shorter one: "joanna@x.de" and
+// "anna@x.de.com" do not name "anna@x.de", but "?mail=anna@x.de" and "anna@x.de.html" do.
+[[nodiscard]] std::optional<UnwantedPlace> NextUnwanted(std::string_view text, const AddressTest& keeps,
+                                                        std::size_t from = 0);
+
+// The text of a robots.txt without such addresses, as it may be stored; its lines keep their numbers. It is at least as
+// strict: a rule that forbids is cut before the address, one that allows is left out.
+[[nodiscard]] std::string RulesWithoutUnwanted(std::string_view rules, const AddressTest& keeps);
+
+}  // namespace quenlar

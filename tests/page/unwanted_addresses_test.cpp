@@ -1,0 +1,63 @@
+#include "page/unwanted_addresses.h"
+
+#include <gtest/gtest.h>
+
+#include "base/ascii.h"
+
+namespace quenlar {
+namespace {
+
+bool KeepsAllButAnna(std::string_view address) { return !EqualsIgnoreCase(address, "anna@firma.de"); }
+
+// What of the text names anna@firma.de, or "" where nothing does.
+std::string Named(std::string_view text) {
+  const auto place = NextUnwanted(text, KeepsAllButAnna);
+  return place ? std::string(text.substr(place->begin, place->end - place->begin)) : "";
+}
+
+TEST(UnwantedAddresses, AreFoundInEverySpelling) {
+  for (const char* text : {"anna@firma.de", "Anna@Firma.DE", "anna%40firma.de", "%61nna%40firma%2Ede"}) {
+    EXPECT_EQ(Named(text), text);
+    EXPECT_EQ(Named("Write to " + std::string(text) + ", please"), text);
+    EXPECT_EQ(Named("https://www.firma.de/?mail=" + std::string(text) + "&x=1"), text);
+    EXPECT_EQ(Named("bob@firma.de " + std::string(text) + "."), text);
+    EXPECT_EQ(Named("https://www.firma.de/people/" + std::string(text) + ".html"), text);
+  }
+}
+
+TEST(UnwantedAddresses, ALongerAddressIsAnotherOne) {
+  for (const char* text :
+       {"joanna@firma.de", "jo.anna@firma.de", "jo-anna@firma.de", "anna@firma.de.com", "anna@firma.dev",
+        "anna@xfirma.de", "anna@mail.firma.de", "anna @firma.de", "@firma.de", "anna@", "%40", "anna", ""}) {
+    EXPECT_EQ(Named(text), "") << text;
+  }
+}
+
+TEST(UnwantedAddresses, TheirPlaceIsGivenWithItsSign) {
+  const std::string text = "a@b.de, anna%40firma.de";
+  const auto place = NextUnwanted(text, KeepsAllButAnna);
+  ASSERT_TRUE(place);
+  EXPECT_EQ(place->begin, text.find("anna"));
+  EXPECT_EQ(place->sign, text.find("%40"));
+  EXPECT_EQ(place->end, text.size());
+  EXPECT_EQ(place->address, "anna@firma.de");
+  EXPECT_FALSE(NextUnwanted(text, KeepsAllButAnna, place->end));
+}
+
+TEST(UnwantedAddresses, TextsOfSignsAndCodesAreReadInLinearTime) {
+  std::string text;
+  for (int i = 0; i < 100'000; ++i) text += i % 2 == 0 ? "a@" : "%40'";
+  EXPECT_EQ(Named(text), "");
+}
+
+TEST(UnwantedAddresses, RobotsRulesWithoutThemForbidAtLeastAsMuch) {
+  EXPECT_EQ(RulesWithoutUnwanted("User-agent: *\r\n# anna@firma.de made this\r\nDisallow: /~anna@firma.de/x\r\n"
+                                 "Allow: /~anna@firma.de/y\r\n<p>bert@firma.de anna@firma.de</p>\r\nDisallow: /z",
+                                 KeepsAllButAnna),
+            "User-agent: *\r\n# \r\nDisallow: /~\r\n\r\n<p>bert@firma.de \r\nDisallow: /z");
+  EXPECT_EQ(RulesWithoutUnwanted("Disallow: /~joanna@firma.de", KeepsAllButAnna), "Disallow: /~joanna@firma.de");
+  EXPECT_EQ(RulesWithoutUnwanted("", KeepsAllButAnna), "");
+}
+
+}  // namespace
+}  // namespace quenlar
