@@ -2,9 +2,9 @@
 
 #include <new>
 
-#include <bcrypt.h>
-
 #include "platform/win32/windows_api.h"
+// Behind the system's own types.
+#include <bcrypt.h>
 
 namespace quenlar {
 namespace {
