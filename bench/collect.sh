@@ -119,6 +119,8 @@ awk -v total="$total" -v hz="$(getconf CLK_TCK)" '
   { while ($1 >= (step + 1) * total / 10 && $1 > pages) {
       printf "| %d | %.3f | %.0f |\n", $1, ($2 - ticks) * 1000 / hz / ($1 - pages), $3 / 1024
       pages = $1; ticks = $2; step = int($1 * 10 / total) } }' "$work/course"
+awk -v total="$total" -v hz="$(getconf CLK_TCK)" -f bench/course.awk "$work/course" >docs/images/long-crawl.svg
+printf '\n![Memory and cost of a page from first to last](images/long-crawl.svg)\n'
 bench/goal.sh "collect, the long crawl: megabytes of memory at most" at-most 200 \
   "$(awk '$3 > most { most = $3 } END { print most / 1024 }' "$work/course")"
 # The cost of the last tenth of the pages to that of the second: the first one holds the start of the program.
