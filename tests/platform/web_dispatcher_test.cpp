@@ -219,6 +219,7 @@ TEST_F(Dispatcher, AtMostFourHostsOfAnAddressAreAskedAtATime) {
     Name(host, {"8.8.8.8"});
     Start("http://" + host + "/");
   }
+  ASSERT_TRUE(WaitForSent(4));  // whatever time the names take to be looked up
   for (std::size_t i = 0; i < 10; ++i) {
     ASSERT_TRUE(WaitForSent(i + 1));
     transport_->End(i);
