@@ -94,8 +94,8 @@ CommandLine::CommandLine()
       ->check(CheckNotEmpty);
   DeclareCommands(*root, chosen);
   root->set_version_flag("--version", VersionText(), "Print the version and exit");
-  for (CLI::App* verb : root->get_subcommands([](CLI::App*) { return true; })) {
-    verb->set_version_flag("--version", VersionText(), "Print the version and exit");
+  for (CLI::App* command : root->get_subcommands([](CLI::App*) { return true; })) {
+    command->set_version_flag("--version", VersionText(), "Print the version and exit");
   }
   root->footer(
       "Without --home and QUENLAR_HOME the program folder is the program's own on Windows, and\n"

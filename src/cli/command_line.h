@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/declare_commands.h"
 #include "cli/system.h"
-#include "cli/verbs.h"
 
 namespace quenlar {
 

@@ -36,8 +36,8 @@ std::vector<std::string> DeclaredOption::choices() const {
 
 std::vector<DeclaredCommand> Declarations(const CLI::App& root) {
   std::vector<DeclaredCommand> commands = {Describe(root, "")};
-  for (const CLI::App* verb : root.get_subcommands([](const CLI::App*) { return true; })) {
-    if (!verb->get_group().empty()) commands.push_back(Describe(*verb, verb->get_name()));
+  for (const CLI::App* command : root.get_subcommands([](const CLI::App*) { return true; })) {
+    if (!command->get_group().empty()) commands.push_back(Describe(*command, command->get_name()));
   }
   return commands;
 }

@@ -1,4 +1,4 @@
-// What the declarations of commands share (verbs.cpp, collection_verbs.cpp).
+// What the declarations of commands share (declare_commands.cpp, declare_collection_commands.cpp).
 #pragma once
 
 #include <memory>
@@ -7,14 +7,14 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/verbs.h"
+#include "cli/declare_commands.h"
 
 namespace quenlar {
 
 // `arguments` are filled in by the parsing, and live as long as the command.
 template <typename Arguments, typename Work>
-void Choose(CLI::App& verb, Command& chosen, Work work, const std::shared_ptr<Arguments>& arguments) {
-  verb.callback([&chosen, work, arguments] {
+void Choose(CLI::App& command, Command& chosen, Work work, const std::shared_ptr<Arguments>& arguments) {
+  command.callback([&chosen, work, arguments] {
     chosen = [work, arguments](Invocation& invocation) { return work(invocation, *arguments); };
   });
 }
@@ -23,14 +23,14 @@ void Choose(CLI::App& verb, Command& chosen, Work work, const std::shared_ptr<Ar
 void TakeOneOf(CLI::Option& option, const std::vector<std::string>& words);
 
 // An option that takes one of a few words.
-void DeclareChoice(CLI::App& verb, const std::string& name, std::string& value, const std::vector<std::string>& words,
-                   const std::string& help);
+void DeclareChoice(CLI::App& command, const std::string& name, std::string& value,
+                   const std::vector<std::string>& words, const std::string& help);
 
 // --remove and --extract: the filters of one run.
-void DeclareFilterWords(CLI::App& verb, std::vector<std::string>& remove, std::vector<std::string>& extract);
+void DeclareFilterWords(CLI::App& command, std::vector<std::string>& remove, std::vector<std::string>& extract);
 
 // --proxy and --assume-online.
-void DeclareNetwork(CLI::App& verb, std::string& proxy, bool& assume_online);
+void DeclareNetwork(CLI::App& command, std::string& proxy, bool& assume_online);
 
 // collect, addresses, why, collections.
 void DeclareCollectionCommands(CLI::App& root, Command& chosen);

@@ -16,55 +16,58 @@ std::vector<std::string> LanguageCodes() {
   return codes;
 }
 
-void DeclareBudgets(CLI::App& verb, CrawlOptions& crawl) {
-  verb.add_option("--pages", crawl.pages, "End the run after so many pages")
+void DeclareBudgets(CLI::App& command, CrawlOptions& crawl) {
+  command.add_option("--pages", crawl.pages, "End the run after so many pages")
       ->type_name("N")
       ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
-  verb.add_option("--pages-per-host", crawl.pages_per_host, "Read so many pages of a host, over all runs (1000)")
+  command.add_option("--pages-per-host", crawl.pages_per_host, "Read so many pages of a host, over all runs (1000)")
       ->type_name("N")
       ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
-  verb.add_option("--minutes", crawl.minutes, "End the run after so many minutes; fractions are allowed")
+  command.add_option("--minutes", crawl.minutes, "End the run after so many minutes; fractions are allowed")
       ->type_name("N")
       ->check(CLI::PositiveNumber);
-  verb.add_option("--addresses", crawl.addresses, "End the run when the collection has so many addresses")
+  command.add_option("--addresses", crawl.addresses, "End the run when the collection has so many addresses")
       ->type_name("N")
       ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
 }
 
-void DeclareManners(CLI::App& verb, CollectArguments& arguments) {
+void DeclareManners(CLI::App& command, CollectArguments& arguments) {
   CrawlOptions& crawl = arguments.options.crawl;
   constexpr std::size_t kMostHosts = 100'000;
   constexpr double kLongestDelay = 3600;
-  verb.add_option("--hosts", crawl.hosts, "Hosts that are visited at the same time (64)")
+  command.add_option("--hosts", crawl.hosts, "Hosts that are visited at the same time (64)")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, kMostHosts));
-  verb.add_option("--delay", arguments.delay,
+  command
+      .add_option("--delay", arguments.delay,
                   "Pause between two pages of a host in seconds (1); fractions are allowed, 0 is for your own server")
       ->type_name("SECONDS")
       ->check(CLI::Range(0.0, kLongestDelay));
-  DeclareChoice(verb, "--robots", arguments.robots, {"obey", "ignore"},
+  DeclareChoice(command, "--robots", arguments.robots, {"obey", "ignore"},
                 "Whether the wishes of robots.txt and of pages are obeyed (obey)");
-  verb.add_option("--contact", crawl.contact, "A web or mail address of yours, sent to the sites; kept once given")
+  command.add_option("--contact", crawl.contact, "A web or mail address of yours, sent to the sites; kept once given")
       ->type_name("TEXT")
       ->check(CheckContact);
-  verb.add_flag("--decode-protected", crawl.decode_protected,
-                "Also list addresses that their owners chose to hide from programs");
+  command.add_flag("--decode-protected", crawl.decode_protected,
+                   "Also list addresses that their owners chose to hide from programs");
 }
 
 void DeclareCollect(CLI::App& root, Command& chosen) {
   const auto arguments = std::make_shared<CollectArguments>();
   CollectOptions& options = arguments->options;
-  CLI::App* verb = root.add_subcommand("collect", "Visit the sites of addresses or keywords and list their addresses");
-  verb->add_option("START", options.starts, "A site's address (with a dot, without blanks), or a keyword")
+  CLI::App* command =
+      root.add_subcommand("collect", "Visit the sites of addresses or keywords and list their addresses");
+  command->add_option("START", options.starts, "A site's address (with a dot, without blanks), or a keyword")
       ->type_name("")
       ->check(CheckOneLine);
-  verb->add_option("--from", arguments->from, "Read starts from this file, one a line; - is standard input")
+  command->add_option("--from", arguments->from, "Read starts from this file, one a line; - is standard input")
       ->type_name("FILE")
       ->check(CheckNotEmpty);
-  verb->add_option("--name", options.name, "The collection's name, instead of one made from the first start")
+  command->add_option("--name", options.name, "The collection's name, instead of one made from the first start")
       ->type_name("NAME")
       ->check(CheckNotEmpty);
-  verb->add_option("--links", arguments->links,
+  command
+      ->add_option("--links", arguments->links,
                    "Visit the links of this file and what they lead to on their sites, and nothing else: one JSON "
                    "object a line, url, depth, private, https_first")
       ->type_name("FILE")
@@ -72,32 +75,35 @@ void DeclareCollect(CLI::App& root, Command& chosen) {
       ->excludes("START")
       ->excludes("--from")
       ->needs("--name");
-  DeclareChoice(*verb, "--scope", arguments->scope, {"host", "site", "anywhere"},
+  DeclareChoice(*command, "--scope", arguments->scope, {"host", "site", "anywhere"},
                 "What links may lead to: the start's host, its site, or any site (site)");
-  verb->add_option("--depth", options.crawl.depth, "Clicks from a start (5); 0 is the start page alone")
+  command->add_option("--depth", options.crawl.depth, "Clicks from a start (5); 0 is the start page alone")
       ->type_name("N")
       ->check(CLI::Range(0, 1000));
-  DeclareBudgets(*verb, options.crawl);
-  DeclareManners(*verb, *arguments);
-  verb->add_flag("--again", options.crawl.again, "Visit the pages of a finished collection anew");
-  verb->add_option("--search", options.crawl.search_service,
+  DeclareBudgets(*command, options.crawl);
+  DeclareManners(*command, *arguments);
+  command->add_flag("--again", options.crawl.again, "Visit the pages of a finished collection anew");
+  command
+      ->add_option("--search", options.crawl.search_service,
                    "A search service with the SearXNG interface, for keywords; kept once given")
       ->type_name("URL")
       ->check(CheckServiceUrl);
-  DeclareChoice(*verb, "--language", options.crawl.language, LanguageCodes(), "Language of the search, for a keyword");
-  DeclareFilterWords(*verb, options.remove_words, options.extract_words);
+  DeclareChoice(*command, "--language", options.crawl.language, LanguageCodes(),
+                "Language of the search, for a keyword");
+  DeclareFilterWords(*command, options.remove_words, options.extract_words);
   DeclareChoice(
-      *verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
+      *command, "--format", arguments->format, {"lines", "csv", "jsonl"},
       "How a new address is printed: the address alone; address, page, title and place as csv; a JSON object");
-  DeclareNetwork(*verb, arguments->proxy, options.crawl.assume_online);
-  verb->add_option("--warc", options.warc,
+  DeclareNetwork(*command, arguments->proxy, options.crawl.assume_online);
+  command
+      ->add_option("--warc", options.warc,
                    "Keep what is fetched in web archives, PREFIX-00000.warc.gz and so on, 1 GB each")
       ->type_name("PREFIX")
       ->check(CheckNotEmpty);
-  verb->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
+  command->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
       ->type_name("FILE")
       ->check(CheckNotEmpty);
-  verb->footer(
+  command->footer(
       R"(Each new address is printed as it is found, and everything lies in one database, data/NAME.sqlite. The same
 command goes on where it stopped. Ctrl-C ends the run in order; a second Ctrl-C ends it at once. Without a
 scheme https is tried first. robots.txt is obeyed, and a host is asked for one page at a time.
@@ -110,34 +116,36 @@ Examples:
   quenlar collect www.example.org --scope host --pages 100 --format csv
   quenlar collect --from sites.txt --name members --hosts 200 --contact https://me.example/why
   quenlar collect "picture search" --search https://search.example.org --language de)");
-  Choose(*verb, chosen, Collect, arguments);
+  Choose(*command, chosen, Collect, arguments);
 }
 
 void DeclareHarvest(CLI::App& root, Command& chosen) {
   constexpr std::size_t kMostJobs = 256;
   const auto arguments = std::make_shared<HarvestArguments>();
   HarvestOptions& options = arguments->options;
-  CLI::App* verb = root.add_subcommand("harvest", "List the addresses in web archives, files and folders");
-  verb->add_option("INPUT", options.inputs, "A WARC, HTML or text file, a folder of such files, or - (standard input)")
+  CLI::App* command = root.add_subcommand("harvest", "List the addresses in web archives, files and folders");
+  command
+      ->add_option("INPUT", options.inputs, "A WARC, HTML or text file, a folder of such files, or - (standard input)")
       ->type_name("")
       ->required()
       ->check(CheckNotEmpty);
-  DeclareChoice(*verb, "--format", arguments->format, {"lines", "csv", "jsonl"},
+  DeclareChoice(*command, "--format", arguments->format, {"lines", "csv", "jsonl"},
                 "Each address once; a row for each record with address, page, title and place as csv; JSON objects");
-  verb->add_option("--name", options.name,
+  command
+      ->add_option("--name", options.name,
                    "Put everything into this collection as well; a harvest that was cut off goes on")
       ->type_name("NAME")
       ->check(CheckNotEmpty);
-  verb->add_option("--jobs", options.jobs, "Processor cores to use (all)")
+  command->add_option("--jobs", options.jobs, "Processor cores to use (all)")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, kMostJobs));
-  verb->add_flag("--decode-protected", options.decode_protected,
-                 "Also list addresses that their owners chose to hide from programs");
-  DeclareChoice(*verb, "--robots", arguments->robots, {"obey", "ignore"},
+  command->add_flag("--decode-protected", options.decode_protected,
+                    "Also list addresses that their owners chose to hide from programs");
+  DeclareChoice(*command, "--robots", arguments->robots, {"obey", "ignore"},
                 "Whether pages that ask not to be indexed are left out (obey)");
-  DeclareFilterWords(*verb, options.remove_words, options.extract_words);
-  verb->add_flag("--progress", options.progress, "Show on a terminal how far it is");
-  verb->footer(
+  DeclareFilterWords(*command, options.remove_words, options.extract_words);
+  command->add_flag("--progress", options.progress, "Show on a terminal how far it is");
+  command->footer(
       R"(What an input is shows in its first bytes, not in its name: WARC files may be plain or packed by gzip. Of an
 archive the answers with pages are read, as the run that fetched them would have read them. Rows come in the
 order of the inputs and of the records in them, whatever the number of cores. Damaged records are counted, and
@@ -152,26 +160,27 @@ Examples:
   quenlar harvest --format csv crawls/ saved-pages/
   quenlar harvest --name members crawls/
   curl -s https://archive.example/2026.warc.gz | quenlar harvest --format jsonl -)");
-  Choose(*verb, chosen, HarvestInputs, arguments);
+  Choose(*command, chosen, HarvestInputs, arguments);
 }
 
 void DeclareAddresses(CLI::App& root, Command& chosen) {
   const auto arguments = std::make_shared<AddressesArguments>();
-  CLI::App* verb = root.add_subcommand("addresses", "List what a collection holds");
-  verb->add_option("NAME", arguments->name, "The collection, as `quenlar collections` lists it")
+  CLI::App* command = root.add_subcommand("addresses", "List what a collection holds");
+  command->add_option("NAME", arguments->name, "The collection, as `quenlar collections` lists it")
       ->type_name("")
       ->required();
   DeclareChoice(
-      *verb, "--format", arguments->format, {"lines", "csv", "jsonl", "html"},
+      *command, "--format", arguments->format, {"lines", "csv", "jsonl", "html"},
       "The address alone; address, page, title and place as csv; a JSON object; one web page that stands alone");
-  verb->add_flag("--sources", arguments->sources, "One row for each place of each page instead of one an address");
-  DeclareChoice(*verb, "--place", arguments->choice.place,
+  command->add_flag("--sources", arguments->sources, "One row for each place of each page instead of one an address");
+  DeclareChoice(*command, "--place", arguments->choice.place,
                 {"text", "mailto", "attribute", "script", "comment", "protected"}, "Only what stands in such a place");
-  verb->add_option("--site", arguments->choice.site, "Only what stands on pages of this site")->type_name("SITE");
-  verb->add_option("--since", arguments->since, "Only what was first seen then or later: a date or a time, in UTC")
+  command->add_option("--site", arguments->choice.site, "Only what stands on pages of this site")->type_name("SITE");
+  command->add_option("--since", arguments->since, "Only what was first seen then or later: a date or a time, in UTC")
       ->type_name("TIME")
       ->check(CheckTime);
-  verb->footer(R"(Addresses come in the order in which they were found, with the page on which each was seen first. With
+  command->footer(
+      R"(Addresses come in the order in which they were found, with the page on which each was seen first. With
 --sources, what does not stand there any more is marked "gone"; without it, it is left out. A collection can
 be read while a run writes it.
 
@@ -183,51 +192,56 @@ Examples:
   quenlar addresses example_org --format csv --place mailto
   quenlar addresses example_org --format html >example_org.html
   quenlar addresses example_org --sources --since 2026-11-22 --format jsonl)");
-  Choose(*verb, chosen, Addresses, arguments);
+  Choose(*command, chosen, Addresses, arguments);
 }
 
 void DeclareWhy(CLI::App& root, Command& chosen) {
   const auto arguments = std::make_shared<WhyArguments>();
-  CLI::App* verb = root.add_subcommand("why", "Say why an address is listed or not, or a page was visited or not");
-  verb->add_option("NAME", arguments->name, "The collection, as `quenlar collections` lists it")
+  CLI::App* command = root.add_subcommand("why", "Say why an address is listed or not, or a page was visited or not");
+  command->add_option("NAME", arguments->name, "The collection, as `quenlar collections` lists it")
       ->type_name("")
       ->required();
-  verb->add_option("WHAT", arguments->what, "An e-mail address, or the address of a page")->type_name("")->required();
-  DeclareChoice(*verb, "--format", arguments->format, {"text", "jsonl"}, "Sentences, or the facts as a JSON object");
-  verb->footer(R"(Exit status: 0 when there is something definite to say, 1 when the collection knows nothing of it.
+  command->add_option("WHAT", arguments->what, "An e-mail address, or the address of a page")
+      ->type_name("")
+      ->required();
+  DeclareChoice(*command, "--format", arguments->format, {"text", "jsonl"}, "Sentences, or the facts as a JSON object");
+  command->footer(R"(Exit status: 0 when there is something definite to say, 1 when the collection knows nothing of it.
 
 Examples:
   quenlar why example_org info@example.org
   quenlar why example_org https://www.example.org/members/ --format jsonl)");
-  Choose(*verb, chosen, Why, arguments);
+  Choose(*command, chosen, Why, arguments);
 }
 
 void DeclareCollections(CLI::App& root, Command& chosen) {
-  CLI::App* verb = root.add_subcommand("collections", "List the collections, the last run first");
-  verb->footer(
+  CLI::App* command = root.add_subcommand("collections", "List the collections, the last run first");
+  command->footer(
       R"(Each line has the name, the number of addresses, of pages read, and of pages left to visit, parted by tabs.
 
 Examples:
   quenlar collections)");
-  verb->callback([&chosen] { chosen = Collections; });
+  command->callback([&chosen] { chosen = Collections; });
 }
 
 void DeclareSuppress(CLI::App& root, Command& chosen) {
   const auto arguments = std::make_shared<SuppressArguments>();
-  CLI::App* verb = root.add_subcommand("suppress", "Show or change the list of addresses that are never to be listed");
+  CLI::App* command =
+      root.add_subcommand("suppress", "Show or change the list of addresses that are never to be listed");
   CLI::Option* const entries =
-      verb->add_option("ENTRY", arguments->entries, "An address, @domain, or sha256: and the digest of an address")
+      command->add_option("ENTRY", arguments->entries, "An address, @domain, or sha256: and the digest of an address")
           ->type_name("");
   CLI::Option* const import =
-      verb->add_option("--import", arguments->import, "Add the entries of this file, one a line; - is standard input")
+      command
+          ->add_option("--import", arguments->import, "Add the entries of this file, one a line; - is standard input")
           ->type_name("FILE")
           ->check(CheckNotEmpty);
-  verb->add_option("--remove", arguments->remove,
+  command
+      ->add_option("--remove", arguments->remove,
                    "Take these entries off the list; what was deleted does not come back")
       ->type_name("ENTRY ...")
       ->excludes(entries)
       ->excludes(import);
-  verb->footer(
+  command->footer(
       R"(The list is the file suppressed.txt in the program folder; without an argument its entries are shown. It holds
 for collections, runs of projects, harvests and merged lists. What is stored already of an entry that is added is
 deleted. @domain holds for that domain alone, not for domains below it. Lines that begin with # are comments.
@@ -239,16 +253,16 @@ Examples:
   quenlar suppress anna@example.org @example.net
   quenlar suppress --import objections.txt
   quenlar suppress --remove anna@example.org)");
-  Choose(*verb, chosen, Suppress, arguments);
+  Choose(*command, chosen, Suppress, arguments);
 }
 
 void DeclareErase(CLI::App& root, Command& chosen) {
   const auto arguments = std::make_shared<EraseArguments>();
-  CLI::App* verb = root.add_subcommand("erase", "Take an address out of all collections and reports");
-  verb->add_option("ADDRESS", arguments->address, "The e-mail address")->type_name("")->required();
-  verb->add_flag("--suppress", arguments->suppress, "And never list it again: only its digest is kept");
-  verb->add_flag("-y,--yes", arguments->yes, "Do not ask");
-  verb->footer(
+  CLI::App* command = root.add_subcommand("erase", "Take an address out of all collections and reports");
+  command->add_option("ADDRESS", arguments->address, "The e-mail address")->type_name("")->required();
+  command->add_flag("--suppress", arguments->suppress, "And never list it again: only its digest is kept");
+  command->add_flag("-y,--yes", arguments->yes, "Do not ask");
+  command->footer(
       R"(Also clears titles and links that hold the address, and writes the files anew so that no trace of it stays in
 them. Asks on a terminal; elsewhere it does nothing without --yes. A collection in use by a run is left as it
 is, with a message and status 1; the others are done. Files that the program does not keep itself, such as
@@ -260,7 +274,7 @@ Exit status: 0 done, also for an address that is nowhere, 1 something could not 
 Examples:
   quenlar erase anna@example.org
   quenlar erase anna@example.org --suppress --yes)");
-  Choose(*verb, chosen, Erase, arguments);
+  Choose(*command, chosen, Erase, arguments);
 }
 
 }  // namespace

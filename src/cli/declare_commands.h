@@ -17,8 +17,8 @@ using Command = std::function<int(Invocation&)>;
 
 // Adds all commands to `root`. When the parser meets one, `chosen` becomes its work. Both must outlive the parsing.
 //
-// All commands and their help stand together in verbs.cpp, and not beside the work of each, because the parser is one
-// large header that takes seconds to compile.
+// All commands and their help stand together in declare_commands.cpp, and not beside the work of each, because the
+// parser is one large header that takes seconds to compile.
 void DeclareCommands(CLI::App& root, Command& chosen);
 
 }  // namespace quenlar
