@@ -24,7 +24,7 @@ void* Allocate(std::size_t size, std::size_t alignment) {
 
 }  // namespace
 
-FailingMemory::FailingMemory(std::uint64_t n, Memory kind) {
+FailingMemory::FailingMemory(std::uint64_t n, Memory kind) : n_(n) {
   fails_now = false;
   runs_out = kind == Memory::kRunsOut;
   allocations_left = n;
@@ -36,6 +36,8 @@ FailingMemory::~FailingMemory() {
 }
 
 bool FailingMemory::reached() const { return fails_now; }
+
+std::uint64_t FailingMemory::counted() const { return n_ - allocations_left; }
 
 }  // namespace quenlar
 

@@ -21,6 +21,11 @@ class FailingMemory {
 
   // Whether there was an n-th allocation.
   [[nodiscard]] bool reached() const;
+  // How many allocations there have been, up to the n-th.
+  [[nodiscard]] std::uint64_t counted() const;
+
+ private:
+  std::uint64_t n_;
 };
 
 }  // namespace quenlar
