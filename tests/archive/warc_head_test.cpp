@@ -23,7 +23,8 @@ TEST(WarcHeadTest, FieldsAreTakenWhateverTheirCaseAndOrder) {
   const std::string text =
       "WARC/1.0\r\ncontent-length:  12 \r\nWARC-TARGET-URI: <http://a/>\r\nwarc-type:response\r\n"
       "WARC-Date: 2026-11-22T13:20:32Z\r\nContent-Type: text/html\r\n\r\n";
-  const WarcHead head = Head(text + "block");
+  const std::string record = text + "block";
+  const WarcHead head = Head(record);
   EXPECT_EQ(head.length, 12u);
   EXPECT_EQ(head.target, "http://a/");
   EXPECT_EQ(head.type, "response");
