@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/exit_status.h"
+#include "cli/paths.h"
 #include "command_system.h"
 #include "engine/home.h"
 #include "settings/suppression_list.h"
@@ -56,12 +57,12 @@ TEST_F(SuppressCommandTest, WrongEntriesAreRefusedBeforeAnythingChanges) {
 }
 
 TEST_F(SuppressCommandTest, AFileIsImported) {
-  system.fake.files.Put("/list.txt", "email\r\nbert@firma.fr\r\n# none\r\n@firma.com\r\n");
+  system.fake.files.Put(AbsolutePath("/list.txt"), "email\r\nbert@firma.fr\r\n# none\r\n@firma.com\r\n");
   PutReport();
   EXPECT_EQ(system.Run({"suppress", "--import", "/list.txt"}), kExitFailed);
   EXPECT_EQ(List(), "bert@firma.fr\n@firma.com\n");
   EXPECT_EQ(Report(), "anna@firma.de\r\n");
-  EXPECT_THAT(system.errors(), HasSubstr("/list.txt: 1 line is neither an address nor a domain nor a digest (line 1)"));
+  EXPECT_THAT(system.errors(), HasSubstr("list.txt: 1 line is neither an address nor a domain nor a digest (line 1)"));
   EXPECT_EQ(system.Run({"suppress", "--import", "/nothing.txt"}), kExitFailed);
 }
 
@@ -150,10 +151,10 @@ TEST_F(SuppressCommandTest, ReportsAreWrittenWithoutSuppressedAddresses) {
 }
 
 TEST_F(SuppressCommandTest, BooksAreMergedWithoutSuppressedAddresses) {
-  system.fake.files.Put("/book.txt", "anna@firma.de, bert@firma.fr, carl@firma.com");
+  system.fake.files.Put(AbsolutePath("/book.txt"), "anna@firma.de, bert@firma.fr, carl@firma.com");
   PutList("@FIRMA.fr\n" + DigestEntry("anna@firma.de") + "\n");
   EXPECT_EQ(system.Run({"merge", "/book.txt", "--output", "/all.txt"}), kExitDone);
-  EXPECT_EQ(system.fake.files.Contents("/all.txt"), "carl@firma.com \r\n");
+  EXPECT_EQ(system.fake.files.Contents(AbsolutePath("/all.txt")), "carl@firma.com \r\n");
 }
 
 TEST_F(SuppressCommandTest, NothingIsListedWhileTheListCannotBeRead) {

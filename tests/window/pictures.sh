@@ -6,6 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 scripts/screenshots.sh
 for documented in docs/images/*.png; do
   taken=build/pictures/${documented##*/}
+  case "$taken" in */overview*) continue ;; esac  # the web page of a collection: tests/docs/pictures.py
   [ -s "$taken" ] || { echo "[  FAILED  ] no picture: $taken"; exit 1; }
   colours=$(identify -format %k "$taken")
   [ "$colours" -ge 8 ] || { echo "[  FAILED  ] $taken has $colours colours"; exit 1; }

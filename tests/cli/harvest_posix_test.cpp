@@ -1,4 +1,4 @@
-// quenlar harvest over a platform in memory.
+// quenlar harvest over a platform in memory, with paths as they are on Linux.
 #include <gtest/gtest.h>
 
 #include "cli/exit_status.h"
