@@ -28,7 +28,7 @@ bool TakeSign(std::string_view& text, std::string_view signs) {
   return true;
 }
 
-// What stands behind the time: a fraction, and "Z" or an offset, of which it gives the seconds.
+// Reads what stands behind the time: a fraction, then "Z" or an offset. `offset` becomes the offset's seconds.
 bool TakeZone(std::string_view text, int& offset) {
   offset = 0;
   if (TakeSign(text, ".,")) text.remove_prefix(std::min(text.find_first_not_of("0123456789"), text.size()));

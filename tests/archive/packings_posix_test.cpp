@@ -1,4 +1,4 @@
-// Archives and bodies packed by brotli and zstd, of which other systems have no library.
+// Archives and bodies packed by brotli and zstd. Only Linux has the libraries for them.
 #include <memory>
 #include <string>
 #include <vector>
