@@ -31,18 +31,25 @@ std::string CollectionMenu::AddressAt(const Rows& rows) const {
   return rows.empty() || rows.front() >= found.Count() ? "" : std::string(found.At(rows.front()).Address);
 }
 
-void CollectionMenu::ShowSightings(const Rows& rows) {
-  const std::string address = AddressAt(rows);
+// An open reader keeps the collection from being deleted, so it is closed before the dialog comes up.
+Result<std::vector<SightingRow>> CollectionMenu::SightingsOf(const std::string& address) const {
   const auto reader = context_.job.Reader();
-  if (!reader.ok()) return Warn(reader.status());
+  if (!reader.ok()) return reader.status();
   std::vector<SightingRow> sightings;
   const Status listed = reader.value()->SightingsOf(address, [&](const Sighting& row) {
     sightings.push_back({std::string(row.page), std::string(row.title), std::string(row.place), row.first_seen,
                          row.last_seen, row.gone});
     return true;
   });
-  if (!listed.ok()) return Warn(listed);
-  context_.sightings.ShowFor(address, std::move(sightings));
+  if (!listed.ok()) return listed;
+  return sightings;
+}
+
+void CollectionMenu::ShowSightings(const Rows& rows) {
+  const std::string address = AddressAt(rows);
+  Result<std::vector<SightingRow>> sightings = SightingsOf(address);
+  if (!sightings.ok()) return Warn(sightings.status());
+  context_.sightings.ShowFor(address, sightings.take());
 }
 
 void CollectionMenu::AskWhy(const Rows& rows) {

@@ -37,6 +37,7 @@ class CollectionMenu {
   void ShowSightings(const Rows& rows);
   void AskWhy(const Rows& rows);
   void OpenAsWebPage();
+  [[nodiscard]] Result<std::vector<SightingRow>> SightingsOf(const std::string& address) const;
   [[nodiscard]] std::string AddressAt(const Rows& rows) const;
   BoxAnswer Show(const std::string& text, BoxButtons buttons = BoxButtons::kOk);
   void Warn(const Status& status) { Show(SentenceOf(status)); }

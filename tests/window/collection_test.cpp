@@ -148,6 +148,13 @@ struct CollectionRun : testing::Test {
     return names;
   }
 
+  // What a failure needs to be understood: the stage, the message box, the files.
+  [[nodiscard]] std::string WhatIsShown() const {
+    const Window box = program.BoxThatBegins("");
+    return "\nstage: " + Control("stsExtract").Panel(1) + "\nbox: " + (box ? box.Control(0xFFFF).Text() : "none") +
+           "\nfiles: " + testing::PrintToString(FilesIn("data")) + testing::PrintToString(FilesIn("report"));
+  }
+
   std::string end_text;
 };
 
@@ -158,7 +165,7 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
   Control("cmdExtract").Click();
   // The page that is never answered keeps the run going until Stop.
   const Window list = Control("lstMail");
-  ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 2; })) << list.Rows();
+  ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 2; })) << list.Rows() << WhatIsShown();
   EXPECT_THAT(list.Column(1), ElementsAre("secretary@chess.de", "treasurer@chess.museum"));
   EXPECT_EQ(list.Cell(0, 2), site + "/index.html");
   EXPECT_EQ(list.Cell(1, 3), "Board");
@@ -200,7 +207,7 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
   Control("cmdDelete").Click();
   ASSERT_TRUE(program.Answer("Are you sure to delete it ?", IDYES));
   ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 0; }));
-  EXPECT_TRUE(WaitUntil([&] { return FilesIn("report").empty() && FilesIn("data").empty(); }));
+  EXPECT_TRUE(WaitUntil([&] { return FilesIn("report").empty() && FilesIn("data").empty(); })) << WhatIsShown();
 }
 
 TEST_F(CollectionRun, TheClassicRunIsAsBeforeWhenItIsSwitchedOff) {
