@@ -76,27 +76,34 @@ ScratchRegistry::~ScratchRegistry() {
   RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
 }
 
-TrustedAuthority::TrustedAuthority(const std::string& pem_path) {
+TrustedAuthority::TrustedAuthority(const std::string& pem_path) : store_(CertOpenSystemStoreW(0, L"ROOT")) {
+  // A run that was killed leaves its certificates, which have the same name and another key.
+  DeleteAll();
   const auto pem = ReadWhole(Win32Files(), pem_path);
-  const HCERTSTORE store = CertOpenSystemStoreW(0, L"ROOT");
   constexpr std::string_view kBegin = "-----BEGIN CERTIFICATE-----";
   for (std::size_t at = pem.value().find(kBegin); at != std::string::npos; at = pem.value().find(kBegin, at + 1)) {
     DWORD size = 0;
     CryptStringToBinaryA(pem.value().c_str() + at, 0, CRYPT_STRING_BASE64HEADER, nullptr, &size, nullptr, nullptr);
     std::vector<BYTE> bytes(size);
     CryptStringToBinaryA(pem.value().c_str() + at, 0, CRYPT_STRING_BASE64HEADER, bytes.data(), &size, nullptr, nullptr);
-    PCCERT_CONTEXT added = nullptr;
-    CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, bytes.data(), size, CERT_STORE_ADD_REPLACE_EXISTING,
-                                     &added);
-    if (added) certificates_.push_back(added);
+    CertAddEncodedCertificateToStore(store_, X509_ASN_ENCODING, bytes.data(), size, CERT_STORE_ADD_REPLACE_EXISTING,
+                                     nullptr);
   }
-  // The certificates keep the store open, and others see only what has been written.
-  CertControlStore(store, 0, CERT_STORE_CTRL_COMMIT, nullptr);
-  CertCloseStore(store, 0);
+  CertControlStore(store_, 0, CERT_STORE_CTRL_COMMIT, nullptr);  // other processes see only what has been written
 }
 
 TrustedAuthority::~TrustedAuthority() {
-  for (const PCCERT_CONTEXT certificate : certificates_) CertDeleteCertificateFromStore(certificate);
+  DeleteAll();
+  CertCloseStore(store_, 0);
+}
+
+void TrustedAuthority::DeleteAll() {
+  const auto next = [&] {
+    return CertFindCertificateInStore(store_, X509_ASN_ENCODING, 0, CERT_FIND_SUBJECT_STR_W, L"Test Authority",
+                                      nullptr);
+  };
+  while (const PCCERT_CONTEXT found = next()) CertDeleteCertificateFromStore(found);
+  CertControlStore(store_, 0, CERT_STORE_CTRL_COMMIT, nullptr);
 }
 
 }  // namespace quenlar

@@ -39,7 +39,7 @@ class ScratchRegistry {
   std::wstring name_;
 };
 
-// While it lives, the certificates of a PEM file are trusted by the user.
+// While it lives, the certificates of a PEM file are trusted by the user, and none of "Test Authority" but these.
 class TrustedAuthority {
  public:
   explicit TrustedAuthority(const std::string& pem_path);
@@ -48,7 +48,10 @@ class TrustedAuthority {
   TrustedAuthority& operator=(const TrustedAuthority&) = delete;
 
  private:
-  std::vector<PCCERT_CONTEXT> certificates_;
+  // Deletes the certificates of that name, in the registry too.
+  void DeleteAll();
+
+  HCERTSTORE store_;
 };
 
 }  // namespace quenlar
