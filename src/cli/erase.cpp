@@ -7,8 +7,8 @@
 #include "cli/tell_erased.h"
 #include "cli/workplace.h"
 #include "engine/home.h"
+#include "engine/never_list.h"
 #include "platform/message_boxes.h"
-#include "settings/suppression_file.h"
 
 namespace quenlar {
 namespace {
@@ -22,18 +22,6 @@ bool IsConfirmed(Invocation& invocation, const Platform& platform, const EraseAr
   }
   const std::string question = arguments.address + ": take it out of all collections and reports for good ?";
   return platform.boxes.Show(question, kProductCaption, BoxIcon::kExclamation, BoxButtons::kYesNo) == BoxAnswer::kYes;
-}
-
-// Puts the digest on the list, and takes off it what names the address itself.
-Status SuppressByDigest(const Platform& platform, const Installation& installation, const std::string& address,
-                        const SuppressionList& only) {
-  const AddressTest keeps = [&](std::string_view other) { return !only.Has(other); };
-  const std::string digest = DigestEntry(address);
-  return ChangeSuppressionFile(platform.files, platform.idna, installation, {digest},
-                               [&](std::string_view line, std::string_view entry) {
-                                 return entry == address || NextUnwanted(line, keeps).has_value();
-                               })
-      .status();
 }
 
 }  // namespace
@@ -54,7 +42,7 @@ int Erase(Invocation& invocation, const EraseArguments& arguments) {
   const Status made = MakeFolders(platform.files, installation.program_folder, installation.separator);
   if (!made.ok()) return invocation.Fail(made);
   if (arguments.suppress) {
-    const Status suppressed = SuppressByDigest(platform, installation, *address, only);
+    const Status suppressed = SuppressByDigest(platform.files, platform.idna, installation, {*address});
     if (!suppressed.ok()) return invocation.Fail(suppressed);
   }
   return EraseAndTell(invocation, platform, only, *address);

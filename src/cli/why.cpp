@@ -31,22 +31,6 @@ Json FactsOf(const WhyAnswer& answer) {
   return line;
 }
 
-int PrintFacts(Invocation& invocation, const Json& facts) {
-  std::string line = JsonLine(facts);
-  line.pop_back();  // Print adds it
-  invocation.Print(line);
-  return kExitDone;
-}
-
-int WhySuppressed(Invocation& invocation, const std::string& address, const std::string& entry, bool as_json) {
-  if (as_json) {
-    return PrintFacts(invocation,
-                      {{"address", address}, {"state", "suppressed"}, {"reason", "suppressed"}, {"rule", entry}});
-  }
-  (void)(invocation.Print(address) && invocation.Print("It is not listed: the suppression list holds " + entry + "."));
-  return kExitDone;
-}
-
 }  // namespace
 
 int Why(Invocation& invocation, const WhyArguments& arguments) {
@@ -54,19 +38,25 @@ int Why(Invocation& invocation, const WhyArguments& arguments) {
   if (!reader.ok()) return invocation.Fail(reader.status());
   const Result<Platform> platform = OpenHome(invocation);
   if (!platform.ok()) return invocation.Fail(platform.status());
-  const bool as_json = arguments.format == "jsonl";
-  const Result<SuppressionList> suppression = LoadSuppression(invocation, platform.value());
-  if (!suppression.ok()) return invocation.Fail(suppression.status());
-  if (const auto entry = suppression.value().EntryFor(arguments.what)) {
-    return WhySuppressed(invocation, arguments.what, *entry, as_json);
+  SuppressionList suppression;
+  if (AsksForAddress(arguments.what)) {
+    Result<SuppressionList> loaded = LoadSuppression(invocation, platform.value());
+    if (!loaded.ok()) return invocation.Fail(loaded.status());
+    suppression = loaded.take();
   }
-  const Result<WhyAnswer> answer = Why(*reader.value(), platform.value().idna, arguments.what, kMostPlaces);
+  const Result<WhyAnswer> answer =
+      Why(*reader.value(), suppression, platform.value().idna, arguments.what, kMostPlaces);
   if (!answer.ok()) return invocation.Fail(answer.status());
   if (!answer.value().definite) {
     for (const std::string& sentence : answer.value().sentences) invocation.Say(sentence);
     return kExitFailed;
   }
-  if (as_json) return PrintFacts(invocation, FactsOf(answer.value()));
+  if (arguments.format == "jsonl") {
+    std::string line = JsonLine(FactsOf(answer.value()));
+    line.pop_back();  // Print adds it
+    invocation.Print(line);
+    return kExitDone;
+  }
   for (const std::string& sentence : answer.value().sentences) {
     if (!invocation.Print(sentence)) break;
   }

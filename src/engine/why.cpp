@@ -69,6 +69,16 @@ Result<WhyAnswer> WhyPage(CollectionReader& reader, const Url& url) {
   return answer;
 }
 
+WhyAnswer WhySuppressed(const std::string& address, const std::string& entry) {
+  WhyAnswer answer;
+  answer.definite = true;
+  answer.sentences = {address, "It is not listed: the suppression list holds " + entry + "."};
+  answer.address = address;
+  answer.state = answer.reason = "suppressed";
+  answer.rule = entry;
+  return answer;
+}
+
 Result<WhyAnswer> WhyAddress(CollectionReader& reader, const std::string& address, std::size_t most_places) {
   WhyAnswer answer;
   std::vector<std::string> places;
@@ -102,8 +112,14 @@ bool HasScheme(std::string_view what) { return what.find("//") != std::string_vi
 
 }  // namespace
 
-Result<WhyAnswer> Why(CollectionReader& reader, const Idna& idna, const std::string& what, std::size_t most_places) {
-  if (!HasScheme(what) && what.find('@') != std::string::npos) return WhyAddress(reader, what, most_places);
+bool AsksForAddress(std::string_view what) { return !HasScheme(what) && what.find('@') != std::string_view::npos; }
+
+Result<WhyAnswer> Why(CollectionReader& reader, const SuppressionList& suppression, const Idna& idna,
+                      const std::string& what, std::size_t most_places) {
+  if (AsksForAddress(what)) {
+    if (const auto entry = suppression.EntryFor(what)) return WhySuppressed(what, *entry);
+    return WhyAddress(reader, what, most_places);
+  }
   const auto url = ParseUrl(HasScheme(what) ? what : "https://" + what, nullptr, idna);
   if (url) return WhyPage(reader, *url);
   WhyAnswer answer;

@@ -16,6 +16,7 @@ constexpr std::size_t kMostPlaces = 20;  // of an address that an answer names
 std::vector<ui::ListView::Command> CollectionMenu::Commands() {
   std::vector<ui::ListView::Command> commands = {
       {.caption = "&Where it was found ...", .run = [this](const Rows& rows) { ShowSightings(rows); }, .apart = true},
+      {.caption = "&Never list this address again ...", .run = [this](const Rows& rows) { NeverListAgain(rows); }},
       {.caption = "Wh&y ...", .run = [this](const Rows& rows) { AskWhy(rows); }, .needs_rows = false},
       {.caption = "Open as we&b page",
        .run = [this](const Rows&) { OpenAsWebPage(); },
@@ -52,11 +53,35 @@ void CollectionMenu::ShowSightings(const Rows& rows) {
   context_.sightings.ShowFor(address, sightings.take());
 }
 
+// The question and the answer pump; the addresses are copied, since the table may change meanwhile.
+void CollectionMenu::NeverListAgain(const Rows& rows) {
+  std::vector<std::string> addresses;
+  const FoundAddresses& found = context_.job.found();
+  for (const std::uint32_t row : rows) {
+    if (row < found.Count()) addresses.emplace_back(found.At(row).Address);
+  }
+  if (addresses.empty()) return;
+  const bool one = addresses.size() == 1;
+  const std::string what = one ? addresses.front() : "These " + std::to_string(addresses.size()) + " addresses";
+  const BoxAnswer answer = Show(what + (one ? " is" : " are") +
+                                    " taken out of all collections and reports, and never listed again.\r\n"
+                                    "Only a digest is kept, by which the program knows " +
+                                    (one ? "it" : "them") + " again.\r\n\r\nDo you want that ?",
+                                BoxButtons::kYesNo);
+  if (answer != BoxAnswer::kYes) return;
+  const auto done = context_.never.AddDigests(addresses);
+  if (!done.ok()) return Warn(done.status());
+  std::string text;
+  for (const std::string& sentence : done.value()) text += (text.empty() ? "" : "\r\n") + sentence + ".";
+  Show(text);
+}
+
 void CollectionMenu::AskWhy(const Rows& rows) {
   context_.why.ShowFor(AddressAt(rows), [this](const std::string& what) -> std::string {
     const auto reader = context_.job.Reader();
     if (!reader.ok()) return SentenceOf(reader.status());
-    const Result<WhyAnswer> answer = Why(*reader.value(), context_.engine.platform.idna, what, kMostPlaces);
+    const Result<WhyAnswer> answer =
+        Why(*reader.value(), context_.engine.suppression, context_.engine.platform.idna, what, kMostPlaces);
     if (!answer.ok()) return SentenceOf(answer.status());
     std::string text;
     for (const std::string& sentence : answer.value().sentences) text += (text.empty() ? "" : "\r\n") + sentence;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/collection_job.h"
+#include "engine/never_list.h"
 #include "forms/frm_sightings.h"
 #include "forms/frm_why.h"
 #include "platform/message_boxes.h"
@@ -20,6 +21,7 @@ class CollectionMenu {
   // the list shows a collection.
   struct Context {
     CollectionJob& job;
+    NeverList& never;
     frmSightings& sightings;
     frmWhy& why;
     Engine& engine;
@@ -35,6 +37,7 @@ class CollectionMenu {
   using Rows = std::vector<std::uint32_t>;
 
   void ShowSightings(const Rows& rows);
+  void NeverListAgain(const Rows& rows);
   void AskWhy(const Rows& rows);
   void OpenAsWebPage();
   [[nodiscard]] Result<std::vector<SightingRow>> SightingsOf(const std::string& address) const;

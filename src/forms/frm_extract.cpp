@@ -27,7 +27,7 @@ frmExtract::frmExtract(Context context)
     : Form("frmExtract", kProductCaption),
       context_(context),
       job_(&context.classic),
-      menu_({context.collection, context.sightings, context.why, context.engine,
+      menu_({context.collection, context.never, context.sightings, context.why, context.engine,
              [this] { return job_ == &context_.collection; }}) {
   system_menu = {&mnuWeb};
   txtSearch.SetVisible(false);
@@ -113,6 +113,10 @@ void frmExtract::FollowSetting() {
   } else if (ready_) {  // at first Load goes on with it
     FillProjectCombo();
   }
+}
+
+void frmExtract::Reload() {
+  if (!cmbURL.text().empty()) cmbURL_Change();
 }
 
 // --- The run's beginning and its stop ---

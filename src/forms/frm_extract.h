@@ -26,6 +26,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
     Job& classic;
     CollectionJob& collection;
     const WebSettings& web_settings;
+    NeverList& never;
     frmOption& option;
     frmEmailMergeTool& tool;
     frmSightings& sightings;
@@ -67,6 +68,10 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   [[nodiscard]] Job& job() const { return *job_; }
   // Shows what the setting says, now or as soon as nothing is under way any more. Pumps.
   void FollowSetting();
+  // Loads what is open anew, because its files have changed. Pumps. Not while a run goes on.
+  void Reload();
+  // Whether a run is under way, or will begin with the next tick of its timer.
+  [[nodiscard]] bool RunGoesOn() const;
 
   // Shows a message in a message box: at once when no run goes on, otherwise when the run has ended. The same message
   // is shown once.
@@ -111,8 +116,6 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void ShowModalFrom(ui::Button& button, ui::Form& form);
   void cmdHide_Click();
 
-  // Whether a run is under way, or will begin with the next tick of its timer.
-  [[nodiscard]] bool RunGoesOn() const;
   [[nodiscard]] bool MayStart() const;
   // The controls that can be used only while no run goes on.
   [[nodiscard]] std::vector<ui::Control*> Inputs();

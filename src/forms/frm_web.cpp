@@ -12,9 +12,13 @@
 namespace quenlar {
 namespace {
 
-constexpr std::size_t kGeneralTab = 0, kReachTab = 1, kMannersTab = 2;
+constexpr std::size_t kGeneralTab = 0, kReachTab = 1, kMannersTab = 2, kNeverTab = 3;
 constexpr std::int32_t kSecond = 1000;
 constexpr std::size_t kMostDigits = 10;
+
+constexpr const char* kNeverNote =
+    "Holds at once, for classic projects too: what is added is taken out of all collections and reports. "
+    "What is removed here does not come back by itself.";
 
 bool AreDigits(std::string_view text) { return text.find_first_not_of("0123456789") == std::string_view::npos; }
 
@@ -54,13 +58,20 @@ frmWeb::frmWeb(Context context) : Form("frmWeb", "Web settings"), context_(std::
   txtContact.max_length = 200;
   txtService.max_length = 254;
   tabWeb.Click = [this] { tabWeb_Click(); };
+  lstNever.multi_select = true;
+  lstNever.Click = [this] { cmdRemove.SetEnabled(lstNever.SelectedCount() > 0); };
+  lstNever.DeleteKey = [this] { cmdRemove_Click(); };
+  cmdAdd.Click = [this] { cmdAdd_Click(); };
+  cmdImport.Click = [this] { cmdImport_Click(); };
+  cmdRemove.Click = [this] { cmdRemove_Click(); };
   cmdOK.Click = [this] { cmdOK_Click(); };
   cmdCancel.Click = [this] { Close(); };
 }
 
 std::vector<ui::Control*> frmWeb::Controls() {
   return {&tabWeb,   &picGeneral,   &chkCollect, &txtContact, &txtService, &picReach,  &cmbScope, &txtDepth,
-          &txtPages, &chkProtected, &picManners, &txtPause,   &txtHosts,   &chkRobots, &cmdOK,    &cmdCancel};
+          &txtPages, &chkProtected, &picManners, &txtPause,   &txtHosts,   &chkRobots, &picNever, &lstNever,
+          &txtNever, &cmdAdd,       &cmdImport,  &cmdRemove,  &lblNever,   &cmdOK,     &cmdCancel};
 }
 
 // What is stored counts, because the command line stores the contact and the search service too.
@@ -77,15 +88,19 @@ void frmWeb::Load() {
   txtPause.SetText(PauseText(settings.pause));
   txtHosts.SetText(std::to_string(settings.hosts));
   chkRobots.SetChecked(settings.obey_robots != 0);
+  txtNever.SetText("");
+  FillNever();
 }
 
 void frmWeb::tabWeb_Click() {
-  ui::Panel* const panels[] = {&picGeneral, &picReach, &picManners};
+  ui::Panel* const panels[] = {&picGeneral, &picReach, &picManners, &picNever};
   for (ui::Panel* panel : panels) panel->SetVisible(false);
   if (tabWeb.selected() < std::size(panels)) panels[tabWeb.selected()]->SetVisible(true);
 }
 
+// Enter in the box of an entry is OK to the system; the entry is not lost by it.
 void frmWeb::cmdOK_Click() {
+  if (tabWeb.selected() == kNeverTab && !TrimBlanks(txtNever.text()).empty()) return cmdAdd_Click();
   const std::optional<WebSettings> settings = ReadControls();
   if (!settings) return;
   context_.settings = *settings;
@@ -93,6 +108,53 @@ void frmWeb::cmdOK_Click() {
   Close();
   if (!stored.ok()) context_.boxes.Show(SentenceOf(stored), kProductCaption, BoxIcon::kExclamation, BoxButtons::kOk);
   if (context_.stored) context_.stored();
+}
+
+void frmWeb::cmdAdd_Click() {
+  const std::string entry(TrimBlanks(txtNever.text()));
+  if (entry.empty()) return txtNever.SetFocus();
+  const auto added = context_.never.Add(entry);
+  if (added.ok()) txtNever.SetText("");
+  TellChange(added);
+  txtNever.SetFocus();
+}
+
+void frmWeb::cmdImport_Click() {
+  const auto choice = context_.dialogs.Open({.title = "Import",
+                                             .filter = "Text(*.txt)|*.txt|All files(*.*)|*.*",
+                                             .folder = context_.installation.program_folder,
+                                             .proposed_name = ""});
+  if (choice && !choice->names.empty()) TellChange(context_.never.Import(choice->names));
+}
+
+void frmWeb::cmdRemove_Click() {
+  std::vector<std::string> entries;
+  for (std::size_t i = 0; i < lstNever.items().size(); ++i) {
+    if (lstNever.selected(i)) entries.push_back(lstNever.items()[i]);
+  }
+  if (entries.empty()) return;
+  const Status removed = context_.never.Remove(entries);
+  if (!removed.ok()) TellChange(removed);
+  FillNever();
+}
+
+// A list that cannot be read is not changed either.
+void frmWeb::FillNever() {
+  const auto entries = context_.never.Entries();
+  lstNever.SetItems(entries.ok() ? entries.value() : std::vector<std::string>());
+  lblNever.SetText(entries.ok() ? kNeverNote : SentenceOf(entries.status()));
+  for (ui::Button* button : {&cmdAdd, &cmdImport}) button->SetEnabled(entries.ok());
+  cmdRemove.SetEnabled(false);
+}
+
+void frmWeb::TellChange(const Result<std::vector<std::string>>& change) {
+  FillNever();
+  std::string text = change.ok() ? "" : SentenceOf(change.status());
+  for (const std::string& sentence : change.ok() ? change.value() : std::vector<std::string>()) {
+    text += (text.empty() ? "" : "\r\n") + sentence + ".";
+  }
+  context_.boxes.Show(text, kProductCaption, change.ok() ? BoxIcon::kInformation : BoxIcon::kExclamation,
+                      BoxButtons::kOk);
 }
 
 std::optional<WebSettings> frmWeb::ReadControls() {

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/never_list.h"
+#include "platform/file_dialogs.h"
 #include "platform/message_boxes.h"
 #include "platform/registry.h"
 #include "settings/web_settings.h"
@@ -15,22 +17,25 @@
 
 namespace quenlar {
 
-// A modal dialog with tabs. OK checks what was typed and stores everything; closing the dialog in any
-// other way changes nothing.
+// A modal dialog with tabs. OK checks what was typed and stores everything; closing the dialog in any other way changes
+// nothing, but for the list of what is never listed: its buttons act at once.
 class frmWeb final : public ui::Form {
  public:
   // Everything that the dialog works on. It must outlive the dialog. `stored` is called behind OK.
   struct Context {
     Registry& registry;
     WebSettings& settings;
+    NeverList& never;
     MessageBoxes& boxes;
+    FileDialogs& dialogs;
+    const Installation& installation;
     std::function<void()> stored;
   };
 
   explicit frmWeb(Context context);
 
-  ui::TabStrip tabWeb{"tabWeb", {"&General", "&Reach", "&Manners"}};
-  ui::Panel picGeneral{"picGeneral"}, picReach{"picReach"}, picManners{"picManners"};
+  ui::TabStrip tabWeb{"tabWeb", {"&General", "&Reach", "&Manners", "&Never list"}};
+  ui::Panel picGeneral{"picGeneral"}, picReach{"picReach"}, picManners{"picManners"}, picNever{"picNever"};
 
   // Tab General: the switch, who collects, and who is asked for keywords.
   ui::CheckBox chkCollect{"chkCollect", "Collect from today's &web"};
@@ -48,6 +53,14 @@ class frmWeb final : public ui::Form {
   ui::TextBox txtHosts{"txtHosts"};
   ui::CheckBox chkRobots{"chkRobots", "&Obey robots.txt"};
 
+  // Tab Never list: the suppression list.
+  ui::ListBox lstNever{"lstNever"};
+  ui::TextBox txtNever{"txtNever"};
+  ui::Button cmdAdd{"cmdAdd", "&Add"};
+  ui::Button cmdImport{"cmdImport", "&Import ..."};
+  ui::Button cmdRemove{"cmdRemove", "Remo&ve"};
+  ui::Label lblNever{"lblNever"};
+
   ui::Button cmdOK{"cmdOK", "OK"};
   ui::Button cmdCancel{"cmdCancel", "Cancel"};
 
@@ -57,6 +70,11 @@ class frmWeb final : public ui::Form {
  private:
   void tabWeb_Click();
   void cmdOK_Click();
+  void cmdAdd_Click();
+  void cmdImport_Click();
+  void cmdRemove_Click();
+  void FillNever();
+  void TellChange(const Result<std::vector<std::string>>& change);
   // What the controls say. Empty, after a message and with the focus on the control, where one of them says nothing of
   // use.
   [[nodiscard]] std::optional<WebSettings> ReadControls();

@@ -8,6 +8,7 @@
 #include "engine/classic_job.h"
 #include "engine/collection_job.h"
 #include "engine/engine.h"
+#include "engine/never_list.h"
 #include "forms/frm_about.h"
 #include "forms/frm_dialog.h"
 #include "forms/frm_email_merge_tool.h"
@@ -63,6 +64,7 @@ class Program {
   WebSettings web_settings;
   ClassicJob classic;
   CollectionJob collection;
+  NeverList never;
   frmOption option;
   frmWeb web;
   frmEmailMergeTool tool;

@@ -188,7 +188,7 @@ class CollectionMenuTest : public CollectingProgram {
 
 TEST_F(CollectionMenuTest, IsOfferedOnlyWhileACollectionIsShown) {
   Start();
-  EXPECT_EQ(Captions(true).size(), 6u);
+  EXPECT_EQ(Captions(true).size(), 7u);
   EXPECT_THAT(Captions(false), ElementsAre("Wh&y ...", "Open as we&b page"));
   SwitchTo(false);
   EXPECT_THAT(Captions(true), ElementsAre("Copy &address\tCtrl+C", "Copy &row", "&Open page"));
@@ -227,6 +227,52 @@ TEST_F(CollectionMenuTest, WhereItWasFoundCanBeAskedDuringARun) {
   });
   Collect("www.cars.example");
   EXPECT_EQ(rows, 1u);
+}
+
+TEST_F(CollectionMenuTest, NeverAgainErasesAndSuppressesAfterAQuestion) {
+  Start();
+  Collect("www.cars.example");
+  boxes.answers = {BoxAnswer::kNo};
+  ASSERT_TRUE(Choose("Never", {1}));
+  EXPECT_EQ(Rows(1).size(), 3u);
+  EXPECT_THAT(boxes.shown.back().text, StartsWith("second@cars.de is taken out of all collections and reports"));
+  EXPECT_FALSE(Exists("suppressed.txt"));
+
+  boxes.answers = {BoxAnswer::kYes};
+  ASSERT_TRUE(Choose("Never", {1}));
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "third@cars.de"));
+  EXPECT_THAT(boxes.shown.back().text, StartsWith("second@cars.de: 1 address taken out of 1 collection and "));
+  EXPECT_THAT(Contents("suppressed.txt"), StartsWith("sha256:"));
+  EXPECT_THAT(Contents("suppressed.txt"), Not(HasSubstr("second")));
+  EXPECT_THAT(Contents(kReport), Not(HasSubstr("second@cars.de")));
+  EXPECT_THAT(Contents(kDatabase), Not(HasSubstr("second@cars.de")));
+
+  // The next visit does not bring it back.
+  boxes.answers = {BoxAnswer::kYes};
+  Main().cmdExtract.Click();
+  FinishRun();
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "third@cars.de"));
+  EXPECT_THAT(boxes.shown.back().text, HasSubstr("1 address that are never listed"));
+}
+
+TEST_F(CollectionMenuTest, NeverAgainTakesSeveralAtOnce) {
+  Start();
+  Collect("www.cars.example");
+  boxes.answers = {BoxAnswer::kYes};
+  ASSERT_TRUE(Choose("Never", {0, 2}));
+  EXPECT_THAT(Rows(1), ElementsAre("second@cars.de"));
+}
+
+TEST_F(CollectionMenuTest, NeverAgainWaitsForTheEndOfARun) {
+  Start();
+  WhenFound([&] {
+    boxes.answers = {BoxAnswer::kYes};
+    EXPECT_TRUE(Choose("Never", {0}));
+    EXPECT_THAT(boxes.shown.back().text, StartsWith("A run goes on"));
+  });
+  Collect("www.cars.example");
+  EXPECT_EQ(Rows(1).size(), 3u);
+  EXPECT_FALSE(Exists("suppressed.txt"));
 }
 
 TEST_F(CollectionMenuTest, WhyAnswersForAddressesAndPages) {

@@ -14,12 +14,9 @@ namespace {
 
 using testing::ElementsAre;
 
-struct WebSettingsDialog : testing::Test {
-  FakeRegistry registry;
-  RecordingBoxes boxes;
-  WebSettings settings;
-  int stored = 0;
-  frmWeb web{{registry, settings, boxes, [this] { ++stored; }}};
+struct WebSettingsDialog : ProgramTest {
+  frmWeb& web = program.web;
+  WebSettings& settings = program.web_settings;
 
   [[nodiscard]] std::string Stored(const char* name) const { return registry.Stored(kWebKey, name).value_or("(none)"); }
   // The message that answers OK; the dialog stays.
@@ -72,8 +69,8 @@ TEST_F(WebSettingsDialog, OkStoresEverythingAndTellsOfIt) {
   web.chkRobots.UserClick();
   web.cmdOK.Click();
   EXPECT_FALSE(web.loaded());
-  EXPECT_EQ(stored, 1);
   EXPECT_EQ(settings.collect, 1);
+  EXPECT_EQ(&extract.job(), &program.collection);
   const std::vector<std::pair<const char*, const char*>> kExpected = {{"Collect", "1"},
                                                                       {"Contact", "me@home.example"},
                                                                       {"SearchService", "https://search.example"},
@@ -102,7 +99,6 @@ TEST_F(WebSettingsDialog, CancelAndClosingChangeNothing) {
     EXPECT_EQ(settings.collect, 0);
     EXPECT_FALSE(registry.KeyExists(kWebKey));
   }
-  EXPECT_EQ(stored, 0);
   web.Show();
   EXPECT_FALSE(web.chkCollect.checked());
   EXPECT_EQ(web.txtDepth.text(), "5");
@@ -143,9 +139,9 @@ TEST_F(WebSettingsDialog, NumbersOutOfTheirBoundsAreRefusedInWords) {
     }
     one.box.UserText(one.right);
   }
-  EXPECT_EQ(stored, 0);
+  EXPECT_FALSE(registry.KeyExists(kWebKey));
   web.cmdOK.Click();
-  EXPECT_EQ(stored, 1);
+  EXPECT_EQ(Stored("Depth"), "1000");
 }
 
 TEST_F(WebSettingsDialog, TextsThatAreNoAddressesAreRefusedInWords) {
@@ -161,11 +157,101 @@ TEST_F(WebSettingsDialog, TextsThatAreNoAddressesAreRefusedInWords) {
 TEST_F(WebSettingsDialog, OnePageIsSeenAtATime) {
   web.Show();
   const auto seen = [&] {
-    return std::vector<bool>{web.picGeneral.visible(), web.picReach.visible(), web.picManners.visible()};
+    return std::vector<bool>{web.picGeneral.visible(), web.picReach.visible(), web.picManners.visible(),
+                             web.picNever.visible()};
   };
-  EXPECT_THAT(seen(), ElementsAre(true, false, false));
+  EXPECT_THAT(seen(), ElementsAre(true, false, false, false));
   web.tabWeb.Select(2);
-  EXPECT_THAT(seen(), ElementsAre(false, false, true));
+  EXPECT_THAT(seen(), ElementsAre(false, false, true, false));
+}
+
+// --- What is never listed ---
+
+struct NeverListPage : WebSettingsDialog {
+  NeverListPage() {
+    files.AddFolder("/home/data");
+    files.AddFolder("/home/report");
+    StoreProjects({});
+  }
+  [[nodiscard]] std::string File() const { return files.Contents("/home/suppressed.txt").value_or("(none)"); }
+};
+
+TEST_F(NeverListPage, ShowsWhatIsOnTheList) {
+  files.Put("/home/suppressed.txt", "# of last year\nAnna@example.org\n@example.net\n");
+  web.Show();
+  EXPECT_THAT(web.lstNever.items(), ElementsAre("anna@example.org", "@example.net"));
+  EXPECT_FALSE(web.cmdRemove.enabled());
+  EXPECT_TRUE(web.cmdAdd.enabled());
+}
+
+TEST_F(NeverListPage, AddTakesTheAddressOutOfWhatIsStored) {
+  files.Put("/home/report/cars_test.rpt", "one@cars.test\r\ntwo@cars.test\r\n");
+  Start();
+  web.Show();
+  web.txtNever.UserText(" One@cars.test ");
+  web.cmdAdd.Click();
+  EXPECT_THAT(web.lstNever.items(), ElementsAre("one@cars.test"));
+  EXPECT_EQ(web.txtNever.text(), "");
+  EXPECT_EQ(File(), "one@cars.test\n");
+  EXPECT_EQ(files.Contents("/home/report/cars_test.rpt"), "two@cars.test\r\n");
+  ASSERT_EQ(boxes.shown.size(), 1u);
+  EXPECT_EQ(boxes.shown[0].text, "one@cars.test: 1 address taken out of 0 collections and 1 file of projects.");
+}
+
+TEST_F(NeverListPage, WhatIsNoEntryIsRefused) {
+  web.Show();
+  web.txtNever.UserText("anna");
+  web.cmdAdd.Click();
+  EXPECT_EQ(boxes.texts(),
+            std::vector<std::string>{"anna is neither an address nor @ and a domain nor sha256: and a digest !"});
+  EXPECT_EQ(web.txtNever.text(), "anna");
+  EXPECT_EQ(File(), "(none)");
+}
+
+TEST_F(NeverListPage, EnterInTheBoxAddsInsteadOfClosing) {
+  web.Show();
+  web.tabWeb.Select(3);
+  web.txtNever.UserText("@cars.test");
+  web.cmdOK.Click();
+  EXPECT_TRUE(web.loaded());
+  EXPECT_THAT(web.lstNever.items(), ElementsAre("@cars.test"));
+  web.cmdOK.Click();
+  EXPECT_FALSE(web.loaded());
+}
+
+TEST_F(NeverListPage, RemoveTakesTheMarkedOnesOff) {
+  files.Put("/home/suppressed.txt", "a@cars.test\nb@cars.test\nc@cars.test\n");
+  web.Show();
+  web.lstNever.UserSelect({true, false, true});
+  EXPECT_TRUE(web.cmdRemove.enabled());
+  web.cmdRemove.Click();
+  EXPECT_THAT(web.lstNever.items(), ElementsAre("b@cars.test"));
+  EXPECT_EQ(File(), "b@cars.test\n");
+  EXPECT_FALSE(web.cmdRemove.enabled());
+  web.lstNever.UserSelect({true});
+  web.lstNever.DeleteKey();
+  EXPECT_TRUE(web.lstNever.items().empty());
+}
+
+TEST_F(NeverListPage, ImportAddsTheEntriesOfAFile) {
+  files.Put("/home/old.txt", "a@cars.test\n# a note\nnonsense\n@boats.test\n");
+  dialogs.open_answers = {FileDialogs::Choice{"/home/old.txt", "/home"}, std::nullopt};
+  web.Show();
+  web.cmdImport.Click();
+  EXPECT_THAT(web.lstNever.items(), ElementsAre("a@cars.test", "@boats.test"));
+  ASSERT_EQ(boxes.shown.size(), 1u);
+  EXPECT_THAT(boxes.shown[0].text, testing::HasSubstr("What is stored: no collection"));
+  EXPECT_THAT(boxes.shown[0].text, testing::HasSubstr("/home/old.txt"));
+  web.cmdImport.Click();
+  EXPECT_EQ(boxes.shown.size(), 1u) << "cancelled";
+}
+
+TEST_F(NeverListPage, AListThatCannotBeReadIsNotChanged) {
+  files.AddFolder("/home/suppressed.txt");
+  web.Show();
+  EXPECT_FALSE(web.cmdAdd.enabled());
+  EXPECT_FALSE(web.cmdImport.enabled());
+  EXPECT_THAT(web.lblNever.text(), testing::HasSubstr("suppressed.txt"));
 }
 
 TEST(Pauses, AreSecondsWithAPointOrAComma) {

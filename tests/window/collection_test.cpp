@@ -201,6 +201,18 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
   sightings.Control(IDCANCEL).Click();
   ASSERT_TRUE(WaitUntil([&] { return !sightings && program.Main().Enabled(); }));
 
+  // Never again.
+  ChooseForRow(1, 'n');
+  Window question;
+  ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(question = program.BoxThatBegins("treasurer@chess.museum")); }));
+  question.Control(IDYES).Click();
+  ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 2; })) << again.Rows();
+  EXPECT_THAT(again.Column(1), ElementsAre("secretary@chess.de", "coach@chess.de"));
+  EXPECT_THAT(program.ReadFile("suppressed.txt"), HasSubstr("sha256:"));
+  for (const std::string& name : FilesIn("data")) {
+    EXPECT_THAT(program.ReadFile("data/" + name), Not(HasSubstr("treasurer"))) << name;
+  }
+
   // The files, and their end.
   ASSERT_TRUE(WaitUntil([&] { return program.Main().Enabled(); }));
   EXPECT_THAT(FilesIn("report"), ElementsAre(testing::EndsWith(".web.rpt")));

@@ -139,6 +139,8 @@ void ShowWebSettings(const Program& program) {
   Picture("web-reach", "Web settings");
   web.Control("tabWeb").Send(TCM_SETCURFOCUS, 2);
   Picture("web-manners", "Web settings");
+  web.Control("tabWeb").Send(TCM_SETCURFOCUS, 3);
+  Picture("web-never", "Web settings");
   web.Close();
   Expect(WaitUntil([&] { return !web && program.Main().Enabled(); }), "web settings stay");
 }
@@ -173,8 +175,8 @@ void ShowCollection(const Program& program) {
   end.Control(IDOK).Click();
   Expect(WaitUntil([&] { return !end && main.Control("cmdExtract").Enabled(); }), "not idle");
   const auto choose = [&](char key) {
-    list.MarkRow(0);
-    list.MouseRightClick(list.RowPlace(0));
+    list.MarkRow(1);
+    list.MouseRightClick(list.RowPlace(1));
     const Window menu = WaitForMenu();
     if (key == 0) {
       Picture("collecting-menu", main.Place());
@@ -255,6 +257,7 @@ void Tour(const std::string& what) {
   FillClub(site);
   Program program;
   program.SetProxy(site);
+  program.WriteFile("suppressed.txt", "anna@old.example\n@partners.example\n");
   program.WriteFile("data/ExtractFilter.dat", "\r\n<r>noreply</r>\r\n<r>*test*</r>\r\n<e>chess</e>\r\n");
   program.Start();
   Expect(static_cast<bool>(program.WaitForWindow(kUpgrade)), "no upgrade dialog");
