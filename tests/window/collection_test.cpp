@@ -67,6 +67,32 @@ TEST_F(WebSettingsTest, TheKeyboardReachesEveryPage) {
   ASSERT_TRUE(WaitUntil([&] { return web.Control("txtPause").Visible(); }));
   EXPECT_THAT(web.TabStops(), ElementsAre(ControlNumber("txtPause"), ControlNumber("txtHosts"),
                                           ControlNumber("chkRobots"), IDOK, IDCANCEL, ControlNumber("tabWeb")));
+  web.Control("tabWeb").Send(TCM_SETCURFOCUS, 3);
+  ASSERT_TRUE(WaitUntil([&] { return web.Control("lstNever").Visible(); }));
+  EXPECT_THAT(web.TabStops(), ElementsAre(ControlNumber("lstNever"), ControlNumber("txtNever"), ControlNumber("cmdAdd"),
+                                          ControlNumber("cmdImport"), IDOK, IDCANCEL, ControlNumber("tabWeb")));
+}
+
+TEST_F(WebSettingsTest, WhatIsNeverListedIsKeptAtOnce) {
+  Open();
+  web.Control("tabWeb").Send(TCM_SETCURFOCUS, 3);
+  const Window list = web.Control("lstNever");
+  ASSERT_TRUE(WaitUntil([&] { return list.Visible(); }));
+  EXPECT_FALSE(web.Control("cmdRemove").Enabled());
+  for (const char* entry : {"@boats.example", "anna@cars.example"}) {
+    web.Control("txtNever").Type(entry);
+    web.Control("cmdAdd").Click();
+    ASSERT_TRUE(program.Answer(std::string(entry) + ": no collection and no report holds anything of it."));
+  }
+  ASSERT_TRUE(WaitUntil([&] { return list.Items().size() == 2; }));
+  EXPECT_THAT(list.Items(), ElementsAre("@boats.example", "anna@cars.example"));
+  list.PickListItem(0);
+  ASSERT_TRUE(WaitUntil([&] { return web.Control("cmdRemove").Enabled(); }));
+  web.Control("cmdRemove").Click();
+  ASSERT_TRUE(WaitUntil([&] { return list.Items().size() == 1; }));
+  web.Control(IDCANCEL).Click();
+  ASSERT_TRUE(WaitUntil([&] { return !web; }));
+  EXPECT_EQ(program.ReadFile("suppressed.txt"), "anna@cars.example\n");
 }
 
 TEST_F(WebSettingsTest, EachBoxFollowsItsLabel) {
@@ -75,7 +101,8 @@ TEST_F(WebSettingsTest, EachBoxFollowsItsLabel) {
        {std::pair{"txtContact", "&Contact"}, std::pair{"txtService", "&Search service"},
         std::pair{"cmbScope", "&Links may lead to"}, std::pair{"txtDepth", "Clicks from a s&tart"},
         std::pair{"txtPages", "&Pages of a host"}, std::pair{"txtPause", "&Pause"},
-        std::pair{"txtHosts", "&Hosts at a time"}}) {
+        std::pair{"txtHosts", "&Hosts at a time"}, std::pair{"lstNever", "Never list&ed: addresses, or @ and a domain"},
+        std::pair{"txtNever", "Ne&w entry"}}) {
     EXPECT_EQ(Window(GetWindow(web.Control(box).handle(), GW_HWNDPREV)).Text(), label);
   }
 }
@@ -122,19 +149,24 @@ struct CollectionRun : testing::Test {
     web.Control(IDOK).Click();
     ASSERT_TRUE(WaitUntil([&] { return !web && program.Main().Enabled(); }));
   }
-  // Presses the button of the message at the end, whose text begins so.
-  void AnswerEnd(const std::string& beginning) {
+  // Presses a button of the message whose text begins so.
+  void AnswerBox(const std::string& beginning, int button) {
     Window box;
-    ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(box = program.BoxThatBegins(beginning)); })) << beginning;
-    end_text = box.Control(0xFFFF).Text();
-    box.Control(IDOK).Click();
+    ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(box = program.BoxThatBegins(beginning)); }))
+        << beginning << WhatIsShown();
+    last_message = box.Control(0xFFFF).Text();
+    box.Control(button).Click();
     ASSERT_TRUE(WaitUntil([&] { return !box; }));
+  }
+  void AnswerEnd(const std::string& beginning) {
+    AnswerBox(beginning, IDOK);
     ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Enabled() && Control("cmbURL").Enabled(); }));
   }
   // Chooses from the menu of the list by its access key, for the row.
   void ChooseForRow(int row, char key) {
     const Window list = Control("lstMail");
-    list.MarkRow(row);
+    list.MouseClick(list.RowPlace(row));  // takes the marks off the other rows
+    ASSERT_TRUE(WaitUntil([&] { return list.MarkedRows() == std::vector<int>{row}; }));
     list.MouseRightClick(list.RowPlace(row));
     HWND menu = nullptr;
     ASSERT_TRUE(WaitUntil([&] { return (menu = FindWindowW(L"#32768", nullptr)) && IsWindowVisible(menu); }));
@@ -155,7 +187,7 @@ struct CollectionRun : testing::Test {
            "\nfiles: " + testing::PrintToString(FilesIn("data")) + testing::PrintToString(FilesIn("report"));
   }
 
-  std::string end_text;
+  std::string last_message;
 };
 
 TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
@@ -174,8 +206,8 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
       << Control("stsExtract").Panel(1);
   Control("cmdExtract").Click();
   AnswerEnd(kEndStopButton);
-  EXPECT_THAT(end_text, HasSubstr("2 new addresses on 2 pages"));
-  EXPECT_THAT(end_text, HasSubstr("2 pages left to visit"));
+  EXPECT_THAT(last_message, HasSubstr("2 new addresses on 2 pages"));
+  EXPECT_THAT(last_message, HasSubstr("2 pages left to visit"));
   EXPECT_THAT(StoredSettings(), Not(Contains(Pair(HasSubstr("Project1"), testing::_))));
 
   // Killed and started again, it goes on with what was left.
@@ -186,10 +218,10 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
   EXPECT_EQ(Control("cmbURL").Text(), site + "/index.html");
   Control("cmdExtract").Click();
   AnswerEnd(kEndAllParsed);
-  ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 3; })) << end_text;
+  ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 3; })) << last_message;
   EXPECT_THAT(again.Column(1), ElementsAre("secretary@chess.de", "treasurer@chess.museum", "coach@chess.de"));
-  EXPECT_THAT(end_text, HasSubstr("1 new address on 1 page"));
-  EXPECT_THAT(end_text, HasSubstr("1 page that robots.txt keeps programs away from"));
+  EXPECT_THAT(last_message, HasSubstr("1 new address on 1 page"));
+  EXPECT_THAT(last_message, HasSubstr("1 page that robots.txt keeps programs away from"));
 
   // Where it was found.
   ChooseForRow(0, 'w');
@@ -203,10 +235,9 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
 
   // Never again.
   ChooseForRow(1, 'n');
-  Window question;
-  ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(question = program.BoxThatBegins("treasurer@chess.museum")); }));
-  question.Control(IDYES).Click();
-  ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 2; })) << again.Rows();
+  AnswerBox("treasurer@chess.museum is taken out", IDYES);
+  AnswerBox("treasurer@chess.museum: 1 address taken out of 1 collection and 1 file of projects", IDOK);
+  ASSERT_TRUE(WaitUntil([&] { return again.Rows() == 2; })) << again.Rows() << WhatIsShown();
   EXPECT_THAT(again.Column(1), ElementsAre("secretary@chess.de", "coach@chess.de"));
   EXPECT_THAT(program.ReadFile("suppressed.txt"), HasSubstr("sha256:"));
   for (const std::string& name : FilesIn("data")) {
@@ -248,7 +279,7 @@ TEST_F(CollectionRun, TheClassicRunIsAsBeforeWhenItIsSwitchedOff) {
   Control("cmbURL").Type("http://www.cars.example/");
   Control("cmdExtract").Click();
   AnswerEnd(kEndAllParsed);
-  ASSERT_TRUE(WaitUntil([&] { return Control("lstMail").Rows() == 1; })) << end_text;
+  ASSERT_TRUE(WaitUntil([&] { return Control("lstMail").Rows() == 1; })) << last_message;
   EXPECT_THAT(Control("lstMail").Column(1), ElementsAre("today@cars.de"));
 
   SwitchTo(false);
