@@ -63,7 +63,8 @@ std::vector<std::string> LeftOut(const CollectionEnd& end, const WebSettings& se
   if (figures.protected_count > 0 && settings.list_protected == 0) {
     lines.push_back(Count(figures.protected_count, "address", "es") + " that their owners hide from programs");
   }
-  if (figures.suppressed > 0) lines.push_back(Count(figures.suppressed, "address", "es") + " that are never listed");
+  if (figures.suppressed > 0)
+    lines.push_back(Count(figures.suppressed, "address", "es") + " that the suppression list holds");
   if (figures.filtered > 0) lines.push_back(Count(figures.filtered, "address", "es") + " that the filters drop");
   return lines;
 }

@@ -57,7 +57,7 @@ TEST(EndOfACollection, SaysWhatWasLeftOutAndWhy) {
                                           "\r\n7 pages of hosts that have had their 1000 pages or do not answer for now"
                                           "\r\n8 pages that could not be read"
                                           "\r\n9 addresses that their owners hide from programs"
-                                          "\r\n10 addresses that are never listed"
+                                          "\r\n10 addresses that the suppression list holds"
                                           "\r\n11 addresses that the filters drop"));
   WebSettings listing;
   listing.list_protected = 1;

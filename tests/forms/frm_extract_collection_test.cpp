@@ -252,7 +252,7 @@ TEST_F(CollectionMenuTest, NeverAgainErasesAndSuppressesAfterAQuestion) {
   Main().cmdExtract.Click();
   FinishRun();
   EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "third@cars.de"));
-  EXPECT_THAT(boxes.shown.back().text, HasSubstr("1 address that are never listed"));
+  EXPECT_THAT(boxes.shown.back().text, HasSubstr("1 address that the suppression list holds"));
 }
 
 TEST_F(CollectionMenuTest, NeverAgainTakesSeveralAtOnce) {
