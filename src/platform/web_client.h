@@ -48,7 +48,7 @@ enum class WebFailure {
   kBadUrl,          // not http or https, no host, or bytes that no request line can hold
   kNoName,          // the host's name has no address
   kPrivateAddress,  // all its addresses are ones that the request may not go to; nothing was sent
-  kNoConnection,    // refused, unreachable, or not made in time
+  kNoConnection,    // refused, unreachable, or not made in time; a proxy may say so too
   kNoTls,           // connected, but TLS failed for another reason than the certificate
   kCertificate,     // expired, for another name, or of an authority that is not trusted
   kTimeout,         // connected, then too slow

@@ -77,7 +77,10 @@ void Serve(const Doors& doors, int socket, int number) {
   while (const auto request = connection.Read()) {
     if (connection.deaf_to_next) return;
     if (request->method == "CONNECT") {
-      connection.SendPage("<p>no way through</p>", "", "403 Forbidden");
+      // "504.example:443" gets this status.
+      const int status = std::atoi(request->target.c_str());
+      connection.SendPage("<p>no way through</p>", "",
+                          status == 0 ? "403 Forbidden" : std::to_string(status) + " Words");
       return;
     }
     const Endpoint* endpoint = Find(endpoints, request->path);

@@ -223,8 +223,10 @@ WebFailure CurlWebExchange::FailureOf(CURLcode result) const {
   if (malformed_) return WebFailure::kBroken;
   long tunnel = 0;
   curl_easy_getinfo(handle_, CURLINFO_HTTP_CONNECTCODE, &tunnel);
-  if (behind_proxy() && secure_ && head_.head().status == 0 && tunnel != 0 && tunnel / 100 != 2)
-    return WebFailure::kProxy;
+  if (behind_proxy() && secure_ && head_.head().status == 0 && tunnel != 0 && tunnel / 100 != 2) {
+    // The proxy works; it says of the host that nothing answers there.
+    return tunnel >= 502 && tunnel <= 504 ? WebFailure::kNoConnection : WebFailure::kProxy;
+  }
   switch (result) {
     case CURLE_OK:
       return head_.complete() && body_.AtEnd() ? WebFailure::kNone : WebFailure::kBroken;
