@@ -40,6 +40,8 @@ inline constexpr std::string_view kRefusedPrivate = "private";
 inline constexpr std::string_view kRefusedRobots = "robots";
 inline constexpr std::string_view kRefusedDepth = "depth";
 inline constexpr std::string_view kRefusedScope = "scope";
+// The page redirects to an address that names a suppressed one.
+inline constexpr std::string_view kRefusedSuppressed = "suppressed";
 
 // A page that a start, a link or a redirect leads to. The views must outlive the call.
 struct PageOffer {

@@ -139,6 +139,13 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
     return EndPage(visit, end);
   }
 
+  // Nothing of the target is stored.
+  if (NamesSuppressed(target->href())) {
+    end.state = PageState::kRefused;
+    end.reason = kRefusedSuppressed;
+    return EndPage(visit, end);
+  }
+
   const PageId page = visit.page->page;
   const bool start_moves = IsStart(page);
   const bool leaves_scope = !start_moves && !scope_.Contains(*target);

@@ -55,7 +55,7 @@ void Crawler::OnSearchAnswer(WebAnswer answer) {
   bool brought_new = false;
   for (const std::string& text : reply.urls) {
     const auto url = AsPage(ParseUrl(text, nullptr, world_.idna), world_.idna);
-    if (!url || !search_.seen.emplace(url->PageKey()).second) continue;
+    if (!url || NamesSuppressed(url->href()) || !search_.seen.emplace(url->PageKey()).second) continue;
     brought_new = true;
     const auto start = collection_.AddStart(url->href(), kResult, keyword);
     if (Failed(start)) return;

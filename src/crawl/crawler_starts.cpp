@@ -10,6 +10,7 @@ namespace quenlar {
 namespace {
 
 constexpr const char* kSite = "site";
+constexpr const char* kSuppressedStart = ": it names an address of the suppression list, and is not visited";
 
 // The scheme that is typed, in lower case: what stands before "://" at the beginning. Empty without one.
 std::string SchemeOf(std::string_view text) {
@@ -45,6 +46,10 @@ bool IsSiteText(std::string_view text) {
 
 void Crawler::AddStarts(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) {
+    if (NamesSuppressed(text)) {
+      start_problems_.push_back(text + kSuppressedStart);
+      continue;
+    }
     IsSiteText(text) ? AddSite(text) : AddKeyword(text);
     if (!failure_.ok()) return;
   }
@@ -59,6 +64,7 @@ void Crawler::AddSite(const std::string& text) {
     start_problems_.push_back(text + (other ? ": only http and https can be visited" : ": this is not a web address"));
     return;
   }
+  if (NamesSuppressed(url->href())) return start_problems_.push_back(text + kSuppressedStart);
   const auto start = collection_.AddStart(text, kSite, 0);
   if (Failed(start) || places_.contains(start.value().id)) return;
   given_[start.value().id].text = text;
@@ -94,6 +100,7 @@ void Crawler::AddLink(const HandedLink& link) {
     start_problems_.push_back(link.url + ": this is not a web address");
     return;
   }
+  if (NamesSuppressed(url->href())) return;
   PageOffer offer{*url, SiteOf(*url)};
   offer.depth = link.depth;
   offer.rank = link.depth == 0 || PromisesContacts(url->path()) ? 0 : 1;

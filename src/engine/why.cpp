@@ -2,18 +2,21 @@
 
 #include <fmt/format.h>
 
+#include "base/number.h"
 #include "crawl/link_rules.h"
 #include "engine/time_text.h"
 
 namespace quenlar {
 namespace {
 
+std::string Clicks(const PageFacts& page) { return Counted(static_cast<std::uint64_t>(page.depth), "click"); }
+
 std::string ReasonSentence(const PageFacts& page) {
   if (page.state == "waiting") return "It is still to be visited.";
   if (page.state == "moved") return "It redirects to " + page.moved_to + ".";
   if (page.state == "read") {
-    std::string sentence = fmt::format("It was read on {} (status {}); it shows {} addresses", TimeText(page.time),
-                                       page.status, page.addresses);
+    std::string sentence = fmt::format("It was read on {} (status {}); it shows {}", TimeText(page.time), page.status,
+                                       Counted(static_cast<std::uint64_t>(page.addresses), "address", "es"));
     if (page.protected_count > 0) sentence += fmt::format(", and {} that their owners hide", page.protected_count);
     if (page.filtered_count > 0) sentence += fmt::format("; the filters dropped {}", page.filtered_count);
     return sentence + ".";
@@ -21,9 +24,10 @@ std::string ReasonSentence(const PageFacts& page) {
   if (page.reason == "robots") {
     return fmt::format("It was not visited: robots.txt forbids it (line {}: {}).", page.line, page.rule);
   }
-  if (page.reason == "depth") return fmt::format("It was not visited: it is {} clicks from a start.", page.depth);
+  if (page.reason == "depth") return "It was not visited: it is " + Clicks(page) + " from a start.";
   if (page.reason == "scope") return "It was not visited: it is out of scope.";
   if (page.reason == "private") return "It was not visited: a public page leads to a private address there.";
+  if (page.reason == "suppressed") return "It leads to the address of a page that names a suppressed address.";
   if (page.reason == "trap") return "It was not visited: a part of its path repeats itself.";
   if (page.reason == "type") return fmt::format("It is not a page: its type is {}.", page.type);
   if (page.reason == "status") return fmt::format("It failed on {}: status {}.", TimeText(page.time), page.status);
@@ -60,7 +64,7 @@ Result<WhyAnswer> WhyPage(CollectionReader& reader, const Url& url) {
   answer.sentences.push_back(page.reason == kReadInArchive ? "An archive had it."
                              : page.parent.empty()
                                  ? "It is a start."
-                                 : fmt::format("{} clicks from a start; found on {} .", page.depth, page.parent));
+                                 : fmt::format("{} from a start; found on {} .", Clicks(page), page.parent));
   answer.page = page.url;
   answer.state = page.state;
   answer.reason = page.reason;
@@ -102,7 +106,7 @@ Result<WhyAnswer> WhyAddress(CollectionReader& reader, const std::string& addres
   answer.state = count == gone ? "gone" : "listed";
   answer.sentences = {answer.address, count == gone
                                           ? "It is not listed: it does not stand on any page any more. It stood on:"
-                                          : fmt::format("It is listed: it stands in {} places.", count - gone)};
+                                          : "It is listed: it stands in " + Counted(count - gone, "place") + "."};
   answer.sentences.insert(answer.sentences.end(), places.begin(), places.end());
   if (count > places.size()) answer.sentences.push_back(fmt::format("and {} more.", count - places.size()));
   return answer;

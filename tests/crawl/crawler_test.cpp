@@ -440,6 +440,28 @@ TEST_F(CrawlTest, WhatNamesASuppressedAddressIsNotStored) {
   EXPECT_THAT(Query("SELECT robots FROM hosts"), ElementsAre("# \nUser-agent: *\nDisallow: /no"));
 }
 
+TEST_F(CrawlTest, ARedirectToWhatNamesASuppressedAddressIsNotFollowed) {
+  Page("https://www.firma.de/", "<a href=/mail>mail</a> a@firma.de");
+  Page("https://www.firma.de/mail", WebRedirect("https://www.firma.de/write?to=b%40firma.de"));
+  suppression_.dropped = {"b@firma.de"};
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Visited(), ElementsAre("https://www.firma.de/", "https://www.firma.de/mail"));
+  EXPECT_THAT(Query("SELECT url FROM pages"), ElementsAre("https://www.firma.de/", "https://www.firma.de/mail"));
+  EXPECT_THAT(Query("SELECT reason FROM pages WHERE state = 'refused'"), ElementsAre("suppressed"));
+}
+
+TEST_F(CrawlTest, AStartThatNamesASuppressedAddressIsNeitherVisitedNorStored) {
+  suppression_.dropped = {"b@firma.de"};
+  const std::vector<std::string> named = {"https://www.firma.de/?to=b%40firma.de", "b@firma.de", "b@firma.de letters"};
+  const auto outcome = Crawl(named);
+  EXPECT_EQ(outcome.end, CrawlEnd::kFailed);
+  EXPECT_EQ(outcome.messages.size(), named.size());
+  EXPECT_THAT(outcome.messages, testing::Each(HasSubstr("suppression list")));
+  EXPECT_THAT(client_.urls(), IsEmpty());
+  EXPECT_THAT(Query("SELECT text FROM starts"), IsEmpty());
+  EXPECT_THAT(Query("SELECT url FROM pages"), IsEmpty());
+}
+
 TEST_F(CrawlTest, ATypedStartMayBePrivateAndLeadToPrivatePlacesWithinItsScope) {
   Page("http://10.0.0.1/", ScriptedWebAnswer{.body = "<a href=/a>a</a>", .ip = "10.0.0.1"});
   Crawl({"http://10.0.0.1/"});
