@@ -11,7 +11,7 @@ _quenlar() {
   case $command:$before in
     *:--home) COMPREPLY=($(compgen -d -- "$word")); return ;;
     collect:--from) COMPREPLY=($(compgen -f -- "$word")); return ;;
-    collect:--name) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")); return ;;
+    collect:--name) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar collections 2>/dev/null | cut -f1)" -- "$word")); return ;;
     collect:--links) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--scope) COMPREPLY=($(compgen -W "host site anywhere" -- "$word")); return ;;
     collect:--depth) COMPREPLY=(); return ;;
@@ -22,7 +22,7 @@ _quenlar() {
     collect:--hosts) COMPREPLY=(); return ;;
     collect:--delay) COMPREPLY=(); return ;;
     collect:--robots) COMPREPLY=($(compgen -W "obey ignore" -- "$word")); return ;;
-    collect:--contact) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")); return ;;
+    collect:--contact) COMPREPLY=(); return ;;
     collect:--search) COMPREPLY=(); return ;;
     collect:--language) COMPREPLY=($(compgen -W "en fr de it es ja" -- "$word")); return ;;
     collect:--remove) COMPREPLY=(); return ;;
@@ -32,7 +32,7 @@ _quenlar() {
     collect:--warc) COMPREPLY=(); return ;;
     collect:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
     harvest:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
-    harvest:--name) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")); return ;;
+    harvest:--name) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar collections 2>/dev/null | cut -f1)" -- "$word")); return ;;
     harvest:--jobs) COMPREPLY=(); return ;;
     harvest:--robots) COMPREPLY=($(compgen -W "obey ignore" -- "$word")); return ;;
     harvest:--remove) COMPREPLY=(); return ;;
@@ -81,8 +81,8 @@ _quenlar() {
     :*) COMPREPLY=($(compgen -W "collect harvest addresses why collections erase suppress extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
     collect:*) COMPREPLY=() ;;
     harvest:*) COMPREPLY=() ;;
-    addresses:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
-    why:*) COMPREPLY=($(compgen -W "$(quenlar options 2>/dev/null | cut -d' ' -f1)" -- "$word")) ;;
+    addresses:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar collections 2>/dev/null | cut -f1)" -- "$word")) ;;
+    why:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar collections 2>/dev/null | cut -f1)" -- "$word")) ;;
     erase:*) COMPREPLY=() ;;
     suppress:*) COMPREPLY=() ;;
     extract:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar projects 2>/dev/null)" -- "$word")) ;;

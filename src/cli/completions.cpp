@@ -15,7 +15,17 @@ std::string Joined(const std::vector<std::string>& words, const char* separator)
   return joined;
 }
 
-// What stands for a value in bash: a word list, files, folders, projects, settings, or nothing to offer.
+constexpr const char* kCollections = "quenlar collections 2>/dev/null | cut -f1";
+
+// The kind of an argument that is given by its position, or of an option's value. NAME is a setting for the command of
+// settings and a collection for all others. TEXT is a project by its position and anything else behind an option.
+std::string KindOf(const DeclaredCommand& command, const DeclaredOption& option) {
+  if (!option.positional()) return option.type == "TEXT" ? "" : option.type;
+  const std::string& kind = option.names.front();
+  return command.name == "options" && kind == "NAME" ? "SETTING" : kind;
+}
+
+// What stands for a value in bash: a word list, files, folders, projects, collections, settings, or nothing to offer.
 std::string BashValues(const std::string& kind, const std::vector<std::string>& choices) {
   if (!choices.empty()) return fmt::format("COMPREPLY=($(compgen -W \"{}\" -- \"$word\"))", Joined(choices, " "));
   if (kind == "FILE" || kind == "BOOK") return "COMPREPLY=($(compgen -f -- \"$word\"))";
@@ -24,6 +34,9 @@ std::string BashValues(const std::string& kind, const std::vector<std::string>& 
     return "local IFS=$'\\n'; COMPREPLY=($(compgen -W \"$(quenlar projects 2>/dev/null)\" -- \"$word\"))";
   }
   if (kind == "NAME") {
+    return fmt::format("local IFS=$'\\n'; COMPREPLY=($(compgen -W \"$({})\" -- \"$word\"))", kCollections);
+  }
+  if (kind == "SETTING") {
     return "COMPREPLY=($(compgen -W \"$(quenlar options 2>/dev/null | cut -d' ' -f1)\" -- \"$word\"))";
   }
   return "COMPREPLY=()";
@@ -34,7 +47,8 @@ std::string ZshValues(const std::string& kind, const std::vector<std::string>& c
   if (kind == "FILE" || kind == "BOOK") return "_files";
   if (kind == "DIR") return "_files -/";
   if (kind == "TEXT") return "{compadd -- ${(f)\"$(quenlar projects 2>/dev/null)\"}}";
-  if (kind == "NAME") return "{compadd -- ${${(f)\"$(quenlar options 2>/dev/null)\"}%% *}}";
+  if (kind == "NAME") return fmt::format("{{compadd -- ${{(f)\"$({})\"}}}}", kCollections);
+  if (kind == "SETTING") return "{compadd -- ${${(f)\"$(quenlar options 2>/dev/null)\"}%% *}}";
   return "";
 }
 
@@ -60,7 +74,7 @@ void AddBashValues(const DeclaredCommand& command, std::string& script) {
     if (option.positional() || option.type.empty()) continue;
     std::string pattern;
     for (const std::string& name : option.names) pattern += (pattern.empty() ? "" : " | ") + command.name + ":" + name;
-    script += fmt::format("    {}) {}; return ;;\n", pattern, BashValues(option.type, option.choices()));
+    script += fmt::format("    {}) {}; return ;;\n", pattern, BashValues(KindOf(command, option), option.choices()));
   }
 }
 
@@ -70,14 +84,14 @@ std::string ZshHelp(const std::string& help) {
   return ReplaceAll(ReplaceAll(quoted, "'", "'\\''"), ":", "\\:");
 }
 
-std::string ZshSpecification(const DeclaredOption& option) {
+std::string ZshSpecification(const DeclaredCommand& command, const DeclaredOption& option) {
   if (option.positional()) {
     return fmt::format("'{}:{}:{}'", option.repeated ? "*" : "", option.names.front(),
-                       ZshValues(option.names.front(), {}));
+                       ZshValues(KindOf(command, option), {}));
   }
   const std::string value = option.type.empty() ? ""
                                                 : fmt::format(":{}:{}", option.choices().empty() ? option.type : "word",
-                                                              ZshValues(option.type, option.choices()));
+                                                              ZshValues(KindOf(command, option), option.choices()));
   const std::string repeated = option.repeated ? "*" : "";
   if (option.names.size() == 1) {
     return fmt::format("'{}{}[{}]{}'", repeated, option.names.front(), ZshHelp(option.help), value);
@@ -88,7 +102,7 @@ std::string ZshSpecification(const DeclaredOption& option) {
 
 void AddZshArguments(const DeclaredCommand& command, const char* indent, std::string& script) {
   for (const DeclaredOption& option : command.options) {
-    script += fmt::format(" \\\n{}{}", indent, ZshSpecification(option));
+    script += fmt::format(" \\\n{}{}", indent, ZshSpecification(command, option));
   }
 }
 
@@ -107,7 +121,8 @@ std::string FishValues(const std::string& kind, const std::vector<std::string>& 
 std::string FishArguments(const std::string& kind) {
   if (kind == "BOOK") return " -F";
   if (kind == "TEXT") return " -a '(quenlar projects 2>/dev/null)'";
-  if (kind == "NAME") return " -a '(quenlar options 2>/dev/null | string split -f1 \" \")'";
+  if (kind == "NAME") return fmt::format(" -a '({})'", kCollections);
+  if (kind == "SETTING") return " -a '(quenlar options 2>/dev/null | string split -f1 \" \")'";
   return "";
 }
 
@@ -115,7 +130,7 @@ void AddFishOptions(const DeclaredCommand& command, const std::string& condition
   for (const DeclaredOption& option : command.options) {
     std::string line = "complete -c quenlar" + condition;
     if (option.positional()) {
-      const std::string values = FishArguments(option.names.front());
+      const std::string values = FishArguments(KindOf(command, option));
       if (values.empty()) continue;
       script += line + values + "\n";
       continue;
@@ -124,6 +139,7 @@ void AddFishOptions(const DeclaredCommand& command, const std::string& condition
       line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
     }
     if (!option.type.empty()) line += FishValues(option.type, option.choices());
+    if (option.type == "NAME") line += FishArguments(option.type);
     script += line + " -d " + FishQuoted(option.help) + "\n";
   }
 }
@@ -157,7 +173,7 @@ std::string BashCompletion(const std::vector<DeclaredCommand>& commands) {
     const auto first = std::find_if(command.options.begin(), command.options.end(),
                                     [](const DeclaredOption& option) { return option.positional(); });
     if (first == command.options.end()) continue;
-    script += fmt::format("    {}:*) {} ;;\n", command.name, BashValues(first->names.front(), {}));
+    script += fmt::format("    {}:*) {} ;;\n", command.name, BashValues(KindOf(command, *first), {}));
   }
   return script + "  esac\n}\ncomplete -o filenames -F _quenlar quenlar\n";
 }

@@ -162,6 +162,22 @@ at "$work/crawl" addresses nothing 2>"$work/err"
 expect "status of a collection that is not there" 1 $?
 expect_in "message" "There is no collection nothing" "$(messages)"
 
+begin "bash completes the names of collections and settings"
+offered() { # WORD ...: what may stand in the place of the last, which is empty
+  (
+    quenlar() { at "$work/crawl" "$@" | tr -d '\r'; }
+    eval "$(quenlar describe bash)"
+    COMP_WORDS=(quenlar "$@" '')
+    COMP_CWORD=$(($# + 1))
+    _quenlar
+    echo "${COMPREPLY[*]}"
+  )
+}
+expect "names to collect under" "h0_example" "$(offered collect --name)"
+expect "names to list" "h0_example" "$(offered addresses)"
+expect "projects for a contact" "" "$(offered collect --contact)"
+expect_in "settings" "StopNumber" "$(offered options)"
+
 begin "an address is erased from every file, and a suppressed one does not come back"
 cp -r "$work/crawl" "$work/erased"
 mkdir -p "$work/erased/report"
