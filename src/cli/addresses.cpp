@@ -10,6 +10,7 @@
 #include "cli/workplace.h"
 #include "collection/overview.h"
 #include "engine/time_text.h"
+#include "page/url_host.h"
 
 namespace quenlar {
 namespace {
@@ -17,6 +18,12 @@ namespace {
 Status PrintOverview(Console& console, CollectionReader& reader, const std::string& name,
                      const OverviewChoice& choice) {
   return WriteOverview(reader, name, choice, [&](std::string_view piece) { return console.Write(piece); });
+}
+
+// A site as collections have it: letters beyond ASCII coded. What is no name of a host stays, and no page lies there.
+std::string StoredSite(const std::string& site, const Idna& idna) {
+  std::string host;
+  return AppendHost(site, idna, host) ? host : site;
 }
 
 }  // namespace
@@ -30,6 +37,7 @@ int Addresses(Invocation& invocation, const AddressesArguments& arguments) {
   if (!suppression.ok()) return invocation.Fail(suppression.status());
   reader.value()->LeaveOut([&](std::string_view address) { return suppression.value().Keeps(address); });
   SightingChoice choice = arguments.choice;
+  choice.site = StoredSite(choice.site, platform.value().idna);
   if (!arguments.since.empty()) choice.since = ParseTime(arguments.since);
   if (arguments.format == "html") {
     const Status written =

@@ -106,6 +106,18 @@ collect closed_proxy http://any.example/407 "${through_it[@]}"
 expect closed_proxy 0 finished pages 0 failed 1
 [ "$(ask '/hits?dead-proxy')" = 0 ] || fail "a dead proxy was gone around"
 
+# Where a proxy says that nothing answers by https, http is tried, as for a host that cannot be reached.
+collect gateway 504.example/gzip/right "${through_it[@]}"
+expect gateway 0 finished pages 1 failed 0 left 0
+
+# A site is named in its own letters as well as in those of the domain name system.
+collect letters http://www.bücher.example/gzip/right --name letters "${through_it[@]}"
+expect letters 0 finished pages 1
+for site in bücher.example BÜCHER.example xn--bcher-kva.example; do
+  listed=$("${program[@]}" --home "$work/letters/home" addresses letters --site "$site")
+  [ "$listed" = someone@mail.example.org ] || fail "the addresses of $site are '$listed'"
+done
+
 # A public page never leads to this machine.
 collect private "http://public.example/redirect/to?$server/hit-and-close?private" "${through_it[@]}"
 expect private 0 finished pages 0 refused 1 left 0

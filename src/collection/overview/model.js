@@ -5,6 +5,15 @@
 const kSightingNumbers = 4;  // page, place, first seen, seconds from the first to the last time it was seen
 const kGone = 8;             // added to the place of a sighting that is gone
 
+// A site as its pages are stored under it: letters beyond ASCII coded. What is not the name of a host stays as it is.
+function storedSite(name) {
+  try {
+    return new URL('http://' + name).hostname;
+  } catch {
+    return name;
+  }
+}
+
 class Model {
   constructor(text) {
     const data = JSON.parse(text);
@@ -85,7 +94,7 @@ class Model {
       return (row) => this.some(row, (page, at) => at % kGone === place);
     }
     if (word.startsWith('site:')) {
-      const site = word.slice('site:'.length);
+      const site = storedSite(word.slice('site:'.length));
       return (row) => this.some(row, (page) => this.pages[page].site === site);
     }
     const hits = Uint8Array.from(this.pages, (page) => this.textOf(page).includes(word));
