@@ -47,4 +47,8 @@ double LeadingNumber(std::string_view text) {
 std::optional<std::int16_t> RoundToInt16(double value) { return RoundTo<std::int16_t>(value); }
 std::optional<std::int32_t> RoundToInt32(double value) { return RoundTo<std::int32_t>(value); }
 
+std::string Counted(std::uint64_t count, std::string_view what, std::string_view ending) {
+  return std::to_string(count).append(" ").append(what).append(count == 1 ? "" : ending);
+}
+
 }  // namespace quenlar

@@ -1,8 +1,10 @@
-// Reads numbers from text that people or other programs wrote, and narrows them to the widths that settings have.
+// Reads numbers from text that people or other programs wrote, narrows them to the widths that settings have, and puts
+// them into sentences.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace quenlar {
@@ -17,5 +19,8 @@ namespace quenlar {
 // infinity and values that are not numbers.
 [[nodiscard]] std::optional<std::int16_t> RoundToInt16(double value);
 [[nodiscard]] std::optional<std::int32_t> RoundToInt32(double value);
+
+// "1 page", "2 pages": the number and what it counts. `ending` is what the plural adds to `what`.
+[[nodiscard]] std::string Counted(std::uint64_t count, std::string_view what, std::string_view ending = "s");
 
 }  // namespace quenlar

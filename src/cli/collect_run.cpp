@@ -6,6 +6,7 @@
 
 #include "archive/archiving_client.h"
 #include "archive/warc_writer.h"
+#include "base/number.h"
 #include "cli/exit_status.h"
 #include "cli/json_text.h"
 #include "cli/live_view.h"
@@ -209,17 +210,17 @@ void CollectRun::TellEnd(const Crawler::Outcome& outcome) {
   for (const std::string& sentence : outcome.messages) Tell(sentence + (sentence.ends_with('?') ? "" : "."));
   Tell(outcome.status.ok() ? EndSentence(outcome.end, result_.left) : SentenceOf(outcome.status));
   const CrawlFigures& figures = result_.figures;
-  std::string line = std::to_string(figures.fresh) + " new addresses on " + std::to_string(figures.pages) + " pages; " +
-                     std::to_string(result_.addresses) + " in all, " + std::to_string(result_.left) +
-                     " pages left to visit";
-  const auto add = [&line](std::uint64_t count, const char* what) {
-    if (count > 0) line += ", " + std::to_string(count) + what;
+  std::string line = Counted(figures.fresh, "new address", "es") + " on " + Counted(figures.pages, "page") + "; " +
+                     std::to_string(result_.addresses) + " in all, " +
+                     Counted(static_cast<std::uint64_t>(result_.left), "page") + " left to visit";
+  const auto add = [&line](std::uint64_t count, const std::string& what) {
+    if (count > 0) line += ", " + what;
   };
-  add(figures.failed, " failed");
-  add(figures.refused, " refused");
-  add(figures.protected_count, " protected addresses not listed");
-  add(figures.filtered, " addresses dropped by the filters");
-  add(figures.suppressed, " addresses suppressed");
+  add(figures.failed, std::to_string(figures.failed) + " failed");
+  add(figures.refused, std::to_string(figures.refused) + " refused");
+  add(figures.protected_count, Counted(figures.protected_count, "protected address", "es") + " not listed");
+  add(figures.filtered, Counted(figures.filtered, "address", "es") + " dropped by the filters");
+  add(figures.suppressed, Counted(figures.suppressed, "address", "es") + " suppressed");
   Tell(line + ".");
 }
 

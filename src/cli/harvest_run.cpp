@@ -9,6 +9,7 @@
 
 #include "archive/harvest.h"
 #include "base/ascii.h"
+#include "base/number.h"
 #include "cli/exit_status.h"
 #include "cli/harvest_store.h"
 #include "cli/load_suppression.h"
@@ -248,8 +249,7 @@ bool HarvestRun::OnInputEnd(const InputReport& report) {
   }
   const std::size_t damaged = report.damaged + (store_ ? store_->NoteEnd(report.input) : 0);
   if (damaged > 0) {
-    const std::string records = damaged == 1 ? " damaged record" : " damaged records";
-    Complain(name + ": " + std::to_string(damaged) + records + ". Everything readable has been read.");
+    Complain(name + ": " + Counted(damaged, "damaged record") + ". Everything readable has been read.");
   }
   return !stopped_;
 }
@@ -258,11 +258,11 @@ void HarvestRun::TellEnd() {
   if (store_ && store_->finished_before() > 0) {
     const bool all = pages_ == 0 && !failed_;
     Tell(all ? "This harvest is finished: everything in its inputs is in the collection."
-             : std::to_string(store_->finished_before()) + " inputs were read before.");
+             : Counted(store_->finished_before(), "input was", "") + " read before.");
     if (all) return;
   }
-  std::string line = std::to_string(addresses_) + " addresses on " + std::to_string(pages_with_addresses_) + " of " +
-                     std::to_string(pages_) + " pages";
+  std::string line = Counted(addresses_, "address", "es") + " on " + std::to_string(pages_with_addresses_) + " of " +
+                     Counted(pages_, "page");
   if (filtered_ > 0) line += ", " + std::to_string(filtered_) + " dropped by the filters";
   if (suppressed_ > 0) line += ", " + std::to_string(suppressed_) + " suppressed";
   Tell(line + ".");
@@ -285,7 +285,7 @@ void HarvestRun::DrawProgress(const HarvestInput& input) {
   progress_last_ = now;
   progress_drawn_ = true;
   const std::string text =
-      ForTerminal(std::to_string(addresses_) + " addresses, " + std::to_string(pages_) + " pages  " + input.name);
+      ForTerminal(Counted(addresses_, "address", "es") + ", " + Counted(pages_, "page") + "  " + input.name);
   console_.WriteError("\r" + std::string(FirstColumns(text, console_.ErrorColumns() - 1)) + "\x1B[K");
 }
 

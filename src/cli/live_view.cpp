@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "base/number.h"
 #include "cli/terminal_text.h"
 
 namespace quenlar {
@@ -32,10 +33,11 @@ std::string Rest(const LiveView::Figures& figures, double rate) {
 
 std::vector<std::string> LiveText(const LiveView::Figures& figures, double pages_a_second, int columns) {
   std::vector<std::string> lines;
-  lines.push_back(fmt::format("{} addresses ({} new), {} pages, {:.1f} a second, {} left to visit{}", figures.addresses,
-                              figures.crawl.fresh, figures.crawl.pages, pages_a_second, figures.left,
+  lines.push_back(fmt::format("{} ({} new), {}, {:.1f} a second, {} left to visit{}",
+                              Counted(static_cast<std::uint64_t>(figures.addresses), "address", "es"),
+                              figures.crawl.fresh, Counted(figures.crawl.pages, "page"), pages_a_second, figures.left,
                               Rest(figures, pages_a_second)));
-  std::string second = fmt::format("{} requests under way on {} hosts", figures.requests, figures.hosts);
+  std::string second = Counted(figures.requests, "request") + " under way on " + Counted(figures.hosts, "host");
   if (!figures.waiting_for.empty()) {
     second = ForTerminal(figures.waiting_for);
   } else if (!figures.slowest.empty()) {

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "base/number.h"
+
 namespace quenlar {
 namespace {
 
@@ -317,10 +319,12 @@ std::vector<std::string> Crawler::EndMessages(CrawlEnd end) {
     const Result<std::int64_t> left = collection_.WaitingOn(host);
     if (!left.ok() || left.value() == 0 || ++hosts > kMostNamed) continue;
     const Result<HostRow> row = collection_.Host(host);
-    const std::string pages = left.value() == 1 ? "1 page is" : std::to_string(left.value()) + " pages are";
-    if (row.ok()) messages.push_back(pages + " left on " + row.value().origin + ": " + memory.reason);
+    const auto pages = static_cast<std::uint64_t>(left.value());
+    const std::string are = pages == 1 ? " is" : " are";
+    if (row.ok())
+      messages.push_back(Counted(pages, "page") + are + " left on " + row.value().origin + ": " + memory.reason);
   }
-  if (hosts > kMostNamed) messages.push_back("Pages are left on " + std::to_string(hosts - kMostNamed) + " more hosts");
+  if (hosts > kMostNamed) messages.push_back("Pages are left on " + Counted(hosts - kMostNamed, "more host"));
   return messages;
 }
 

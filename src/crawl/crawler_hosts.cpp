@@ -3,6 +3,7 @@
 #include <iterator>
 #include <utility>
 
+#include "base/number.h"
 #include "crawl/crawler.h"
 #include "page/unwanted_addresses.h"
 
@@ -99,7 +100,7 @@ void Crawler::Ask(HostVisit& visit) {
     if (Failed(next)) return;
     if (!next.value()) return Leave(visit, std::nullopt);
     if (static_cast<std::uint64_t>(visit.row.read) >= options_.pages_per_host) {
-      visit.memory.reason = "its budget of " + std::to_string(options_.pages_per_host) + " pages is used up";
+      visit.memory.reason = "its budget of " + Counted(options_.pages_per_host, "page") + " is used up";
       return Leave(visit, std::nullopt);
     }
     const WaitingPage& page = *next.value();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/number.h"
 #include "run/end_reasons.h"
 
 namespace quenlar {
@@ -9,11 +10,6 @@ namespace {
 
 constexpr const char* kLineEnd = "\r\n";
 constexpr std::size_t kMostNotices = 12;
-
-// "1 page", "2 pages"
-std::string Count(std::uint64_t count, const std::string& what, const char* plural = "s") {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : plural);
-}
 
 std::string Reason(const CollectionEnd& end) {
   if (!end.status.ok()) return SentenceOf(end.status);
@@ -38,14 +34,15 @@ std::string Reason(const CollectionEnd& end) {
 // Why pages of the collection were not visited, in the words of a person. Empty for a reason that is of no interest.
 std::string RefusalText(const Refusals& refused, const WebSettings& settings) {
   const auto pages = static_cast<std::uint64_t>(refused.pages);
-  if (refused.reason == kRefusedRobots) return Count(pages, "page") + " that robots.txt keeps programs away from";
+  if (refused.reason == kRefusedRobots) return Counted(pages, "page") + " that robots.txt keeps programs away from";
   if (refused.reason == kRefusedDepth) {
-    return Count(pages, "page") + " more than " + Count(static_cast<std::uint64_t>(settings.depth), "click") +
+    return Counted(pages, "page") + " more than " + Counted(static_cast<std::uint64_t>(settings.depth), "click") +
            " away from a start";
   }
-  if (refused.reason == kRefusedScope) return Count(pages, "page") + " outside of what links may lead to";
-  if (refused.reason == kRefusedPrivate) return Count(pages, "page") + " of private places that a public page leads to";
-  if (refused.reason == "trap") return Count(pages, "page") + " whose path repeats itself";
+  if (refused.reason == kRefusedScope) return Counted(pages, "page") + " outside of what links may lead to";
+  if (refused.reason == kRefusedPrivate)
+    return Counted(pages, "page") + " of private places that a public page leads to";
+  if (refused.reason == "trap") return Counted(pages, "page") + " whose path repeats itself";
   return {};
 }
 
@@ -56,16 +53,16 @@ std::vector<std::string> LeftOut(const CollectionEnd& end, const WebSettings& se
   }
   const CrawlFigures& figures = end.figures;
   if (end.end == CrawlEnd::kFinished && end.left > 0) {
-    lines.push_back(Count(static_cast<std::uint64_t>(end.left), "page") + " of hosts that have had their " +
-                    Count(static_cast<std::uint64_t>(settings.pages), "page") + " or do not answer for now");
+    lines.push_back(Counted(static_cast<std::uint64_t>(end.left), "page") + " of hosts that have had their " +
+                    Counted(static_cast<std::uint64_t>(settings.pages), "page") + " or do not answer for now");
   }
-  if (figures.failed > 0) lines.push_back(Count(figures.failed, "page") + " that could not be read");
+  if (figures.failed > 0) lines.push_back(Counted(figures.failed, "page") + " that could not be read");
   if (figures.protected_count > 0 && settings.list_protected == 0) {
-    lines.push_back(Count(figures.protected_count, "address", "es") + " that their owners hide from programs");
+    lines.push_back(Counted(figures.protected_count, "address", "es") + " that their owners hide from programs");
   }
   if (figures.suppressed > 0)
-    lines.push_back(Count(figures.suppressed, "address", "es") + " that the suppression list holds");
-  if (figures.filtered > 0) lines.push_back(Count(figures.filtered, "address", "es") + " that the filters drop");
+    lines.push_back(Counted(figures.suppressed, "address", "es") + " that the suppression list holds");
+  if (figures.filtered > 0) lines.push_back(Counted(figures.filtered, "address", "es") + " that the filters drop");
   return lines;
 }
 
@@ -85,10 +82,10 @@ std::string EndText(const CollectionEnd& end, const WebSettings& settings) {
   std::string text = Reason(end);
   const CrawlFigures& figures = end.figures;
   if (!end.opened) return text;
-  text += std::string(kLineEnd) + kLineEnd + Count(figures.fresh, "new address", "es") + " on " +
-          Count(figures.pages, "page") + ". The collection has " +
-          Count(static_cast<std::uint64_t>(end.addresses), "address", "es") + ", and " +
-          Count(static_cast<std::uint64_t>(end.left), "page") + " left to visit.";
+  text += std::string(kLineEnd) + kLineEnd + Counted(figures.fresh, "new address", "es") + " on " +
+          Counted(figures.pages, "page") + ". The collection has " +
+          Counted(static_cast<std::uint64_t>(end.addresses), "address", "es") + ", and " +
+          Counted(static_cast<std::uint64_t>(end.left), "page") + " left to visit.";
   if (const auto lines = LeftOut(end, settings); !lines.empty()) {
     text += std::string(kLineEnd) + kLineEnd + "Left out:";
     for (const std::string& line : lines) text += kLineEnd + line;
@@ -104,8 +101,9 @@ std::string EndText(const CollectionEnd& end, const WebSettings& settings) {
 }
 
 std::string StageText(const CollectionMoment& moment) {
-  const std::string rest = ", " + Count(moment.hosts, "host") + " under way, " +
-                           Count(static_cast<std::uint64_t>(std::max<std::int64_t>(moment.left, 0)), "page") + " left";
+  const std::string rest = ", " + Counted(moment.hosts, "host") + " under way, " +
+                           Counted(static_cast<std::uint64_t>(std::max<std::int64_t>(moment.left, 0)), "page") +
+                           " left";
   if (!moment.waiting_for.empty()) return "Nothing else is left: " + moment.waiting_for;
   if (moment.asked) {
     return "Reading " + std::string(WithoutScheme(moment.asked->origin)) + " (" + Seconds(moment.asked->seconds) + ")" +

@@ -2,17 +2,11 @@
 
 #include <utility>
 
+#include "base/number.h"
 #include "platform/files.h"
 #include "settings/suppression_file.h"
 
 namespace quenlar {
-namespace {
-
-std::string Counted(std::size_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
-}  // namespace
 
 Status SuppressByDigest(Files& files, const Idna& idna, const Installation& installation,
                         const std::vector<std::string>& addresses) {
@@ -35,9 +29,8 @@ std::string ErasedText(const std::string& subject, const EraseOutcome& outcome) 
   if (outcome.collections == 0 && outcome.files == 0) {
     return subject + ": no collection and no report holds anything of it";
   }
-  return subject + ": " + Counted(outcome.addresses.size(), "address", "addresses") + " taken out of " +
-         Counted(outcome.collections, "collection", "collections") + " and " +
-         Counted(outcome.files, "file of projects", "files of projects");
+  return subject + ": " + Counted(outcome.addresses.size(), "address", "es") + " taken out of " +
+         Counted(outcome.collections, "collection") + " and " + Counted(outcome.files, "file") + " of projects";
 }
 
 Status NeverList::CheckIdle() const {

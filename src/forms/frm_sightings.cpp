@@ -3,6 +3,7 @@
 #include <numeric>
 #include <utility>
 
+#include "base/number.h"
 #include "engine/time_text.h"
 #include "forms/open_web_page.h"
 
@@ -49,8 +50,7 @@ std::vector<ui::Control*> frmSightings::Controls() { return {&lblAddress, &lstPa
 void frmSightings::ShowFor(const std::string& address, std::vector<SightingRow> rows) {
   lstPages.SetRows(0);
   rows_ = std::move(rows);
-  const std::size_t count = rows_.size();
-  lblAddress.SetText(address + " was found in " + std::to_string(count) + (count == 1 ? " place:" : " places:"));
+  lblAddress.SetText(address + " was found in " + Counted(rows_.size(), "place") + ":");
   ShowModal();
 }
 

@@ -4,6 +4,8 @@
 #include <new>
 #include <optional>
 
+#include "base/number.h"
+
 namespace quenlar {
 namespace {
 
@@ -67,9 +69,9 @@ std::string AddSuppressionLines(std::string_view text, const std::string& path, 
     }
   });
   if (strange == 0) return {};
-  const std::string lines = strange == 1 ? "1 line is" : std::to_string(strange) + " lines are";
-  return path + ": " + lines + " neither an address nor a domain nor a digest (line " + std::to_string(first) +
-         (strange == 1 ? ") !" : " is the first) !");
+  const std::string are = strange == 1 ? " is" : " are";
+  return path + ": " + Counted(strange, "line") + are + " neither an address nor a domain nor a digest (line " +
+         std::to_string(first) + (strange == 1 ? ") !" : " is the first) !");
 }
 
 Result<SuppressionList> LoadSuppressionList(const Files& files, const Idna& idna, const Installation& installation,

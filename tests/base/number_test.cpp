@@ -33,5 +33,13 @@ TEST(RoundToInt16, RoundsHalvesToEvenAndRefusesWhatDoesNotFit) {
   EXPECT_EQ(RoundToInt32(70000), 70000);
 }
 
+TEST(Counted, AgreesWithTheNumber) {
+  EXPECT_EQ(Counted(0, "page"), "0 pages");
+  EXPECT_EQ(Counted(1, "page"), "1 page");
+  EXPECT_EQ(Counted(2, "page"), "2 pages");
+  EXPECT_EQ(Counted(1, "address", "es"), "1 address");
+  EXPECT_EQ(Counted(21, "address", "es"), "21 addresses");
+}
+
 }  // namespace
 }  // namespace quenlar

@@ -76,7 +76,7 @@ TEST_F(CrawlWordsTest, PagesBeyondTheBudgetOfAHostAreNamedAndThenThereIsNothingT
   const auto outcome = Crawl({"www.firma.de"});
   EXPECT_EQ(outcome.end, CrawlEnd::kFinished);
   EXPECT_THAT(outcome.messages,
-              ElementsAre("2 pages are left on https://www.firma.de: its budget of 1 pages is used up"));
+              ElementsAre("2 pages are left on https://www.firma.de: its budget of 1 page is used up"));
   const auto next = Crawl({"www.firma.de"});
   EXPECT_EQ(next.end, CrawlEnd::kNothingToDo);
   EXPECT_EQ(next.messages, outcome.messages);

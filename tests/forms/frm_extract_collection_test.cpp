@@ -283,7 +283,7 @@ TEST_F(CollectionMenuTest, WhyAnswersForAddressesAndPages) {
   frmWhy& why = program_->why;
   ASSERT_TRUE(Choose("Wh&y", {0}));
   EXPECT_EQ(why.txtWhat.text(), "first@cars.de");
-  EXPECT_THAT(why.txtAnswer.text(), HasSubstr("It is listed: it stands in 1 places."));
+  EXPECT_THAT(why.txtAnswer.text(), HasSubstr("It is listed: it stands in 1 place."));
   why.txtWhat.UserText("www.cars.example/private");
   why.cmdAsk.Click();
   EXPECT_THAT(why.txtAnswer.text(), HasSubstr("robots.txt forbids it (line 2: Disallow: /private)"));
