@@ -18,38 +18,58 @@ grep_in() {  # FILES GREP-ARGUMENTS ...: no match is no failure
   printf '%s\n' "$files" | xargs grep -n "$@" /dev/null || true
 }
 
-# The rooms below src/ from the bottom up: each uses itself and those before it, and no room without a name here exists.
-# What implements the seam for one system, or draws the forms with one toolkit, is a room like any other.
-rooms="base platform platform/posix platform/win32 page collection archive state ui ui/win32 web project settings netstat run crawl \
-  mailtool engine cli forms forms/win32"
 all=$(sources '*.cpp' '*.h')
 product=$(printf '%s\n' "$all" | grep '^src/')
 portable=$(printf '%s\n' "$product" | grep -vE '/(posix|win32)/')
-mains='/main[a-z0-9_]*\.cpp$'
 
 # 1. Format.
 report format "$({ printf '%s\n' "$all"; sources 'src/*.js'; } | xargs clang-format --dry-run -Werror 2>&1 | grep -E 'error:' | head -20 || true)"
 
 # 2. Operating-system headers and conditionals only where the operating system is known.
 os='windows|win[a-z0-9]*|shl[a-z]*|comm[a-z]*|sys/.*|unistd|fcntl|poll|netinet/.*|arpa/.*|net/.*|pthread|signal|dirent|curl/.*'
-report os-headers "$(grep_in "$portable" -E "^ *# *include <($os)\.h>")"
-report platform-conditionals "$(grep_in "$portable" -E '^ *# *(el)?if.*(_WIN32|WIN32|__linux__|__unix__|__MINGW)' |
+report os-headers "$(grep_in "$portable" -E "^[[:blank:]]*#[[:blank:]]*include[[:blank:]]*[<\"]($os)\.h[>\"]")"
+report platform-conditionals "$(grep_in "$portable" -E '^[[:blank:]]*#[[:blank:]]*(el)?if.*(_WIN32|WIN32|__linux__|__unix__|__MINGW)' |
   grep -v 'check: platform-conditionals' || true)"
 
-# 3. Layering. The mains stand above everything. A portable room never sees the system's rooms, and these never each other.
-report rooms "$(printf '%s\n' "$product" | sed 's|^src/||; s|/[^/]*$||' | sort -u |
-  grep -vxF -f <(printf '%s\n' $rooms) || true)"
-below=
-for room in $rooms; do
-  below="$below${below:+|}$room"
-  case "$room" in
-    */posix) allowed=$(printf '%s' "$below" | sed -E 's#\|[a-z/]*/win32##g') ;;
-    */win32) allowed=$(printf '%s' "$below" | sed -E 's#\|[a-z/]*/posix##g') ;;
-    *) allowed=$(printf '%s' "$below" | sed -E 's#\|[a-z]*/(posix|win32)##g') ;;
-  esac
-  files=$(printf '%s\n' "$product" | grep -E "^src/$room/[^/]*$" | grep -vE "$mains" || true)
-  report layering "$(grep_in "$files" -E '^ *# *include +"' | grep -vE "include +\"($allowed)/[a-z0-9_]+\.h\"" || true)"
-done
+# 3. Layering. The table of docs/architecture.md lists the rooms below src/ from the bottom up, each with the rooms that it
+# uses. Every file that includes something lies in a room and keeps to that list; only the main functions are free. A room
+# uses rooms that stand before it, and a list names no room that is not used.
+rooms=$(awk -F'|' '/^## / { here = $0 == "## The rooms" }
+  here && /^\| `/ { gsub(/[` ]/, "", $2); sub(/nothing/, "", $4); gsub(/[,` ]+/, " ", $4)
+    n = split($2, names, ","); for (i = 1; i <= n; i++) print names[i] "|" $4 }' docs/architecture.md)
+includes=$(sources 'src/*' | grep -vE '^src/(cli|forms/win32)/main_(posix|win32)\.cpp$' |
+  xargs grep -nIE '^[[:blank:]]*#[[:blank:]]*(include|import)' || true)
+report layering "$({ printf '%s\n' "$rooms" "" "$includes"; printf '%s\n' "$product"; } | awk '
+  !table_read && /^$/ { table_read = 1; next }
+  !table_read {
+    split($0, row, "|")
+    n = split(row[2], used, " ")
+    for (i = 1; i <= n; i++) {
+      if (!(used[i] in known)) print "docs/architecture.md: " row[1] " uses " used[i] ", which does not stand before it"
+      listed[row[1] " " used[i]]
+    }
+    known[row[1]]
+    if (row[1] !~ /\//) names = names (names ? "|" : "") row[1]
+    next
+  }
+  {
+    room = $0
+    sub(/:.*/, "", room)
+    sub(/^src\//, "", room)
+    sub(/\/?[^\/]*$/, "", room)
+    if (!(room in known)) { print $0 ": no room of docs/architecture.md"; next }
+    if ($0 !~ /:[0-9]+:/) next  # a file without includes
+    target = $0
+    sub(/^[^:]*:[0-9]+:[ \t]*#[ \t]*[a-z_]*[ \t]*/, "", target)
+    if (target ~ /^</ && target !~ "[</](" names "|[.]+)/") next
+    if (target !~ /^"[a-z0-9_\/]+\/[a-z0-9_]+\.h"/) { print; next }
+    split(target, part, "\"")
+    target = part[2]
+    sub(/\/[^\/]*$/, "", target)
+    if (target != room && !(room " " target in listed)) print
+    seen[room " " target]
+  }
+  END { for (pair in listed) if (!(pair in seen)) print "docs/architecture.md: " pair ": the first does not use the second" }')"
 
 # 4. Sizes: files of 800 lines at most, functions of 80 (a function begins and ends at the left margin).
 report file-length "$(printf '%s\n' "$product" | xargs wc -l | awk '$2 != "total" && $1 > 800 { print $2 ": " $1 " lines" }')"

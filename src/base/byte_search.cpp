@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
+
+#include "base/processor.h"
 
 #if defined(__SSE2__)
 #include <immintrin.h>
@@ -49,11 +50,6 @@ __attribute__((target("avx2"))) std::size_t PassOverAvx2(const char* data, char 
   }
   return at;
 }
-
-const bool kHasAvx2 = [] {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") != 0;
-}();
 
 #endif
 

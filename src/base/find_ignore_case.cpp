@@ -3,6 +3,7 @@
 #include <bit>
 
 #include "base/ascii.h"
+#include "base/processor.h"
 
 #if defined(__SSE2__)
 #include <immintrin.h>
@@ -50,11 +51,6 @@ __attribute__((target("avx2"))) std::size_t PassOverAvx2(const char* text, std::
   }
   return at;
 }
-
-const bool kHasAvx2 = [] {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") != 0;
-}();
 
 #endif
 

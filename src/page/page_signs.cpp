@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "base/ascii.h"
+#include "base/processor.h"
 #include "page/html_blanks.h"
 #include "page/references.h"
 
@@ -106,11 +107,6 @@ __attribute__((target("avx2"))) std::size_t PassOverAvx2(std::string_view page, 
   }
   return at;
 }
-
-const bool kHasAvx2 = [] {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") != 0;
-}();
 
 #endif
 
