@@ -22,6 +22,9 @@ void Choose(CLI::App& command, Command& chosen, Work work, const std::shared_ptr
 // Holds an option to a few words; its type name lists them ("a|b|c").
 void TakeOneOf(CLI::Option& option, const std::vector<std::string>& words);
 
+// Of an option that takes many. The help of one without a limit would add "..." to its type name by itself.
+inline constexpr int kMostWords = 32767;
+
 // An option that takes one of a few words.
 void DeclareChoice(CLI::App& command, const std::string& name, std::string& value,
                    const std::vector<std::string>& words, const std::string& help);
@@ -32,7 +35,7 @@ void DeclareFilterWords(CLI::App& command, std::vector<std::string>& remove, std
 // --proxy and --assume-online.
 void DeclareNetwork(CLI::App& command, std::string& proxy, bool& assume_online);
 
-// collect, addresses, why, collections.
+// Adds the commands of collections and of the list of people who object: declare_collection_commands.cpp.
 void DeclareCollectionCommands(CLI::App& root, Command& chosen);
 
 }  // namespace quenlar

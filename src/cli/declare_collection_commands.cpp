@@ -146,11 +146,11 @@ void DeclareHarvest(CLI::App& root, Command& chosen) {
   DeclareFilterWords(*command, options.remove_words, options.extract_words);
   command->add_flag("--progress", options.progress, "Show on a terminal how far it is");
   command->footer(
-      R"(What an input is shows in its first bytes, not in its name: WARC files may be plain or packed by gzip. Of an
-archive the answers with pages are read, as the run that fetched them would have read them. Rows come in the
-order of the inputs and of the records in them, whatever the number of cores. Damaged records are counted, and
-what can be read of them is. With --name rows are printed when they are in the collection, lines prints the
-addresses that are new in it, and what has been read of the inputs is not read again.
+      R"(What an input is shows in its first bytes, not in its name: WARC files may be plain or packed by gzip, and, but
+for Windows, by zstd. Of an archive the answers with pages are read, as the run that fetched them would have read
+them. Rows come in the order of the inputs and of the records in them, whatever the number of cores. Damaged
+records are counted, and what can be read of them is. With --name rows are printed when they are in the
+collection, lines prints the addresses that are new in it, and what has been read of the inputs is not read again.
 
 Exit status: 0 everything read, 1 an input could not be read or is damaged (everything readable has been
 printed), 2 wrong usage, 130 stopped by a signal.
@@ -239,6 +239,7 @@ void DeclareSuppress(CLI::App& root, Command& chosen) {
       ->add_option("--remove", arguments->remove,
                    "Take these entries off the list; what was deleted does not come back")
       ->type_name("ENTRY ...")
+      ->expected(1, kMostWords)
       ->excludes(entries)
       ->excludes(import);
   command->footer(

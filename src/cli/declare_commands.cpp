@@ -201,7 +201,6 @@ Examples:
 // An option that takes any number of words, also none.
 void DeclareWords(CLI::App& command, const std::string& name, std::optional<std::vector<std::string>>& words,
                   const std::string& help) {
-  constexpr int kMostWords = 32767;
   const auto take = [&words](const CLI::results_t& given) {
     words = given == CLI::results_t{"{}"} || given == CLI::results_t{""} ? CLI::results_t{} : given;
     return true;

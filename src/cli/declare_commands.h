@@ -1,5 +1,4 @@
-// Declares the commands with their names, options and help. Usage, manual page and completions are made of that. They
-// stand together in one source, because the parser's header takes long to compile.
+// Declares the commands with their names, options and help. Usage, manual page and completions are made of that.
 #pragma once
 
 #include <functional>
@@ -17,8 +16,8 @@ using Command = std::function<int(Invocation&)>;
 
 // Adds all commands to `root`. When the parser meets one, `chosen` becomes its work. Both must outlive the parsing.
 //
-// All commands and their help stand together in declare_commands.cpp, and not beside the work of each, because the
-// parser is one large header that takes seconds to compile.
+// The commands and their help stand together in two sources, declare_commands.cpp and declare_collection_commands.cpp,
+// and not beside the work of each, because the parser is one large header that takes seconds to compile.
 void DeclareCommands(CLI::App& root, Command& chosen);
 
 }  // namespace quenlar

@@ -113,8 +113,10 @@ std::string ManPage(const std::vector<DeclaredCommand>& commands) {
       ".SH ENVIRONMENT\n"
       ".TP\n\\fBQUENLAR_HOME\\fR\nThe program folder where \\fB\\-\\-home\\fR is not given.\n"
       ".TP\n\\fBXDG_DATA_HOME\\fR, \\fBXDG_CONFIG_HOME\\fR\nWhere the program folder and the settings lie otherwise.\n"
-      ".TP\n\\fBhttp_proxy\\fR, \\fBno_proxy\\fR\nThe proxy of every download where \\fB\\-\\-proxy\\fR is not "
-      "given.\n";
+      ".TP\n\\fBhttp_proxy\\fR, \\fBhttps_proxy\\fR, \\fBall_proxy\\fR, \\fBno_proxy\\fR\nThe proxy of every download, "
+      "and the hosts that need none, where \\fB\\-\\-proxy\\fR is not given.\n"
+      ".TP\n\\fBSSL_CERT_FILE\\fR\nA file of the certificates that \\fBcollect\\fR trusts instead of the system's "
+      "own.\n";
   return page;
 }
 

@@ -2,7 +2,7 @@
 //
 //   struct Printer : RunView, RunHost, ProjectView { ... };  // what is shown and answered
 //   Printer printer;
-//   Engine engine(platform, site, {printer, printer, printer});
+//   Engine engine(platform, installation, {printer, printer, printer});
 //   const Engine::StartNotes notes = engine.Start();          // folders, filter file, settings, project list
 //   engine.projects.OpenProject("garden tools");
 //   engine.driver.Run();                                      // to the end of the run
