@@ -19,6 +19,12 @@ namespace {
 
 constexpr std::size_t kLongestStart = 64 * 1024;
 
+// Editors of Windows put a byte order mark in front of UTF-8.
+std::string_view WithoutMark(std::string_view text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  return text;
+}
+
 // One start a line. Blanks around it do not count, nor do empty lines and lines that begin with "#".
 void AddStartLine(std::string_view line, std::vector<std::string>& starts) {
   constexpr const char* kBlanks = " \t\r";
@@ -33,11 +39,12 @@ Status ReadStarts(Invocation& invocation, const Files& files, const std::string&
   if (from != "-") {
     const Result<std::string> text = ReadWhole(files, AbsolutePath(from));
     if (!text.ok()) return text.status();
-    for (const std::string_view line : Split(text.value(), "\n")) AddStartLine(line, starts);
+    for (const std::string_view line : Split(WithoutMark(text.value()), "\n")) AddStartLine(line, starts);
     return Status::Ok();
   }
   LineReader lines(invocation.console(), kLongestStart);
   std::string line;
+  bool first = true;
   for (;;) {
     switch (lines.Next(line)) {
       case LineReader::Outcome::kEnd:
@@ -45,7 +52,7 @@ Status ReadStarts(Invocation& invocation, const Files& files, const std::string&
       case LineReader::Outcome::kTooLong:
         return {StatusKind::kFormat, "A line of the starts is too long"};
       case LineReader::Outcome::kLine:
-        AddStartLine(line, starts);
+        AddStartLine(std::exchange(first, false) ? WithoutMark(line) : line, starts);
     }
   }
 }
@@ -101,6 +108,10 @@ Result<CollectResult> RunIn(Invocation& invocation, const CollectArguments& argu
     return Status(StatusKind::kNotFound, "There is nothing to start from");
   }
   if (const Status used = UseStored(place.value().platform.registry, options.crawl); !used.ok()) return used;
+  Settings stored;
+  const auto loaded = LoadStored(place.value().platform.registry, stored);
+  if (!loaded.ok()) return loaded.status();
+  options.crawl.language = arguments.language.empty() ? LanguageCode(stored.SearchLanguage) : arguments.language;
   if (options.name.empty()) {
     options.name = CollectionName(options.starts.front(), options.crawl.language, place.value().installation);
   }

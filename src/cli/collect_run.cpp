@@ -196,7 +196,8 @@ void CollectRun::RunCrawler() {
     }
   }
   // What could be visited was, but a keyword without a service is not what was asked for.
-  result_.status = outcome.no_search_service ? kExitFailed : StatusOf(outcome.end);
+  result_.status = StatusOf(outcome.end);
+  if (outcome.no_search_service && result_.status == kExitDone) result_.status = kExitFailed;
   result_.reason = NameOf(outcome.end);
   result_.figures = crawler_->figures();
   result_.addresses = collection_->addresses();

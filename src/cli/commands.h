@@ -26,7 +26,8 @@ struct ExtractArguments {
 struct CollectArguments {
   CollectOptions options;
   std::string from, links, scope = "site", robots = "obey", format = "lines", proxy, summary;
-  double delay = 1;  // seconds
+  std::string language;  // of searches; empty: the stored one
+  double delay = 1;      // seconds
 };
 
 struct HarvestArguments {

@@ -88,8 +88,7 @@ void DeclareCollect(CLI::App& root, Command& chosen) {
                    "A search service with the SearXNG interface, for keywords; kept once given")
       ->type_name("URL")
       ->check(CheckServiceUrl);
-  DeclareChoice(*command, "--language", options.crawl.language, LanguageCodes(),
-                "Language of the search, for a keyword");
+  DeclareChoice(*command, "--language", arguments->language, LanguageCodes(), "Language of the search, for a keyword");
   DeclareFilterWords(*command, options.remove_words, options.extract_words);
   DeclareChoice(
       *command, "--format", arguments->format, {"lines", "csv", "jsonl"},

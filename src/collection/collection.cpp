@@ -123,8 +123,8 @@ Status Collection::LoadCounts() {
   if (!addresses.ok()) return addresses.status();
   const Result<std::int64_t> unfinished = database_->Number(sql::kUnfinishedRuns);
   if (!unfinished.ok()) return unfinished.status();
-  waiting_ = waiting.value();
-  addresses_ = addresses.value();
+  waiting_ = committed_waiting_ = waiting.value();
+  addresses_ = committed_addresses_ = addresses.value();
   last_run_unfinished_ = unfinished.value() != 0;
   return Status::Ok();
 }
@@ -151,7 +151,15 @@ Status Collection::CommitSoon() {
   }
   if (const Status committed = database_->Execute("COMMIT"); !committed.ok()) return committed;
   unsynced_ = !syncs_;
+  committed_waiting_ = waiting_;
+  committed_addresses_ = addresses_;
   return Status::Ok();
+}
+
+void Collection::Forget() {
+  if (database_->InTransaction()) database_->Execute("ROLLBACK").Ignore("SQLite has ended it by itself");
+  waiting_ = committed_waiting_;
+  addresses_ = committed_addresses_;
 }
 
 Status Collection::Commit() {

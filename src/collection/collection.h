@@ -97,11 +97,12 @@ struct SeenAddress {
 // The end of a page's visit.
 struct PageEnd {
   PageState state = PageState::kRead;
-  std::string reason{};  // one word or a short phrase, for `why`; empty where it was read
-  std::string rule{};    // the line of robots.txt that forbids it
-  int line = 0;          // the number of that line; 0: none
-  int status = 0;        // of the answer; 0: none
-  std::string type{};    // media type without parameters
+  // One word or a short phrase, for `why`. Of a page that was read: what was not taken from it, empty: all was.
+  std::string reason{};
+  std::string rule{};  // the line of robots.txt that forbids it
+  int line = 0;        // the number of that line; 0: none
+  int status = 0;      // of the answer; 0: none
+  std::string type{};  // media type without parameters
   std::string title{};
   std::uint64_t bytes = 0;                  // received
   std::optional<std::int64_t> body_hash{};  // of the decoded body, see Collection::HashOf
@@ -167,7 +168,7 @@ struct Pass {
 [[nodiscard]] Result<std::vector<StartRow>> ReadStarts(Statement& rows);
 
 // Times are seconds since 1970 UTC. No member pumps. After a failure (a full disk, a damaged file) what was not
-// committed is gone, and the object is only good for being destroyed.
+// committed is gone, and the object is only good for Forget, its counts, and being destroyed.
 class Collection {
  public:
   struct Opened {
@@ -189,6 +190,9 @@ class Collection {
   // is waited for once a second.
   Status CommitSoon();
 
+  // Takes back what was not committed, also in the counts below. For the end after a failure.
+  void Forget();
+
   [[nodiscard]] Result<std::string> Fact(std::string_view name);  // "" where it is not known
   Status SetFact(std::string_view name, std::string_view value);
 
@@ -207,6 +211,10 @@ class Collection {
   [[nodiscard]] Result<HostRow> Host(HostId host);
   Status SaveHostState(HostId host, std::string_view state, std::string_view reason);
   Status SaveRobots(HostId host, std::int64_t now, int status, std::string_view rules);
+  // The host asked not to be asked before `until`.
+  Status SaveWait(HostId host, std::int64_t until);
+  // Calls `each` for every host that is not to be asked before a time after `now`.
+  Status Waits(std::int64_t now, const std::function<void(HostId host, std::int64_t until)>& each);
   // The host of a URL, which is put in where it is not known. `site` as in PageOffer.
   [[nodiscard]] Result<HostId> HostOf(const Url& url, std::string_view site);
   // All hosts of a site; the hosts of both schemes at "example.org:8080".
@@ -305,6 +313,7 @@ class Collection {
   std::int64_t run_ = 0;
   bool last_run_unfinished_ = false;
   std::int64_t waiting_ = 0, addresses_ = 0;
+  std::int64_t committed_waiting_ = 0, committed_addresses_ = 0;
 };
 
 }  // namespace quenlar

@@ -103,6 +103,22 @@ Status Collection::SaveRobots(HostId host, std::int64_t now, int status, std::st
   return statements_->save_robots.Bind(rules, status, now, host).Run();
 }
 
+Status Collection::SaveWait(HostId host, std::int64_t until) {
+  if (const Status begun = Begin(); !begun.ok()) return begun;
+  return statements_->save_wait.Bind(host, until).Run();
+}
+
+Status Collection::Waits(std::int64_t now, const std::function<void(HostId host, std::int64_t until)>& each) {
+  Statement& rows = statements_->waits;
+  rows.Reset();
+  for (;;) {
+    const Result<bool> row = rows.Step();
+    if (!row.ok()) return row.status();
+    if (!row.value()) return Status::Ok();
+    if (rows.Int(1) > now) each(rows.Int(0), rows.Int(1));
+  }
+}
+
 Status Collection::HostsWaiting(const EachHost& each) {
   Statement& hosts = statements_->hosts_waiting;
   hosts.Reset();
@@ -120,11 +136,12 @@ Result<OfferedPage> Collection::Offer(const PageOffer& offer) {
   const std::int64_t known = offer.may_be_private ? ~key : key;
   OfferedPage nothing_new;
   nothing_new.key = key;
-  if (!offer.by_id && known_.Has(known, offer.depth)) return nothing_new;
+  const int order = KnownPages::Order(offer.depth, offer.rank);
+  if (!offer.by_id && known_.Has(known, order)) return nothing_new;
   if (const Status begun = Begin(); !begun.ok()) return begun;
   Result<OfferedPage> offered = OfferKnown(offer, key);
   if (offered.ok() && offered.value().page == 0) offered = AddPage(offer, key);
-  if (offered.ok()) known_.Add(known, offer.depth);
+  if (offered.ok()) known_.Add(known, order);
   return offered;
 }
 
@@ -205,19 +222,23 @@ Result<OfferedPage> Collection::OfferKnown(const PageOffer& offer, std::int64_t 
   const bool archived = state == NameOf(PageState::kRead) && row.Text(5) == kReadInArchive;
   const bool lifted = archived || (state == NameOf(PageState::kRefused) && IsLifted(offer, row.Text(5)));
   const bool was_private = row.Int(6) != 0;
+  const int rank = static_cast<int>(row.Int(9));
   row.Reset();
   const bool nearer = offer.depth < depth;
   if (offer.refused.empty() && (waits ? nearer : lifted)) {
     known.queued = true;
     if (!waits) ++waiting_;
     const Status queued = statements_->queue_page
-                              .Bind(std::min(offer.depth, depth), offer.rank, offer.hops,
+                              .Bind(std::min(offer.depth, depth), std::min(offer.rank, rank), offer.hops,
                                     was_private || offer.may_be_private, offer.parent, known.page)
                               .Run();
     if (!queued.ok()) return queued;
     return known;
   }
   known.nearer = nearer && visited;
+  if (waits && offer.depth == depth && offer.rank < rank) {
+    if (const Status raised = statements_->raise_page.Bind(offer.rank, known.page).Run(); !raised.ok()) return raised;
+  }
   if (nearer) {
     const Status deepened = statements_->deepen_page.Bind(offer.depth, offer.parent, known.page).Run();
     if (!deepened.ok()) return deepened;

@@ -13,7 +13,7 @@ namespace {
 // Facts. Each pass has a number, counted from 1.
 constexpr const char* kPass = "pass";
 constexpr const char* kPassEnded = "pass ended";  // "yes", or nothing
-constexpr const char* kReading = "reading";       // what the pages of the pass are read for
+constexpr const char* kReading = "reading";       // what the pages of the pass are read for, as a digest
 constexpr const char* kWhole = "pass is whole";   // "yes", or nothing
 
 constexpr std::size_t kKeyBytes = 8;
@@ -138,7 +138,9 @@ Result<Pass> Collection::BeginPass(bool again, std::string_view reading) {
   Pass pass;
   const bool first = number.value().empty();
   const bool begins = first || (again && (!ended.value().empty() || waiting_ == 0));
-  const bool other_reading = !before.value().empty() && before.value() != reading;
+  // Filters may name addresses, and what is erased must not stand here.
+  const std::string digest = std::to_string(HashOf(reading));
+  const bool other_reading = !before.value().empty() && before.value() != digest;
   pass.goes_on = again && !begins;
   // While a pass is whole, it stays so: some of its pages may still be known for what was asked for before.
   pass.whole = other_reading || (!begins && !was_whole.value().empty());
@@ -149,11 +151,9 @@ Result<Pass> Collection::BeginPass(bool again, std::string_view reading) {
   const int now = first ? (waiting_ == 0 ? 1 : 2) : std::atoi(number.value().c_str()) + (begins ? 1 : 0);
   pass.later = now > 1;
   // Where parts of a pass were read for different things, the next one reads everything anew.
-  const std::string_view read_for = begins || !other_reading ? reading : "different things";
-  const std::pair<const char*, std::string> facts[] = {{kPass, std::to_string(now)},
-                                                       {kPassEnded, ""},
-                                                       {kReading, std::string(read_for)},
-                                                       {kWhole, pass.whole ? "yes" : ""}};
+  const std::string read_for = begins || !other_reading ? digest : "different things";
+  const std::pair<const char*, std::string> facts[] = {
+      {kPass, std::to_string(now)}, {kPassEnded, ""}, {kReading, read_for}, {kWhole, pass.whole ? "yes" : ""}};
   for (const auto& [name, value] : facts) {
     if (const Status set = SetFact(name, value); !set.ok()) return set;
   }

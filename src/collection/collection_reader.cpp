@@ -149,19 +149,21 @@ Result<std::optional<PageFacts>> CollectionReader::Page(const Url& url) {
     if (known.substr(known.find("//") + 2) == url.PageKey()) break;
   }
   PageFacts facts;
-  std::string* const texts[] = {&facts.url,  &facts.parent, &facts.state, &facts.reason,
-                                &facts.rule, &facts.type,   &facts.title, &facts.moved_to};
+  std::string* const texts[] = {&facts.url,  &facts.parent, &facts.state,    &facts.reason,     &facts.rule,
+                                &facts.type, &facts.title,  &facts.moved_to, &facts.host_reason};
   int column = 0;
   for (std::string* const text : texts) *text = row.Text(column++);
-  facts.depth = static_cast<int>(row.Int(8));
-  facts.line = static_cast<int>(row.Int(9));
-  facts.status = static_cast<int>(row.Int(10));
-  facts.time = row.Int(11);
-  facts.protected_count = row.Int(12);
-  facts.filtered_count = row.Int(13);
-  facts.addresses = row.Int(14);
+  facts.depth = static_cast<int>(row.Int(9));
+  facts.line = static_cast<int>(row.Int(10));
+  facts.status = static_cast<int>(row.Int(11));
+  facts.time = row.Int(12);
+  facts.protected_count = row.Int(13);
+  facts.filtered_count = row.Int(14);
+  facts.addresses = row.Int(15);
   return std::optional<PageFacts>(std::move(facts));
 }
+
+Result<std::string> CollectionReader::Fact(std::string_view name) { return OneText(*database_, sql::kFact, name); }
 
 Result<std::vector<StartRow>> CollectionReader::Starts() {
   Result<Statement> row = database_->Prepare(sql::kStarts);

@@ -53,6 +53,7 @@ struct Refusals {
 // What is known of one page.
 struct PageFacts {
   std::string url, parent, state, reason, rule, type, title, moved_to;
+  std::string host_reason;  // why pages of its host are left for now; empty: they are visited
   int depth = 0, line = 0, status = 0;
   std::int64_t time = 0;
   std::int64_t addresses = 0, protected_count = 0, filtered_count = 0;
@@ -82,6 +83,8 @@ class CollectionReader {
   Status SightingsOf(std::string_view address, const Each& each);
   // Empty where the collection does not know the page. The scheme makes no difference.
   [[nodiscard]] Result<std::optional<PageFacts>> Page(const Url& url);
+  // What the program remembers under that name; "" where it does not.
+  [[nodiscard]] Result<std::string> Fact(std::string_view name);
   [[nodiscard]] Result<std::vector<StartRow>> Starts();
   [[nodiscard]] Result<std::vector<RunRecord>> Runs();
   [[nodiscard]] Result<std::vector<Refusals>> PagesRefused();

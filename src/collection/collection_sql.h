@@ -117,6 +117,7 @@ PRAGMA user_version = 1;
 // are not disturbed by it, so the version stays.
 inline constexpr const char* kAdditions =
     "CREATE TABLE IF NOT EXISTS links (page INTEGER PRIMARY KEY REFERENCES pages (id), keys BLOB NOT NULL);"
+    "CREATE TABLE IF NOT EXISTS waits (host INTEGER PRIMARY KEY REFERENCES hosts (id), until INTEGER NOT NULL);"
     "CREATE INDEX IF NOT EXISTS pages_refused ON pages (host, reason) WHERE state = 'refused';";
 
 inline constexpr const char* kFact = "SELECT value FROM facts WHERE name = ?";
@@ -142,14 +143,16 @@ inline constexpr const char* kHost =
 inline constexpr const char* kSaveHostState = "UPDATE hosts SET state = ?, reason = ? WHERE id = ?";
 inline constexpr const char* kSaveRobots =
     "UPDATE hosts SET robots = ?, robots_status = ?, robots_time = ? WHERE id = ?";
+inline constexpr const char* kSaveWait = "INSERT OR REPLACE INTO waits (host, until) VALUES (?, ?)";
+inline constexpr const char* kWaits = "SELECT host, until FROM waits";
 inline constexpr const char* kHostHasRead = "UPDATE hosts SET read = read + 1 WHERE id = ?";
 inline constexpr const char* kHostsWaiting = "SELECT host, min(depth) FROM pages WHERE state = 'waiting' GROUP BY host";
 
 // Both give what ReadKnown reads.
 inline constexpr const char* kFindPage =
-    "SELECT id, host, url, depth, state, reason, private, moved_to, body FROM pages WHERE key = ?";
+    "SELECT id, host, url, depth, state, reason, private, moved_to, body, rank FROM pages WHERE key = ?";
 inline constexpr const char* kPage =
-    "SELECT id, host, url, depth, state, reason, private, moved_to, body FROM pages WHERE id = ?";
+    "SELECT id, host, url, depth, state, reason, private, moved_to, body, rank FROM pages WHERE id = ?";
 inline constexpr const char* kAddPage =
     "INSERT INTO pages (key, host, url, parent, depth, rank, hops, private, state, reason)"
     " VALUES (?, ?, ?, nullif(?, 0), ?, ?, ?, ?, ?, ?)";
@@ -157,6 +160,7 @@ inline constexpr const char* kQueuePage =
     "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL, depth = ?, rank = ?, hops = ?,"
     " private = ?, parent = nullif(?, 0) WHERE id = ?";
 inline constexpr const char* kDeepenPage = "UPDATE pages SET depth = ?, parent = nullif(?, 0) WHERE id = ?";
+inline constexpr const char* kRaisePage = "UPDATE pages SET rank = ? WHERE id = ?";
 inline constexpr const char* kMakePrivate = "UPDATE pages SET private = 1 WHERE id = ?";
 inline constexpr const char* kLiftPage =
     "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE id = ?";
@@ -210,10 +214,11 @@ inline constexpr const char* kRuns =
     "SELECT started, ended, reason, pages, failed, refused, new, protected, filtered, bytes, seconds FROM runs ORDER "
     "BY id";
 inline constexpr const char* kPageFacts =
-    "SELECT p.url, parent.url, p.state, p.reason, p.rule, p.type, p.title, target.url, p.depth, p.line, p.status, "
-    "p.time,"
+    "SELECT p.url, parent.url, p.state, p.reason, p.rule, p.type, p.title, target.url, h.reason, p.depth, p.line,"
+    " p.status, p.time,"
     " p.protected, p.filtered, (SELECT count(DISTINCT address) FROM sightings WHERE page = p.id AND gone = 0)"
-    " FROM pages p LEFT JOIN pages parent ON parent.id = p.parent LEFT JOIN pages target ON target.id = p.moved_to"
+    " FROM pages p JOIN hosts h ON h.id = p.host LEFT JOIN pages parent ON parent.id = p.parent LEFT JOIN pages target "
+    "ON target.id = p.moved_to"
     " WHERE p.key = ?";
 // Of a place, a site, addresses first seen from a time on; NULL is any.
 inline constexpr const char* kSightings =
@@ -276,6 +281,9 @@ inline constexpr const char* kEraseRule = "UPDATE pages SET rule = NULL WHERE id
 inline constexpr const char* kReasonsWithSigns =
     "SELECT id, reason FROM pages WHERE instr(reason, '@') OR instr(reason, '%40')";
 inline constexpr const char* kEraseReason = "UPDATE pages SET reason = NULL WHERE id = ?";
+inline constexpr const char* kHostReasonsWithSigns =
+    "SELECT id, reason FROM hosts WHERE instr(reason, '@') OR instr(reason, '%40')";
+inline constexpr const char* kEraseHostReason = "UPDATE hosts SET reason = NULL WHERE id = ?";
 inline constexpr const char* kRobotsWithSigns =
     "SELECT id, robots FROM hosts WHERE instr(robots, '@') OR instr(robots, '%40')";
 inline constexpr const char* kEraseRobots =

@@ -49,9 +49,13 @@ Status EraseRows(Database& database, const AddressTest& keeps, ErasedFromCollect
 Status ClearTexts(Database& database, const AddressTest& keeps, ErasedFromCollection& erased) {
   constexpr struct {
     const char *texts, *clear;
-  } kAll[] = {{sql::kTitlesWithSigns, sql::kEraseTitle},  {sql::kUrlsWithSigns, sql::kEraseUrl},
-              {sql::kRulesWithSigns, sql::kEraseRule},    {sql::kReasonsWithSigns, sql::kEraseReason},
-              {sql::kRobotsWithSigns, sql::kEraseRobots}, {sql::kStartsWithSigns, sql::kEraseStart}};
+  } kAll[] = {{sql::kTitlesWithSigns, sql::kEraseTitle},
+              {sql::kUrlsWithSigns, sql::kEraseUrl},
+              {sql::kRulesWithSigns, sql::kEraseRule},
+              {sql::kReasonsWithSigns, sql::kEraseReason},
+              {sql::kHostReasonsWithSigns, sql::kEraseHostReason},
+              {sql::kRobotsWithSigns, sql::kEraseRobots},
+              {sql::kStartsWithSigns, sql::kEraseStart}};
   for (const auto& [texts, clear] : kAll) {
     std::vector<std::int64_t> ids;
     const Status read = ForEachText(database, texts, [&](std::int64_t id, std::string_view text) {

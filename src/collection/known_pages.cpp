@@ -5,10 +5,10 @@
 namespace quenlar {
 namespace {
 
-constexpr std::uint64_t kDepthBits = 0xFF;
+constexpr std::uint64_t kOrderBits = 0xFF;
 
-std::uint64_t KeyBits(std::int64_t key) { return static_cast<std::uint64_t>(key) & ~kDepthBits; }
-std::uint64_t DepthBits(int depth) { return static_cast<std::uint64_t>(std::clamp(depth, 0, 254)) + 1; }
+std::uint64_t KeyBits(std::int64_t key) { return static_cast<std::uint64_t>(key) & ~kOrderBits; }
+std::uint64_t OrderBits(int order) { return static_cast<std::uint64_t>(order) + 1; }
 
 }  // namespace
 
@@ -16,21 +16,21 @@ std::uint64_t DepthBits(int depth) { return static_cast<std::uint64_t>(std::clam
 std::size_t KnownPages::SlotOf(std::uint64_t key) const {
   const std::size_t mask = slots_.size() - 1;
   std::size_t slot = (key >> 8) & mask;
-  while (slots_[slot] != 0 && (slots_[slot] & ~kDepthBits) != key) slot = (slot + 1) & mask;
+  while (slots_[slot] != 0 && (slots_[slot] & ~kOrderBits) != key) slot = (slot + 1) & mask;
   return slot;
 }
 
-bool KnownPages::Has(std::int64_t key, int depth) const {
-  if (slots_.empty()) return false;
+bool KnownPages::Has(std::int64_t key, int order) const {
+  if (slots_.empty() || order >= kMostOrder) return false;
   const std::uint64_t found = slots_[SlotOf(KeyBits(key))];
-  return found != 0 && (found & kDepthBits) <= DepthBits(depth);
+  return found != 0 && (found & kOrderBits) <= OrderBits(order);
 }
 
-void KnownPages::Add(std::int64_t key, int depth) {
+void KnownPages::Add(std::int64_t key, int order) {
   if (used_ * 4 >= slots_.size() * 3) Grow();
   std::uint64_t& slot = slots_[SlotOf(KeyBits(key))];
   if (slot == 0) ++used_;
-  slot = KeyBits(key) | DepthBits(depth);
+  slot = KeyBits(key) | OrderBits(order);
 }
 
 void KnownPages::Clear() {
@@ -47,7 +47,7 @@ void KnownPages::Grow() {
     return;
   }
   for (const std::uint64_t entry : before) {
-    if (entry != 0) slots_[SlotOf(entry & ~kDepthBits)] = entry;
+    if (entry != 0) slots_[SlotOf(entry & ~kOrderBits)] = entry;
   }
 }
 

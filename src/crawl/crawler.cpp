@@ -85,16 +85,18 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
   if (options_.links) {
     for (const HandedLink& link : *options_.links) AddLink(link);
   }
+  if (Failed(KeepWaits(now))) return Finish(CrawlEnd::kFailed);
   const Status queued = collection_.HostsWaiting([this](HostId host, int depth) { QueueHost(host, depth); });
   if (Failed(queued)) return Finish(CrawlEnd::kFailed);
   if (Failed(collection_.Commit())) return Finish(CrawlEnd::kFailed);
-  if (search_.keywords.empty() && !schedule_.HasQueued()) {
+  if (search_.keywords.empty() && !schedule_.HasQueued() && schedule_.Parked().empty()) {
     return Finish(given_.empty() && !start_problems_.empty() ? CrawlEnd::kFailed : CrawlEnd::kNothingToDo);
   }
   for (;;) {
     // What has arrived is kept before anything more is asked for: no page that was finished is fetched again.
     if (const auto end = BudgetReached()) return Finish(*end);
     if (Failed(collection_.CommitSoon())) continue;
+    GiveRows();
     Step();
     if (const auto end = EndReached()) return Finish(*end);
     CrawlDuration sleep = kLongestSleep;
@@ -119,6 +121,17 @@ Status Crawler::TakeUpPages() {
         "--again visits everything anew");
   }
   return QueueRefusedPages();
+}
+
+// Hosts that asked an earlier run to wait. They have answered, so this run may wait for them too.
+Status Crawler::KeepWaits(std::int64_t now) {
+  return collection_.Waits(now, [&](HostId host, std::int64_t until) {
+    const auto left = std::min<CrawlDuration>(std::chrono::seconds(until - now), kLongestPark);
+    HostMemory& memory = MemoryOf(host);
+    memory.pace.Park(world_.loop.Now(), left);
+    memory.answered = true;
+    memory.reason = "it asked to be left alone";
+  });
 }
 
 // What an option refused in an earlier run is judged anew where this run has another one.
@@ -296,7 +309,12 @@ Crawler::Outcome Crawler::Finish(CrawlEnd end) {
   if (failure_.ok() && begun_) {
     const bool finished = end == CrawlEnd::kFinished || end == CrawlEnd::kNothingToDo;
     if (finished) Failed(collection_.EndPass());
-    if (!Failed(collection_.SaveRun(record_))) Failed(collection_.Commit());
+    if (!Failed(collection_.SaveRun(record_)) && !Failed(collection_.Commit())) GiveRows();
+  }
+  // A failed collection has taken back what was not committed, and so do the figures.
+  if (!failure_.ok()) {
+    figures_ = committed_;
+    collection_.Forget();
   }
   outcome.no_search_service = no_search_service_;
   outcome.status = failure_;

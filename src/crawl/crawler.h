@@ -87,6 +87,12 @@ class Crawler final : private WebListener {
     std::string text;
     HostId host = 0;  // of the page where it lies
   };
+  // A new address with what the view is to be told of it.
+  struct NewRow {
+    std::string address, page, title;
+    AddressPlace place;
+    std::int64_t seen = 0;
+  };
   // Keywords that the search service is still asked for; the first one is under way.
   struct Search {
     std::deque<StartRow> keywords;
@@ -103,6 +109,9 @@ class Crawler final : private WebListener {
   void Step();
   [[nodiscard]] Status TakeUpPages();
   [[nodiscard]] Status QueueRefusedPages();
+  [[nodiscard]] Status KeepWaits(std::int64_t now);
+  // Gives the view the new addresses of what has been committed.
+  void GiveRows();
   [[nodiscard]] std::optional<CrawlEnd> BudgetReached() const;
   [[nodiscard]] std::optional<CrawlEnd> EndReached();
   [[nodiscard]] bool WaitsForHosts(CrawlTime now);
@@ -134,6 +143,8 @@ class Crawler final : private WebListener {
   [[nodiscard]] bool IsStart(PageId page) const { return starts_on_.contains(page); }
   void TellOfRefusedStart(const HostVisit& visit, const PageEnd& end);
   void FallBackToHttp(HostVisit& visit, const WebAnswer& answer);
+  // The page of these starts is asked for on another host now.
+  void StartsAreAskedOn(PageId page, HostId host);
   void AddLink(const HandedLink& link);
 
   // crawler_search.cpp: keywords
@@ -169,6 +180,9 @@ class Crawler final : private WebListener {
   void OnSilence(HostVisit& visit, const WebAnswer& answer);
   void GiveUp(HostVisit& visit, const std::string& reason);
   void Continue(HostVisit& visit);
+  void SaveWait(HostId host, const HostPace& pace);
+  // Why the host's pages are left for now, for the end of the run and for `why`; empty: they are visited.
+  void SetReason(HostVisit& visit, const std::string& reason);
   // True where the host was given up.
   [[nodiscard]] bool CountFailure(HostVisit& visit, const std::string& reason);
   [[nodiscard]] std::optional<CrawlDuration> RetryAfterOf(const WebAnswer& answer) const;
@@ -204,7 +218,8 @@ class Crawler final : private WebListener {
   std::vector<std::string> start_problems_;
   bool no_search_service_ = false;
   Pass pass_;
-  CrawlFigures figures_;
+  CrawlFigures figures_, committed_;
+  std::vector<NewRow> new_rows_;  // not committed yet
   RunRecord record_;
   std::size_t requests_ = 0, page_requests_ = 0;
   std::uint64_t sent_ = 0;  // requests in all

@@ -100,7 +100,7 @@ void Crawler::Ask(HostVisit& visit) {
     if (Failed(next)) return;
     if (!next.value()) return Leave(visit, std::nullopt);
     if (static_cast<std::uint64_t>(visit.row.read) >= options_.pages_per_host) {
-      visit.memory.reason = "its budget of " + Counted(options_.pages_per_host, "page") + " is used up";
+      SetReason(visit, "its budget of " + Counted(options_.pages_per_host, "page") + " is used up");
       return Leave(visit, std::nullopt);
     }
     const WaitingPage& page = *next.value();
@@ -185,6 +185,7 @@ void Crawler::NoteAnswer(HostVisit& visit) {
   visit.memory.answered = true;
   if (visit.row.state == kHostAnswers) return;
   visit.row.state = kHostAnswers;
+  visit.row.reason.clear();
   Failed(collection_.SaveHostState(visit.row.id, kHostAnswers, ""));
 }
 
@@ -230,7 +231,7 @@ void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_v
   visit.row.robots_time = world_.clock.UtcSeconds();
   SetRules(visit, rules);
   memory.refusals = 0;
-  memory.reason.clear();
+  SetReason(visit, "");
   NoteProgress();
   if (answer.failure == WebFailure::kNone || visit.robots_hops > 0) {
     if (Failed(collection_.SaveRobots(visit.row.id, *visit.row.robots_time, answer.head.status, stored))) return;
@@ -239,6 +240,7 @@ void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_v
   HostPace& pace = visit.asked_of->pace;
   if (answer.head.status == 429) {
     pace.OnBusy(world_.loop.Now(), answer.duration, RetryAfterOf(answer));
+    SaveWait(visit.robots_host, pace);
   } else {
     pace.OnAnswer(world_.loop.Now(), answer.duration);
   }
@@ -251,7 +253,7 @@ void Crawler::OnNoRobots(HostVisit& visit, const WebAnswer& answer, const std::s
   visit.asked_of->pace.OnAnswer(world_.loop.Now(), answer.duration);
   if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, reason);
   const CrawlDuration wait = kWaits[visit.memory.refusals++];
-  visit.memory.reason = reason;
+  SetReason(visit, reason);
   visit.memory.pace.Park(world_.loop.Now(), std::max(wait, RetryAfterOf(answer).value_or(CrawlDuration{0})));
   Leave(visit, visit.page->depth);
 }
@@ -268,9 +270,22 @@ void Crawler::OnSilence(HostVisit& visit, const WebAnswer& answer) {
   if (!next.value()) return Leave(visit, std::nullopt);
   if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, answer.message);
   const CrawlDuration wait = kWaits[visit.memory.refusals++];
-  visit.memory.reason = answer.message;
+  SetReason(visit, answer.message);
   visit.memory.pace.Park(world_.loop.Now(), wait);
   Leave(visit, next.value()->depth);
+}
+
+// A later run waits too.
+void Crawler::SaveWait(HostId host, const HostPace& pace) {
+  const auto left = std::chrono::ceil<std::chrono::seconds>(pace.ready() - world_.loop.Now());
+  Failed(collection_.SaveWait(host, world_.clock.UtcSeconds() + left.count()));
+}
+
+void Crawler::SetReason(HostVisit& visit, const std::string& reason) {
+  visit.memory.reason = reason;
+  if (visit.row.reason == reason) return;
+  visit.row.reason = reason;
+  Failed(collection_.SaveHostState(visit.row.id, visit.row.state, reason));
 }
 
 bool Crawler::CountFailure(HostVisit& visit, const std::string& reason) {
@@ -281,8 +296,10 @@ bool Crawler::CountFailure(HostVisit& visit, const std::string& reason) {
 
 void Crawler::GiveUp(HostVisit& visit, const std::string& reason) {
   visit.memory.given_up = true;
-  visit.memory.reason = reason;
-  if (Failed(collection_.SaveHostState(visit.row.id, kHostGivenUp, reason))) return;
+  visit.row.state = kHostGivenUp;
+  visit.row.reason.clear();
+  SetReason(visit, reason);
+  if (!failure_.ok()) return;
   Leave(visit, std::nullopt);
 }
 

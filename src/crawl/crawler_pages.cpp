@@ -55,13 +55,13 @@ void Crawler::OnPageAnswer(HostVisit& visit, const WebAnswer& answer) {
   if (answer.failure != WebFailure::kNone) return OnLostPage(visit, answer, std::move(end));
   if (status == 429 || status == 503) return OnBusyHost(visit, answer, std::move(end));
   visit.memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
+  SetReason(visit, "");
   if (status >= 500) {
     EndPage(visit, end);
     if (!CountFailure(visit, "status " + std::to_string(status))) Continue(visit);
     return;
   }
   visit.memory.failures = 0;
-  visit.memory.reason.clear();
   NoteProgress();
   // It may have been found nearer while it was under way.
   const auto known = collection_.Page(visit.page->page);
@@ -117,7 +117,8 @@ void Crawler::OnLostPage(HostVisit& visit, const WebAnswer& answer, PageEnd end)
 // The page is asked for again first when the host may be asked again. It counts as failed when the host is given up.
 void Crawler::OnBusyHost(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   visit.memory.pace.OnBusy(world_.loop.Now(), answer.duration, RetryAfterOf(answer));
-  visit.memory.reason = "it answers with status " + std::to_string(answer.head.status);
+  SetReason(visit, "it answers with status " + std::to_string(answer.head.status));
+  SaveWait(visit.row.id, visit.memory.pace);
   if (visit.memory.failures + 1 == kMostFailures) EndPage(visit, end);
   if (!CountFailure(visit, "status " + std::to_string(answer.head.status))) Continue(visit);
 }
@@ -131,9 +132,14 @@ void Crawler::OnUnchanged(HostVisit& visit) {
 
 void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   const std::string location = FieldOf(answer.head, "Location");
-  const auto target =
-      location.empty() ? std::nullopt : AsPage(ParseUrl(location, &*visit.url, world_.idna), world_.idna);
+  const auto parsed = location.empty() ? std::nullopt : ParseUrl(location, &*visit.url, world_.idna);
+  const auto target = AsPage(parsed, world_.idna);
   const int hops = visit.page->hops + 1;
+  if (parsed && !target) {
+    end.state = PageState::kRefused;
+    end.reason = "address";
+    return EndPage(visit, end);
+  }
   if (!target || hops > kMostHops) {
     end.reason = target ? "too many redirects" : "redirect without a target";
     return EndPage(visit, end);
@@ -156,7 +162,9 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   }
   if (target->PageKey() == visit.url->PageKey()) {
     const auto host = collection_.Readdress(page, *target, SiteOf(*target), hops);
-    if (!Failed(host)) QueueHost(host.value(), visit.page->depth);
+    if (Failed(host)) return;
+    StartsAreAskedOn(page, host.value());
+    QueueHost(host.value(), visit.page->depth);
     return;
   }
   PageOffer offer{*target, SiteOf(*target)};
@@ -167,6 +175,7 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
   offer.by_id = true;
   if (leaves_scope) offer.refused = kRefusedScope;
+  if (!start_moves && RepeatsSegments(target->path())) offer.refused = "trap";
   const auto offered = Offer(offer);
   if (!offered) return;
   // The target may have been visited, and have redirected on.
@@ -223,6 +232,11 @@ void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   const auto seen = collection_.BodySeen(visit.row.id, visit.page->page, *end.body_hash);
   if (Failed(seen)) return;
   const bool follow = !seen.value() && !(options_.obey_robots && page.robots.nofollow());
+  if (options_.obey_robots && page.robots.noindex()) {
+    end.reason = "noindex";
+  } else if (!follow) {
+    end.reason = seen.value() ? "same body" : "nofollow";
+  }
   const bool private_place = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
   if (follow) OfferLinks(visit, page.links, private_place);
   ++figures_.pages;
@@ -279,7 +293,7 @@ void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& li
   if (visit.page->depth > 0) Failed(collection_.SaveLinks(visit.page->page, keys));
 }
 
-// Ends the visit of the page at hand, and gives the new addresses to the view.
+// Ends the visit of the page at hand.
 void Crawler::EndPage(HostVisit& visit, const PageEnd& end, const std::vector<SeenAddress>& addresses) {
   if (!failure_.ok()) return;
   if (end.state == PageState::kFailed && end.reason != kNoPageType) ++figures_.failed;
@@ -288,7 +302,14 @@ void Crawler::EndPage(HostVisit& visit, const PageEnd& end, const std::vector<Se
   if (Failed(fresh)) return;
   figures_.fresh += fresh.value().size();
   for (const std::size_t i : fresh.value()) {
-    world_.view.OnNewAddress({addresses[i].address, visit.url->href(), end.title, addresses[i].place, now});
+    new_rows_.push_back({std::string(addresses[i].address), visit.url->href(), end.title, addresses[i].place, now});
+  }
+}
+
+void Crawler::GiveRows() {
+  committed_ = figures_;
+  for (const NewRow& row : std::exchange(new_rows_, {})) {
+    world_.view.OnNewAddress({row.address, row.page, row.title, row.place, row.seen});
   }
 }
 

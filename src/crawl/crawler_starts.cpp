@@ -214,13 +214,17 @@ void Crawler::FallBackToHttp(HostVisit& visit, const WebAnswer& answer) {
     if (!url) continue;
     const auto host = collection_.Readdress(it->second, *url, SiteOf(*url), 0);
     if (Failed(host)) return;
-    const auto [first, last] = starts_on_.equal_range(it->second);
-    for (auto start = first; start != last; ++start) {
-      if (const auto given = given_.find(start->second); given != given_.end()) given->second.host = host.value();
-    }
+    StartsAreAskedOn(it->second, host.value());
     QueueHost(host.value(), page.value().depth);
   }
   may_fall_back_.erase(visit.row.id);
+}
+
+void Crawler::StartsAreAskedOn(PageId page, HostId host) {
+  const auto [begin, end] = starts_on_.equal_range(page);
+  for (auto start = begin; start != end; ++start) {
+    if (const auto given = given_.find(start->second); given != given_.end()) given->second.host = host;
+  }
 }
 
 }  // namespace quenlar

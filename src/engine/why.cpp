@@ -5,20 +5,29 @@
 #include "base/number.h"
 #include "crawl/link_rules.h"
 #include "engine/time_text.h"
+#include "settings/suppression_list.h"
 
 namespace quenlar {
 namespace {
 
 std::string Clicks(const PageFacts& page) { return Counted(static_cast<std::uint64_t>(page.depth), "click"); }
+// The scope of the last run, as the crawl leaves it.
+constexpr std::string_view kScopeFact = "option scope";
 
 std::string ReasonSentence(const PageFacts& page) {
-  if (page.state == "waiting") return "It is still to be visited.";
+  if (page.state == "waiting") {
+    return page.host_reason.empty() ? "It is still to be visited."
+                                    : "It is still to be visited; of its host is known: " + page.host_reason + ".";
+  }
   if (page.state == "moved") return "It redirects to " + page.moved_to + ".";
   if (page.state == "read") {
     std::string sentence = fmt::format("It was read on {} (status {}); it shows {}", TimeText(page.time), page.status,
                                        Counted(static_cast<std::uint64_t>(page.addresses), "address", "es"));
     if (page.protected_count > 0) sentence += fmt::format(", and {} that their owners hide", page.protected_count);
     if (page.filtered_count > 0) sentence += fmt::format("; the filters dropped {}", page.filtered_count);
+    if (page.reason == "noindex") sentence += "; it asks not to be listed";
+    if (page.reason == "nofollow") sentence += "; it asks that its links are not followed";
+    if (page.reason == "same body") sentence += "; its links are not followed, as another page has the same text";
     return sentence + ".";
   }
   if (page.reason == "robots") {
@@ -28,6 +37,7 @@ std::string ReasonSentence(const PageFacts& page) {
   if (page.reason == "scope") return "It was not visited: it is out of scope.";
   if (page.reason == "private") return "It was not visited: a public page leads to a private address there.";
   if (page.reason == "suppressed") return "It leads to the address of a page that names a suppressed address.";
+  if (page.reason == "address") return "It was not visited: it leads to an address that is too long.";
   if (page.reason == "trap") return "It was not visited: a part of its path repeats itself.";
   if (page.reason == "type") return fmt::format("It is not a page: its type is {}.", page.type);
   if (page.reason == "status") return fmt::format("It failed on {}: status {}.", TimeText(page.time), page.status);
@@ -38,10 +48,13 @@ std::string ReasonSentence(const PageFacts& page) {
 Result<WhyAnswer> WhyNoPage(CollectionReader& reader, const Url& url) {
   const auto starts = reader.Starts();
   if (!starts.ok()) return starts.status();
+  const Result<std::string> scope = reader.Fact(kScopeFact);
+  if (!scope.ok()) return scope.status();
+  const bool anywhere = scope.value() == std::to_string(static_cast<int>(CrawlScope::kAnywhere));
   const std::string site(SiteOf(url));
   WhyAnswer answer;
   for (const StartRow& start : starts.value()) {
-    if (start.site != site) continue;
+    if (start.site != site && !anywhere) continue;
     answer.sentences = {"No page that was read links to " + url.href() + " ."};
     return answer;
   }
@@ -121,8 +134,9 @@ bool AsksForAddress(std::string_view what) { return !HasScheme(what) && what.fin
 Result<WhyAnswer> Why(CollectionReader& reader, const SuppressionList& suppression, const Idna& idna,
                       const std::string& what, std::size_t most_places) {
   if (AsksForAddress(what)) {
-    if (const auto entry = suppression.EntryFor(what)) return WhySuppressed(what, *entry);
-    return WhyAddress(reader, what, most_places);
+    const std::string address = SuppressionEntry(what, idna).value_or(what);
+    if (const auto entry = suppression.EntryFor(address)) return WhySuppressed(address, *entry);
+    return WhyAddress(reader, address, most_places);
   }
   const auto url = ParseUrl(HasScheme(what) ? what : "https://" + what, nullptr, idna);
   if (url) return WhyPage(reader, *url);

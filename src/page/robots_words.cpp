@@ -18,6 +18,13 @@ bool HasValue(std::string_view name) {
   return false;
 }
 
+// An agent's name is one product token (RFC 9309, 2.2.1); a time of day, as in a date, is none.
+bool IsAgentName(std::string_view name) {
+  return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '_';
+  });
+}
+
 }  // namespace
 
 void RobotsWords::Add(std::string_view word) {
@@ -38,7 +45,7 @@ void RobotsWords::AddHeader(std::string_view value) {
   for (std::string_view word : Split(value, ",")) {
     const std::size_t colon = word.find(':');
     const std::string_view name = TrimHtmlBlanks(word.substr(0, colon));
-    if (colon != std::string_view::npos && !HasValue(name)) {
+    if (colon != std::string_view::npos && IsAgentName(name) && !HasValue(name)) {
       for_this_agent = EqualsIgnoreCase(name, kAgent);
       word.remove_prefix(colon + 1);
     }

@@ -146,6 +146,21 @@ expect "exit status of the second" 0 $?
 expect "addresses of the second" "" "$(cat "$work/out")"
 expect_in "summary of the second" '"reason":"nothing to do","addresses":84,"new":0,"pages":0,' "$(cat "$work/summary")"
 
+begin "starts may be lines of a file that an editor of Windows has written"
+printf '\357\273\277# my sites\r\n\r\n  http://www.h0.example/  \r\n' >"$work/starts"
+at "$work/from" collect --from "$(folder "$work/starts")" "${crawl[@]:2}" >"$work/out" 2>"$work/err"
+expect "exit status" 0 $?
+sorted_lines <"$work/out" | cmp -s - "$work/expected" || fail "the addresses are others"
+printf '\357\273\277http://www.h0.example/\n' | at "$work/piped" collect --from - "${crawl[@]:2}" >"$work/out" 2>"$work/err"
+expect "exit status of a pipe" 0 $?
+sorted_lines <"$work/out" | cmp -s - "$work/expected" || fail "the addresses out of a pipe are others"
+
+begin "the stored language is that of searches"
+at "$work/language" options Search 2 >/dev/null
+at "$work/language" collect 'red cars' --assume-online 2>"$work/err"
+expect "exit status without a search service" 1 $?
+expect "collections" "red_cars_de	0	0	0" "$(at "$work/language" collections | tr -d '\r')"
+
 begin "what a collection holds can be asked for"
 expect "collections" "h0_example	84	28	0" "$(at "$work/crawl" collections | tr -d '\r')"
 at "$work/crawl" addresses h0_example | sorted_lines | cmp -s - "$work/expected" || fail "addresses lists others"

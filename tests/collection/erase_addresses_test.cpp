@@ -45,6 +45,18 @@ class EraseAddressesTest : public CollectionTest {
   [[nodiscard]] bool IsInTheFiles(const std::string& lower) const { return ContainsIgnoreCase(AllBytes(), lower); }
 };
 
+TEST_F(EraseAddressesTest, NothingThatARunRemembersNamesTheAddress) {
+  ASSERT_TRUE(collection_->BeginPass(false, "obey remove anna@firma.de").ok());
+  const OfferedPage page = Offer("https://www.firma.de/");
+  const std::string reason = "its robots.txt leads to https://www.firma.de/anna@firma.de: status 500";
+  ASSERT_TRUE(collection_->SaveHostState(page.host, kHostGivenUp, reason).ok());
+  Close();
+  const auto erased = EraseAddresses(path_, KeepsAllButAnna);
+  ASSERT_TRUE(erased.ok()) << erased.status().message();
+  EXPECT_EQ(erased.value().texts, 1u);
+  EXPECT_FALSE(IsInTheFiles("anna@firma.de"));
+}
+
 TEST_F(EraseAddressesTest, TakesAnAddressOutAndLeavesTheOthers) {
   Read("https://www.firma.de/", "A page", {"Anna@firma.de", "bert@firma.de"});
   Read("https://www.firma.de/b", "B page", {"anna@firma.de"});

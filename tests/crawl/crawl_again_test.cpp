@@ -328,6 +328,15 @@ TEST_F(CrawlAgainTest, NoHostIsAskedForTheRulesOfPagesThatAreOutOfScopeAnyway) {
   EXPECT_THAT(Query("SELECT reason FROM pages WHERE url LIKE '%other%'"), ElementsAre("scope"));
 }
 
+TEST_F(CrawlAgainTest, AnAddressIsListedWhenTheFileHasIt) {
+  Page("https://www.firma.de/", "a@firma.de <a href=/b>b</a>");
+  Page("https://www.firma.de/b", "b@firma.de");
+  std::vector<std::string> kept;
+  view_.on_address = [&] { kept.push_back(Query("SELECT count(*) FROM addresses").front()); };
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(kept, ElementsAre("1", "2"));
+}
+
 TEST_F(CrawlAgainTest, WhatHasArrivedIsKeptBeforeTheNextPageIsAskedFor) {
   Page("https://www.firma.de/", "a@firma.de <a href=/1>1</a>");
   std::vector<std::string> states;

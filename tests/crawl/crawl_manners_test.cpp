@@ -194,6 +194,39 @@ TEST_F(CrawlMannersTest, WithEnoughAddressesNothingMoreIsAskedFor) {
   EXPECT_EQ(client_.sent().size(), asked);
 }
 
+TEST_F(CrawlMannersTest, AHostThatAskedToWaitIsLeftAloneByTheNextRunToo) {
+  Page("https://www.firma.de/", {.status = 429, .fields = {{"Retry-After", "3600"}}});
+  Crawl({"www.firma.de"});
+  EXPECT_EQ(Count("https://www.firma.de/"), 1);
+  Page("https://www.firma.de/", "a@firma.de");
+  clock_.utc_seconds += 600;
+  const auto outcome = Crawl({"www.firma.de"});
+  EXPECT_EQ(outcome.end, CrawlEnd::kNothingToDo);
+  EXPECT_THAT(outcome.messages, ElementsAre("1 page is left on https://www.firma.de: it asked to be left alone"));
+  EXPECT_EQ(Count("https://www.firma.de/"), 1);
+  clock_.utc_seconds += 2800;  // 200 s are left
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(view_.addresses, ElementsAre("a@firma.de"));
+}
+
+TEST_F(CrawlMannersTest, ACrawlKeepsToAnHourWhateverTheClockSays) {
+  Page("https://www.firma.de/", {.status = 429, .fields = {{"Retry-After", "3600"}}});
+  Crawl({"www.firma.de"});
+  Page("https://www.firma.de/", "a@firma.de");
+  clock_.utc_seconds += -100'000;
+  EXPECT_EQ(Crawl({"www.firma.de"}).end, CrawlEnd::kNothingToDo);
+  clock_.utc_seconds += 200'000;
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(view_.addresses, ElementsAre("a@firma.de"));
+}
+
+TEST_F(CrawlMannersTest, AStartWhoseOtherSchemeGivesNoAnswerFails) {
+  Page("http://www.firma.de/", WebRedirect("https://www.firma.de/"));
+  Page("https://www.firma.de/", WebFails(WebFailure::kNoTls));
+  Page("https://www.firma.de/robots.txt", WebFails(WebFailure::kNoTls));
+  EXPECT_EQ(Crawl({"http://www.firma.de/"}).end, CrawlEnd::kFailed);
+}
+
 TEST_F(CrawlMannersTest, NobodyIsAskedAtPortZero) {
   Page("https://www.firma.de/", "<a href=https://www.firma.de:0/x>x</a><a href=/r>r</a>");
   Page("https://www.firma.de/r", WebRedirect("https://www.firma.de:0/"));

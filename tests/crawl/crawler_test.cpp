@@ -176,6 +176,20 @@ TEST_F(CrawlTest, TheTextOfALinkPromisesContactsToo) {
   EXPECT_THAT(Visited(), ElementsAre("https://www.firma.de/", "https://www.firma.de/p2", "https://www.firma.de/p1"));
 }
 
+TEST_F(CrawlTest, ALaterLinkMayPromiseContactsToo) {
+  Page("https://www.firma.de/", "<a href=/1>one</a><a href=/2>two</a><a href=/3>three</a>");
+  Page("https://www.firma.de/1", "<a href=/3>Contact</a>");
+  Crawl({"www.firma.de"});
+  // /3 was found at one click by a link without a promise, and at two clicks by one with it: the depth comes first.
+  EXPECT_THAT(Query("SELECT rank FROM pages WHERE url LIKE '%/3'"), ElementsAre("1"));
+  Page("https://b.de/", "<a href=/x>x</a><a href=/1>one</a><a href=/2>two</a>");
+  Page("https://c.de/", "<a href=//b.de/2>Contact</a>");
+  options_.hosts = 1;
+  options_.scope = CrawlScope::kAnywhere;
+  Crawl({"b.de", "c.de"});
+  EXPECT_THAT(Query("SELECT rank FROM pages WHERE url LIKE '%b.de/2'"), ElementsAre("0"));
+}
+
 TEST_F(CrawlTest, StartsComeBeforeTheLinksOfStarts) {
   options_.hosts = 1;
   Page("https://a.de/", "<a href=/1>1</a>");
@@ -397,6 +411,22 @@ TEST_F(CrawlTest, APathThatRepeatsItselfIsATrap) {
   Crawl({"www.firma.de"});
   EXPECT_THAT(Visited(), ElementsAre("https://www.firma.de/"));
   EXPECT_THAT(Query("SELECT reason FROM pages WHERE state = 'refused'"), ElementsAre("trap"));
+}
+
+TEST_F(CrawlTest, ARedirectMayBeATrapToo) {
+  Page("https://www.firma.de/", "<a href=/r>r</a>");
+  Page("https://www.firma.de/r", WebRedirect("/x/x/x/x/y"));
+  Crawl({"www.firma.de"});
+  EXPECT_EQ(Count("https://www.firma.de/x/x/x/x/y"), 0);
+  EXPECT_THAT(Query("SELECT url FROM pages WHERE reason = 'trap'"), ElementsAre("https://www.firma.de/x/x/x/x/y"));
+}
+
+TEST_F(CrawlTest, ARedirectToATooLongAddressIsRefused) {
+  Page("https://www.firma.de/", "<a href=/long>l</a>");
+  Page("https://www.firma.de/long", WebRedirect("/" + std::string(3000, 'x')));
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Query("SELECT url FROM pages WHERE state = 'refused' AND reason = 'address'"),
+              ElementsAre("https://www.firma.de/long"));
 }
 
 TEST_F(CrawlTest, WhatIsNotAPageIsDroppedAtItsHead) {
