@@ -50,7 +50,8 @@ void CollectionMenu::ShowSightings(const Rows& rows) {
   const std::string address = AddressAt(rows);
   Result<std::vector<SightingRow>> sightings = SightingsOf(address);
   if (!sightings.ok()) return Warn(sightings.status());
-  context_.sightings.ShowFor(address, sightings.take());
+  context_.sightings.Fill(address, sightings.take());
+  context_.show(context_.sightings);
 }
 
 // The question and the answer pump; the addresses are copied, since the table may change meanwhile.
@@ -77,7 +78,7 @@ void CollectionMenu::NeverListAgain(const Rows& rows) {
 }
 
 void CollectionMenu::AskWhy(const Rows& rows) {
-  context_.why.ShowFor(AddressAt(rows), [this](const std::string& what) -> std::string {
+  context_.why.Fill(AddressAt(rows), [this](const std::string& what) -> std::string {
     const auto reader = context_.job.Reader();
     if (!reader.ok()) return SentenceOf(reader.status());
     const Result<WhyAnswer> answer =
@@ -87,6 +88,7 @@ void CollectionMenu::AskWhy(const Rows& rows) {
     for (const std::string& sentence : answer.value().sentences) text += (text.empty() ? "" : "\r\n") + sentence;
     return text;
   });
+  context_.show(context_.why);
 }
 
 void CollectionMenu::OpenAsWebPage() {

@@ -18,7 +18,7 @@ namespace quenlar {
 class CollectionMenu {
  public:
   // Nothing of these is used before the first command runs, so they may be constructed later. `offered` says whether
-  // the list shows a collection.
+  // the list shows a collection, and `show` is frmExtract::ShowDialog.
   struct Context {
     CollectionJob& job;
     NeverList& never;
@@ -26,6 +26,7 @@ class CollectionMenu {
     frmWhy& why;
     Engine& engine;
     std::function<bool()> offered;
+    std::function<void(ui::Form&)> show;
   };
 
   explicit CollectionMenu(Context context) : context_(std::move(context)) {}

@@ -28,7 +28,7 @@ frmExtract::frmExtract(Context context)
       context_(context),
       job_(&context.classic),
       menu_({context.collection, context.never, context.sightings, context.why, context.engine,
-             [this] { return job_ == &context_.collection; }}) {
+             [this] { return job_ == &context_.collection; }, [this](ui::Form& dialog) { ShowDialog(dialog); }}) {
   system_menu = {&mnuWeb};
   txtSearch.SetVisible(false);
   cmdExport.SetEnabled(false);
@@ -297,6 +297,14 @@ void frmExtract::OpenPage(std::uint32_t row) {
 }
 
 // --- Other windows ---
+
+void frmExtract::ShowDialog(ui::Form& dialog) {
+  if (RunGoesOn()) {
+    dialog.Show();
+  } else {
+    dialog.ShowModal();
+  }
+}
 
 void frmExtract::ShowModalFrom(ui::Button& button, ui::Form& form) {
   button.SetEnabled(false);

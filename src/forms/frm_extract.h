@@ -73,6 +73,10 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   // Whether a run is under way, or will begin with the next tick of its timer.
   [[nodiscard]] bool RunGoesOn() const;
 
+  // Shows a dialog that can be opened at any time. Modal, so it pumps until the dialog has been closed. Not so during a
+  // run, which would stand still until then.
+  void ShowDialog(ui::Form& dialog);
+
   // Shows a message in a message box: at once when no run goes on, otherwise when the run has ended. The same message
   // is shown once.
   void TellAfterRun(const std::string& message);

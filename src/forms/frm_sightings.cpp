@@ -47,17 +47,14 @@ frmSightings::frmSightings(Shell& shell) : Form("frmSightings", "Where it was fo
 
 std::vector<ui::Control*> frmSightings::Controls() { return {&lblAddress, &lstPages, &cmdOpen, &cmdCopy, &cmdOK}; }
 
-void frmSightings::ShowFor(const std::string& address, std::vector<SightingRow> rows) {
+void frmSightings::Fill(const std::string& address, std::vector<SightingRow> rows) {
   lstPages.SetRows(0);
   rows_ = std::move(rows);
-  lblAddress.SetText(address + " was found in " + Counted(rows_.size(), "place") + ":");
-  ShowModal();
-}
-
-void frmSightings::Load() {
-  lstPages.SetRows(static_cast<std::uint32_t>(rows_.size()));
-  cmdOpen.SetEnabled(!rows_.empty());
-  cmdCopy.SetEnabled(!rows_.empty());
+  const std::size_t count = rows_.size();
+  lblAddress.SetText(address + " was found in " + Counted(count, "place") + ":");
+  lstPages.SetRows(static_cast<std::uint32_t>(count));
+  cmdOpen.SetEnabled(count > 0);
+  cmdCopy.SetEnabled(count > 0);
 }
 
 std::string frmSightings::Cell(std::uint32_t row, int column) const {

@@ -17,7 +17,7 @@ struct SightingRow {
   bool gone = false;                           // it did not stand there any more when the page was read again
 };
 
-// A modal window. It keeps its rows until it is shown for the next address.
+// A window that keeps its rows until it is filled for the next address, which may happen while it is shown.
 class frmSightings final : public ui::Form {
  public:
   // The shell must outlive the window.
@@ -29,11 +29,9 @@ class frmSightings final : public ui::Form {
   ui::Button cmdCopy{"cmdCopy", "&Copy"};
   ui::Button cmdOK{"cmdOK", "Close"};
 
-  // Pumps until the window is closed.
-  void ShowFor(const std::string& address, std::vector<SightingRow> rows);
+  void Fill(const std::string& address, std::vector<SightingRow> rows);
 
   [[nodiscard]] std::vector<ui::Control*> Controls() override;
-  void Load() override;
 
  private:
   [[nodiscard]] std::string Cell(std::uint32_t row, int column) const;

@@ -14,14 +14,9 @@ frmWhy::frmWhy() : Form("frmWhy", "Why ?") {
 
 std::vector<ui::Control*> frmWhy::Controls() { return {&txtWhat, &cmdAsk, &txtAnswer, &cmdClose}; }
 
-void frmWhy::ShowFor(const std::string& what, Answer answer) {
+void frmWhy::Fill(const std::string& what, Answer answer) {
   answer_ = std::move(answer);
   txtWhat.SetText(what);
-  ShowModal();
-}
-
-void frmWhy::Load() {
-  txtAnswer.SetText("");
   Ask();
 }
 

@@ -9,7 +9,7 @@
 
 namespace quenlar {
 
-// A modal window with a question and its answer.
+// A window with a question and its answer.
 class frmWhy final : public ui::Form {
  public:
   // Gives the answer to the text of an address or a page, one sentence a line.
@@ -22,11 +22,10 @@ class frmWhy final : public ui::Form {
   ui::TextBox txtAnswer{"txtAnswer"};  // read only
   ui::Button cmdClose{"cmdClose", "Close"};
 
-  // Asks for `what` at once, unless it is empty. Pumps until the window is closed.
-  void ShowFor(const std::string& what, Answer answer);
+  // Asks for `what` at once, unless it is empty. The window may be shown already.
+  void Fill(const std::string& what, Answer answer);
 
   [[nodiscard]] std::vector<ui::Control*> Controls() override;
-  void Load() override;
 
  private:
   void Ask();

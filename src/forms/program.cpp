@@ -32,7 +32,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
   for (ui::Form* form : Windows()) {
     if (form != &help) form->Help = [this] { help.Show(); };
   }
-  extract.mnuWeb.Click = [this] { web.ShowModal(); };
+  extract.mnuWeb.Click = [this] { extract.ShowDialog(web); };
   engine.filter.OnStepLimit([this](const std::string& message) {
     extract.ShowStage(message);
     extract.TellAfterRun(message);

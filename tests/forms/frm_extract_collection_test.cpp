@@ -275,6 +275,31 @@ TEST_F(CollectionMenuTest, NeverAgainWaitsForTheEndOfARun) {
   EXPECT_FALSE(Exists("suppressed.txt"));
 }
 
+TEST_F(CollectionMenuTest, TheRunGoesOnBehindItsWindows) {
+  int modal = 0;
+  for (ui::Form* window : {static_cast<ui::Form*>(&program_->sightings), static_cast<ui::Form*>(&program_->why)}) {
+    window->window.run_modal = [&modal] { ++modal; };
+  }
+  Start();
+  WhenFound([&] {
+    EXPECT_TRUE(Choose("Where", {0}));
+    EXPECT_TRUE(Choose("Wh&y", {0}));
+    EXPECT_EQ(modal, 0);
+  });
+  Collect("www.cars.example");
+  EXPECT_TRUE(program_->sightings.shown());
+  EXPECT_TRUE(program_->why.shown());
+  EXPECT_EQ(Rows(1).size(), 3u);
+
+  // They are still open, and show what is asked for next.
+  EXPECT_TRUE(Choose("Where", {2}));
+  EXPECT_TRUE(Choose("Wh&y", {2}));
+  EXPECT_EQ(modal, 2);
+  EXPECT_EQ(program_->sightings.lblAddress.text(), "third@cars.de was found in 1 place:");
+  EXPECT_EQ(program_->sightings.lstPages.CellText(0, 0), "https://www.cars.example/two");
+  EXPECT_THAT(program_->why.txtAnswer.text(), HasSubstr("third@cars.de"));
+}
+
 TEST_F(CollectionMenuTest, WhyAnswersForAddressesAndPages) {
   Page("https://www.cars.example/robots.txt", "User-agent: *\nDisallow: /private\n");
   Page("https://www.cars.example/", "first@cars.de <a href='/private'>x</a>");

@@ -276,6 +276,20 @@ TEST_F(MainWindowRun, NothingOpensAnotherProjectDuringARun) {
   FinishRun();
 }
 
+TEST_F(MainWindowRun, GoesOnBehindTheWebSettings) {
+  fetcher.Serve(kSite, ScriptedAnswer{.body = "<a href=\"/two.html\">more</a>", .delay = seconds(4)});
+  int modal = 0;
+  program.web.window.run_modal = [&modal] { ++modal; };
+  Start();
+  loop.Schedule(seconds(2), [this] { extract.mnuWeb.Click(); });
+  RunProject("www.cars.test");
+  EXPECT_EQ(modal, 0);
+  EXPECT_TRUE(program.web.shown());
+  EXPECT_EQ(extract.lstMail.rows(), 2u);
+  extract.mnuWeb.Click();
+  EXPECT_EQ(modal, 1) << "without a run no other window is used meanwhile";
+}
+
 // --- Saves that fail ---
 
 TEST_F(MainWindowRun, ASaveThatFailsAtTheEndIsToldInAMessageBox) {
