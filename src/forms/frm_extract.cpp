@@ -100,10 +100,10 @@ void frmExtract::Unload() {
   context_.mnuExtractor.SetEnabled(true);
 }
 
-// A run, an opening and a report keep what they began with; the setting is followed behind them.
+// Whatever is under way keeps what it began with; the setting is followed behind it.
 void frmExtract::FollowSetting() {
   Job& wanted = context_.web_settings.collect != 0 ? context_.collection : context_.classic;
-  if (job_ == &wanted || RunGoesOn() || opening_ > 0 || exporting_ || starting_) return;
+  if (job_ == &wanted || RunGoesOn() || opening_ > 0 || starting_ || exporting_ || deleting_) return;
   job_ = &wanted;
   tmrText.SetEnabled(false);  // what was picked belongs to the list of before
   ClearRows();
@@ -244,7 +244,14 @@ void frmExtract::OpenText(const std::string& text) {
 }
 
 void frmExtract::DeleteProject() {
+  if (std::exchange(deleting_, true)) return;
   OpenPicked();
+  AskAndDelete();
+  deleting_ = false;
+  FollowSetting();
+}
+
+void frmExtract::AskAndDelete() {
   const BoxAnswer answer = context_.engine.platform.boxes.Show("Are you sure to delete it ?", kProductCaption,
                                                                BoxIcon::kExclamation, BoxButtons::kYesNo);
   if (answer != BoxAnswer::kYes || RunGoesOn() || starting_) return;

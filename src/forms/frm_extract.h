@@ -115,6 +115,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   void OpenText(const std::string& text);
   void tmrText_Tick();
   void OpenPicked();
+  void AskAndDelete();
   void OpenReportInEditor();
   void OpenPage(std::uint32_t row);
   void ShowModalFrom(ui::Button& button, ui::Form& form);
@@ -132,6 +133,7 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   bool ready_ = false;      // the window is loaded
   bool starting_ = false;   // between the Extract button and the timer that it enables
   bool exporting_ = false;  // the report is being written for the editor
+  bool deleting_ = false;   // a project is being deleted, and the next one opened
   int opening_ = 0;         // projects being opened, one inside the other
   std::vector<std::string> after_run_;
   std::string data_failure_;  // of saving the data file at the end of the run

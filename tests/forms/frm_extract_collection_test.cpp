@@ -387,6 +387,57 @@ TEST_F(CollectingWindow, DeletingTheClassicProjectLeavesTheCollection) {
   EXPECT_EQ(Rows(1).size(), 3u);
 }
 
+// A program whose list holds two classic projects and which shows the collection of the first one.
+class SwitchInADeletion : public CollectingProgram {
+ protected:
+  void SetUp() override {
+    for (const char* folder : {"/data", "/report"}) ASSERT_TRUE(disk_->MakeFolder(home_ + folder).ok());
+    for (const std::string name : {"cars", "other"}) {
+      Put("data/" + name + "_example.dat", HeaderLine() + "\r\n");
+      Put("report/" + name + "_example.rpt", name + "@old.de\r\n");
+    }
+    registry.SaveRegValue(kProjectKey, "ProjectNum", "2");
+    registry.SaveRegValue(kProjectKey, "Project1", "www.cars.example");
+    registry.SaveRegValue(kProjectKey, "Project2", "www.other.example");
+    Start();
+    Collect("www.cars.example");
+    SwitchTo(false);
+    ASSERT_THAT(Rows(1), ElementsAre("cars@old.de"));
+    boxes.answers = {BoxAnswer::kYes};
+  }
+  void ExpectTheClassicProjectDeletedAndTheCollectionShown() {
+    EXPECT_FALSE(Exists("data/cars_example.dat"));
+    EXPECT_FALSE(Exists("report/cars_example.rpt"));
+    EXPECT_TRUE(Exists("report/other_example.rpt"));
+    EXPECT_EQ(registry.Stored(kProjectKey, "ProjectNum"), "1");
+    EXPECT_EQ(registry.Stored(kProjectKey, "Project1"), "www.other.example");
+    EXPECT_TRUE(Exists(kDatabase));
+    EXPECT_TRUE(Exists(kReport));
+    EXPECT_EQ(&Main().job(), &program_->collection);
+    EXPECT_TRUE(Main().cmdExtract.enabled());
+  }
+};
+
+TEST_F(SwitchInADeletion, BehindTheQuestionIsFollowedAtItsEnd) {
+  boxes.while_shown = [&] {
+    boxes.while_shown = {};
+    SwitchTo(true);
+  };
+  Main().cmdDelete.Click();
+  ExpectTheClassicProjectDeletedAndTheCollectionShown();
+}
+
+TEST_F(SwitchInADeletion, WhileTheNextProjectIsLoadedIsFollowedAtItsEnd) {
+  boxes.while_shown = [&] {
+    loop.OnPump([&] {
+      loop.OnPump({});
+      SwitchTo(true);
+    });
+  };
+  Main().cmdDelete.Click();
+  ExpectTheClassicProjectDeletedAndTheCollectionShown();
+}
+
 TEST_F(CollectingWindow, TheBoxOffersCollectionsOfTheCommandLineByTheirNames) {
   Start();
   Collect("www.cars.example");
