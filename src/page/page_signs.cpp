@@ -108,13 +108,62 @@ __attribute__((target("avx2"))) std::size_t PassOverAvx2(std::string_view page, 
   return at;
 }
 
+// The bytes that a plain sign may begin with differ in their lower halves. So one look into a table by that half gives
+// the only one of them that a byte can be. All but "@" are followed by bytes of certain lower halves.
+struct PlainTables {
+  alignas(16) std::array<char, 16> first{}, second_half{};
+};
+constexpr auto kPlain = [] {
+  PlainTables tables{};
+  for (std::size_t byte = 0; byte < 128; ++byte) {
+    if ((kTables[0][byte] & kPlainBeginnings) != 0) tables.first[byte & 15] = static_cast<char>(byte);
+    if ((kTables[1][byte] & kPlainBeginnings & ~1) != 0) tables.second_half[byte & 15] = '\xFF';
+  }
+  return tables;
+}();
+
+// Bit i: a plain sign may begin at data[i]. Reads 33 bytes.
+__attribute__((target("avx2"))) inline std::uint32_t PlainHits(const char* data, __m256i first, __m256i second_half) {
+  const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data));
+  const __m256i behind = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + 1));
+  // The look into a table gives 0 for bytes beyond ASCII.
+  const __m256i begins = _mm256_cmpeq_epi8(bytes, _mm256_shuffle_epi8(first, bytes));
+  const __m256i at = _mm256_cmpeq_epi8(bytes, _mm256_set1_epi8('@'));
+  const __m256i hits = _mm256_and_si256(begins, _mm256_or_si256(at, _mm256_shuffle_epi8(second_half, behind)));
+  return static_cast<std::uint32_t>(_mm256_movemask_epi8(hits));
+}
+
+// A place at or behind `from` before which no plain sign begins: that of the first bytes that may be one, or one near
+// the end.
+__attribute__((target("avx2"))) std::size_t PassOverPlainAvx2(std::string_view page, std::size_t from) {
+  constexpr std::size_t kBlock = 64;
+  const __m256i first =
+      _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(kPlain.first.data())));
+  const __m256i second_half =
+      _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(kPlain.second_half.data())));
+  if (page.size() < kBlock + kBeginningBytes || from > page.size()) return from;
+  const std::size_t last = page.size() - kBlock - kBeginningBytes;
+  for (std::size_t at = from; at < last + kBlock; at += kBlock) {
+    // The last bytes, together with some before them.
+    const std::size_t place = std::min(at, last);
+    const char* const data = page.data() + place;
+    std::uint64_t hits = PlainHits(data, first, second_half);
+    hits |= std::uint64_t{PlainHits(data + kBlock / 2, first, second_half)} << (kBlock / 2);
+    for (hits = hits >> (at - place) << (at - place); hits != 0; hits &= hits - 1) {
+      const std::size_t hit = place + static_cast<std::size_t>(std::countr_zero(hits));
+      if (MayBegin(page, hit, kPlainBeginnings)) return hit;
+    }
+  }
+  return std::max(from, last + kBlock);
+}
+
 #endif
 
 // The first place at or behind `from` where a sign may begin.
 std::size_t NextBeginning(std::string_view page, std::size_t from, std::uint8_t wanted) {
   std::size_t at = from;
 #if defined(__SSE2__)
-  if (kHasAvx2) at = PassOverAvx2(page, from, wanted);
+  if (kHasAvx2) at = wanted == kPlainBeginnings ? PassOverPlainAvx2(page, from) : PassOverAvx2(page, from, wanted);
 #endif
   while (at < page.size() && !MayBegin(page, at, wanted)) ++at;
   return at;
