@@ -44,37 +44,34 @@ struct Markup {
 // HTML elements are open in each of them, stand for the tree.
 class MarkupReader {
  public:
-  explicit MarkupReader(std::string_view page) : page_(page) {}
+  // `links`: whether links matter in what is passed over.
+  explicit MarkupReader(std::string_view page, bool links = true)
+      : page_(page), wanted_(links ? tag_names::kWithLinks : tag_names::kWithoutLinks) {}
 
-  enum class Wanted : std::uint8_t {
-    kAll,
-    // What has no part in links, title and words for robots may be passed over. The text in front of a markup is then
-    // not told of.
-    kLinks,
-  };
-
-  void Next(Markup& markup, Wanted wanted = Wanted::kAll) {
+  // What begins before `all_from` may be passed over where it has no part in links, title, base and words for robots.
+  // The text in front of a markup is then not told of.
+  void Next(Markup& markup, std::size_t all_from = 0) {
     markup.text_begin = at_;
     if (raw_ != TagName::kOther) return RawText(markup);
-    const bool all = wanted == Wanted::kAll || !open_.empty();
+    if (!open_.empty()) all_from = 0;
     for (std::size_t open = FindByte(page_, '<', at_);; open = FindByte(page_, '<', open)) {
       if (open >= page_.size() || open + 1 >= page_.size()) return AtEnd(markup);
       const char next = page_[open + 1];
       if (IsLetter(next)) {
-        if (all || open + 2 >= page_.size() || MayMatterForLinks(next, page_[open + 2])) {
+        if (open >= all_from || open + 2 >= page_.size() || tag_names::HasBeginning(wanted_, next, page_[open + 2])) {
           if (Tag(markup, open, open + 1)) return StartTag(markup);
           return AtEnd(markup, open);
         }
-        if (!PassTag(open + 1)) return AtEnd(markup, open);
+        if (!PassTag(open, open + 1)) return AtEnd(markup, open);
         open = at_;
       } else if (next == '/') {
         if (open + 2 >= page_.size()) return AtEnd(markup);
         if (!IsLetter(page_[open + 2])) return UntilClose(markup, Markup::Kind::kComment, open, open + 2);
-        if (all) {
+        if (open >= all_from) {
           if (Tag(markup, open, open + 2)) return EndTag(markup);
           return AtEnd(markup, open);
         }
-        if (!PassTag(open + 2)) return AtEnd(markup, open);
+        if (!PassTag(open, open + 2)) return AtEnd(markup, open);
         open = at_;
       } else if (next == '!') {
         return Declaration(markup, open);
@@ -84,6 +81,24 @@ class MarkupReader {
         ++open;
       }
     }
+  }
+
+  // The place behind the last markup.
+  [[nodiscard]] std::size_t at() const { return at_; }
+  // Whether the place at hand is in svg or math.
+  [[nodiscard]] bool InForeign() const { return !open_.empty(); }
+
+  // Whether raw text comes next.
+  [[nodiscard]] bool InRawText() const { return raw_ != TagName::kOther; }
+
+  // Remembers a place to go back to: `at`, and from then on the last tag passed over that is certainly not inline. At
+  // `at` no raw text, svg or math is open.
+  void MarkPlace(std::size_t at) { marked_ = at; }
+  void GoBack() {
+    at_ = marked_;
+    raw_ = TagName::kOther;
+    open_.clear();
+    foreign_ = false;
   }
 
   // Reads on as if the start tag `name` had just been read.
@@ -121,10 +136,12 @@ class MarkupReader {
     return true;
   }
   // The same for a tag that is only passed over.
-  bool PassTag(std::size_t name_begin) {
+  bool PassTag(std::size_t open, std::size_t name_begin) {
     const std::size_t at = FindEndOfName(page_, name_begin + 1, '>');
     bool self_closing;
-    return at < page_.size() && PassAttributes(at, self_closing);
+    if (at >= page_.size() || !PassAttributes(at, self_closing)) return false;
+    if (IsSurelyNotInline(page_[name_begin], page_[name_begin + 1])) marked_ = open;
+    return true;
   }
   // `at` is the place behind the tag's name.
   bool PassAttributes(std::size_t at, bool& self_closing) {
@@ -181,7 +198,8 @@ class MarkupReader {
   [[nodiscard]] bool EndsForeign(const Markup& markup) const;
 
   std::string_view page_;
-  std::size_t at_ = 0;
+  const tag_names::Beginnings& wanted_;
+  std::size_t at_ = 0, marked_ = 0;
   TagName raw_ = TagName::kOther;  // the element whose raw text comes next
   bool foreign_ = false;           // the content at hand is svg or math
   std::vector<Foreign> open_;

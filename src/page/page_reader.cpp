@@ -1,53 +1,21 @@
 #include "page/page_reader.h"
 
-#include <array>
+#include <algorithm>
 #include <utility>
 
 #include "base/ascii.h"
+#include "page/address_walk.h"
 #include "page/charset.h"
 #include "page/html_blanks.h"
 #include "page/markup_reader.h"
-#include "page/open_elements.h"
 #include "page/page_signs.h"
 #include "page/page_title.h"
-#include "page/references.h"
-#include "page/text_runs.h"
+#include "page/tag_values.h"
 
 namespace quenlar {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
-
-// An attribute's value as it is written; the first one of its name counts.
-class FirstValue {
- public:
-  explicit FirstValue(std::string_view name) : name_(name) {}
-  // Whether the attribute has this name.
-  bool Take(const TagAttribute& attribute) {
-    if (attribute.name.size() != name_.size() || !EqualsIgnoreCase(attribute.name, name_)) return false;
-    if (!there_) raw_ = attribute.value;
-    there_ = true;
-    return true;
-  }
-  [[nodiscard]] bool there() const { return there_; }
-  [[nodiscard]] std::string_view raw() const { return raw_; }
-  [[nodiscard]] std::string decoded() const {
-    std::string text;
-    AppendDecoded(raw_, ReferencePlace::kAttribute, text);
-    return text;
-  }
-
- private:
-  std::string_view name_, raw_;
-  bool there_ = false;
-};
-
-// Takes the wanted attributes of a tag.
-template <typename... Values>
-void TakeAttributes(std::string_view page, const Markup& tag, Values&... values) {
-  AttributeReader attributes(page, tag.attributes);
-  for (TagAttribute attribute; attributes.Next(attribute);) (void)(values.Take(attribute) || ...);
-}
 
 bool HasWord(std::string_view text, std::string_view lower_word) {
   for (std::string_view word = TakeHtmlWord(text); !word.empty(); word = TakeHtmlWord(text)) {
@@ -79,158 +47,6 @@ std::string_view RefreshTarget(std::string_view content) {
   return content.substr(0, content.find(quote));
 }
 
-// Finds where "hidden" and "style" come next, which tags need a closer look for.
-class LookHints {
- public:
-  explicit LookHints(std::string_view page) : page_(page) {}
-  // Whether a tag in page[begin, end) may have one of the two attributes. Asked in the order of the page.
-  bool Within(std::size_t begin, std::size_t end) {
-    for (Word& word : words_) {
-      if (word.next < begin) word.next = FindIgnoreCase(page_, word.text, begin);
-    }
-    return words_[0].next < end || words_[1].next < end;
-  }
-
- private:
-  struct Word {
-    std::string_view text;
-    std::size_t next;  // the first place at or behind which it has been looked for
-  };
-  std::string_view page_;
-  Word words_[2] = {{"hidden", FindIgnoreCase(page_, "hidden")}, {"style", FindIgnoreCase(page_, "style")}};
-};
-
-// The names of a tag's attributes that came already. Of a tag with very many only the first ones are compared.
-class NamesBefore {
- public:
-  bool Repeats(std::string_view name) {
-    for (std::size_t i = 0; i < count_; ++i) {
-      if (EqualsIgnoreCase(names_[i], name)) return true;
-    }
-    if (count_ < names_.size()) names_[count_++] = name;
-    return false;
-  }
-
- private:
-  std::array<std::string_view, 32> names_;
-  std::size_t count_ = 0;
-};
-
-// The part of the walk that is about addresses. It takes every piece of the page in order, as long as a sign is ahead.
-class AddressWalk {
- public:
-  AddressWalk(std::string_view page, PageSignKind signs, AddressFinder& finder)
-      : page_(page), finder_(finder), signs_(page, signs), runs_(page, finder) {
-    if (signs_.next() == kNone) return;
-    // Few pages say anything about how an element is shown.
-    looks_matter_ = FindIgnoreCase(page, "hidden") != kNone || FindIgnoreCase(page, "display") != kNone ||
-                    FindIgnoreCase(page, "-override") != kNone;
-    if (looks_matter_) hints_.emplace(page);
-  }
-
-  // False when nothing more can be found.
-  [[nodiscard]] bool Goes() const { return signs_.next() != kNone || runs_.has_sign(); }
-
-  void Text(std::size_t begin, std::size_t end, bool has_references) {
-    if (begin == end) return;
-    const bool sign = signs_.PassBefore(end);
-    if (!elements_.hidden()) runs_.Text(begin, end, has_references, sign);
-  }
-
-  void StartTag(const Markup& tag) {
-    const bool reversed = elements_.reversed();
-    ElementLook look;
-    if (looks_matter_ && hints_->Within(tag.attributes, tag.end)) look = LookOf(tag);
-    const bool sign = signs_.PassBefore(tag.end);
-    if (sign) runs_.EndAtBlank(reversed);
-    if (Has(tag.name, kInline))
-      runs_.Joint(look.hidden);
-    else
-      runs_.End(reversed);
-    if (looks_matter_) {
-      elements_.Start(tag.name, NameOf(tag, 1), look, tag.foreign && tag.self_closing);
-      if (elements_.reversed() != reversed) runs_.End(reversed);
-    }
-    if (sign && !elements_.hidden() && !look.hidden) Attributes(tag);
-  }
-
-  void EndTag(const Markup& tag) {
-    const bool reversed = elements_.reversed();
-    if (Has(tag.name, kInline))
-      runs_.Joint(false);
-    else
-      runs_.End(reversed);
-    if (looks_matter_) {
-      elements_.End(tag.name, NameOf(tag, 2));
-      if (elements_.reversed() != reversed) runs_.End(reversed);
-    }
-    signs_.PassBefore(tag.end);
-  }
-
-  void Comment(const Markup& comment) {
-    const bool sign = signs_.PassBefore(comment.end);
-    if (sign) runs_.EndAtBlank(elements_.reversed());
-    runs_.Joint(false);
-    if (sign) finder_.Comment(Inside(comment));
-  }
-
-  void RawText(const Markup& raw) {
-    if (raw.name == TagName::kScript) {
-      if (signs_.PassBefore(raw.end)) finder_.Script(Inside(raw));
-    } else if (raw.name == TagName::kStyle) {
-      signs_.PassBefore(raw.end);
-    } else {
-      Text(raw.inside, raw.inside_end, raw.name == TagName::kTitle || raw.name == TagName::kTextarea);
-    }
-  }
-
-  void Declaration(const Markup& declaration) { signs_.PassBefore(declaration.end); }
-  void End() { runs_.End(elements_.reversed()); }
-
- private:
-  [[nodiscard]] std::string_view Inside(const Markup& markup) const {
-    return page_.substr(markup.inside, markup.inside_end - markup.inside);
-  }
-  // `before` bytes stand between the tag's begin and its name.
-  [[nodiscard]] std::string_view NameOf(const Markup& tag, std::size_t before) const {
-    return page_.substr(tag.begin + before, tag.attributes - tag.begin - before);
-  }
-
-  [[nodiscard]] ElementLook LookOf(const Markup& tag) const {
-    FirstValue hidden("hidden"), style("style");
-    TakeAttributes(page_, tag, hidden, style);
-    ElementLook look;
-    if (style.there()) look = LookOfStyle(style.decoded());
-    look.hidden = look.hidden || hidden.there();
-    return look;
-  }
-
-  void Attributes(const Markup& tag) {
-    NamesBefore names;
-    AttributeReader attributes(page_, tag.attributes);
-    for (TagAttribute attribute; attributes.Next(attribute);) {
-      if (names.Repeats(attribute.name) || attribute.value.empty()) continue;
-      const std::string_view value = Decoded(attribute.value, ReferencePlace::kAttribute, scratch_);
-      const bool link = tag.name == TagName::kA || tag.name == TagName::kArea;
-      if (link && EqualsIgnoreCase(attribute.name, "href") && IsMailto(value))
-        finder_.Mailto(value);
-      else if (EqualsIgnoreCase(attribute.name, "data-cfemail"))
-        finder_.CfEmail(value);
-      else
-        finder_.Attribute(value);
-    }
-  }
-
-  std::string_view page_;
-  AddressFinder& finder_;
-  PageSigns signs_;
-  TextRuns runs_;
-  OpenElements elements_;
-  bool looks_matter_ = false;
-  std::optional<LookHints> hints_;
-  std::string scratch_;
-};
-
 PageSignKind SignsOf(const ReadRequest& request) {
   return request.count_protected || request.decode_protected ? PageSignKind::kAll : PageSignKind::kPlain;
 }
@@ -245,25 +61,16 @@ bool ShowsNone(const ReadRequest& request, Charset charset) {
 class PageWalk {
  public:
   PageWalk(std::string_view page, const ReadRequest& request, ReadResult& result)
-      : page_(page), request_(request), result_(result), addresses_(page, SignsOf(request), *result.finder) {}
+      : page_(page),
+        request_(request),
+        result_(result),
+        addresses_(page, SignsOf(request), *result.finder),
+        reader_(page, request.links) {}
 
   void Run() {
-    bool addresses = addresses_.Goes();
-    if (!addresses && !request_.links) return;
-    MarkupReader reader(page_);
-    for (Markup markup;;) {
-      reader.Next(markup, addresses ? MarkupReader::Wanted::kAll : MarkupReader::Wanted::kLinks);
-      if (addresses) {
-        addresses_.Text(markup.text_begin, markup.begin, true);
-        ForAddresses(markup);
-        addresses = addresses_.Goes();
-      }
-      if (markup.kind == Markup::Kind::kEnd) return;
-      if (markup.kind == Markup::Kind::kStartTag)
-        StartTag(markup);
-      else if (markup.kind == Markup::Kind::kRawText && markup.name == TagName::kTitle && !result_.title)
-        result_.title = ShownTitle(page_.substr(markup.inside, markup.inside_end - markup.inside));
-      if (!addresses && !request_.links && IsDone(markup.begin)) return;
+    if (!addresses_.Goes() && !request_.links) return;
+    for (Markup markup; Next(markup);) {
+      if (!addresses_.Goes() && !request_.links && IsDone(markup.begin)) return;
     }
   }
 
@@ -279,7 +86,52 @@ class PageWalk {
   [[nodiscard]] const std::optional<std::string>& base() const { return base_; }
 
  private:
+  // Reads the next markup. False at the end of the page.
+  bool Next(Markup& markup) {
+    if (!addresses_.Goes()) {
+      reader_.Next(markup, kNone);
+    } else {
+      const std::size_t passable = PassableTo();
+      reader_.Next(markup, passable);
+      if (passable == 0) {
+        passes_ = false;
+        ForAddresses(markup);
+      } else if (markup.end > passable || reader_.InForeign()) {
+        // Something for addresses has come. It is read from the beginning of its run.
+        reader_.GoBack();
+        passes_ = false;
+        all_to_ = markup.end > passable ? passable : markup.begin;
+        seen_to_ = std::max(seen_to_, markup.begin);
+        return true;
+      } else if (markup.kind == Markup::Kind::kStartTag && !Has(markup.name, kInline)) {
+        reader_.MarkPlace(markup.begin);
+      }
+    }
+    if (markup.kind == Markup::Kind::kEnd) return false;
+    if (markup.begin < seen_to_) return true;
+    if (markup.kind == Markup::Kind::kStartTag)
+      StartTag(markup);
+    else if (markup.kind == Markup::Kind::kRawText && markup.name == TagName::kTitle && !result_.title)
+      result_.title = ShownTitle(page_.substr(markup.inside, markup.inside_end - markup.inside));
+    return true;
+  }
+
+  // The place up to which tags that do not matter for links may be passed over; 0 for none. Short stretches are not
+  // worth it.
+  std::size_t PassableTo() {
+    constexpr std::size_t kShort = 128;
+    if (reader_.at() <= all_to_ || reader_.InForeign()) return 0;
+    const std::size_t passable = addresses_.PassableTo(reader_.at());
+    if (!passes_) {
+      if (passable < reader_.at() + kShort || reader_.InRawText()) return 0;
+      passes_ = true;
+      reader_.MarkPlace(reader_.at());
+    }
+    return passable;
+  }
+
   void ForAddresses(const Markup& markup) {
+    addresses_.Text(markup.text_begin, markup.begin, true);
     switch (markup.kind) {
       case Markup::Kind::kStartTag:
         return addresses_.StartTag(markup);
@@ -390,6 +242,10 @@ class PageWalk {
   const ReadRequest& request_;
   ReadResult& result_;
   AddressWalk addresses_;
+  MarkupReader reader_;
+  bool passes_ = false;      // tags are being passed over
+  std::size_t all_to_ = 0;   // up to here nothing is passed over
+  std::size_t seen_to_ = 0;  // markup that begins before has had its part in all but addresses
   PageLinks links_;
   std::optional<std::string> base_;
 };

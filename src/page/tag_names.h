@@ -341,27 +341,50 @@ inline constexpr auto kTable = [] {
 
 namespace tag_names {
 
-// Bit `second` of word `first`: a name that matters to a reader of links alone may begin with these two letters, told
-// by their lowest five bits. Such a reader needs links, the title, words for robots, and whatever holds no markup.
-inline constexpr auto kLinkBeginnings = [] {
-  std::array<std::uint32_t, 32> beginnings{};
+// Sets of beginnings of names: bit `second` of word `first` stands for the first two letters, told by their lowest five
+// bits. Bit 0 stands for a name of one letter, and for all whose second byte is not a letter.
+using Beginnings = std::array<std::uint32_t, 32>;
+
+constexpr std::uint32_t BeginningBit(char second) { return std::uint32_t{1} << (second >= '@' ? second & 31 : 0); }
+constexpr bool HasBeginning(const Beginnings& beginnings, char first, char second) {
+  return (beginnings[static_cast<std::size_t>(first & 31)] & BeginningBit(second)) != 0;
+}
+
+// Adds the beginning of a name of the list.
+constexpr void AddBeginning(Beginnings& beginnings, std::string_view name) {
+  beginnings[static_cast<std::size_t>(name[0] & 31)] |= BeginningBit(name.size() > 1 ? name[1] : ' ');
+}
+
+// Of the names that matter for the title, the words for robots and the base, and of what holds no markup or another
+// kind of it. `links`: of those that matter for links besides.
+constexpr Beginnings WantedBeginnings(bool links) {
+  Beginnings beginnings{};
   for (std::size_t i = 1; i < kList.size(); ++i) {
-    const std::string_view text = kList[i].text;
-    bool matters = (kList[i].traits & kRawText) != 0;
-    for (const std::string_view name : {"a", "area", "base", "frame", "iframe", "link", "meta", "svg", "math"}) {
-      matters = matters || text == name;
-    }
-    const std::uint32_t second = text.size() > 1 ? std::uint32_t{1} << (text[1] & 31) : ~std::uint32_t{0};
-    if (matters) beginnings[static_cast<std::size_t>(text[0] & 31)] |= second;
+    if ((kList[i].traits & kRawText) != 0) AddBeginning(beginnings, kList[i].text);
   }
+  for (const std::string_view name : {"base", "meta", "svg", "math"}) AddBeginning(beginnings, name);
+  if (!links) return beginnings;
+  for (const std::string_view name : {"a", "area", "frame", "iframe", "link"}) AddBeginning(beginnings, name);
+  return beginnings;
+}
+inline constexpr Beginnings kWithLinks = WantedBeginnings(true), kWithoutLinks = WantedBeginnings(false);
+
+// Of the names that are not those of inline elements.
+inline constexpr Beginnings kNotInline = [] {
+  Beginnings beginnings{};
+  for (std::size_t i = 1; i < kList.size(); ++i) {
+    if ((kList[i].traits & kInline) != 0) AddBeginning(beginnings, kList[i].text);
+  }
+  for (std::uint32_t& seconds : beginnings) seconds = ~seconds;
   return beginnings;
 }();
 
 }  // namespace tag_names
 
-// Whether a tag whose name begins with these two bytes, the first one a letter, may matter to a reader of links alone.
-[[nodiscard]] constexpr bool MayMatterForLinks(char first, char second) {
-  return (tag_names::kLinkBeginnings[static_cast<std::size_t>(first & 31)] >> (second & 31) & 1) != 0;
+// Whether a tag whose name begins with these two bytes, the first one a letter, is certainly not that of an inline
+// element.
+[[nodiscard]] constexpr bool IsSurelyNotInline(char first, char second) {
+  return tag_names::HasBeginning(tag_names::kNotInline, first, second);
 }
 
 }  // namespace quenlar
