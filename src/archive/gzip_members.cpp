@@ -13,7 +13,7 @@ namespace quenlar {
 namespace {
 
 constexpr std::size_t kFirstRoom = 1u << 20;   // of text
-constexpr std::size_t kSlack = 256u << 10;     // packed bytes behind a span that are read with it
+constexpr std::size_t kSlack = 64u << 10;      // packed bytes behind a span that are read with it
 constexpr std::size_t kMostMember = 4u << 20;  // packed bytes of a member
 constexpr std::size_t kHeader = 10;            // bytes of the shortest header of a member
 constexpr std::size_t kGrowth = 4;

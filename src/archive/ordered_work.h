@@ -24,7 +24,7 @@ class OrderedWork {
 
   // `most_weight` bounds the sum of the weights of what has been given and not taken back.
   OrderedWork(std::size_t threads, std::size_t most_weight, const std::function<std::unique_ptr<Tools>()>& make_tools)
-      : most_jobs_(2 * threads + 2), most_weight_(most_weight), own_tools_(make_tools()) {
+      : most_jobs_(threads == 0 ? 1 : 2 * threads + 2), most_weight_(most_weight), own_tools_(make_tools()) {
     for (std::size_t i = 0; i < threads; ++i) {
       threads_.emplace_back([this, tools = std::shared_ptr<Tools>(make_tools())] { Run(*tools); });
     }

@@ -74,11 +74,12 @@ class PageWalk {
     }
   }
 
-  // Whether nothing from this place on matters to who wants no links.
-  [[nodiscard]] bool IsDone(std::size_t at) const {
+  // Whether nothing from this place on matters to who wants no links. Asked in the order of the page.
+  [[nodiscard]] bool IsDone(std::size_t at) {
     if (!result_.finder->HasAny()) return true;
-    if (!result_.title && FindIgnoreCase(page_, "<title", at) != kNone) return false;
-    return FindIgnoreCase(page_, "<meta", at) == kNone;
+    if (next_meta_ < at) next_meta_ = FindIgnoreCase(page_, "<meta", at);
+    if (next_title_ < at) next_title_ = FindIgnoreCase(page_, "<title", at);
+    return next_meta_ == kNone && (result_.title || next_title_ == kNone);
   }
 
   [[nodiscard]] const PageLinks& links() const { return links_; }
@@ -243,9 +244,10 @@ class PageWalk {
   ReadResult& result_;
   AddressWalk addresses_;
   MarkupReader reader_;
-  bool passes_ = false;      // tags are being passed over
-  std::size_t all_to_ = 0;   // up to here nothing is passed over
-  std::size_t seen_to_ = 0;  // markup that begins before has had its part in all but addresses
+  bool passes_ = false;                         // tags are being passed over
+  std::size_t all_to_ = 0;                      // up to here nothing is passed over
+  std::size_t seen_to_ = 0;                     // markup that begins before has had its part in all but addresses
+  std::size_t next_meta_ = 0, next_title_ = 0;  // the first ones at or behind a place that was asked about
   PageLinks links_;
   std::optional<std::string> base_;
 };
