@@ -6,8 +6,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 size=${1:-quick}
 case "$size" in
-  quick) keys="100000" most=$((4 << 20)) lines=1000000 dense=32000000 every=4 long_hosts=20000 ;;
-  full) keys="100000 1000000 10000000" most=$((64 << 20)) lines=10000000 dense=171000000 every=8 long_hosts=100000 ;;
+  quick) keys="100000" most=$((4 << 20)) lines=1000000 dense=32000000 every=4 long_hosts=20000 archive=100000000 ;;
+  full) keys="100000 1000000 10000000" most=$((64 << 20)) lines=10000000 dense=171000000 every=8 long_hosts=100000 archive=500000000 ;;
   *) echo "usage: ./bench.sh [quick|full]" >&2; exit 2 ;;
 esac
 rounds=3
@@ -48,8 +48,9 @@ part files "$bin/compare_files" "$scratch" 9
 part crawl bench/crawl.sh $rounds
 part collect bench/collect.sh $rounds $long_hosts
 part merge bench/merge.sh $lines $rounds
+part archives bench/archives.sh "$corpus/$size.pages" $archive 7
 part window bench/window.sh
-names="harvest page growth tables files crawl collect merge window"
+names="harvest page growth tables files crawl collect merge archives window"
 
 goals() { # "Goal: NAME (at least W). Measured: M, met." as rows
   for name in $names; do cat "$parts/$name.md"; done |
@@ -66,7 +67,7 @@ mailing-list archives (\`bench/pages.cpp\`). How the harvest works: [harvest.md]
 
 - Machine: $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1), $(nproc) cores; one core per run; load when the run ended: $(cut -d' ' -f1 /proc/loadavg).
 - Compiler: $(g++ --version | head -1).
-- Compared with: $(dpkg-query -W -f='${Package} ${Version}; ' libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev libgumbo-dev wget wget2 curl coreutils mawk nginx-light 2>/dev/null)
+- Compared with: $(dpkg-query -W -f='${Package} ${Version}; ' libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev libgumbo-dev wget wget2 curl coreutils mawk nginx-light libdeflate-tools isal grep python3 2>/dev/null)
 
 ## Goals
 
