@@ -8,7 +8,7 @@ add_executable(Quenlar WIN32 ${window_sources})
 set_source_files_properties(
   src/forms/win32/quenlar.rc
   PROPERTIES COMPILE_DEFINITIONS
-             "QUENLAR_VERSION_NUMBERS=${version_numbers};QUENLAR_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\""
+             "QUENLAR_NAME=\\\"${QUENLAR_NAME}\\\";QUENLAR_VERSION_NUMBERS=${version_numbers};QUENLAR_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\""
              INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/src/forms/win32;${CMAKE_BINARY_DIR}"
              OBJECT_DEPENDS
              "${PROJECT_SOURCE_DIR}/src/forms/win32/quenlar.ico;${CMAKE_BINARY_DIR}/quenlar.manifest;${PROJECT_SOURCE_DIR}/src/forms/win32/resource.h;${PROJECT_SOURCE_DIR}/src/ui/win32/dialog_items.h")

@@ -7,6 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 [ $# -gt 0 ] || set -- zip installer deb cluster
 
 version=$(sed -n 's/^project(Quenlar VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+name=$(sed -n 's/^set(QUENLAR_NAME "\(.*\)")$/\1/p' CMakeLists.txt)
 packages=$PWD/build/packages
 stage=$packages/stage
 # The same sources give the same packages: no file in them carries the time of the build.
@@ -25,7 +26,7 @@ stage_windows() {
     x86_64-w64-mingw32-strip -o "$stage/windows/Quenlar/$program" "build/windows/$program"
   done
   # Text files for Windows end their lines with CR LF.
-  sed 's/$/\r/' packaging/README.txt >"$stage/windows/Quenlar/README.txt"
+  sed "s/@NAME@/$name/; s/@RELEASE@/${version%.*}/; s/\$/\r/" packaging/README.txt >"$stage/windows/Quenlar/README.txt"
   sed 's/$/\r/' LICENSE >"$stage/windows/Quenlar/LICENSE.txt"
   age "$stage/windows"
 }
@@ -43,7 +44,8 @@ build_installer() {
   local installer=$packages/quenlar-$version-win64-setup.exe
   cp src/forms/win32/quenlar.ico "$stage/windows/Quenlar/"
   age "$stage/windows"
-  makensis -V2 -DVERSION="$version" -DRELEASE="${version%.*}" -DSOURCE="$stage/windows/Quenlar" -DOUTPUT="$installer" packaging/quenlar.nsi >&2
+  makensis -V2 -DNAME="$name" -DVERSION="$version" -DRELEASE="${version%.*}" -DSOURCE="$stage/windows/Quenlar" \
+    -DOUTPUT="$installer" packaging/quenlar.nsi >&2
   echo "$installer"
 }
 

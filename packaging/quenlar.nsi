@@ -2,8 +2,8 @@
 ; folder. Silent with /S; another folder with /D=C:\folder as the last argument. Exit status 2: Quenlar is running, or a
 ; file to be replaced is in use.
 ;
-; Given on the command line: VERSION, RELEASE (its first two numbers), SOURCE (folder of the files to install), OUTPUT (the
-; installer to write).
+; Given on the command line: NAME, VERSION, RELEASE (its first two numbers), SOURCE (folder of the files to install), OUTPUT
+; (the installer to write).
 
 Unicode true
 Target amd64-unicode
@@ -14,7 +14,6 @@ AllowSkipFiles off  ; a silent installation would leave a file that is in use as
 
 !include MUI2.nsh
 
-!define NAME "Brenvy Quenlar Pro"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Quenlar"
 
 Name "${NAME} ${RELEASE}"

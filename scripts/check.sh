@@ -123,7 +123,13 @@ report kept "$(comm -23 <(printf '%s\n' "$kept") <(named_on docs/kept.md) | sed 
 report kept "$(comm -13 <(printf '%s\n' "$kept") <(named_on docs/kept.md) | sed 's|$| is on docs/kept.md and not in the code|')"
 report kept "$(grep_in "$all" -E '(^|[^A-Za-z])[Mm]eant([^A-Za-z]|$)|Kept:$' || true)"
 
-# 9. What takes the protections out of the program to see them missed still finds them.
+# 9. The pages that are not made by the build name the version of CMakeLists.txt.
+release=$(sed -nE 's/^project\(Quenlar VERSION ([0-9]+\.[0-9]+).*/\1/p' CMakeLists.txt)
+for page in docs/manners.md docs/quenlar-cluster.1; do
+  report version "$(grep -noE 'Quenlar[ /][0-9.]*[0-9]' "$page" | grep -vE "[ /]$release\$" | sed "s|^|$page:|" || true)"
+done
+
+# 10. What takes the protections out of the program to see them missed still finds them.
 report protections "$(tests/reliability/protections.sh --dry 2>&1 || true)"
 
 if [ "$failures" -gt 0 ]; then

@@ -1,7 +1,9 @@
 #include "archive/harvest.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <deque>
+#include <string>
 #include <utility>
 
 #include "archive/ordered_work.h"

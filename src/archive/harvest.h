@@ -1,11 +1,8 @@
 // Reads addresses out of archives, files and folders, with many threads, in the order of the inputs.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "archive/byte_source.h"
 #include "archive/input_reader.h"

@@ -2,7 +2,7 @@
 
 #include <chrono>
 #include <random>
-#include <vector>
+#include <string_view>
 
 #include <zlib.h>
 

@@ -5,6 +5,7 @@
 
 #include "cli/exit_status.h"
 #include "cli/workplace.h"
+#include "engine/erase.h"
 #include "engine/never_list.h"
 
 namespace quenlar {

@@ -3,7 +3,6 @@
 
 #include "base/status.h"
 #include "cli/invocation.h"
-#include "engine/erase.h"
 #include "platform/files.h"
 #include "platform/platform.h"
 #include "settings/suppression_list.h"

@@ -125,8 +125,7 @@ struct ArchivedPage {
   std::size_t filtered_count = 0;  // of its addresses
 };
 
-// States of a host in the database.
-inline constexpr std::string_view kHostNew = "new";
+// States of a host in the database, besides "new": nothing has been asked for yet, or no answer has come.
 inline constexpr std::string_view kHostAnswers = "answers";
 inline constexpr std::string_view kHostGivenUp = "given up";
 
@@ -134,7 +133,7 @@ struct HostRow {
   HostId id = 0;
   std::string origin;  // "https://www.example.org", the port where it is not the scheme's own
   std::string site;
-  std::string state;  // kHostNew and its like
+  std::string state;  // "new", kHostAnswers or kHostGivenUp
   std::string reason;
   std::int64_t read = 0;                    // pages read, over all runs
   std::optional<std::int64_t> robots_time;  // when robots.txt was fetched; empty: never

@@ -1,8 +1,6 @@
 #include "collection/erase_addresses.h"
 
 #include <cstdint>
-#include <memory>
-#include <utility>
 
 #include "base/ascii.h"
 #include "collection/collection_sql.h"

@@ -1,10 +1,12 @@
 #include "crawl/crawler.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <utility>
 
 #include "base/number.h"
+#include "base/product.h"
 
 namespace quenlar {
 namespace {
@@ -21,7 +23,7 @@ constexpr const char* kSearchKey = "s";
 }  // namespace
 
 std::string CrawlUserAgent(const std::string& contact) {
-  const std::string agent = std::string(kCrawlAgent) + "/3.0";
+  const std::string agent = std::string(kCrawlAgent) + "/" + kProductVersion;
   return contact.empty() ? agent : agent + " (+" + contact + ")";
 }
 

@@ -1,7 +1,6 @@
 // A run of a collection: visits pages breadth first, many hosts at a time, with manners.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <map>

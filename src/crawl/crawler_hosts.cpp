@@ -1,5 +1,6 @@
 // The part of Crawler that visits hosts: their robots.txt, their pace, their failures.
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <utility>
 

@@ -8,7 +8,6 @@
 #include "collection/overview.h"
 #include "engine/collections.h"
 #include "engine/erase_suppressed.h"
-#include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/message_boxes.h"
 #include "project/project_name.h"

@@ -22,6 +22,7 @@
 #include "settings/settings_store.h"
 #include "settings/suppression_list.h"
 #include "state/address_filter.h"
+#include "state/run_state.h"
 #include "web/ocx_parse_web.h"
 
 namespace quenlar {

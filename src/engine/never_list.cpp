@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/number.h"
+#include "engine/erase.h"
 #include "platform/files.h"
 #include "settings/suppression_file.h"
 

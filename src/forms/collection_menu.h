@@ -10,7 +10,6 @@
 #include "forms/frm_sightings.h"
 #include "forms/frm_why.h"
 #include "platform/message_boxes.h"
-#include "platform/shell.h"
 #include "ui/controls.h"
 
 namespace quenlar {

@@ -1,8 +1,10 @@
 // The online help box.
 #pragma once
 
+#include <string>
 #include <vector>
 
+#include "base/product.h"
 #include "platform/shell.h"
 #include "ui/controls.h"
 
@@ -15,7 +17,7 @@ class frmHelp final : public ui::Form {
   explicit frmHelp(Shell& shell);
 
   ui::Panel picMark{"picMark"};
-  ui::Label Label1{"Label1", "Brenvy Quenlar Pro Help"};
+  ui::Label Label1{"Label1", std::string(kProductName) + " Help"};
   ui::Label Label2{"Label2", "Connect to the Internet to view the online help files"};
   ui::Label lblHelp{"lblHelp", "Open Online Help"};
 

@@ -5,8 +5,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
+#include "base/product.h"
 #include "engine/engine.h"
 #include "forms/e_tray.h"
 #include "forms/frm_about.h"
@@ -42,7 +44,7 @@ class frmTray final : public ui::Form {
   // The menu of the icon. mnuExtractor shows the main window again; mnuExit ends the program and is disabled during a
   // run.
   ui::PopupMenu mnuPopup{"SysTray Popup Menu"};
-  ui::MenuItem mnuExtractor{"mnuExtractor", "&Brenvy Quenlar Pro"};
+  ui::MenuItem mnuExtractor{"mnuExtractor", std::string("&") + kProductName};
   ui::MenuItem sep2{"sep2", "-"};
   ui::MenuItem mnuHelp{"mnuHelp", "&Help"};
   ui::MenuItem mnuAbout{"mnuAbout", "A&bout..."};

@@ -1,7 +1,6 @@
 #include "page/charset.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/ascii.h"
 #include "base/byte_search.h"

@@ -9,7 +9,6 @@
 #include "base/ascii.h"
 #include "base/byte_search.h"
 #include "page/attributes.h"
-#include "page/html_blanks.h"
 #include "page/tag_end.h"
 #include "page/tag_names.h"
 

@@ -1,7 +1,6 @@
 #include "page/open_elements.h"
 
 #include <algorithm>
-#include <string>
 
 #include "base/ascii.h"
 

@@ -1,6 +1,7 @@
 #include "page/page_links.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 
 #include "base/ascii.h"

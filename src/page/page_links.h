@@ -1,7 +1,6 @@
 // The links of a page, each once.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

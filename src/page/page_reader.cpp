@@ -1,7 +1,6 @@
 #include "page/page_reader.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "base/ascii.h"
 #include "page/address_walk.h"

@@ -1,6 +1,7 @@
 #include "page/text_runs.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "base/byte_search.h"
 #include "page/references.h"

@@ -1,6 +1,7 @@
 #include "platform/web_body.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quenlar {
 namespace {

@@ -1,7 +1,6 @@
 // Reads the head of an answer line by line for the crawler, which wants all of its fields.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/registry.h"
-#include "state/run_state.h"
 #include "state/settings.h"
 
 namespace quenlar {

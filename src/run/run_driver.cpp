@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "run/end_reasons.h"
+
 namespace quenlar {
 namespace {
 

@@ -19,7 +19,6 @@
 #include "base/status.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
-#include "run/end_reasons.h"
 #include "state/project_saver.h"
 #include "state/run_state.h"
 #include "web/ocx_parse_web.h"

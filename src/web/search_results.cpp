@@ -1,7 +1,6 @@
 #include "web/search_results.h"
 
 #include "base/ascii.h"
-#include "base/byte_search.h"
 #include "state/settings.h"
 
 namespace quenlar {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "run/driver_fixture.h"
+#include "run/end_reasons.h"
 
 namespace quenlar {
 namespace {

@@ -1,4 +1,5 @@
 // Fails the n-th call into the file system, for every n, of an open, a whole run with its saves, and a merge.
+#include "run/end_reasons.h"
 #include "torture_world.h"
 
 namespace quenlar {

@@ -9,6 +9,7 @@
 #include "command_system.h"
 #include "failing_new_posix.h"
 #include "platform/posix/file_registry.h"
+#include "run/end_reasons.h"
 #include "support/program_world.h"
 #include "torture_world.h"
 

@@ -1,6 +1,7 @@
 // Lets the network fail at every instant of a keyword run with a redirect and the upgrade check in it: the n-th thing
 // that a download tells (its redirect, its first bytes, its whole body) is an error instead; or nothing comes of that
 // download any more; or the computer is off line from there on.
+#include "run/end_reasons.h"
 #include "torture_world.h"
 
 namespace quenlar {

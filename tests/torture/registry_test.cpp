@@ -1,6 +1,7 @@
 // Fails the n-th call into the settings registry, and all calls from the n-th on, of the window program from its start
 // over a change of the options and a run to its end. Such a failure is silent by the interface's contract: what cannot
 // be read counts as 0, what cannot be written is not there, and the program goes on.
+#include "run/end_reasons.h"
 #include "support/program_world.h"
 #include "torture_world.h"
 

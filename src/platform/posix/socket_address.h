@@ -1,7 +1,6 @@
 // IP addresses as the system's sockets know them.
 #pragma once
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
 

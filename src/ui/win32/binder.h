@@ -3,7 +3,6 @@
 
 #include <map>
 #include <memory>
-#include <vector>
 
 #include "platform/event_loop.h"
 #include "ui/controls.h"

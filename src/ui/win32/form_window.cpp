@@ -1,6 +1,5 @@
 #include "ui/win32/form_window.h"
 
-#include <algorithm>
 #include <cassert>
 #include <utility>
 
