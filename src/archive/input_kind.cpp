@@ -11,6 +11,9 @@
 namespace quenlar {
 namespace {
 
+// What may stand before the first record of an archive.
+constexpr std::string_view kPadding("\r\n\0", 3);
+
 // The "binary data bytes" of the MIME Sniffing Standard.
 bool IsBinaryByte(char c) {
   const auto byte = static_cast<unsigned char>(c);
@@ -49,7 +52,8 @@ InputKind KindOfPage(std::string_view bytes) {
 
 InputKind KindOfStream(std::string_view beginning) {
   if (beginning.empty()) return InputKind::kEmpty;
-  if (beginning.size() > 6 && BeginsWarcHead(beginning)) return InputKind::kWarc;
+  const std::size_t head = std::min(beginning.find_first_not_of(kPadding), beginning.size());
+  if (beginning.size() - head > 6 && BeginsWarcHead(beginning.substr(head))) return InputKind::kWarc;
   if (beginning.starts_with("filedesc://")) return InputKind::kArc;
   if (BeginsGzipMember(beginning)) return InputKind::kGzip;
   if (BeginsZstdFrame(beginning)) return InputKind::kZstd;

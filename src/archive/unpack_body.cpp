@@ -18,7 +18,9 @@ UnpackOutcome Inflate(ContentCoding coding, std::string_view body, std::size_t l
   inflated.Begin(coding, limit);
   const bool broken = inflated.Add(body) == WebBody::Outcome::kBroken;
   out = inflated.Take();
-  return broken && IsMarkup(body) ? UnpackOutcome::kNotPacked : UnpackOutcome::kUnpacked;
+  // Gzip has been known by its first bytes.
+  const bool no_packing = IsMarkup(body) || (coding == ContentCoding::kDeflate && out.empty());
+  return broken && no_packing ? UnpackOutcome::kNotPacked : UnpackOutcome::kUnpacked;
 }
 
 UnpackOutcome Unpack(StreamInflater* inflater, std::string_view body, std::size_t limit, std::string& out) {

@@ -194,6 +194,17 @@ TEST_F(HarvestTest, StandardInputIsAnArchiveOrOnePage) {
   EXPECT_EQ(world.Run({"-"}), "");
 }
 
+TEST_F(HarvestTest, PaddingBeforeTheFirstRecordIsPassedOver) {
+  const std::string archive = WarcText({}, HttpText("a@firma.de"));
+  const std::string rows = world.Of(archive);
+  EXPECT_TRUE(rows.starts_with("a@firma.de http")) << rows;
+  for (const std::string& padding : {std::string("\r\n\r\n"), std::string("\n"), std::string(600, '\0')}) {
+    EXPECT_EQ(world.Of(padding + archive), rows);
+    EXPECT_EQ(world.reports.front(), "/a " + std::to_string(static_cast<int>(InputKind::kWarc)) + " 0");
+    EXPECT_EQ(world.Of(Gzip(padding + archive)), rows);
+  }
+}
+
 TEST_F(HarvestTest, OtherKindsAreTold) {
   const auto report = [&](const std::string& bytes) {
     (void)world.Of(bytes);

@@ -64,6 +64,8 @@ TEST(HttpMessageTest, CodingsAreTakenOffInTheirOrder) {
   EXPECT_EQ(Coded("deflate", Deflated(text, 15)), text);
   EXPECT_EQ(Coded("deflate", Deflated(text, -15)), text);
   EXPECT_EQ(Coded("deflate, gzip", Gzip(Deflated(text, 15))), text);
+  EXPECT_EQ(Coded("deflate", "not packed"), "not packed");
+  EXPECT_EQ(Coded("gzip", "\x1F\x8B not packed"), "");
   EXPECT_EQ(Coded("gzip\r\nContent-Encoding: gzip", Gzip(Gzip(text))), text);
   EXPECT_EQ(Coded("identity, gzip", Gzip(text)), text);
   EXPECT_EQ(Coded("gzip", Gzip(text.substr(0, 9)) + Gzip(text.substr(9))), text);
