@@ -37,6 +37,7 @@ _quenlar() {
     harvest:--robots) COMPREPLY=($(compgen -W "obey ignore" -- "$word")); return ;;
     harvest:--remove) COMPREPLY=(); return ;;
     harvest:--extract) COMPREPLY=(); return ;;
+    harvest:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
     addresses:--format) COMPREPLY=($(compgen -W "lines csv jsonl html" -- "$word")); return ;;
     addresses:--place) COMPREPLY=($(compgen -W "text mailto attribute script comment protected" -- "$word")); return ;;
     addresses:--site) COMPREPLY=(); return ;;
@@ -62,7 +63,7 @@ _quenlar() {
   case $command:$word in
     :-*) COMPREPLY=($(compgen -W "-h --help --home --version" -- "$word")) ;;
     collect:-*) COMPREPLY=($(compgen -W "-h --help --from --name --links --scope --depth --pages --pages-per-host --minutes --addresses --hosts --delay --robots --contact --decode-protected --again --search --language --remove --extract --format --proxy --assume-online --warc --summary --version" -- "$word")) ;;
-    harvest:-*) COMPREPLY=($(compgen -W "-h --help --format --name --jobs --decode-protected --robots --remove --extract --progress --version" -- "$word")) ;;
+    harvest:-*) COMPREPLY=($(compgen -W "-h --help --format --name --jobs --decode-protected --robots --remove --extract --progress --summary --version" -- "$word")) ;;
     addresses:-*) COMPREPLY=($(compgen -W "-h --help --format --sources --place --site --since --version" -- "$word")) ;;
     why:-*) COMPREPLY=($(compgen -W "-h --help --format --version" -- "$word")) ;;
     collections:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;

@@ -40,6 +40,7 @@ complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l robots -x -a 'ob
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l remove -x -d 'Drop addresses in which this word occurs (a regular expression; repeatable)'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l extract -x -d 'Keep only addresses in which such a word occurs (a regular expression; repeatable)'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l progress -d 'Show on a terminal how far it is'
+complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l summary -r -F -d 'Write one JSON object about the run to this file at its end'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l version -d 'Print the version and exit'
 complete -c quenlar -n '__fish_use_subcommand' -a addresses -d 'List what a collection holds'
 complete -c quenlar -n '__fish_seen_subcommand_from addresses' -s h -l help -d 'Print this help message and exit'

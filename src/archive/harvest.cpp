@@ -36,6 +36,8 @@ struct Harvest::Active {
   InputKind kind = InputKind::kEmpty;
   std::size_t under_way = 0;  // pieces of work that have not been taken
   bool all_given = false;     // there is no more work
+  bool has_ended = false;     // the work under way only waits for its turn to say so
+  bool of_walk = false;       // it stands for a folder that cannot be read
   std::size_t damaged = 0;
   Status failure;
 };
@@ -71,7 +73,9 @@ bool Harvest::AddWork(InputWalk& walk) {
   if (!current_) {
     Result<std::optional<HarvestInput>> next = walk.Next();
     if (!next.ok()) {
-      view_.OnFailure(next.status());
+      const auto folder = std::make_shared<Active>();
+      folder->of_walk = true;
+      AddEnd(folder, next.status());
       return true;
     }
     return next.value() && BeginInput(std::move(*next.value()));
@@ -92,8 +96,8 @@ bool Harvest::AddWork(InputWalk& walk) {
   const std::shared_ptr<Active> done = std::exchange(current_, nullptr);
   done->kind = done->reader->kind();
   done->all_given = true;
-  goes_on_ = EndIfDone(*done);
-  return goes_on_;
+  if (done->under_way == 0) AddEnd(done);
+  return true;
 }
 
 bool Harvest::BeginInput(HarvestInput input) {
@@ -110,7 +114,10 @@ bool Harvest::BeginInput(HarvestInput input) {
   const bool plain = active->file && active->file->size();
   std::optional<HarvestPlace> place = HarvestPlace{};
   if (active->failure.ok()) place = view_.PlaceOf(active->input, plain ? active->file.get() : nullptr);
-  if (!place) return true;
+  if (!place) {
+    AddEnd(active);
+    return true;
+  }
   active->place = *place;
   if (active->file) active->source = std::make_unique<FileSource>(*active->file, 0);
   if (plain && *active->file->size() <= kSmall) {
@@ -122,8 +129,8 @@ bool Harvest::BeginInput(HarvestInput input) {
   if (active->failure.ok()) beginning = ReadUpTo(source, kKindBytes);
   if (!beginning.ok()) active->failure = beginning.status();
   if (!active->failure.ok()) {
-    active->all_given = true;
-    return goes_on_ = EndIfDone(*active);
+    AddEnd(active, active->failure);
+    return true;
   }
   active->reader = std::make_unique<InputReader>(active->input.name, plain ? active->file.get() : nullptr, source,
                                                  beginning.take(), active->place, settings_.reading);
@@ -158,12 +165,21 @@ void Harvest::AddWholeFile(const std::shared_ptr<Active>& active) {
   pool_->work.Add(work, static_cast<std::size_t>(*active->file->size()) + kLeastWeight);
 }
 
+void Harvest::AddEnd(const std::shared_ptr<Active>& active, const Status& failure) {
+  if (!failure.ok()) active->failure = failure;
+  active->all_given = active->has_ended = true;
+  active->under_way = 1;
+  pool_->inputs.push_back(active);
+  pool_->work.Add([](HarvestTools&) { return HarvestPortion(); }, 0);
+}
+
 // Takes the outcome of the oldest piece of work. False when the harvest is to end.
 bool Harvest::TakeOutcome() {
   HarvestPortion portion = pool_->work.Next();
   const std::shared_ptr<Active> active = std::move(pool_->inputs.front());
   pool_->inputs.pop_front();
   --active->under_way;
+  if (active->has_ended) return EndIfDone(*active);
   if (!active->reader || active->reader->Take(portion, pool_->work.own_tools())) {
     active->damaged += portion.damaged;
     if (!portion.failure.ok()) active->failure = portion.failure;
@@ -175,6 +191,10 @@ bool Harvest::TakeOutcome() {
 // Reports the end of an input when all of its work has been taken. False when the harvest is to end.
 bool Harvest::EndIfDone(Active& active) {
   if (!active.all_given || active.under_way > 0) return true;
+  if (active.of_walk) {
+    view_.OnFailure(active.failure);
+    return true;
+  }
   return view_.OnInputEnd({active.input, active.kind, active.damaged, active.failure});
 }
 

@@ -25,7 +25,8 @@ struct InputReport {
 class HarvestView {
  public:
   virtual ~HarvestView() = default;
-  // Where the reading of an input begins; empty when it has been read before. `file` is null for standard input.
+  // Where the reading of an input begins; empty when it has been read before: then OnInputEnd alone follows. `file` is
+  // null for standard input. Called ahead of the order of the inputs.
   [[nodiscard]] virtual std::optional<HarvestPlace> PlaceOf(const HarvestInput& input, const ReadableFile* file) = 0;
   // The next pages of an input; `portion.behind` is where the reading goes on. False ends the harvest.
   [[nodiscard]] virtual bool OnPortion(const HarvestInput& input, HarvestPortion& portion) = 0;
@@ -58,6 +59,8 @@ class Harvest {
   [[nodiscard]] bool AddWork(InputWalk& walk);
   [[nodiscard]] bool BeginInput(HarvestInput input);
   void AddWholeFile(const std::shared_ptr<Active>& active);
+  // Its end is told behind all work that was given before. `failure` is why nothing more of it is read.
+  void AddEnd(const std::shared_ptr<Active>& active, const Status& failure = {});
   [[nodiscard]] bool TakeOutcome();
   [[nodiscard]] bool EndIfDone(Active& active);
 

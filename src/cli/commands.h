@@ -32,7 +32,7 @@ struct CollectArguments {
 
 struct HarvestArguments {
   HarvestOptions options;
-  std::string format = "lines", robots = "obey";
+  std::string format = "lines", robots = "obey", summary;
 };
 
 struct AddressesArguments {

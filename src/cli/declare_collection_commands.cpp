@@ -144,6 +144,9 @@ void DeclareHarvest(CLI::App& root, Command& chosen) {
                 "Whether pages that ask not to be indexed are left out (obey)");
   DeclareFilterWords(*command, options.remove_words, options.extract_words);
   command->add_flag("--progress", options.progress, "Show on a terminal how far it is");
+  command->add_option("--summary", arguments->summary, "Write one JSON object about the run to this file at its end")
+      ->type_name("FILE")
+      ->check(CheckNotEmpty);
   command->footer(
       R"(What an input is shows in its first bytes, not in its name: WARC files may be plain or packed by gzip, and, but
 for Windows, by zstd. Of an archive the answers with pages are read, as the run that fetched them would have read

@@ -12,6 +12,7 @@
 #include "base/number.h"
 #include "cli/exit_status.h"
 #include "cli/harvest_store.h"
+#include "cli/json_text.h"
 #include "cli/load_suppression.h"
 #include "cli/paths.h"
 #include "cli/run_filter.h"
@@ -51,13 +52,17 @@ class HarvestRun final : public HarvestView {
         options_(options),
         filter_(settings_) {}
 
-  int Run();
+  HarvestResult Run();
   void Stop() { stopped_ = true; }
 
   [[nodiscard]] std::optional<HarvestPlace> PlaceOf(const HarvestInput& input, const ReadableFile* file) override;
   [[nodiscard]] bool OnPortion(const HarvestInput& input, HarvestPortion& portion) override;
   [[nodiscard]] bool OnInputEnd(const InputReport& report) override;
-  void OnFailure(const Status& failure) override { Complain(SentenceOf(failure)); }
+  void OnFailure(const Status& failure) override {
+    ++unread_;
+    all_done_ = false;
+    Complain(SentenceOf(failure));
+  }
 
  private:
   [[nodiscard]] Status Prepare();
@@ -68,6 +73,7 @@ class HarvestRun final : public HarvestView {
   // cannot be put into the collection.
   [[nodiscard]] bool Flush(bool now);
   void SaveRun();
+  [[nodiscard]] HarvestResult Outcome() const;
   void Tell(const std::string& text);
   // Tells a failure.
   void Complain(const std::string& text);
@@ -89,6 +95,8 @@ class HarvestRun final : public HarvestView {
   std::string rows_;           // that have not been written yet
   std::string undated_input_;  // the last one with records without a date
   std::uint64_t pages_ = 0, pages_with_addresses_ = 0, addresses_ = 0, new_ = 0, filtered_ = 0, suppressed_ = 0;
+  std::uint64_t damaged_ = 0, other_ = 0, unread_ = 0;
+  bool all_done_ = true;  // no input is left to another try
   bool failed_ = false, stopped_ = false, nobody_reads_ = false, progress_drawn_ = false;
   std::chrono::steady_clock::time_point progress_last_{};
 };
@@ -126,8 +134,8 @@ Status HarvestRun::OpenStore() {
   return store_->BeginRun(now_);
 }
 
-int HarvestRun::Run() {
-  if (const Status prepared = Prepare(); !prepared.ok()) return invocation_.Fail(prepared);
+HarvestResult HarvestRun::Run() {
+  if (const Status prepared = Prepare(); !prepared.ok()) return {invocation_.Fail(prepared), "failed"};
   std::vector<HarvestInput> inputs;
   for (const std::string& given : options_.inputs) inputs.push_back({given, given == "-" ? "" : AbsolutePath(given)});
   const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
@@ -140,7 +148,24 @@ int HarvestRun::Run() {
   (void)Flush(true);
   ClearProgress();
   if (!nobody_reads_) TellEnd();
-  return stopped_ ? kExitStopped : failed_ ? kExitFailed : kExitDone;
+  return Outcome();
+}
+
+HarvestResult HarvestRun::Outcome() const {
+  const bool cut_off = nobody_reads_ || (store_ && !store_->failure().ok());
+  return {stopped_  ? kExitStopped
+          : failed_ ? kExitFailed
+                    : kExitDone,
+          stopped_  ? "stopped"
+          : cut_off ? "failed"
+                    : "finished",
+          addresses_,
+          pages_,
+          filtered_,
+          suppressed_,
+          damaged_,
+          other_,
+          unread_};
 }
 
 std::optional<HarvestPlace> HarvestRun::PlaceOf(const HarvestInput& input, const ReadableFile* file) {
@@ -159,7 +184,7 @@ bool HarvestRun::OnPortion(const HarvestInput& input, HarvestPortion& portion) {
     }
     TakePage(page);
   }
-  if (store_) store_->Note(input, portion.behind, portion.damaged);
+  if (store_ && portion.failure.ok()) store_->Note(input, portion.behind, portion.damaged);
   if (!Flush(rows_.size() > kMostRows)) return false;
   DrawProgress(input);
   platform_.loop.Yield();
@@ -238,16 +263,26 @@ void HarvestRun::SaveRun() {
 
 bool HarvestRun::OnInputEnd(const InputReport& report) {
   const std::string& name = report.input.name;
+  // What cannot be read now may be read by a later try, or by another version of the program.
+  InputEnd end = InputEnd::kDone;
   if (!report.failure.ok()) {
+    end = InputEnd::kCutOff;
+    ++unread_;
     Complain(SentenceOf(report.failure));
   } else if (report.kind == InputKind::kArc) {
+    end = InputEnd::kNotRead;
     Complain(name + ": An ARC file, the format before WARC. It is not read.");
   } else if (report.kind == InputKind::kZstd) {
+    end = InputEnd::kNotRead;
     Complain(name + ": It is packed by zstd, which is not read.");
   } else if ((report.kind == InputKind::kOther || report.kind == InputKind::kGzip) && report.input.named) {
+    end = InputEnd::kNotRead;
+    ++other_;
     Complain(name + ": Neither an archive nor a page of text.");
   }
-  const std::size_t damaged = report.damaged + (store_ ? store_->NoteEnd(report.input) : 0);
+  const std::size_t damaged = report.damaged + (store_ ? store_->NoteEnd(report.input, end) : 0);
+  damaged_ += damaged;
+  all_done_ = all_done_ && end == InputEnd::kDone;
   if (damaged > 0) {
     Complain(name + ": " + Counted(damaged, "damaged record") + ". Everything readable has been read.");
   }
@@ -256,8 +291,9 @@ bool HarvestRun::OnInputEnd(const InputReport& report) {
 
 void HarvestRun::TellEnd() {
   if (store_ && store_->finished_before() > 0) {
-    const bool all = pages_ == 0 && !failed_;
-    Tell(all ? "This harvest is finished: everything in its inputs is in the collection."
+    const bool all = pages_ == 0 && all_done_;
+    const std::string what = damaged_ == 0 ? "everything" : "everything readable";
+    Tell(all ? "This harvest is finished: " + what + " in its inputs is in the collection."
              : Counted(store_->finished_before(), "input was", "") + " read before.");
     if (all) return;
   }
@@ -297,14 +333,25 @@ void HarvestRun::ClearProgress() {
 
 }  // namespace
 
-int RunHarvest(Invocation& invocation, const HarvestOptions& options) {
+HarvestResult RunHarvest(Invocation& invocation, const HarvestOptions& options) {
   const Result<Platform> platform = invocation.system().Open(invocation.choice());
-  if (!platform.ok()) return invocation.Fail(platform.status());
+  if (!platform.ok()) return {invocation.Fail(platform.status()), "failed"};
   const auto run = std::make_shared<HarvestRun>(invocation, platform.value(), options);
   invocation.system().OnStop([weak = std::weak_ptr(run)] {
     if (const auto stopping = weak.lock()) stopping->Stop();
   });
   return run->Run();
+}
+
+std::string SummaryText(const HarvestResult& result) {
+  return JsonLine({{"reason", result.reason},
+                   {"addresses", result.addresses},
+                   {"pages", result.pages},
+                   {"filtered", result.filtered},
+                   {"suppressed", result.suppressed},
+                   {"damaged", result.damaged},
+                   {"other", result.other},
+                   {"unread", result.unread}});
 }
 
 }  // namespace quenlar

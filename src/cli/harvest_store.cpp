@@ -36,12 +36,13 @@ std::optional<HarvestPlace> HarvestStore::PlaceOf(const HarvestInput& input, con
   if (!fact.ok() && Failed(fact.status())) return HarvestPlace{};
   const std::vector<std::string_view> numbers = Split(fact.value(), " ");
   if (numbers.size() == kNumbers && fact.value().starts_with(progress.file + " ")) {
-    if (numbers[5] == "1") {
-      ++finished_before_;
-      return std::nullopt;
-    }
     progress.place = {NumberOf(numbers[2]), NumberOf(numbers[3])};
     progress.damaged = progress.damaged_before = static_cast<std::size_t>(NumberOf(numbers[4]));
+    if (numbers[5] == "1") {
+      ++finished_before_;
+      under_way_.insert_or_assign(input.path, std::move(progress));
+      return std::nullopt;
+    }
   }
   return under_way_.insert_or_assign(input.path, std::move(progress)).first->second.place;
 }
@@ -72,11 +73,12 @@ void HarvestStore::Note(const HarvestInput& input, const HarvestPlace& behind, s
   Write(input, found->second, false);
 }
 
-std::size_t HarvestStore::NoteEnd(const HarvestInput& input) {
+std::size_t HarvestStore::NoteEnd(const HarvestInput& input, InputEnd end) {
   const auto found = under_way_.find(input.path);
   if (found == under_way_.end()) return 0;
   const std::size_t before = found->second.damaged_before;
-  Write(input, found->second, true);
+  if (end == InputEnd::kDone) Write(input, found->second, true);
+  if (end == InputEnd::kNotRead) Write(input, {.file = found->second.file, .place = {}}, false);
   under_way_.erase(found);
   return before;
 }

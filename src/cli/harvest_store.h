@@ -17,6 +17,12 @@
 
 namespace quenlar {
 
+enum class InputEnd {
+  kDone,     // nothing is left in the input
+  kCutOff,   // a later run goes on behind what has been noted
+  kNotRead,  // a later run begins anew
+};
+
 // An input is known by its path, its size and the time of its last change. How far it has been read is written in the
 // same transaction as what was read. After a failure nothing more is put in.
 class HarvestStore {
@@ -24,7 +30,7 @@ class HarvestStore {
   HarvestStore(std::unique_ptr<Collection> collection, const Idna& idna)
       : collection_(std::move(collection)), idna_(idna) {}
 
-  // Where the reading of an input goes on; empty when it has been read to its end.
+  // Where the reading of an input goes on; empty when it has been read to its end. NoteEnd is to be called then too.
   [[nodiscard]] std::optional<HarvestPlace> PlaceOf(const HarvestInput& input, const ReadableFile* file);
   // Puts a page in. `kept` are those of its addresses that are wanted. Gives their positions in `kept` that are new.
   [[nodiscard]] std::vector<std::size_t> Add(const HarvestedPage& page, const std::vector<SeenAddress>& kept,
@@ -32,7 +38,7 @@ class HarvestStore {
   // Notes that an input has been read as far as `behind`, with so much more damage.
   void Note(const HarvestInput& input, const HarvestPlace& behind, std::size_t damaged);
   // Notes its end. Gives the damage that earlier runs have found in it.
-  [[nodiscard]] std::size_t NoteEnd(const HarvestInput& input);
+  [[nodiscard]] std::size_t NoteEnd(const HarvestInput& input, InputEnd end);
 
   Status BeginRun(std::int64_t now) { return collection_->BeginRun(now); }
   Status SaveRun(const RunRecord& run) { return collection_->SaveRun(run); }

@@ -96,5 +96,21 @@ TEST_F(HarvestOrderTest, InputsThatAreKnownAreNotRead) {
   EXPECT_EQ(world_.Run({"/a", "/b"}), "b@firma.de /b");
 }
 
+TEST_F(HarvestOrderTest, EndsAreToldInTheOrderOfTheInputs) {
+  world_.files.Put("/large", Archives()[1]);
+  world_.files.Put("/picture", std::string(2u << 20, '\0'));
+  world_.files.Put("/known", "a@firma.de");
+  world_.known = {"/known"};
+  const auto kind = [](InputKind is) { return " " + std::to_string(static_cast<int>(is)) + " 0"; };
+  for (const std::size_t jobs : {1u, 3u}) {
+    (void)world_.Run({"/large", "/missing", "/known", "/picture", "/large"}, jobs);
+    const std::vector<std::string> expected = {"/large" + kind(InputKind::kWarc), "/missing failed",
+                                               "/known" + kind(InputKind::kEmpty), "/picture" + kind(InputKind::kOther),
+                                               "/large" + kind(InputKind::kWarc)};
+    EXPECT_EQ(world_.reports, expected) << jobs;
+    EXPECT_EQ(world_.rows.size(), 2000u);
+  }
+}
+
 }  // namespace
 }  // namespace quenlar

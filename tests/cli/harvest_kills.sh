@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # harvest from outside: the same bytes whatever the number of cores, and a harvest into a collection that is killed again
-# and again and still prints every row once. usage: harvest_kills.sh PROGRAM
+# and again and still prints every row once; what is told when it is started again. usage: harvest_kills.sh PROGRAM
 set -uo pipefail
 program=$1
 work=$(mktemp -d)
@@ -63,5 +63,26 @@ echo "$kills kills, $(wc -l <"$work/rows") rows printed before them"
 # What is new alone is printed.
 records 50001 50002 >"$work/in/d.warc"
 expect "rows of a new file" 6 "$("$program" harvest --name all --format csv "$work/in" 2>/dev/null | wc -l)"
+
+# An end that leaves nothing to a later run is remembered, with the damage that was found; any other input is tried again.
+mkdir "$work/odd"
+{ records 60001 60002; records 60003 60003 | head -c 200; records 60004 60004; } >"$work/odd/damaged.warc"
+echo "filedesc://x.arc 0.0.0.0 20200101000000 text/plain 1" >"$work/odd/old.arc"
+for time in first second; do
+  "$program" harvest --name odd --summary "$work/summary" "$work/odd/damaged.warc" >"$work/out" 2>"$work/err"
+  expect "status of damage, $time time" 1 $?
+  expect "damage, $time time" 1 "$(grep -c 'damaged.warc: 1 damaged record' "$work/err")"
+  expect "summary of damage, $time time" '"damaged":1,"other":0,"unread":0}' "$(grep -o '"damaged.*' "$work/summary")"
+done
+expect "rows of what is finished" "" "$(cat "$work/out")"
+expect "the end" "This harvest is finished: everything readable in its inputs is in the collection." "$(tail -n 1 "$work/err")"
+for input in "$work/odd/old.arc" "$work/missing" /proc/self/mem; do
+  for time in first second; do
+    "$program" harvest --name odd "$input" >/dev/null 2>"$work/err"
+    expect "status of $input, $time time" 1 $?
+    expect "$input, $time time" 1 "$(grep -c "$input" "$work/err")"
+    expect "end of $input, $time time" 0 "$(grep -c 'is finished' "$work/err")"
+  done
+done
 [ $failed -eq 0 ] && echo "[  PASSED  ]"
 exit $failed
