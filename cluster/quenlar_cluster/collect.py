@@ -17,8 +17,11 @@ from quenlar_cluster.lease import Lease
 from quenlar_cluster.lists import read_lines
 from quenlar_cluster.merge import merge_collections
 
-# A share is one program that visits many hosts at the same time; in a small crawl every worker gets one.
+# A share is one program that visits many hosts at the same time. How many workers come, and how many sites links lead
+# to, is not known when it is fixed. Shares without a site cost nothing.
 _SITES_A_SHARE = 1000
+_LEAST_SHARES = 64
+_LEAST_SHARES_A_WORKER = 16
 
 
 @dataclass(frozen=True)
@@ -33,6 +36,8 @@ class CollectOrder:
     workers: int | None
     rounds: int | None  # None: until nothing new is found
     shares: int | None  # None: by the number of sites and workers
+    list_format: str  # lines, csv or jsonl
+    archives: bool  # whether what is fetched is kept
     options: tuple[str, ...]  # of `quenlar collect`
 
 
@@ -74,6 +79,8 @@ def _run(
             frontier.add_starts(links)
             set_aside = _run_rounds(order, engine, frontier, say)
             _finish(order, frontier, say)
+            if not set_aside:
+                folder.remove_leftovers()
         finally:
             frontier.close()
     return set_aside
@@ -130,7 +137,7 @@ def _known_shares(folder: Folder) -> int | None:
 
 def _shares_for(links: list[Link], workers: int) -> int:
     sites = len({link.site for link in links})
-    return max(workers, -(-sites // _SITES_A_SHARE))
+    return max(_LEAST_SHARES, _LEAST_SHARES_A_WORKER * workers, -(-sites // _SITES_A_SHARE))
 
 
 def _make_seed(order: CollectOrder, home: Path) -> Path:
@@ -163,7 +170,7 @@ def _run_rounds(
         finished = folder.finished()
         shares = frontier.open_tasks(round_number, finished)
         if not shares or round_number == done:
-            return set_aside
+            return {share: set_aside.get(share, "its part is not there") for share in shares}
         done = round_number
         say(f"Round {round_number}: {len(shares)} tasks.")
         jobs = [_make_task(order, frontier, round_number, share, finished) for share in shares]
@@ -174,7 +181,8 @@ def _run_rounds(
                 set_aside[outcome.job.share] = outcome.failure
                 say(f"{outcome.job.name} has failed: {outcome.failure}")
         found = _merge_finished(order, frontier)
-        say(f"Round {round_number} is done: {found} new links to other sites.")
+        folder.drop_old_shares()
+        say(f"Round {round_number} is done: {found} new or nearer links to other sites.")
 
 
 def _make_task(
@@ -190,7 +198,7 @@ def _make_task(
             stream.write(
                 json.dumps(link.row(), ensure_ascii=False, separators=(",", ":")).encode() + b"\n"
             )
-    return CollectJob(folder, order.program, order.options, round_number, share)
+    return CollectJob(folder, order.program, order.options, order.archives, round_number, share)
 
 
 def _merge_finished(order: CollectOrder, frontier: Frontier) -> int:
@@ -199,8 +207,11 @@ def _merge_finished(order: CollectOrder, frontier: Frontier) -> int:
     parts = sorted(
         (number, share) for share, rounds in order.folder.finished().items() for number in rounds
     )
+    next_round = max((number for number, _ in parts), default=0) + 1
     return sum(
-        frontier.merge_part(order.folder.part(number, share), number, share, most_distance)
+        frontier.merge_part(
+            order.folder.part(number, share), number, share, next_round, most_distance
+        )
         for number, share in parts
     )
 
@@ -219,16 +230,19 @@ def _finish(order: CollectOrder, frontier: Frontier, say: Callable[[str], None])
         merge_collections(folder.seed, shares, frontier.shares, frontier.starts(), collection)
         _erase_suppressed(order, Path(scratch), collection.stem)
         command = [order.program, "--home", scratch, "addresses", collection.stem]
-        addresses = Path(scratch) / folder.addresses.name
+        target = folder.addresses(order.list_format)
+        addresses = Path(scratch) / target.name
         with open(addresses, "wb") as stream:
-            status, said = program.run([*command, "--format", "jsonl"], stream, lambda: True)
+            status, said = program.run(
+                [*command, "--format", order.list_format], stream, lambda: True
+            )
         if status != 0:
             raise ClusterError(said)
         files.copy_whole(collection, folder.collection)
-        files.copy_whole(addresses, folder.addresses)
+        files.copy_whole(addresses, target)
         with open(addresses, "rb") as rows:
             count = sum(1 for _ in rows)
-    say(f"{count} addresses in {folder.addresses}, everything in {folder.collection}.")
+    say(f"{count} addresses in {target}, everything in {folder.collection}.")
 
 
 def _erase_suppressed(order: CollectOrder, home: Path, name: str) -> None:

@@ -14,6 +14,7 @@ from quenlar_cluster.folder import Folder
 from quenlar_cluster.lease import Lease
 
 _NAME = "share"
+_MOST_TOLD = 2000  # characters of a failed program's messages
 
 # Pages that starts are, or redirect to. Links are matched as the program knows pages: whatever their scheme.
 _STARTS = """
@@ -24,7 +25,7 @@ WITH RECURSIVE moved (page, start) AS (
 )
 """
 
-# Links to other sites: refused for their scope, and not known before this round.
+# Links to other sites: refused for their scope. They are new, or lie nearer than before this round.
 _LINKS = (
     _STARTS
     + """
@@ -32,7 +33,10 @@ SELECT p.url, h.site, p.depth, p.private, parent.url, parent_host.site,
        (SELECT min(start) FROM moved WHERE moved.page = p.id)
 FROM pages p JOIN hosts h ON h.id = p.host
 LEFT JOIN pages parent ON parent.id = p.parent LEFT JOIN hosts parent_host ON parent_host.id = parent.host
-WHERE p.state = 'refused' AND p.reason = 'scope' AND p.id > ?
+LEFT JOIN before.pages known ON known.id = p.id
+WHERE p.state = 'refused' AND p.reason = 'scope'
+  AND (known.id IS NULL OR p.depth < known.depth
+       OR parent_host.site IN (SELECT site FROM temp.nearer_sites))
 ORDER BY p.id
 """
 )
@@ -45,6 +49,7 @@ class CollectJob:
     folder: Folder
     program: str
     options: tuple[str, ...]
+    archives: bool
     round_number: int
     share: int
 
@@ -53,10 +58,15 @@ class CollectJob:
         """For messages."""
         return f"share {self.share} of round {self.round_number}"
 
+    @property
+    def part(self) -> Path:
+        """What it leaves when it is done."""
+        return self.folder.part(self.round_number, self.share)
+
 
 def collect_share(job: CollectJob) -> str:
     """Makes the part unless it is there. Gives its path: a short value, which the scheduler may lose."""
-    part = job.folder.part(job.round_number, job.share)
+    part = job.part
     lease = Lease(job.folder.lease(job.share))
     if lease.acquire(unless=part.exists):
         try:
@@ -78,13 +88,10 @@ def _visit(job: CollectJob, part: Path, lease: Lease) -> None:
         rounds = job.folder.finished().get(job.share)
         base = job.folder.share(max(rounds), job.share) if rounds else job.folder.seed
         files.copy_whole(base, collection)
-        known_pages = _last_page(collection)
         rows = home / "rows.jsonl"
         with open(rows, "wb") as stream:
             _collect(job, home, stream, lease)
-            for link in _links(
-                collection, job.folder.task(job.round_number, job.share), known_pages
-            ):
+            for link in _links(collection, base, job.folder.task(job.round_number, job.share)):
                 stream.write(
                     json.dumps(link, ensure_ascii=False, separators=(",", ":")).encode() + b"\n"
                 )
@@ -98,37 +105,33 @@ def _collect(job: CollectJob, home: Path, rows: BinaryIO, lease: Lease) -> None:
     """Runs the program; its output, a row a new address, goes to `rows`."""
     command = [job.program, "--home", str(home), "collect", "--name", _NAME, "--format", "jsonl"]
     command += ["--links", str(job.folder.task(job.round_number, job.share)), *job.options]
+    if job.archives:
+        command += ["--warc", str(job.folder.archives(job.round_number, job.share))]
     status, said = program.run(command, rows, lease.held)
     if not lease.held():
         raise TaskFailed("the lease was lost")
     if status != 0:
-        raise TaskFailed(f"quenlar collect ends with status {status}: {said}")
+        raise TaskFailed(f"quenlar collect ends with status {status}: {said[-_MOST_TOLD:]}")
 
 
-def _last_page(collection: Path) -> int:
-    database = sqlite3.connect(collection)
-    try:
-        return database.execute("SELECT coalesce(max(id), 0) FROM pages").fetchone()[0]
-    finally:
-        database.close()
-
-
-def _links(collection: Path, task: Path, known_pages: int) -> Iterator[dict]:
-    """The rows of links that go back to the coordinator."""
+def _links(collection: Path, base: Path, task: Path) -> Iterator[dict]:
+    """The rows of links that go back to the coordinator. `base` is the collection as it was before the task."""
     distances: dict[str, int] = {}
-    database = sqlite3.connect(collection)
+    database = sqlite3.connect(collection, uri=True)
     try:
+        database.execute("ATTACH ? AS before", (f"{base.absolute().as_uri()}?immutable=1",))
         database.execute("CREATE TEMP TABLE handed (page TEXT, start TEXT)")
+        database.execute("CREATE TEMP TABLE nearer_sites (site TEXT PRIMARY KEY)")
         with open(task, encoding="utf-8") as rows:
             for row in map(json.loads, rows):
                 site = row["site"]
-                distances[site] = min(row["distance"], distances.get(site, row["distance"]))
+                distances[site] = row["distance"]
+                if row["nearer"]:
+                    database.execute("INSERT OR IGNORE INTO nearer_sites VALUES (?)", (site,))
                 if row["start"] is not None:
                     page = row["url"][row["url"].index("//") :]
                     database.execute("INSERT INTO handed VALUES (?, ?)", (page, row["start"]))
-        for url, site, depth, private, parent, parent_site, start in database.execute(
-            _LINKS, (known_pages,)
-        ):
+        for url, site, depth, private, parent, parent_site, start in database.execute(_LINKS):
             distance = distances.get(parent_site, 0) + (0 if start is not None else 1)
             link = {
                 "link": url,

@@ -1,6 +1,7 @@
 """The command line of `quenlar-cluster`."""
 
 import argparse
+import re
 import signal
 import sqlite3
 import sys
@@ -48,7 +49,7 @@ _HARVEST_OPTIONS: Sequence[tuple[str, str | None, str]] = (
 _COLLECT_EPILOG = """\
 The work is divided by registrable domain, so that no site is visited by two programs. Links to other sites are
 visited in the next round. The same command goes on where it was stopped or killed, and tries again what was set
-aside. FOLDER/addresses.jsonl is the list, FOLDER/data/collection.sqlite the collection:
+aside. FOLDER/addresses.jsonl (.txt, .csv) is the list, FOLDER/data/collection.sqlite the collection:
 quenlar --home FOLDER addresses collection.
 
 Exit status: 0 everything is visited, 1 a task was set aside or the run could not be made (the message says why),
@@ -56,7 +57,7 @@ Exit status: 0 everything is visited, 1 a task was set aside or the run could no
 """
 
 _HARVEST_EPILOG = """\
-Each input, a web archive, a file or a folder, is one task. FOLDER/addresses.txt (.csv, .jsonl) holds what one
+Each file, and each file in the folders of the list, is one task. FOLDER/addresses.txt (.csv, .jsonl) holds what one
 quenlar harvest over all of them would print. The same command goes on where it was stopped or killed, and tries
 again what was set aside.
 
@@ -128,7 +129,13 @@ def _declare_collect(commands: "argparse._SubParsersAction[argparse.ArgumentPars
         "--shares",
         metavar="N",
         type=_positive,
-        help="parts that the sites are divided into (one for 1,000 starts)",
+        help="parts that the sites are divided into (64, 16 a worker or one for 1,000 starts, what is most)",
+    )
+    verb.add_argument(
+        "--format", choices=("lines", "csv", "jsonl"), default="jsonl", help="of the list (jsonl)"
+    )
+    verb.add_argument(
+        "--warc", action="store_true", help="keep what is fetched in web archives, FOLDER/archives"
     )
     _declare_handed(verb, "options of quenlar collect", _COLLECT_OPTIONS)
     verb.set_defaults(run=_collect, parser=verb)
@@ -173,9 +180,9 @@ def _declare_common(verb: argparse.ArgumentParser) -> None:
     verb.add_argument(
         "--out",
         metavar="FOLDER",
-        type=Path,
+        type=_folder,
         required=True,
-        help="the folder that all machines share",
+        help="the folder that all machines see under this name, in a file system",
     )
     verb.add_argument(
         "--scheduler",
@@ -207,6 +214,15 @@ class _Handed(argparse.Action):
         setattr(given, self.dest, (*getattr(given, self.dest), text))
 
 
+def _folder(text: str) -> Path:
+    """Locks and leases need a file system: no address of a store."""
+    if re.match(r"[A-Za-z][A-Za-z0-9+.-]*://", text):
+        raise argparse.ArgumentTypeError(
+            f"{text} is an address. It must be a folder; mount the store as one on every machine"
+        )
+    return Path(text)
+
+
 def _positive(text: str) -> int:
     number = int(text)
     if number < 1:
@@ -230,6 +246,8 @@ def _collect(given: argparse.Namespace) -> int:
         workers=given.workers,
         rounds=given.rounds if scope == "anywhere" else 1,
         shares=given.shares,
+        list_format=given.format,
+        archives=given.warc,
         options=(f"--scope={'host' if scope == 'host' else 'site'}", *given.handed),
     )
     return collect(order, _say)

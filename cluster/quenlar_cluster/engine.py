@@ -4,6 +4,7 @@ import logging
 import os
 import tempfile
 import time
+import uuid
 import warnings
 import zipfile
 from collections.abc import Callable, Iterator, Sequence
@@ -17,6 +18,7 @@ from typing import Generic, Protocol, TypeVar
 import dask
 from distributed import Client, Future, LocalCluster, as_completed
 
+from quenlar_cluster import files
 from quenlar_cluster.errors import ClusterError
 
 ATTEMPTS = 3
@@ -26,16 +28,21 @@ _WORKERS_SECONDS = 600
 _IN_FLIGHT_EACH_WORKER = 20
 
 
-class Named(Protocol):
-    """What a task is told has a name for messages."""
+class Task(Protocol):
+    """What a worker is told."""
 
     @property
     def name(self) -> str:
-        """Tells it from all others of its batch."""
+        """Tells it from all others of its batch; for messages."""
+        ...
+
+    @property
+    def part(self) -> Path:
+        """The file that is there when the task is done."""
         ...
 
 
-Job = TypeVar("Job", bound=Named)
+Job = TypeVar("Job", bound=Task)
 
 
 @dataclass(frozen=True)
@@ -56,6 +63,7 @@ class Engine:
         self, scheduler: str | None, workers: int | None, say: Callable[[str], None]
     ) -> None:
         self._say = say
+        self._id = uuid.uuid4().hex
         self._batch = 0
         self._cluster: LocalCluster | None = None
         logging.getLogger("distributed").setLevel(logging.ERROR)
@@ -70,22 +78,19 @@ class Engine:
                 dashboard_address="127.0.0.1:0",
             )
         try:
-            self._client = self._attach(self._cluster or scheduler)
+            self._client = Client(self._cluster or scheduler, timeout=_ATTACH_SECONDS)
         except OSError as error:
             raise ClusterError(f"No scheduler answers at {scheduler}: {error}") from error
 
-    def _attach(self, where: object) -> Client:
-        client = Client(where, timeout=_ATTACH_SECONDS)
+    def _check_versions(self) -> None:
         with warnings.catch_warnings():
             warnings.simplefilter("error")
             try:
-                client.get_versions(check=True)
-            except Warning as warning:
-                client.close(timeout=1)
+                self._client.get_versions(check=True)
+            except (Warning, ValueError) as mismatch:
                 raise ClusterError(
-                    f"The cluster's machines have different versions: {warning}"
-                ) from warning
-        return client
+                    f"The cluster's machines have different versions: {mismatch}"
+                ) from mismatch
 
     def __enter__(self) -> "Engine":
         return self
@@ -111,13 +116,14 @@ class Engine:
         return sum(self._client.nthreads().values())
 
     def wait_for_workers(self) -> None:
-        """Waits until there is a worker, and gives it this package."""
+        """Waits until there is a worker, compares the versions of all machines, and hands out this package."""
         if not self._client.nthreads():
             self._say("Waiting for workers.")
         try:
             self._client.wait_for_workers(1, timeout=_WORKERS_SECONDS)
         except TimeoutError as error:
             raise ClusterError("There are no workers") from error
+        self._check_versions()
         if self._cluster is None:
             with tempfile.TemporaryDirectory() as scratch:
                 self._client.upload_file(str(_packed(Path(scratch))))
@@ -152,8 +158,9 @@ class Engine:
             job = next(waiting, None)
             if job is None:
                 return None
-            # A key of its own each time: the scheduler remembers the failure of one that it has had.
-            key = f"quenlar-{os.getpid()}-{self._batch}-{job.name.replace(' ', '-')}"
+            # A key that nobody else has, and of its own each time: of equal keys the scheduler does one alone, and it
+            # remembers the failure of one that it has had.
+            key = f"quenlar-{self._id}-{self._batch}-{job.name.replace(' ', '-')}"
             future = self._client.submit(function, job, key=key, pure=False, retries=ATTEMPTS - 1)
             under_way[future] = job
             return future
@@ -166,6 +173,8 @@ class Engine:
                 return
             failure = None if future.status == "finished" else _told(future)
             future.release()
+            if failure is None and not files.appears(job.part):
+                failure = f"it was done, but {job.part} does not appear: is the folder shared?"
             if (another := submit_next()) is not None:
                 completed.add(another)
             yield Outcome(job, failure)

@@ -8,6 +8,7 @@ from pathlib import Path
 from quenlar_cluster import files
 from quenlar_cluster.errors import ClusterError
 
+_SHARE = re.compile(r"round-(\d+)-share-(\d+)\.sqlite")
 _PART = re.compile(r"round-(\d+)-share-(\d+)\.jsonl")
 
 
@@ -43,9 +44,9 @@ class Folder:
         return self.root / "data" / "collection.sqlite"
 
     @property
-    def addresses(self) -> Path:
-        """The one list at the end."""
-        return self.root / "addresses.jsonl"
+    def inputs(self) -> Path:
+        """The files that a harvest reads, as they were when it began."""
+        return self.root / "inputs.jsonl"
 
     @property
     def coordinator_lease(self) -> Path:
@@ -78,16 +79,20 @@ class Folder:
         return self.parts / f"input-{number:07}.{row_format}"
 
     def input_message(self, number: int) -> Path:
-        """What the program had to say of an input that it could not read as a whole."""
-        return self.root / "tasks" / f"input-{number:07}.txt"
+        """What the program had to say of an input."""
+        return self.root / "tasks" / f"input-{number:07}.json"
 
-    def harvested(self, list_format: str) -> Path:
-        """The one list of a harvest."""
+    def archives(self, round_number: int, share: int) -> Path:
+        """What the names of the web archives of a task begin with."""
+        return self.root / "archives" / _name(round_number, share)
+
+    def addresses(self, list_format: str) -> Path:
+        """The one list at the end."""
         return self.root / f"addresses.{'txt' if list_format == 'lines' else list_format}"
 
     def make(self) -> None:
         """Makes the folders below the root."""
-        for name in ("data", "handed", "leases", "parts", "shares", "tasks"):
+        for name in ("archives", "data", "handed", "leases", "parts", "shares", "tasks"):
             (self.root / name).mkdir(parents=True, exist_ok=True)
 
     def finished(self) -> dict[int, list[int]]:
@@ -98,18 +103,35 @@ class Folder:
                 rounds.setdefault(int(found[2]), []).append(int(found[1]))
         return rounds
 
+    def drop_old_shares(self) -> None:
+        """Removes collections of rounds that nobody begins with any more: of each share the last two stay."""
+        needed = {share: rounds[-2:][0] for share, rounds in self.finished().items()}
+        for path in self.seed.parent.iterdir():
+            found = _SHARE.fullmatch(path.name)
+            if found and int(found[1]) < needed.get(int(found[2]), 0):
+                path.unlink(missing_ok=True)
+
+    def remove_leftovers(self) -> None:
+        """Removes what killed writers have left. Call it when everything is done, so that nobody writes."""
+        for folder in (self.root, self.parts, self.seed.parent, self.root / "tasks"):
+            files.remove_leftovers(folder)
+
     def claim(self, facts: dict) -> None:
-        """Makes this the folder of the run that `facts` describe. Raises ClusterError where it is another run's."""
+        """Makes this the folder of the run that `facts` describe. Raises ClusterError where it is another run's.
+
+        The root must be there. The facts come first, so that a kill in between leaves a folder that is this run's.
+        """
         try:
             known = json.loads(self.facts.read_text(encoding="utf-8"))
         except FileNotFoundError:
-            if self.root.is_dir() and any(self.root.iterdir()):
+            # What a kill has left of the first write does not count.
+            draft = f".{self.facts.name}."
+            if any(not path.name.startswith(draft) for path in self.root.iterdir()):
                 raise ClusterError(
                     f"{self.root} is not empty, and no run has begun in it"
                 ) from None
-            self.make()
             files.write_whole(self.facts, json.dumps(facts, indent=1).encode() + b"\n")
-            return
+            known = facts
         except ValueError:
             raise ClusterError(f"{self.facts} is damaged") from None
         for name, value in facts.items():
@@ -117,6 +139,7 @@ class Folder:
                 raise ClusterError(
                     f"{self.root} holds a run with another {name}: {known.get(name)!r}, now {value!r}"
                 )
+        self.make()
 
 
 def _name(round_number: int, share: int) -> str:

@@ -28,6 +28,24 @@ CREATE TABLE IF NOT EXISTS merged (round INTEGER, share INTEGER, PRIMARY KEY (ro
 """
 
 
+# A link that is known is queued again when it has turned out to be nearer, or to be more than a link.
+_QUEUE = """
+INSERT INTO links VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)
+ON CONFLICT (url) DO UPDATE SET
+  round = excluded.round, distance = min(distance, excluded.distance), depth = min(depth, excluded.depth),
+  private = max(private, excluded.private), start = coalesce(start, excluded.start)
+WHERE excluded.distance < distance OR excluded.depth < depth OR excluded.private > private
+  OR (start IS NULL AND excluded.start IS NOT NULL)
+"""
+
+# Each site that a share visits behind one round, up to another: its distance now, and as it was known before.
+_SITES = """
+SELECT site, min(distance), min(CASE WHEN round <= :after THEN distance END) FROM links
+WHERE share = :share AND round <= :last
+GROUP BY site HAVING max(round) > :after
+"""
+
+
 @dataclass(frozen=True)
 class Link:
     """A page to visit. `distance` counts how many sites away from a start it lies, `depth` the clicks."""
@@ -41,6 +59,7 @@ class Link:
     start: str | None = (
         None  # as the person wrote it; also of a page on another site that a start redirects to
     )
+    nearer: bool = False  # its site lies nearer now than when links of it were told of
 
     def row(self) -> dict:
         """The row that `quenlar collect --links` reads, with what a part needs besides."""
@@ -52,6 +71,7 @@ class Link:
             "https_first": self.https_first,
             "distance": self.distance,
             "start": self.start,
+            "nearer": self.nearer,
         }
 
 
@@ -73,11 +93,15 @@ class Frontier:
         self._database.close()
 
     def add_starts(self, starts: Iterable[Link]) -> None:
-        """Queues starts for the first round, or for the round at hand where the crawl goes on with more of them."""
-        self._transact(starts, self.last_round() or 1, None)
+        """Queues starts for the first round, or for one more where the crawl goes on with more of them."""
+        self._transact(starts, self.last_round() + 1, None)
 
-    def merge_part(self, part: Path, round_number: int, share: int, most_distance: int) -> int:
-        """Queues the links of a finished part for the next round, once. Returns how many are new.
+    def merge_part(
+        self, part: Path, round_number: int, share: int, next_round: int, most_distance: int
+    ) -> int:
+        """Queues the links of a finished part for `next_round`, of which there is no part yet.
+
+        Does that once. Returns how many of them are new, or nearer than known.
 
         Links that lead more than `most_distance` sites away from a start are not taken.
         """
@@ -87,7 +111,7 @@ class Frontier:
         if merged.fetchone():
             return 0
         links = (link for link in links_of(part) if link.distance <= most_distance)
-        return self._transact(links, round_number + 1, (round_number, share))
+        return self._transact(links, next_round, (round_number, share))
 
     def last_round(self) -> int:
         """The last round for which links are queued; 0 where there is none."""
@@ -102,14 +126,20 @@ class Frontier:
         return [share for share, last in rows if max(finished.get(share, [0])) < last]
 
     def links(self, share: int, after_round: int, last_round: int) -> Iterator[Link]:
-        """The links of a share that were queued behind one round, up to another."""
+        """The links of a share that were queued behind one round, up to another. A site has one distance, its least."""
+        rounds = {"share": share, "after": after_round, "last": last_round}
+        distances = {
+            site: (distance, known is not None and distance < known)
+            for site, distance, known in self._database.execute(_SITES, rounds)
+        }
         rows = self._database.execute(
-            "SELECT url, site, distance, depth, private, https_first, start FROM links"
-            " WHERE share = ? AND round > ? AND round <= ? ORDER BY url",
-            (share, after_round, last_round),
+            "SELECT url, site, depth, private, https_first, start FROM links"
+            " WHERE share = :share AND round > :after AND round <= :last ORDER BY url",
+            rounds,
         )
-        for url, site, distance, depth, private, https_first, start in rows:
-            yield Link(url, site, distance, depth, bool(private), bool(https_first), start)
+        for url, site, depth, private, https_first, start in rows:
+            distance, nearer = distances[site]
+            yield Link(url, site, distance, depth, bool(private), bool(https_first), start, nearer)
 
     def starts(self) -> Iterator[Link]:
         """What the person named."""
@@ -126,7 +156,7 @@ class Frontier:
         self._database.execute("BEGIN IMMEDIATE")
         try:
             self._database.executemany(
-                "INSERT OR IGNORE INTO links VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",
+                _QUEUE,
                 (
                     (
                         k.url,

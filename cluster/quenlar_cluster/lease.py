@@ -97,8 +97,11 @@ class Lease:
         }
         facts["birth"] = _birth(os.getpid())
         draft = self._path.with_name(f".{self._path.name}.{self._token}")
-        draft.write_text(json.dumps(facts) + "\n", encoding="utf-8")
         try:
+            with open(draft, "wb") as stream:
+                stream.write(json.dumps(facts).encode() + b"\n")
+                stream.flush()
+                os.fsync(stream.fileno())
             os.link(draft, self._path)
         except FileExistsError:
             return False
@@ -111,6 +114,16 @@ class Lease:
             return json.loads(self._path.read_text(encoding="utf-8"))
         except (OSError, ValueError):
             return {}
+
+    def _owner(self) -> str | None:
+        """Whose lease it is. A lost machine may leave one that names nobody: then which file. None: there is none."""
+        if token := self._read().get("token"):
+            return token
+        try:
+            facts = self._path.stat()
+        except OSError:
+            return None
+        return f"nobody-{facts.st_ino}-{facts.st_mtime_ns}"
 
     def _age(self, path: Path) -> float | None:
         """Seconds since a file was touched, by the clock of the folder; None when it is no more."""
@@ -133,7 +146,7 @@ class Lease:
 
     def _take_away(self) -> bool:
         """Removes a lapsed lease. Of all that see it lapsed, one alone succeeds: the one that gets to mark it."""
-        owner = self._read().get("token")
+        owner = self._owner()
         if owner is None:
             return False
         mark = self._path.with_name(f".lapsed.{owner}")
@@ -146,7 +159,7 @@ class Lease:
             return False
         except FileNotFoundError:
             return False
-        if self._read().get("token") == owner:
+        if self._owner() == owner:
             self._path.unlink(missing_ok=True)
         mark.unlink(missing_ok=True)
         return True

@@ -66,8 +66,9 @@ CREATE INDEX temp.foreign_key ON foreign_pages (key);
 UPDATE temp.foreign_pages SET known = coalesce(
   (SELECT p.id FROM main.pages p WHERE p.key = foreign_pages.key
    AND substr(p.url, instr(p.url, '//')) = substr(foreign_pages.url, instr(foreign_pages.url, '//'))),
-  (SELECT min(f.id) FROM temp.foreign_pages f WHERE f.key = foreign_pages.key
-   AND substr(f.url, instr(f.url, '//')) = substr(foreign_pages.url, instr(foreign_pages.url, '//'))));
+  (SELECT f.id FROM temp.foreign_pages f WHERE f.key = foreign_pages.key
+   AND substr(f.url, instr(f.url, '//')) = substr(foreign_pages.url, instr(foreign_pages.url, '//'))
+   ORDER BY f.depth, f.id LIMIT 1));
 CREATE INDEX temp.foreign_known ON foreign_pages (known);
 CREATE INDEX temp.foreign_id ON foreign_pages (id);
 
@@ -80,9 +81,10 @@ UPDATE main.pages SET moved_to = (SELECT known FROM temp.foreign_pages f WHERE f
 WHERE moved_to IN (SELECT id FROM temp.foreign_pages);
 """
 
-# Pages that came as links from other shares have those pages as parents.
+# Pages that came as links from other shares have the nearest of those pages as parents.
 _SET_PARENTS = """
-UPDATE main.pages SET parent = (SELECT f.parent FROM temp.foreign_pages f WHERE f.known = main.pages.id ORDER BY f.id)
+UPDATE main.pages SET parent = (
+  SELECT f.parent FROM temp.foreign_pages f WHERE f.known = main.pages.id ORDER BY f.depth, f.id)
 WHERE parent IS NULL AND id IN (SELECT known FROM temp.foreign_pages) AND id NOT IN (SELECT page FROM temp.start_pages);
 """
 

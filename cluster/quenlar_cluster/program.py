@@ -15,7 +15,7 @@ from quenlar_cluster.errors import ClusterError
 _IF_PARENT_LIVES = '[ "$PPID" = "$0" ] || exit 1; exec "$@"'
 
 _POLL_SECONDS = 0.2
-_MOST_ERROR_BYTES = 2000
+_MOST_ERROR_BYTES = 64 << 10
 
 
 def dying_with_us(command: Sequence[str]) -> list[str]:

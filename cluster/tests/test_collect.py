@@ -1,5 +1,6 @@
 """Whole crawls over a small web, with workers, schedulers and coordinators that are killed."""
 
+import json
 import os
 import signal
 import sqlite3
@@ -8,6 +9,7 @@ from pathlib import Path
 
 import pytest
 
+from quenlar_cluster.frontier import share_of
 from running import (
     PROGRAM,
     Machines,
@@ -201,6 +203,117 @@ def test_a_task_that_fails_is_set_aside_and_named(
     (tmp_path / "mended").touch()
     assert cluster(*run).wait(120) == 0
     assert addresses_of(tmp_path / "run") == collected_by_one(tmp_path / "one", starts)
+
+
+def _found_by_one(home: Path, starts: Path, depth: int) -> list[str]:
+    common = ["--delay", "0", "--assume-online", "--scope", "anywhere", "--depth", str(depth)]
+    return sorted(quenlar(home, "collect", "--from", str(starts), *common).splitlines())
+
+
+def test_the_nearest_way_counts_whatever_is_visited_first(tmp_path: Path) -> None:
+    """Site b is three clicks from one start and one from another, or two over a site that is visited later."""
+    with SmallWeb(7) as web:
+        # By share, so that the parts come in this order.
+        a, c, b, d, e, *_ = sorted(range(7), key=lambda host: share_of(f"127.0.1.{host + 1}", 5))
+        assert share_of(f"127.0.1.{a + 1}", 5) < share_of(f"127.0.1.{c + 1}", 5)
+        origins = web.origins
+        for depth in range(3):
+            onward = f'<a href="{origins[b]}/">b</a>' if depth == 2 else f'<a href="/{depth + 1}">'
+            web.page(a, f"/{depth or ''}", f"a{depth}@a.test {onward}")
+        for depth in range(4):
+            onward = f'<a href="/{depth + 1}">on</a> <a href="{origins[e]}/{depth}">e</a>'
+            web.page(b, f"/{depth or ''}", f"b{depth}@b.test {onward}")
+            web.page(e, f"/{depth}", f"e{depth}@e.test")
+        web.page(d, "/", f'd@d.test <a href="{origins[b]}/">b</a>')
+        starts = tmp_path / "starts.txt"
+        starts.write_text(f"{origins[a]}/\n{origins[c]}/\n", encoding="utf-8")
+        for name, target in (("straight", b), ("round", d)):
+            web.page(c, "/", f'c@c.test <a href="{origins[target]}/">x</a>')
+            run = collect_arguments(tmp_path / name, starts, "--workers", "2")
+            run[run.index("--depth") + 1] = "3"
+            assert cluster(*run).wait(120) == 0
+            found = addresses_of(tmp_path / name)
+            assert found == _found_by_one(tmp_path / f"{name}-one", starts, 3)
+            assert ("b2@b.test" in found, "b1@b.test" in found) == (target == b, True)
+            assert ("e0@e.test" in found, "e1@e.test" in found) == (True, target == b)
+
+
+def test_lists_and_archives_are_made_as_asked_for(
+    web: SmallWeb, starts: Path, expected: list[str], tmp_path: Path
+) -> None:
+    """The archives hold what the run has found; the collections of old rounds are gone."""
+    run = tmp_path / "run"
+    options = ("--workers", "2", "--format", "lines", "--warc")
+    assert cluster(*collect_arguments(run, starts, *options)).wait(120) == 0
+    assert sorted((run / "addresses.txt").read_text(encoding="utf-8").split()) == expected
+    assert not list(run.glob("addresses.j*"))
+    archived = quenlar(tmp_path / "other", "harvest", str(run / "archives"))
+    assert sorted(archived.split()) == expected
+    rounds: dict[str, int] = {}
+    for share in (run / "shares").glob("round-*"):
+        rounds[share.name[-12:]] = rounds.get(share.name[-12:], 0) + 1
+    assert max(rounds.values()) == 2
+
+
+def test_the_scope_of_a_host_holds(tmp_path: Path) -> None:
+    """Another port is another host; and a start alone is not left."""
+    with SmallWeb(2) as web:
+        web.page(0, "/", f'a@a.test <a href="/in">in</a> <a href="{web.origins[1]}/">out</a>')
+        web.page(0, "/in", "in@a.test")
+        web.page(1, "/", "b@b.test")
+        starts = tmp_path / "starts.txt"
+        starts.write_text(f"{web.origins[0]}/\n", encoding="utf-8")
+        run = collect_arguments(tmp_path / "run", starts, "--workers", "1")
+        run[run.index("anywhere")] = "host"
+        del run[run.index("--shares") : run.index("--shares") + 2]
+        assert cluster(*run).wait(120) == 0
+        assert addresses_of(tmp_path / "run") == ["a@a.test", "in@a.test"]
+        assert web.asked.keys().isdisjoint({(1, "/"), (1, "/robots.txt")})
+        facts = json.loads((tmp_path / "run" / "run.json").read_text(encoding="utf-8"))
+        assert facts["shares"] == 64
+
+
+def test_a_task_that_kills_its_worker_is_set_aside(
+    web: SmallWeb, starts: Path, tmp_path: Path
+) -> None:
+    """After three times; the others go on."""
+    deadly = tmp_path / "deadly"
+    # Kills the worker, its parent, for the share with the first site.
+    deadly.write_text(
+        "#!/bin/sh\n"
+        'for word; do case "$word" in\n'
+        f'*/tasks/*) grep -q "127.0.1.1:" "$word" && {{ echo tried >>"{tmp_path}/tries"; kill -9 $PPID; }};;\n'
+        "esac; done\n"
+        f'exec "{PROGRAM}" "$@"\n',
+        encoding="utf-8",
+    )
+    deadly.chmod(0o755)
+    run = collect_arguments(tmp_path / "run", starts, "--workers", "2", "--program", str(deadly))
+    with open(tmp_path / "said", "wb") as said:
+        assert cluster(*run, output=said).wait(120) == 1
+    assert "Set aside: share" in (tmp_path / "said").read_text(encoding="utf-8")
+    assert len((tmp_path / "tries").read_text(encoding="utf-8").split()) == 3
+    assert "home1@site1.test" in addresses_of(tmp_path / "run")
+    assert web.asked[0, "/"] == 0
+
+
+@pytest.mark.parametrize("how", [signal.SIGINT, signal.SIGTERM])
+def test_a_run_that_is_stopped_goes_on(
+    web: SmallWeb, starts: Path, expected: list[str], tmp_path: Path, how: signal.Signals
+) -> None:
+    """It says so, with status 130, and takes its programs along."""
+    gate = web.close_gate(2, "/p1")
+    run = collect_arguments(tmp_path / "run", starts, "--workers", "2")
+    with open(tmp_path / "said", "wb") as said:
+        coordinator = cluster(*run, output=said)
+        web.wait_until(lambda: web.asked[2, "/p1"] == 1)
+        coordinator.send_signal(how)
+        assert coordinator.wait(120) == 130
+    assert "Stopped. The same command goes on." in (tmp_path / "said").read_text(encoding="utf-8")
+    wait_until(lambda: not crawling(tmp_path / "run", web.origins[2]))
+    gate.set()
+    assert cluster(*run).wait(120) == 0
+    assert addresses_of(tmp_path / "run") == expected
 
 
 def test_filters_suppression_and_rounds_hold(web: SmallWeb, starts: Path, tmp_path: Path) -> None:

@@ -69,6 +69,20 @@ def test_one_of_another_machine_lapses_when_it_is_not_renewed(tmp_path: Path) ->
     lease.release()
 
 
+def test_one_that_names_nobody_lapses_too(tmp_path: Path) -> None:
+    """A machine that loses its power may leave an empty file."""
+    path = tmp_path / "a.lease"
+    path.touch()
+    tries = iter([False, True])
+    assert not Lease(path).acquire(unless=lambda: next(tries))
+    os.utime(path, (1, 1))
+    lease = Lease(path)
+    assert lease.acquire()
+    assert _owner(path)["process"] == os.getpid()
+    lease.release()
+    assert list(tmp_path.iterdir()) == []
+
+
 def test_its_holder_notices_when_it_was_taken_away(tmp_path: Path) -> None:
     """And leaves the other one's lease alone."""
     path = tmp_path / "a.lease"

@@ -10,7 +10,7 @@ from pathlib import Path
 import pytest
 
 from quenlar_cluster import files, program
-from quenlar_cluster.collect import read_starts, resolve_starts
+from quenlar_cluster.collect import _shares_for, read_starts, resolve_starts
 from quenlar_cluster.command import main
 from quenlar_cluster.errors import ClusterError
 from quenlar_cluster.folder import Folder
@@ -31,6 +31,31 @@ def test_a_file_is_replaced_whole_or_not_at_all(tmp_path: Path) -> None:
     assert [entry.name for entry in tmp_path.iterdir()] == ["f"]
 
 
+def test_what_killed_writers_leave_is_removed(tmp_path: Path) -> None:
+    """And nothing else."""
+    with files.replacing(tmp_path / "f"):
+        (draft,) = tmp_path.iterdir()
+        (tmp_path / f"{draft.name}0").touch()  # of another thread
+    (tmp_path / ".hidden").touch()
+    files.remove_leftovers(tmp_path)
+    assert sorted(entry.name for entry in tmp_path.iterdir()) == [".hidden", "f"]
+
+
+def test_of_the_shares_the_last_two_rounds_stay(tmp_path: Path) -> None:
+    """Those of a task that is not finished stay too, and the one that all begin with."""
+    folder = Folder(tmp_path)
+    folder.make()
+    for number in (1, 2, 4, 5):
+        folder.share(number, 7).touch()
+        if number < 5:
+            _part(folder, number, 7)
+    folder.share(1, 8).touch()
+    folder.seed.touch()
+    folder.drop_old_shares()
+    kept = [folder.share(number, share) for number, share in ((2, 7), (4, 7), (5, 7), (1, 8))]
+    assert sorted(folder.seed.parent.iterdir()) == sorted([*kept, folder.seed])
+
+
 def test_a_site_has_one_share_for_ever() -> None:
     """Runs of other versions and machines must come to the same one."""
     assert [share_of(site, 1000) for site in ("example.org", "firma.de", "127.0.0.1")] == [
@@ -47,12 +72,12 @@ def _part(folder: Folder, round_number: int, share: int, *rows: dict) -> Path:
     return path
 
 
-def _link(url: str, site: str, distance: int = 1) -> dict:
+def _link(url: str, site: str, distance: int = 1, depth: int = 1) -> dict:
     return {
         "link": url,
         "site": site,
         "distance": distance,
-        "depth": 1,
+        "depth": depth,
         "private": False,
         "from": "http://x/",
     }
@@ -73,8 +98,8 @@ def test_links_are_handed_out_once_and_rounds_end(tmp_path: Path) -> None:
     ]
     part = _part(folder, 1, 0, *rows, _link("http://far.example/", "far.example", 2))
     assert [link.url for link in links_of(part)][0] == "http://b.example/"
-    assert frontier.merge_part(part, 1, 0, most_distance=1) == 1
-    assert frontier.merge_part(part, 1, 0, most_distance=1) == 0
+    assert frontier.merge_part(part, 1, 0, next_round=2, most_distance=1) == 1
+    assert frontier.merge_part(part, 1, 0, next_round=2, most_distance=1) == 0
     assert frontier.last_round() == 2
     assert folder.finished() == {0: [1]}
     assert frontier.open_tasks(2, folder.finished()) == [0]
@@ -82,6 +107,37 @@ def test_links_are_handed_out_once_and_rounds_end(tmp_path: Path) -> None:
     _part(folder, 2, 0)
     assert frontier.open_tasks(2, folder.finished()) == []
     assert [link.start for link in frontier.starts()] == ["a.example"]
+    frontier.close()
+
+
+def test_links_that_turn_out_to_be_nearer_are_handed_out_again(tmp_path: Path) -> None:
+    """With the least depth, the least distance of their site, and what they are besides."""
+    folder = Folder(tmp_path)
+    folder.make()
+    frontier = Frontier(folder.frontier, 1)
+    frontier.add_starts([Link("http://a.example/", "a.example", start="a.example")])
+    far = _link("http://b.example/", "b.example", distance=3, depth=5)
+    near = _link("http://b.example/", "b.example", distance=2, depth=6)
+    frontier.merge_part(_part(folder, 1, 0, far, near), 1, 0, next_round=2, most_distance=9)
+    (link,) = frontier.links(0, 1, 2)
+    assert (link.distance, link.depth, link.nearer) == (2, 5, False)
+    # The same in a later round: again, and its site has come nearer.
+    other = _link("http://b.example/x", "b.example", distance=1, depth=7)
+    again = _part(folder, 2, 0, other, _link("http://b.example/", "b.example", 2, 4))
+    assert frontier.merge_part(again, 2, 0, next_round=3, most_distance=9) == 2
+    assert [(link.url[-2:], link.distance, link.depth) for link in frontier.links(0, 2, 3)] == [
+        ("e/", 1, 4),
+        ("/x", 1, 7),
+    ]
+    # Not when it is no nearer.
+    last = _part(folder, 3, 0, far, other)
+    assert frontier.merge_part(last, 3, 0, next_round=4, most_distance=9) == 0
+    assert frontier.last_round() == 3
+    # A link that is named as a start is one from then on.
+    frontier.add_starts([Link("http://b.example/x", "b.example", private=True, start="b/x")])
+    (link,) = frontier.links(0, 3, 4)
+    assert (link.distance, link.depth, link.private, link.start) == (0, 0, True, "b/x")
+    assert link.nearer
     frontier.close()
 
 
@@ -110,6 +166,27 @@ def test_a_folder_belongs_to_one_run(tmp_path: Path) -> None:
     other = Folder(tmp_path)
     with pytest.raises(ClusterError, match="not empty"):
         other.claim({"command": "collect"})
+
+
+def test_a_kill_during_the_first_writes_does_no_harm(tmp_path: Path) -> None:
+    """Whatever is there of the folder by then, the same command goes on."""
+    folder = Folder(tmp_path)
+    (tmp_path / ".run.json.host.1.1").write_text("{", encoding="utf-8")
+    folder.claim({"command": "collect"})
+    assert folder.parts.is_dir()
+    for name in ("parts", "tasks", "leases"):
+        (tmp_path / name).rmdir()
+    folder.claim({"command": "collect"})
+    assert folder.parts.is_dir()
+
+
+def test_there_are_shares_enough_for_workers_that_come_later(tmp_path: Path) -> None:
+    """And for many sites."""
+    links = [Link(f"http://{number}.example/", f"{number}.example") for number in range(4)]
+    assert _shares_for(links, 1) == 64
+    assert _shares_for(links, 40) == 640
+    many = [Link(f"http://{number}.example/", f"{number}.example") for number in range(64_001)]
+    assert _shares_for(many, 4) == 65
 
 
 def test_starts_are_read_as_the_program_reads_them(tmp_path: Path) -> None:
@@ -198,6 +275,7 @@ def test_a_program_is_killed_when_it_may_not_go_on(tmp_path: Path) -> None:
             "--scope anywhere",
         ),
         (["collect", "--out", "x", "--pages", "5", "starts"], "--pages"),
+        (["collect", "--out", "s3://store/run", "starts"], "must be a folder"),
     ],
 )
 def test_wrong_usage_is_status_2(
