@@ -1,5 +1,6 @@
 """The coordinator of a harvest: one task an archive, and in the end one list."""
 
+import csv
 import hashlib
 import json
 import shutil
@@ -15,8 +16,10 @@ from quenlar_cluster.engine import Engine
 from quenlar_cluster.errors import ClusterError
 from quenlar_cluster.folder import Folder
 from quenlar_cluster.harvest_task import HarvestJob, harvest_input
+from quenlar_cluster.inputs import keep_inputs
 from quenlar_cluster.lease import Lease
 from quenlar_cluster.lists import read_lines
+from quenlar_cluster.suppression import Suppression
 
 
 @dataclass(frozen=True)
@@ -36,14 +39,14 @@ class HarvestOrder:
 
 def harvest(order: HarvestOrder, say: Callable[[str], None]) -> int:
     """Reads the inputs, or goes on with it. Returns the exit status."""
-    inputs = read_lines(order.inputs)
-    if "-" in inputs:
+    names = read_lines(order.inputs)
+    if "-" in names:
         raise ClusterError("-: standard input cannot be divided")
     _check_options(order)
     with Engine(order.scheduler, order.workers, say) as engine:
         say(f"The cluster: {engine.dashboard} (plain figures: /json/counts.json there).")
         engine.wait_for_workers()
-        return _run(order, engine, inputs, say)
+        return _run(order, engine, names, say)
 
 
 def _check_options(order: HarvestOrder) -> None:
@@ -55,55 +58,96 @@ def _check_options(order: HarvestOrder) -> None:
         program.check([*command, *order.options, str(nothing)])
 
 
-def _run(order: HarvestOrder, engine: Engine, inputs: list[str], say: Callable[[str], None]) -> int:
+def _run(order: HarvestOrder, engine: Engine, names: list[str], say: Callable[[str], None]) -> int:
     folder = order.folder
     folder.root.mkdir(parents=True, exist_ok=True)
     # Rows of lines are told apart by address only when all of them are there, so they are kept as JSON.
     row_format = "csv" if order.list_format == "csv" else "jsonl"
-    digest = hashlib.sha256("\n".join(inputs).encode()).hexdigest()
+    digest = hashlib.sha256("\n".join(names).encode()).hexdigest()
     facts = {"command": "harvest", "options": list(order.options), "rows": row_format}
     folder.claim(facts | {"list": digest, "start": str(Path.cwd())})
     on_wait: Callable[[], None] = lambda: say(f"Another is at work in {folder.root}; waiting.")
     with Lease(folder.coordinator_lease, on_wait=on_wait):
         settings.hand_out(order.home, folder.handed)
+        # Also looks whether the list can be read, before any worker does.
+        suppression = Suppression(order.program, folder.handed)
+        inputs = keep_inputs(folder.inputs, names)
         options = (f"--jobs={order.jobs}", *order.options)
         jobs = [
-            HarvestJob(folder, order.program, options, row_format, Path.cwd(), number, given)
+            HarvestJob(
+                folder,
+                order.program,
+                options,
+                row_format,
+                Path.cwd(),
+                number,
+                given.name,
+                given.named,
+            )
             for number, given in enumerate(inputs, 1)
         ]
-        left = [job for job in jobs if not folder.input_part(job.number, row_format).exists()]
+        left = [job for job in jobs if not job.part.exists()]
         say(f"{len(jobs)} inputs, {len(left)} of them to read.")
         failures = {
             outcome.job.number: outcome.failure for outcome in engine.run(harvest_input, left)
         }
-        _finish(order, row_format, len(jobs), say)
-    status = 0
-    for job in jobs:
-        if failures.get(job.number) is not None:
-            say(f"Set aside: {job.given}: {failures[job.number]}")
-            status = 1
-        elif (message := folder.input_message(job.number)).exists():
-            say(message.read_text(encoding="utf-8").rstrip("\n"))
-            status = 1
+        _finish(order, [job.part for job in jobs if job.part.exists()], suppression, say)
+        status = max(_tell(job, failures.get(job.number), say) for job in jobs)
+        if status == 0:
+            folder.remove_leftovers()
     return status
 
 
-def _finish(order: HarvestOrder, row_format: str, count: int, say: Callable[[str], None]) -> None:
-    """Puts the parts together in the order of the inputs: the bytes of one `quenlar harvest` over all of them."""
-    target = order.folder.harvested(order.list_format)
-    parts = [order.folder.input_part(number, row_format) for number in range(1, count + 1)]
-    parts = [part for part in parts if part.exists()]
+def _tell(job: HarvestJob, failure: str | None, say: Callable[[str], None]) -> int:
+    """Says what there is to say of an input. Gives its status."""
+    if failure is None and not job.part.exists():
+        failure = "its part is not there"
+    if failure is not None:
+        say(f"Set aside: {job.given}: {failure}")
+        return 1
+    try:
+        message = json.loads(job.folder.input_message(job.number).read_text(encoding="utf-8"))
+    except FileNotFoundError:
+        return 0
+    for line in message["said"]:
+        say(line)
+    return 1 if message["damaged"] else 0
+
+
+def _finish(
+    order: HarvestOrder, parts: list[Path], suppression: Suppression, say: Callable[[str], None]
+) -> None:
+    """Puts the parts together in the order of the inputs: the bytes of one `quenlar harvest` over all of them.
+
+    Who was put on the suppression list when a part was there already is left out.
+    """
+    target = order.folder.addresses(order.list_format)
     with files.replacing(target) as stream:
         if order.list_format == "lines":
-            _write_addresses(parts, stream)
+            _write_addresses(parts, suppression, stream)
         else:
             for part in parts:
-                with open(part, "rb") as rows:
-                    shutil.copyfileobj(rows, stream, 1 << 20)
+                _copy_rows(part, suppression, stream)
     say(f"The list is in {target}.")
 
 
-def _write_addresses(parts: Iterable[Path], stream: BinaryIO) -> None:
+def _copy_rows(part: Path, suppression: Suppression, stream: BinaryIO) -> None:
+    with open(part, "rb") as rows:
+        if not suppression:
+            shutil.copyfileobj(rows, stream, 1 << 20)
+            return
+        for row in rows:
+            if suppression.keeps(_address_of(row, part.suffix)):
+                stream.write(row)
+
+
+def _address_of(row: bytes, suffix: str) -> str:
+    if suffix == ".csv":
+        return next(csv.reader([row.decode()]))[0]
+    return json.loads(row)["address"]
+
+
+def _write_addresses(parts: Iterable[Path], suppression: Suppression, stream: BinaryIO) -> None:
     """Each address once, whatever its letter case, as it is spelt first. The disk remembers them, not the memory."""
     with tempfile.TemporaryDirectory(prefix="quenlar-cluster-") as scratch:
         database = sqlite3.connect(Path(scratch) / "seen.sqlite", isolation_level=None)
@@ -112,7 +156,7 @@ def _write_addresses(parts: Iterable[Path], stream: BinaryIO) -> None:
                 "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA cache_size = -262144;"
                 "CREATE TABLE seen (address TEXT PRIMARY KEY COLLATE NOCASE) WITHOUT ROWID;"
             )
-            for address in _addresses_of(parts):
+            for address in filter(suppression.keeps, _addresses_of(parts)):
                 added = database.execute("INSERT OR IGNORE INTO seen VALUES (?)", (address,))
                 if added.rowcount == 1:
                     stream.write(address.encode() + b"\n")

@@ -1,6 +1,7 @@
 """Whole harvests over archives, with workers, schedulers and coordinators that are killed."""
 
 import gzip
+import hashlib
 import os
 import signal
 import subprocess
@@ -9,9 +10,10 @@ from pathlib import Path
 
 import pytest
 
-from running import PROGRAM, Machines, cluster, free_port, parent_of, wait_until
+from running import PROGRAM, Machines, cluster, free_port, parent_of, quenlar, wait_until
 
 ARCHIVES = 12
+FILES = 5  # in the folder
 
 
 def record(number: int, body: bytes) -> bytes:
@@ -29,7 +31,7 @@ def record(number: int, body: bytes) -> bytes:
 @pytest.fixture(name="inputs")
 def _inputs(tmp_path: Path) -> Path:
     """A list of archives, pages and a folder, with addresses that come again in other letters."""
-    (tmp_path / "in" / "folder").mkdir(parents=True)
+    (tmp_path / "in" / "folder" / "a").mkdir(parents=True)
     names = []
     for archive in range(ARCHIVES):
         pages = [
@@ -45,19 +47,24 @@ def _inputs(tmp_path: Path) -> Path:
         names.append(f"in/{archive}.warc.gz")
     (tmp_path / "in" / "folder" / "a.html").write_text("a@folder.de", encoding="utf-8")
     (tmp_path / "in" / "folder" / "b.html").write_text("SHARED1@firma.de", encoding="utf-8")
+    # By name, bytewise, what lies in `a` among them; a picture is passed over, and what a link leads to.
+    (tmp_path / "in" / "folder" / "a" / "deep.html").write_text("deep@folder.de", encoding="utf-8")
+    (tmp_path / "in" / "folder" / "Zä.txt").write_text("z@folder.de", encoding="utf-8")
+    (tmp_path / "in" / "folder" / "picture.html").write_bytes(b"\x89PNG\0p@folder.de")
+    (tmp_path / "in" / "folder" / "link").symlink_to(tmp_path / "in" / "0.warc.gz")
     inputs = tmp_path / "inputs.txt"
     names.insert(3, "in/folder")
     inputs.write_text("\n".join(names) + "\n", encoding="utf-8")
     return inputs
 
 
-def harvested_by_one(inputs: Path, *options: str) -> bytes:
+def harvested_by_one(inputs: Path, *options: str, check: bool = True) -> bytes:
     """What one `quenlar harvest` over the list prints."""
     names = inputs.read_text(encoding="utf-8").split("\n")[:-1]
     home = str(inputs.parent / "one")
     command = [PROGRAM, "--home", home, "harvest", *options, *names]
     return subprocess.run(
-        command, check=True, stdout=subprocess.PIPE, cwd=inputs.parent, timeout=120
+        command, check=check, stdout=subprocess.PIPE, cwd=inputs.parent, timeout=120
     ).stdout
 
 
@@ -78,7 +85,7 @@ def test_the_bytes_are_those_of_one_harvest(inputs: Path, list_format: str, name
     assert len(expected.splitlines()) >= ARCHIVES * 20
     assert (inputs.parent / "run" / f"addresses.{name}").read_bytes() == expected
     parts = {part: part.stat().st_mtime_ns for part in (inputs.parent / "run" / "parts").iterdir()}
-    assert len(parts) == ARCHIVES + 1
+    assert len(parts) == ARCHIVES + FILES
     assert cluster(*run, folder=inputs.parent).wait(120) == 0
     assert parts == {part: part.stat().st_mtime_ns for part in parts}
 
@@ -112,7 +119,8 @@ def test_workers_and_schedulers_may_be_killed(inputs: Path) -> None:
         wait_until(lambda: len(held(folder)) == 1)
         os.kill(parent_of(held(folder)[0]), signal.SIGKILL)
         wait_until(lambda: len(held(folder)) == 2)
-        wait_until(lambda: len(list((folder / "run" / "parts").glob("input-*"))) == ARCHIVES)
+        done = ARCHIVES + FILES - 1
+        wait_until(lambda: len(list((folder / "run" / "parts").glob("input-*"))) == done)
         coordinator.kill()
         coordinator.wait()
         machines.kill_all()
@@ -144,6 +152,86 @@ def test_what_cannot_be_read_is_named(inputs: Path) -> None:
     assert cluster(*run, folder=folder).wait(120) == 1
     found = (folder / "run" / "addresses.txt").read_text(encoding="utf-8").split()
     assert "own1.9@firma.de" in found
+
+
+def test_a_program_that_could_not_work_leaves_no_part(inputs: Path) -> None:
+    """Status 1 is damage only where the program has come to the end of its input: otherwise the task is tried again."""
+    folder = inputs.parent
+    inputs.write_text("in/0.warc.gz\nin/1.warc.gz\n/proc/self/mem\n", encoding="utf-8")
+    broken = folder / "broken"
+    # An archive whose rows do not fit on the disk at the first try, and that has something to say then.
+    broken.write_text(
+        "#!/bin/sh\n"
+        f'case "$*" in *in/0.warc.gz) echo tried >>"{folder}/tries"\n'
+        f'[ $(wc -l <"{folder}/tries") = 1 ] && exec "{PROGRAM}" "$@" >/dev/full;; esac\n'
+        f'exec "{PROGRAM}" "$@"\n',
+        encoding="utf-8",
+    )
+    broken.chmod(0o755)
+    run = harvest_arguments(inputs, "--workers", "2", "--program", str(broken))
+    with open(folder / "said", "wb") as said:
+        assert cluster(*run, folder=folder, output=said).wait(120) == 1
+    text = (folder / "said").read_text(encoding="utf-8")
+    assert len((folder / "tries").read_text().split()) == 2
+    assert "Set aside: /proc/self/mem: " in text
+    assert "Set aside: in/" not in text
+    assert (folder / "run" / "addresses.txt").read_bytes() == harvested_by_one(inputs, check=False)
+    assert len(list((folder / "run" / "parts").iterdir())) == 2
+
+
+def test_what_is_told_of_an_input_is_that_of_the_last_attempt(inputs: Path) -> None:
+    """A message that a killed attempt has left does not count; notices are told though nothing is damaged."""
+    folder = inputs.parent
+    undated = record(1, b"undated@firma.de").replace(b"WARC-Date: 2026-11-22T13:20:32Z\r\n", b"")
+    (folder / "in" / "0.warc.gz").write_bytes(undated)
+    run = harvest_arguments(inputs, "--workers", "2")
+    assert cluster(*run, folder=folder).wait(120) == 0
+    for left in (folder / "run" / "parts").glob("input-0000002.*"):
+        left.unlink()
+    stale = folder / "run" / "tasks" / "input-0000002.json"
+    stale.write_text('{"damaged": true, "said": ["stale"]}')
+    with open(folder / "said", "wb") as said:
+        assert cluster(*run, folder=folder, output=said).wait(120) == 0
+    text = (folder / "said").read_text(encoding="utf-8")
+    assert "in/0.warc.gz: Records without a date count as seen now." in text
+    assert not stale.exists()
+
+
+@pytest.mark.parametrize("list_format", ["lines", "csv", "jsonl"])
+def test_who_is_suppressed_later_is_left_out(inputs: Path, list_format: str) -> None:
+    """Though the parts that were made before have the address."""
+    folder, home = inputs.parent, inputs.parent / "one"
+    quenlar(home, "filter", "--remove", "^own3")
+    quenlar(home, "options", "RemoveFilter", "1")
+    options = ("--format", list_format)
+    run = harvest_arguments(inputs, *options, "--workers", "2", "--home", str(home))
+    name = f"addresses.{'txt' if list_format == 'lines' else list_format}"
+    assert cluster(*run, folder=folder).wait(120) == 0
+    before = harvested_by_one(inputs, *options)
+    assert (folder / "run" / name).read_bytes() == before
+    assert b"own3." not in before
+    digest = hashlib.sha256(b"own5.6@firma.de").hexdigest()
+    quenlar(home, "suppress", "Own1.2@FIRMA.de", "@folder.de", f"sha256:{digest}")
+    assert cluster(*run, folder=folder).wait(120) == 0
+    after = harvested_by_one(inputs, *options)
+    assert (folder / "run" / name).read_bytes() == after
+    assert len(after.splitlines()) == len(before.splitlines()) - 5
+
+
+def test_options_of_the_program_hold(inputs: Path) -> None:
+    """Those that are handed on, and with them the bytes are those of one harvest."""
+    folder = inputs.parent
+    hidden = b'<meta name="robots" content="noindex">no@firma.de'
+    protected = b"<p>anna [at] verein [dot] de"
+    (folder / "in" / "0.warc.gz").write_bytes(record(1, hidden) + record(2, protected))
+    options = ("--robots=ignore", "--decode-protected", "--remove=^own1", "--extract=@[fv]")
+    run = harvest_arguments(inputs, "--workers", "2", "--jobs", "2", *options)
+    assert cluster(*run, folder=folder).wait(120) == 0
+    found = (folder / "run" / "addresses.txt").read_bytes()
+    assert found == harvested_by_one(inputs, *options)
+    assert {b"no@firma.de", b"anna@verein.de"} < set(found.split())
+    assert b"own1" not in found
+    assert b"@folder.de" not in found
 
 
 def test_parallel_does_the_same_without_an_engine(inputs: Path) -> None:
