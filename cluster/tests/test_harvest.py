@@ -224,7 +224,13 @@ def test_options_of_the_program_hold(inputs: Path) -> None:
     hidden = b'<meta name="robots" content="noindex">no@firma.de'
     protected = b"<p>anna [at] verein [dot] de"
     (folder / "in" / "0.warc.gz").write_bytes(record(1, hidden) + record(2, protected))
-    options = ("--robots=ignore", "--decode-protected", "--remove=^own1", "--extract=@[fv]")
+    options = (
+        "--robots=ignore",
+        "--decode-protected",
+        "--remove=^own1",
+        "--extract=@fi",
+        "--extract=@ve",
+    )
     run = harvest_arguments(inputs, "--workers", "2", "--jobs", "2", *options)
     assert cluster(*run, folder=folder).wait(120) == 0
     found = (folder / "run" / "addresses.txt").read_bytes()

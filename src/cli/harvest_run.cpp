@@ -292,9 +292,10 @@ bool HarvestRun::OnInputEnd(const InputReport& report) {
 void HarvestRun::TellEnd() {
   if (store_ && store_->finished_before() > 0) {
     const bool all = pages_ == 0 && all_done_;
+    const std::size_t before = store_->finished_before();
     const std::string what = damaged_ == 0 ? "everything" : "everything readable";
     Tell(all ? "This harvest is finished: " + what + " in its inputs is in the collection."
-             : Counted(store_->finished_before(), "input was", "") + " read before.");
+             : Counted(before, "input") + (before == 1 ? " was" : " were") + " read before.");
     if (all) return;
   }
   std::string line = Counted(addresses_, "address", "es") + " on " + std::to_string(pages_with_addresses_) + " of " +
