@@ -7,7 +7,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 packages_for() {
   case "$1" in
     run)     echo g++ cmake ninja-build ccache googletest libcurl4-openssl-dev zlib1g-dev libcli11-dev nlohmann-json3-dev \
-                  libboost1.81-dev libfmt-dev libcpp-httplib-dev libidn2-dev publicsuffix libsqlite3-dev \
+                  libboost1.81-dev libfmt-dev libidn2-dev publicsuffix libsqlite3-dev \
                   libdeflate-dev libisal-dev libssl-dev libbrotli-dev libzstd-dev ;;
     windows) packages_for run; echo g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 dpkg-dev make tcl ;;
     window)  packages_for windows; echo xvfb xauth openbox imagemagick fonts-dejavu-core ;;

@@ -120,6 +120,6 @@ complete -c quenlar -n '__fish_use_subcommand' -a net -d 'Show the network inter
 complete -c quenlar -n '__fish_seen_subcommand_from net' -s h -l help -d 'Print this help message and exit'
 complete -c quenlar -n '__fish_seen_subcommand_from net' -s w -l watch -d 'The rate instead of the table, a line every 500 ms, until Ctrl-C'
 complete -c quenlar -n '__fish_seen_subcommand_from net' -l version -d 'Print the version and exit'
-complete -c quenlar -n '__fish_use_subcommand' -a demo -d 'Run over a small web site on this computer'
+complete -c quenlar -n '__fish_use_subcommand' -a demo -d 'Run over a small web on this computer'
 complete -c quenlar -n '__fish_seen_subcommand_from demo' -s h -l help -d 'Print this help message and exit'
 complete -c quenlar -n '__fish_seen_subcommand_from demo' -l version -d 'Print the version and exit'

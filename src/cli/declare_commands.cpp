@@ -241,11 +241,13 @@ Examples:
 }
 
 void DeclareDemo(CLI::App& root, Command& chosen) {
-  CLI::App* command = root.add_subcommand("demo", "Run over a small web site on this computer");
+  CLI::App* command = root.add_subcommand("demo", "Run over a small web on this computer");
   command->footer(
       R"(Serves a search engine and a few invented sites on a loopback port, runs a keyword and an address over them,
-prints the addresses and says where the reports lie. Without --home it works in a new folder below the system's
-folder for temporary files.
+prints the addresses, collects from a library's site and says where everything lies. On Linux that site is served
+over https, with a certificate authority that is made for the occasion and trusted by this run alone; on Windows,
+where the system's authorities alone are trusted, over http. Without --home it works in a new folder below the
+system's folder for temporary files.
 
 Examples:
   quenlar demo

@@ -8,7 +8,7 @@ namespace quenlar {
 namespace {
 
 struct Page {
-  const char* url;  // without "http://" and query
+  const char* url;  // without scheme and query
   const char* body;
 };
 
@@ -66,6 +66,23 @@ constexpr Page kPages[] = {
     {"www.museum.example/staff/list.html",
      "<html><head><title>Staff</title></head><body><table><tr><td>director@museum.test<td>KEEPER@museum.test\n"
      "<tr><td>keeper@museum.test<td>night-watch@museum.test</table></body></html>"},
+
+    // What the classic run passes over: a long top-level name, an attribute, a script, a protected address.
+    {"www.library.example/robots.txt", "User-agent: *\nDisallow: /stacks/\n"},
+    {"www.library.example/",
+     "<html><head><title>The library</title></head><body><a href=\"mailto:desk@library.test?subject=Books\">Write</a>\n"
+     "<a href=\"/contact\">Contact</a> <a href=\"/loans\">Loans</a> <a href=\"/stacks/rare\">Rare books</a>\n"
+     "<a href=\"//shop.library.example/\">Shop</a></body></html>"},
+    {"www.library.example/contact",
+     "<html><head><title>Contact</title></head><body><p>Letters: letters@library.example</p>\n"
+     "<p>Our oldest reader: reader@library.test</p>\n"
+     "<p>Clara Holm: clara [at] library [dot] test</p></body></html>"},
+    {"www.library.example/loans",
+     "<html><head><title>Loans</title></head><body><button data-mail=\"loans@library.test\">Ask</button>\n"
+     "<script>var press = \"press\\u0040library.test\";</script></body></html>"},
+    {"www.library.example/stacks/rare",
+     "<html><head><title>Rare books</title></head><body>keeper@library.test</body></html>"},
+    {"shop.library.example/", "<html><head><title>Shop</title></head><body>shop&#64;library.test</body></html>"},
 };
 
 constexpr const char* kNoPage =
@@ -81,8 +98,9 @@ ServedAnswer Redirect(const char* location) {
 }  // namespace
 
 ServedAnswer DemoAnswer(std::string_view url) {
-  constexpr std::string_view kScheme = "http://";
-  if (url.starts_with(kScheme)) url.remove_prefix(kScheme.size());
+  for (const std::string_view scheme : {"http://", "https://"}) {
+    if (url.starts_with(scheme)) url.remove_prefix(scheme.size());
+  }
   url = url.substr(0, url.find('?'));
   // A client that asks its proxy may write the port out.
   std::string place = ReplaceAll(url, ":80/", "/");
@@ -97,6 +115,7 @@ ServedAnswer DemoAnswer(std::string_view url) {
   for (const Page& page : kPages) {
     if (place != page.url && place + "/" != page.url) continue;
     answer.body = page.body;
+    if (place.ends_with("/robots.txt")) answer.content_type = "text/plain";
     return answer;
   }
   answer.status = 404;

@@ -11,9 +11,9 @@
 #include "platform/posix/event_loop.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/files.h"
-#include "platform/posix/httplib_loopback_server.h"
 #include "platform/posix/iconv_text_decoder.h"
 #include "platform/posix/idn2_idna.h"
+#include "platform/posix/loopback_server.h"
 #include "platform/posix/shell.h"
 #include "platform/posix/signal_watcher.h"
 #include "platform/posix/sys_interface_table.h"
@@ -44,6 +44,7 @@ class PosixSystem final : public System {
       const std::string config = choice.home_given ? "" : UserConfigFolder();
       const std::string settings = config.empty() ? choice.home : config + "/quenlar";
       registry_ = std::make_unique<FileRegistry>(files_, *loop_, settings + "/quenlar.conf");
+      authorities_ = choice.authorities;
       if (!choice.proxy.empty()) proxy_ = ProxyChoice::Given(choice.proxy);
       CurlPageFetcher::Options options;
       options.proxy = proxy_;
@@ -56,8 +57,8 @@ class PosixSystem final : public System {
   WebClient& web_client() override {
     if (!web_client_) {
       // The variable by which OpenSSL's programs are told whom to trust.
-      const std::string authorities = Environment("SSL_CERT_FILE").value_or("");
-      web_client_ = MakeCurlWebClient(*loop_, {.proxy = proxy_, .authorities = authorities});
+      if (authorities_.empty()) authorities_ = Environment("SSL_CERT_FILE").value_or("");
+      web_client_ = MakeCurlWebClient(*loop_, {.proxy = proxy_, .authorities = authorities_});
     }
     return *web_client_;
   }
@@ -67,7 +68,7 @@ class PosixSystem final : public System {
   }
 
   Result<std::unique_ptr<LoopbackServer>> Serve(ServeHandler handler) override {
-    return MakeHttplibLoopbackServer(std::move(handler));
+    return MakePosixLoopbackServer(std::move(handler));
   }
 
  private:
@@ -84,6 +85,7 @@ class PosixSystem final : public System {
   std::unique_ptr<PosixEventLoop> loop_;
   std::unique_ptr<FileRegistry> registry_;
   ProxyChoice proxy_;
+  std::string authorities_;
   std::unique_ptr<CurlPageFetcher> fetcher_;
   std::unique_ptr<WebClient> web_client_;
   std::unique_ptr<SignalWatcher> signals_;

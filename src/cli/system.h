@@ -20,6 +20,9 @@ struct PlatformChoice {
   std::string home;         // the program folder: absolute, without a separator at its end; "" when there is none
   bool home_given = false;  // by --home or QUENLAR_HOME: settings and project list lie in it too
   std::string proxy;        // "http://host:port", or "" for the system's own proxy settings
+  // A file of certificates (PEM) that the crawler's client trusts instead of the system's; "" for those. It is read
+  // when the client is built. Windows knows the system's alone.
+  std::string authorities;
 };
 
 // The system as a command sees it. One object lives for the whole run of the program, and everything that it hands out

@@ -1,4 +1,4 @@
-// A small HTTP server on a free loopback port, for the demonstration site. It must not be reachable from outside.
+// A small HTTP server on a free loopback port, for the demonstration. It must not be reachable from outside.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,9 @@
 namespace quenlar {
 
 struct ServedRequest {
-  std::string url;  // the request target as it came: "http://host/path?query" from a client that takes us for its proxy
+  // The request target as it came: "http://host/path?query" from a client that takes us for its proxy, and
+  // "https://host/path?query" from one that has asked for a tunnel before.
+  std::string url;
 };
 
 struct ServedAnswer {
@@ -25,6 +27,9 @@ class LoopbackServer {
  public:
   virtual ~LoopbackServer() = default;
   [[nodiscard]] virtual std::uint16_t port() const = 0;
+  // The certificate (PEM) of an authority that was made for this server alone: it vouches for every host of https. Its
+  // key has never left the server. Empty where the server speaks no TLS; it refuses tunnels then.
+  [[nodiscard]] virtual std::string authority() const = 0;
 };
 
 using ServeHandler = std::function<ServedAnswer(const ServedRequest&)>;

@@ -15,6 +15,10 @@ TEST(DemoSite, AnswersForEveryHostAndPage) {
   EXPECT_EQ(DemoAnswer("http://spades.example").status, 200);
   EXPECT_EQ(DemoAnswer("http://new-home.example/garden").body, DemoAnswer("http://new-home.example/garden/").body);
   EXPECT_EQ(DemoAnswer("http://moved.example/").location, "http://new-home.example/garden/");
+  EXPECT_EQ(DemoAnswer("https://www.library.example").body, DemoAnswer("http://www.library.example/").body);
+  EXPECT_EQ(DemoAnswer("https://www.library.example/robots.txt").content_type, "text/plain");
+  EXPECT_NE(DemoAnswer("https://www.library.example/robots.txt").body.find(kDemoForbidden), std::string::npos);
+  EXPECT_NE(DemoAnswer("https://www.library.example/contact").body.find(kDemoSuppressed), std::string::npos);
   EXPECT_EQ(DemoAnswer("http://nobody.example/").status, 404);
   EXPECT_EQ(DemoAnswer("").status, 404);
 }

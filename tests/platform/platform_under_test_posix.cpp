@@ -8,9 +8,9 @@
 #include "platform/posix/event_loop.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/files.h"
-#include "platform/posix/httplib_loopback_server.h"
 #include "platform/posix/iconv_text_decoder.h"
 #include "platform/posix/idn2_idna.h"
+#include "platform/posix/loopback_server.h"
 #include "platform/posix/sys_interface_table.h"
 #include "platform/posix/windows1252_code_page.h"
 #include "platform_under_test.h"
@@ -49,7 +49,7 @@ class PosixTestPlatform : public TestPlatform {
     return MakeCurlWebClient(*loop_, std::move(options));
   }
   void Serve(ServeHandler handler) override {
-    auto server = MakeHttplibLoopbackServer(std::move(handler));
+    auto server = MakePosixLoopbackServer(std::move(handler));
     ASSERT_TRUE(server.ok()) << server.status().message();
     server_ = server.take();
   }

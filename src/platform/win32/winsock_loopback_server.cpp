@@ -3,19 +3,17 @@
 #include <array>
 #include <list>
 #include <optional>
-#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "base/ascii.h"
+#include "platform/served_http.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/windows_api.h"
 
 namespace quenlar {
 namespace {
 
-constexpr std::size_t kMaxHead = 64 * 1024;
 constexpr const char* kName = "The loopback server";
 
 class Socket {
@@ -77,34 +75,6 @@ std::optional<Socket> BoundSocket(int type, sockaddr_in& address) {
   return made;
 }
 
-const char* Reason(int status) {
-  switch (status) {
-    case 200:
-      return "OK";
-    case 301:
-      return "Moved Permanently";
-    case 302:
-      return "Found";
-    case 400:
-      return "Bad Request";
-    case 404:
-      return "Not Found";
-    case 500:
-      return "Internal Server Error";
-    default:
-      return "Status";
-  }
-}
-
-std::string AnswerText(const ServedAnswer& answer, bool closes) {
-  std::string text = "HTTP/1.1 " + std::to_string(answer.status) + " " + Reason(answer.status) + "\r\n";
-  text += "Content-Type: " + answer.content_type + "\r\n";
-  if (!answer.location.empty()) text += "Location: " + answer.location + "\r\n";
-  text += "Content-Length: " + std::to_string(answer.body.size()) + "\r\n";
-  text += closes ? "Connection: close\r\n\r\n" : "\r\n";
-  return text + answer.body;
-}
-
 class Server final : public LoopbackServer {
  public:
   Server(ServeHandler handler, Socket listener, std::uint16_t port, Socket bell, const sockaddr_in& bell_address)
@@ -123,6 +93,7 @@ class Server final : public LoopbackServer {
   Server& operator=(const Server&) = delete;
 
   [[nodiscard]] std::uint16_t port() const override { return port_; }
+  [[nodiscard]] std::string authority() const override { return {}; }
 
  private:
   void Run() {
@@ -176,25 +147,13 @@ class Server final : public LoopbackServer {
 
   // Answers the next request; false when it has not come whole yet.
   bool AnswerNext(Connection& connection) {
-    const std::size_t end = connection.received.find("\r\n\r\n");
-    if (end == std::string::npos) {
-      connection.broken = connection.received.size() > kMaxHead;
+    ServedHead head;
+    if (!TakeServedHead(connection.received, head)) {
+      connection.broken = connection.received.size() > kMostServedHeadBytes;
       return false;
     }
-    const std::string head = connection.received.substr(0, end + 2);
-    connection.received.erase(0, end + 4);
-    // "GET /path HTTP/1.1"
-    const std::string_view line = std::string_view(head).substr(0, head.find("\r\n"));
-    const std::size_t first = line.find(' '), last = line.rfind(' ');
-    const bool good = line.starts_with("GET ") && first < last && line.substr(last + 1).starts_with("HTTP/1.");
-    connection.closes = !good || line.ends_with("HTTP/1.0") || ContainsIgnoreCase(head, "\r\nconnection: close\r\n");
-    ServedAnswer answer;
-    if (good) {
-      answer = handler_({std::string(line.substr(first + 1, last - first - 1))});
-    } else {
-      answer.status = 400;
-    }
-    connection.to_send = AnswerText(answer, connection.closes);
+    connection.to_send = ServedBytes(head, "", handler_);
+    connection.closes = head.closes || head.method != "GET";
     Send(connection);
     return true;
   }
