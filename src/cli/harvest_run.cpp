@@ -23,6 +23,7 @@
 #include "engine/collections.h"
 #include "engine/erase_suppressed.h"
 #include "engine/home.h"
+#include "page/unwanted_addresses.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/registry.h"
@@ -67,6 +68,7 @@ class HarvestRun final : public HarvestView {
  private:
   [[nodiscard]] Status Prepare();
   [[nodiscard]] Status OpenStore();
+  [[nodiscard]] bool NamesSuppressed(std::string_view text);
   void TakePage(const HarvestedPage& page);
   void AddRow(const HarvestedPage& page, const SeenAddress& address);
   // Commits when it is time to, or `now`, and writes what need not wait any more. False when nobody reads it, or it
@@ -182,6 +184,9 @@ bool HarvestRun::OnPortion(const HarvestInput& input, HarvestPortion& portion) {
         Tell(input.name + ": Records without a date count as seen now.");
       }
     }
+    // A page whose address names a suppressed one is passed over, as a run never visits it.
+    if (page.of_record && NamesSuppressed(page.url)) continue;
+    if (NamesSuppressed(page.title)) page.title.clear();
     TakePage(page);
   }
   if (store_ && portion.failure.ok()) store_->Note(input, portion.behind, portion.damaged);
@@ -189,6 +194,10 @@ bool HarvestRun::OnPortion(const HarvestInput& input, HarvestPortion& portion) {
   DrawProgress(input);
   platform_.loop.Yield();
   return !stopped_;
+}
+
+bool HarvestRun::NamesSuppressed(std::string_view text) {
+  return NextUnwanted(text, [this](std::string_view address) { return suppression_.Keeps(address); }).has_value();
 }
 
 void HarvestRun::TakePage(const HarvestedPage& page) {

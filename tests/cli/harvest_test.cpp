@@ -1,7 +1,8 @@
-// quenlar harvest over a platform in memory, with paths as they are on Linux.
+// quenlar harvest over a platform in memory.
 #include <gtest/gtest.h>
 
 #include "cli/exit_status.h"
+#include "cli/paths.h"
 #include "command_system.h"
 
 namespace quenlar {
@@ -20,11 +21,15 @@ std::string Record(const std::string& target, const std::string& body,
 class HarvestCommandTest : public testing::Test {
  protected:
   HarvestCommandTest() {
-    system.fake.files.AddFolder("/in");
-    system.fake.files.Put("/in/a.warc", Record("http://x.de/1", "<title>One, \"1\"</title>a@x.de A@x.de b@x.de") +
-                                            Record("http://x.de/2", "b@x.de"));
-    system.fake.files.Put("/in/b.html", "<p>c@x.de");
+    system.fake.files.AddFolder(in);
+    system.fake.files.Put(in + "/a.warc", Record("http://x.de/1", "<title>One, \"1\"</title>a@x.de A@x.de b@x.de") +
+                                              Record("http://x.de/2", "b@x.de"));
+    system.fake.files.Put(in + "/b.html", "<p>c@x.de");
   }
+  // A file that is named itself.
+  void Put(const std::string& path, const std::string& bytes) { system.fake.files.Put(AbsolutePath(path), bytes); }
+
+  const std::string in = AbsolutePath("/in");
   CommandSystem system;
 };
 
@@ -39,9 +44,11 @@ TEST_F(HarvestCommandTest, TheOtherFormatsHaveARowForEachRecordAndAddress) {
   EXPECT_EQ(system.output(),
             "\"a@x.de\",\"http://x.de/1\",\"One, \"\"1\"\"\",\"text\"\n\"b@x.de\",\"http://x.de/1\",\"One, \"\"1\"\"\","
             "\"text\"\n\"b@x.de\",\"http://x.de/2\",\"\",\"text\"\n\"c@x.de\",\"/in/b.html\",\"\",\"text\"\n");
-  EXPECT_EQ(system.Run({"harvest", "--format", "jsonl", "/in/b.html", "/in/a.warc"}), kExitDone);
+  Put("/c.html", "<p>c@x.de");
+  Put("/d.warc", Record("http://x.de/1", "<title>One, \"1\"</title>a@x.de"));
+  EXPECT_EQ(system.Run({"harvest", "--format", "jsonl", "/c.html", "/d.warc"}), kExitDone);
   EXPECT_TRUE(system.output().starts_with(
-      R"({"address":"c@x.de","page":"/in/b.html","title":"","place":"text","seen":"2023-11-14T22:13:20Z"})"
+      R"({"address":"c@x.de","page":"/c.html","title":"","place":"text","seen":"2023-11-14T22:13:20Z"})"
       "\n"
       R"({"address":"a@x.de","page":"http://x.de/1","title":"One, \"1\"","place":"text","seen":"2026-11-22T13:20:32Z"})"
       "\n"));
@@ -67,6 +74,16 @@ TEST_F(HarvestCommandTest, SuppressedAddressesAreNotListed) {
   EXPECT_EQ(system.errors(), "2 addresses on 3 of 3 pages, 2 suppressed.\n");
 }
 
+TEST_F(HarvestCommandTest, TitlesAndPagesThatNameSuppressedAddressesAreNotListed) {
+  system.fake.files.AddFolder("/user/quenlar");
+  system.fake.files.Put("/user/quenlar/suppressed.txt", "b@x.de\n");
+  Put("/e.warc", Record("http://x.de/1", "<title>Write to B@x.de</title>a@x.de") +
+                     Record("http://x.de/?mail=b%40x.de", "<title>Two</title>c@x.de"));
+  EXPECT_EQ(system.Run({"harvest", "--format", "csv", "/e.warc"}), kExitDone);
+  EXPECT_EQ(system.output(), "\"a@x.de\",\"http://x.de/1\",\"\",\"text\"\n");
+  EXPECT_EQ(system.errors(), "1 address on 1 of 2 pages, 1 suppressed.\n");
+}
+
 TEST_F(HarvestCommandTest, WithoutAProgramFolderItWorksAndItNeverWrites) {
   system.default_home.clear();
   EXPECT_EQ(system.Run({"harvest", "/in"}), kExitDone);
@@ -75,23 +92,23 @@ TEST_F(HarvestCommandTest, WithoutAProgramFolderItWorksAndItNeverWrites) {
 }
 
 TEST_F(HarvestCommandTest, WhatCannotBeReadIsToldAndTheOthersAreRead) {
-  system.fake.files.Put("/in/c.warc", Record("http://x.de/1", "c@x.de and more").substr(0, 170));
-  system.fake.files.Put("/in/d.arc", "filedesc://d.arc 0.0.0.0 20200101000000 text/plain 1\n");
-  system.fake.files.Put("/in/e.png", std::string("\x89PNG\0", 5));
-  EXPECT_EQ(system.Run({"harvest", "/missing", "/in", "/in/e.png"}), kExitFailed);
+  system.fake.files.Put(in + "/c.warc", Record("http://x.de/1", "c@x.de and more").substr(0, 170));
+  system.fake.files.Put(in + "/d.arc", "filedesc://d.arc 0.0.0.0 20200101000000 text/plain 1\n");
+  Put("/e.png", std::string("\x89PNG\0", 5));
+  EXPECT_EQ(system.Run({"harvest", "/missing", "/in", "/e.png"}), kExitFailed);
   EXPECT_EQ(system.output(), "a@x.de\nb@x.de\nc@x.de\n");
-  EXPECT_EQ(system.errors(),
-            "/missing: no such file !\n"
-            "/in/c.warc: 1 damaged record. Everything readable has been read.\n"
-            "/in/d.arc: An ARC file, the format before WARC. It is not read.\n"
-            "/in/e.png: Neither an archive nor a page of text.\n"
-            "3 addresses on 4 of 4 pages.\n");
+  EXPECT_EQ(system.errors(), AbsolutePath("/missing") +
+                                 ": no such file !\n"
+                                 "/in/c.warc: 1 damaged record. Everything readable has been read.\n"
+                                 "/in/d.arc: An ARC file, the format before WARC. It is not read.\n"
+                                 "/e.png: Neither an archive nor a page of text.\n"
+                                 "3 addresses on 4 of 4 pages.\n");
 }
 
 TEST_F(HarvestCommandTest, RecordsWithoutADateCountAsSeenNow) {
-  system.fake.files.Put("/in/a.warc", Record("http://x.de/1", "a@x.de", "") + Record("http://x.de/2", "a@x.de", "x"));
-  EXPECT_EQ(system.Run({"harvest", "--format", "jsonl", "/in/a.warc"}), kExitDone);
-  EXPECT_EQ(system.errors(), "/in/a.warc: Records without a date count as seen now.\n2 addresses on 2 of 2 pages.\n");
+  Put("/a.warc", Record("http://x.de/1", "a@x.de", "") + Record("http://x.de/2", "a@x.de", "x"));
+  EXPECT_EQ(system.Run({"harvest", "--format", "jsonl", "/a.warc"}), kExitDone);
+  EXPECT_EQ(system.errors(), "/a.warc: Records without a date count as seen now.\n2 addresses on 2 of 2 pages.\n");
 }
 
 TEST_F(HarvestCommandTest, AReaderThatGoesAwayEndsIt) {
