@@ -10,8 +10,8 @@
 namespace quenlar {
 namespace {
 
-constexpr std::size_t kBatch = 1u << 20;    // bytes of text
-constexpr std::size_t kLarge = 2 * kBatch;  // a buffer of a batch above this is cut to what is used of it
+constexpr std::size_t kBatch = 256u << 10;  // bytes of text: what a processor keeps near
+constexpr std::size_t kLarge = 2u << 20;    // a buffer of a batch above this is cut to what is used of it
 constexpr std::size_t kGrowth = 4;
 constexpr std::size_t kBehindGap = 64u << 10;
 constexpr std::size_t kMostBuffer = kWarcWindow + kBatch;
@@ -52,16 +52,39 @@ void Shrink(RecordBatch& batch) {
 
 }  // namespace
 
+std::unique_ptr<char[]> BufferPool::Take(std::size_t size) {
+  if (size == size_) {
+    const std::lock_guard lock(mutex_);
+    if (!kept_.empty()) {
+      std::unique_ptr<char[]> buffer = std::move(kept_.back());
+      kept_.pop_back();
+      return buffer;
+    }
+  }
+  return std::make_unique_for_overwrite<char[]>(size);
+}
+
+void BufferPool::Return(std::unique_ptr<char[]> buffer, std::size_t size) {
+  if (!buffer || size != size_) return;
+  const std::lock_guard lock(mutex_);
+  if (kept_.size() < kMostKept) kept_.push_back(std::move(buffer));
+}
+
+RecordBatches::RecordBatches(ByteSource& text, const MemberSource* members, std::uint64_t skip)
+    : text_(text), members_(members), pool_(std::make_shared<BufferPool>(kBatch)), skip_(skip) {}
+
 bool MayHoldPage(const WarcHead& head) {
   return EqualsIgnoreCase(head.type, "response") || EqualsIgnoreCase(head.type, "resource") ||
          EqualsIgnoreCase(head.type, "conversion");
 }
 
 void RecordBatches::Rebuffer(std::string_view text, std::size_t capacity) {
-  auto bytes = std::make_unique_for_overwrite<char[]>(std::max(capacity, text.size()));
+  capacity = std::max(capacity, text.size());
+  std::unique_ptr<char[]> bytes = pool_->Take(capacity);
   if (!text.empty()) std::memcpy(bytes.get(), text.data(), text.size());
-  capacity_ = std::max(capacity, text.size());
+  pool_->Return(std::move(bytes_), capacity_);
   bytes_ = std::move(bytes);
+  capacity_ = capacity;
   offset_ += at_;
   at_ = 0;
   end_ = text.size();
@@ -89,7 +112,7 @@ Status RecordBatches::Fill() {
 }
 
 Result<std::unique_ptr<RecordBatch>> RecordBatches::Next() {
-  auto batch = std::make_unique<RecordBatch>();
+  auto batch = std::make_unique<RecordBatch>(pool_);
   if (!bytes_) {
     const Result<std::uint64_t> passed = Pass(skip_);
     if (!passed.ok()) return passed.status();

@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "archive/byte_source.h"
@@ -24,7 +26,28 @@ inline constexpr std::size_t kMostBlock = 16u << 20;  // of a record's block: mo
 // Whether a record of this kind may hold a page.
 [[nodiscard]] bool MayHoldPage(const WarcHead& head);
 
+// Buffers of one size that are used again, for any thread: fresh memory costs more than what is done with it.
+class BufferPool {
+ public:
+  explicit BufferPool(std::size_t size) : size_(size) {}
+  // The first `size` bytes may hold anything.
+  [[nodiscard]] std::unique_ptr<char[]> Take(std::size_t size);
+  void Return(std::unique_ptr<char[]> buffer, std::size_t size);
+
+ private:
+  static constexpr std::size_t kMostKept = 16;
+  const std::size_t size_;
+  std::mutex mutex_;
+  std::vector<std::unique_ptr<char[]>> kept_;  // guarded by mutex_
+};
+
 struct RecordBatch {
+  explicit RecordBatch(std::shared_ptr<BufferPool> its_pool) : pool(std::move(its_pool)) {}
+  ~RecordBatch() { pool->Return(std::move(bytes), capacity); }
+  RecordBatch(const RecordBatch&) = delete;
+  RecordBatch& operator=(const RecordBatch&) = delete;
+
+  const std::shared_ptr<BufferPool> pool;
   std::unique_ptr<char[]> bytes;
   std::size_t capacity = 0;
   std::vector<WarcRecord> records;  // that may hold pages; the views are into `bytes`
@@ -37,8 +60,7 @@ class RecordBatches {
   // `members` is `text` where that is a gzip file; the reading then ends where the end of a record is the end of a
   // member, because from there on members may be divided over threads. Null reads the text to its end. The first
   // `skip` bytes of the text are passed over.
-  RecordBatches(ByteSource& text, const MemberSource* members, std::uint64_t skip)
-      : text_(text), members_(members), skip_(skip) {}
+  RecordBatches(ByteSource& text, const MemberSource* members, std::uint64_t skip);
 
   // The next batch; null when the reading has ended.
   [[nodiscard]] Result<std::unique_ptr<RecordBatch>> Next();
@@ -62,6 +84,7 @@ class RecordBatches {
 
   ByteSource& text_;
   const MemberSource* const members_;
+  const std::shared_ptr<BufferPool> pool_;
   std::uint64_t skip_;
   std::unique_ptr<char[]> bytes_;  // holds [at_, end_) of the text, which stands at `offset_` + `at_` in it
   std::size_t capacity_ = 0, at_ = 0, end_ = 0;
