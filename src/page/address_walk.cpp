@@ -28,14 +28,19 @@ class NamesBefore {
 
 }  // namespace
 
-AddressWalk::AddressWalk(std::string_view page, PageSignKind signs, AddressFinder& finder)
-    : page_(page), finder_(finder), signs_(page, signs), runs_(page, finder) {
-  if (signs_.next() == kNone) return;
-  // Few pages say anything about how an element is shown.
-  looks_matter_ = FindIgnoreCase(page, "hidden") != kNone || FindIgnoreCase(page, "display") != kNone ||
-                  FindIgnoreCase(page, "-override") != kNone;
-  if (looks_matter_) hints_.emplace(page);
+void LookHints::Find(Word& word, std::size_t limit) {
+  const std::string_view text = page_.substr(0, limit + word.text.size());
+  const auto ends = [&](std::size_t at) { return at >= page_.size() || EndsTagName(page_[at]) || page_[at] == '='; };
+  word.next = FindIgnoreCase(text, word.text, word.next);
+  while (word.next != kNone && !ends(word.next + word.text.size())) {
+    word.next = FindIgnoreCase(text, word.text, word.next + 1);
+  }
+  word.found = word.next != kNone;
+  if (!word.found) word.next = limit;
 }
+
+AddressWalk::AddressWalk(std::string_view page, PageSignKind signs, AddressFinder& finder)
+    : page_(page), finder_(finder), signs_(page, signs), runs_(page, finder), hints_(page) {}
 
 void AddressWalk::Comment(const Markup& comment) {
   const bool sign = signs_.PassBefore(comment.end);
@@ -54,7 +59,12 @@ void AddressWalk::RawText(const Markup& raw) {
   }
 }
 
-ElementLook AddressWalk::LookOf(const Markup& tag) const {
+ElementLook AddressWalk::LookOf(const Markup& tag) {
+  if (looks_ == Looks::kUnknown) {
+    const auto says = [this](std::string_view word) { return FindIgnoreCase(page_, word) != kNone; };
+    looks_ = says("hidden") || says("display") || says("-override") ? Looks::kSome : Looks::kNone;
+  }
+  if (looks_ == Looks::kNone) return {};
   FirstValue hidden("hidden"), style("style");
   TakeAttributes(page_, tag, hidden, style);
   ElementLook look;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,26 +15,33 @@
 
 namespace quenlar {
 
-// Finds where "hidden" and "style" come next, which tags need a closer look for.
+// Finds where the names of the attributes "hidden" and "style" come next, which tags need a closer look for.
 class LookHints {
  public:
   explicit LookHints(std::string_view page) : page_(page) {}
-  // The first place at or behind `begin` where one of the two stands; npos without one. A later call may ask for an
-  // earlier place only if none of the two stood between the two places.
-  std::size_t Next(std::size_t begin) {
+  // The first place in page[begin, limit) where one of the two stands; at least `limit` without one. A later call may
+  // ask for an earlier place only if none of the two stood between the two places.
+  std::size_t Next(std::size_t begin, std::size_t limit) {
     for (Word& word : words_) {
-      if (word.next < begin) word.next = FindIgnoreCase(page_, word.text, begin);
+      if (word.next < begin) word = {word.text, begin, false};
+      if (!word.found && word.next < limit) Find(word, std::max(limit, begin + kAhead));
     }
-    return std::min(words_[0].next, words_[1].next);
+    return std::min(Place(words_[0], limit), Place(words_[1], limit));
   }
 
  private:
+  static constexpr std::size_t kAhead = 4096;  // bytes to look through at least, because a search has a cost of its own
+
   struct Word {
     std::string_view text;
-    std::size_t next;  // the first place at or behind which it has been looked for
+    std::size_t next = 0;  // so far it has been looked for
+    bool found = false;    // and there it stands
   };
+  static std::size_t Place(const Word& word, std::size_t limit) { return word.found ? word.next : limit; }
+  void Find(Word& word, std::size_t limit);
+
   std::string_view page_;
-  Word words_[2] = {{"hidden", FindIgnoreCase(page_, "hidden")}, {"style", FindIgnoreCase(page_, "style")}};
+  Word words_[2] = {{"hidden"}, {"style"}};
 };
 
 // Takes the pieces of the page in their order, as long as a sign is ahead. Those that PassableTo allows may be left
@@ -53,7 +59,7 @@ class AddressWalk {
   // every piece matters.
   [[nodiscard]] std::size_t PassableTo(std::size_t at) {
     if (runs_.has_sign() || follows_elements_) return 0;
-    return looks_matter_ ? std::min(signs_.next(), hints_->Next(at)) : signs_.next();
+    return looks_ == Looks::kNone ? signs_.next() : std::min(signs_.next(), hints_.Next(at, signs_.next()));
   }
 
   void Text(std::size_t begin, std::size_t end, bool has_references) {
@@ -65,7 +71,7 @@ class AddressWalk {
   void StartTag(const Markup& tag) {
     const bool reversed = elements_.reversed();
     ElementLook look;
-    if (looks_matter_ && hints_->Next(tag.attributes) < tag.end) look = LookOf(tag);
+    if (looks_ != Looks::kNone && hints_.Next(tag.attributes, tag.end) < tag.end) look = LookOf(tag);
     const bool sign = signs_.PassBefore(tag.end);
     if (sign) runs_.EndAtBlank(reversed);
     if (Has(tag.name, kInline))
@@ -106,8 +112,10 @@ class AddressWalk {
     const std::size_t begin = tag.begin + (tag.kind == Markup::Kind::kEndTag ? 2 : 1);
     return page_.substr(begin, tag.attributes - begin);
   }
+  // Whether the page says anything about how an element is shown. It is looked for at the first tag that may say so.
+  enum class Looks { kUnknown, kNone, kSome };
   static bool HasContent(const Markup& tag) { return !Has(tag.name, kNoContent) && !(tag.foreign && tag.self_closing); }
-  [[nodiscard]] ElementLook LookOf(const Markup& tag) const;
+  [[nodiscard]] ElementLook LookOf(const Markup& tag);
   void FollowElements(std::size_t end);
   void Attributes(const Markup& tag);
 
@@ -116,9 +124,9 @@ class AddressWalk {
   PageSigns signs_;
   TextRuns runs_;
   OpenElements elements_;
-  bool looks_matter_ = false;
   bool follows_elements_ = false;  // an element has come that is not shown, or turned round
-  std::optional<LookHints> hints_;
+  Looks looks_ = Looks::kUnknown;
+  LookHints hints_;
   std::string scratch_;
 };
 
