@@ -311,7 +311,7 @@ void WebDispatcher::OnTransportEnd(WebExchangeId id) {
   if (found == requests_.end()) return;
   Request& request = found->second;
   WebTransport::Outcome outcome = TakeOutcome(id);
-  const bool may_retry = !request.host->behind_proxy && !transport_->ChoosesAddress();
+  const bool may_retry = !request.host->behind_proxy && !transport_->ChoosesAddress(request.target);
   if (outcome.answer.failure != WebFailure::kNoConnection || !may_retry) {
     return Finish(id, std::move(outcome));
   }

@@ -42,9 +42,9 @@ class WebTransport {
   // Whether a request to there goes through a proxy.
   [[nodiscard]] virtual bool UsesProxy(const WireAddress& target) const = 0;
 
-  // Whether a connection goes to whichever of the name's addresses the system chooses; the transport then judges that
-  // address itself, and is not asked to try another one.
-  [[nodiscard]] virtual bool ChoosesAddress() const { return false; }
+  // Whether a connection to there goes to whichever of the name's addresses the system chooses; the transport then
+  // judges that address itself, and is not asked to try another one.
+  [[nodiscard]] virtual bool ChoosesAddress(const WireAddress&) const { return false; }
 
   // Sends the request, over the host's kept connection or a new one to `address` and nowhere else. WebRequest's
   // connect_limit is kept here, the other limits are the caller's. Whatever fails, fails in a later pump.

@@ -102,6 +102,7 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
   endpoints["/tls/stranger"] = text(std::to_string(ports.stranger));
   endpoints["/tls/downgrade"] = text(std::to_string(ports.downgrade));
   endpoints["/tls/site"] = text(std::to_string(ports.site));
+  endpoints["/tls/counting"] = text(std::to_string(ports.counting));
   endpoints["/tls/authority"] = text(ports.authority);
 }
 

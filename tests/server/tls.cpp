@@ -11,6 +11,7 @@
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include "listener.h"
@@ -64,11 +65,14 @@ std::string Pem(X509* certificate) {
   return pem;
 }
 
-// Gives the answer to a request's path, or nothing where the client is to wait in vain.
-using Answers = std::function<std::string(const std::string& path)>;
+// Gives the answer to a request's path, or nothing where the client is to wait in vain. `clients` have sent a byte to
+// the port so far, be it only the first one of TLS.
+using Answers = std::function<std::string(const std::string& path, int clients)>;
 
 // One request, one answer, one orderly end.
-void Answer(SSL_CTX* context, int socket, const Answers& answers) {
+void Answer(SSL_CTX* context, int socket, const Answers& answers, std::atomic<int>& clients) {
+  char first = 0;
+  if (recv(socket, &first, 1, MSG_PEEK) > 0) ++clients;
   SSL* tls = SSL_new(context);
   SSL_set_fd(tls, socket);
   char request[16 * 1024];
@@ -76,7 +80,7 @@ void Answer(SSL_CTX* context, int socket, const Answers& answers) {
   if (count > 0) {
     const std::string head(request, static_cast<std::size_t>(count));
     const std::size_t path = head.find(' ') + 1;
-    const std::string answer = answers(head.substr(path, head.find(' ', path) - path));
+    const std::string answer = answers(head.substr(path, head.find(' ', path) - path), clients);
     if (answer.empty()) {
       SSL_read(tls, request, sizeof request);  // until the client goes
     } else {
@@ -96,9 +100,10 @@ int Serve(const Identity& identity, const Answers& answers, bool asks = false) {
   if (asks) SSL_CTX_set_verify(context, SSL_VERIFY_PEER, [](int, X509_STORE_CTX*) { return 1; });
   const Listener listener = Listen();
   std::thread([context, listener, answers] {
+    std::atomic<int> clients = 0;  // the thread never ends
     while (true) {
       const int socket = Accept(listener);
-      std::thread([context, socket, answers] { Answer(context, socket, answers); }).detach();
+      std::thread([=, &clients] { Answer(context, socket, answers, clients); }).detach();
     }
   }).detach();
   return listener.port;
@@ -106,11 +111,11 @@ int Serve(const Identity& identity, const Answers& answers, bool asks = false) {
 
 int Serve(const Identity& identity, const std::string& answer, bool asks = false) {
   return Serve(
-      identity, [answer](const std::string&) { return answer; }, asks);
+      identity, [answer](const std::string&, int) { return answer; }, asks);
 }
 
 // A club's site. "/late" is answered from the second time on.
-std::string PageOfTheClub(const std::string& path) {
+std::string PageOfTheClub(const std::string& path, int) {
   static const std::map<std::string, std::pair<const char*, const char*>> kPages = {
       {"/robots.txt", {"text/plain", "User-agent: *\nDisallow: /private\n"}},
       {"/index.html",
@@ -148,6 +153,12 @@ TlsPorts ServeTls(int plain_port) {
   ports.stranger = Serve(Certify("localhost", here, &stranger, -kDay, 365 * kDay), page);
   ports.downgrade = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay),
                           "HTTP/1.1 302 Found\r\n" + plain + "Content-Length: 0\r\nConnection: close\r\n\r\n");
+  ports.counting =
+      Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), [](const std::string&, int clients) {
+        const std::string count = std::to_string(clients);
+        return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(count.size()) + "\r\nConnection: close\r\n\r\n" +
+               count;
+      });
   ports.site = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), PageOfTheClub);
   return ports;
 }

@@ -14,6 +14,7 @@ struct TlsPorts {
   int stranger = 0;       // a right one, but signed by an authority that nobody knows
   int downgrade = 0;      // right, and each answer is a redirect to plain http
   int site = 0;           // right, and a small site, see PageOfTheClub
+  int counting = 0;       // right, and its answer is how many clients have said anything to it, TLS included
   std::string authority;  // the certificate of the authority that has signed the others (PEM)
 };
 TlsPorts ServeTls(int plain_port);

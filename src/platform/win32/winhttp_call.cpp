@@ -21,6 +21,14 @@ constexpr int kSendLimit = 30'000, kReceiveLimit = 60'000;  // milliseconds
 
 void SetOption(HINTERNET handle, DWORD option, DWORD value) { WinHttpSetOption(handle, option, &value, sizeof value); }
 
+// The system would name the address to which it connects.
+bool NameHost(HINTERNET request, const WireAddress& address) {
+  const bool usual_port = address.port == (address.secure ? 443 : 80);
+  const std::string line = "Host: " + address.host + (usual_port ? "" : ":" + std::to_string(address.port)) + "\r\n";
+  return WinHttpAddRequestHeaders(request, ToWide(line).c_str(), static_cast<DWORD>(-1),
+                                  WINHTTP_ADDREQ_FLAG_ADD | WINHTTP_ADDREQ_FLAG_REPLACE) != FALSE;
+}
+
 // The system widens header bytes one by one or by the ANSI code page.
 std::string HeaderBytes(std::wstring_view lines) {
   if (std::all_of(lines.begin(), lines.end(), [](wchar_t c) { return c < 0x100; })) {
@@ -36,9 +44,11 @@ std::string HeaderBytes(std::wstring_view lines) {
 
 }  // namespace
 
-void HttpCall::Begin(HINTERNET session, const WireAddress& address, const Limits& limits, std::wstring headers) {
+void HttpCall::Begin(HINTERNET session, const WireAddress& address, const Limits& limits, std::wstring headers,
+                     const std::string& ip) {
   headers_ = std::move(headers);
-  if (!Open(session, address, limits) || !Send()) {
+  session_ = session;
+  if (!Open(session, address, limits, ip) || !Send()) {
     const DWORD error = GetLastError();
     const std::lock_guard lock(mutex_);
     events_.push_back({Event::Kind::kError, error});  // behind what the system has told inside the calls
@@ -46,8 +56,8 @@ void HttpCall::Begin(HINTERNET session, const WireAddress& address, const Limits
   Work();
 }
 
-bool HttpCall::Open(HINTERNET session, const WireAddress& address, const Limits& limits) {
-  connection_ = WinHttpConnect(session, ToWide(address.host).c_str(), address.port, 0);
+bool HttpCall::Open(HINTERNET session, const WireAddress& address, const Limits& limits, const std::string& ip) {
+  connection_ = WinHttpConnect(session, ToWide(ip.empty() ? address.host : ip).c_str(), address.port, 0);
   if (!connection_) return false;
   const wchar_t* types[] = {L"*/*", nullptr};
   const DWORD secure = address.secure ? WINHTTP_FLAG_SECURE : 0;
@@ -55,6 +65,7 @@ bool HttpCall::Open(HINTERNET session, const WireAddress& address, const Limits&
                                 secure | WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY);
   if (!request_) return false;
   self_ = shared_from_this();
+  if (!ip.empty() && !NameHost(request_, address)) return false;
   auto context = reinterpret_cast<DWORD_PTR>(this);
   WinHttpSetOption(request_, WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof context);
   // The system must not follow redirects itself, because their targets have to be checked. It must not send passwords
@@ -126,8 +137,13 @@ void CALLBACK HttpCall::OnStatus(HINTERNET, DWORD_PTR context, DWORD status, voi
 
 void HttpCall::OnConnecting(std::wstring_view address) {
   if (MayConnect(address)) return Take({Event::Kind::kConnecting});
+  // Another thread may be at work, and would come to the event too late. Wine goes on with a request whose handle has
+  // been closed; a session that may speak no version of TLS that is left fails before its first byte.
+  {
+    const std::lock_guard lock(mutex_);
+    if (!finished_ && !closed_) SetOption(session_, WINHTTP_OPTION_SECURE_PROTOCOLS, WINHTTP_FLAG_SECURE_PROTOCOL_SSL2);
+  }
   Take({Event::Kind::kError, kForbidden});
-  // Another thread may be at work, and would come to it too late.
   {
     const std::lock_guard lock(mutex_);
     if (std::exchange(closed_, true)) return;

@@ -35,8 +35,10 @@ class HttpCall : public std::enable_shared_from_this<HttpCall> {
     std::chrono::milliseconds connect{0};
   };
   // Sends the request with these header lines, each with its line end. `session` must have been opened asynchronous and
-  // been given OnStatus.
-  void Begin(HINTERNET session, const WireAddress& address, const Limits& limits, std::wstring headers);
+  // been given OnStatus. The connection goes to `ip` (IPv6 in brackets); where that is empty, to an address that the
+  // system looks up.
+  void Begin(HINTERNET session, const WireAddress& address, const Limits& limits, std::wstring headers,
+             const std::string& ip = "");
 
   // Gives the call up and returns at once. It tells nothing more, except what another thread is telling right now. The
   // system may hold on to the request for a while.
@@ -71,7 +73,7 @@ class HttpCall : public std::enable_shared_from_this<HttpCall> {
     DWORD number = 0;  // bytes available or read, the error, or what is wrong with the certificate
   };
 
-  bool Open(HINTERNET session, const WireAddress& address, const Limits& limits);
+  bool Open(HINTERNET session, const WireAddress& address, const Limits& limits, const std::string& ip);
   bool Send();
   void OnConnecting(std::wstring_view address);
   void Take(Event event);
@@ -86,6 +88,7 @@ class HttpCall : public std::enable_shared_from_this<HttpCall> {
   [[nodiscard]] std::optional<std::string> HeaderLines() const;
 
   std::wstring headers_;
+  HINTERNET session_ = nullptr;  // closed no sooner than the call has been given up or has ended
   HINTERNET connection_ = nullptr;
   HINTERNET request_ = nullptr;
   std::shared_ptr<HttpCall> self_;  // until the system has let go of the request

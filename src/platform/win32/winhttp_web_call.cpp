@@ -27,6 +27,8 @@ std::string RequestHead(const WireAddress& target, const std::string& lines) {
          (usual_port ? "" : ":" + std::to_string(target.port)) + "\r\nAccept: */*\r\n" + lines + "\r\n";
 }
 
+std::string AsHost(const std::string& ip) { return ip.find(':') == std::string::npos ? ip : "[" + ip + "]"; }
+
 // As the system writes it: with a scope, a port or brackets at times.
 std::optional<IpAddress> AddressOf(std::wstring_view text) {
   std::string address = FromWide(text);
@@ -54,7 +56,9 @@ WebCall::WebCall(const WebExchange& exchange, Sink sink)
       last_byte_(std::chrono::steady_clock::now().time_since_epoch().count()),
       ip_(exchange.address ? exchange.address->Text() : "") {}
 
-void WebCall::Send(HINTERNET session) { Begin(session, target_, limits_, ToWide(header_lines_)); }
+void WebCall::Send(HINTERNET session, bool by_name) {
+  Begin(session, target_, limits_, ToWide(header_lines_), by_name ? "" : AsHost(ip_));
+}
 
 bool WebCall::MayConnect(std::wstring_view text) const {
   if (behind_proxy_) return true;

@@ -32,7 +32,8 @@ class WebCall : public HttpCall {
   using Sink = std::function<void(WebReport report)>;
   WebCall(const WebExchange& exchange, Sink sink);
 
-  void Send(HINTERNET session);
+  // With `by_name` the system looks the host up itself; otherwise the connection goes to the exchange's address.
+  void Send(HINTERNET session, bool by_name);
 
   // From any thread.
   [[nodiscard]] std::chrono::steady_clock::time_point last_byte() const {

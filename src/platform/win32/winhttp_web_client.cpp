@@ -53,7 +53,10 @@ class WinHttpWebTransport final : public WebTransport {
 
   void SetTransportListener(WebTransportListener* listener) override { listener_ = listener; }
   [[nodiscard]] bool UsesProxy(const WireAddress&) const override { return proxy_.kind == ProxyChoice::Kind::kGiven; }
-  [[nodiscard]] bool ChoosesAddress() const override { return true; }
+  // Certificates are checked against the name by which the system connects. A script may send it to a proxy.
+  [[nodiscard]] bool ChoosesAddress(const WireAddress& target) const override {
+    return target.secure || proxy_.kind != ProxyChoice::Kind::kNone;
+  }
   void Begin(const WebExchange& exchange) override;
   [[nodiscard]] std::chrono::steady_clock::time_point LastByte(WebExchangeId id) const override {
     return exchanges_.at(id).call->last_byte();
@@ -101,7 +104,7 @@ void WinHttpWebTransport::Begin(const WebExchange& wanted) {
   };
   const auto call = std::make_shared<WebCall>(wanted, std::move(sink));
   exchanges_.emplace(wanted.id, Exchange{wanted.host, wanted.request.keep_wire, call});
-  call->Send(SessionOf(wanted.host, !wanted.request.keep_wire));
+  call->Send(SessionOf(wanted.host, !wanted.request.keep_wire), ChoosesAddress(wanted.target));
 }
 
 void WinHttpWebTransport::OnReport(WebExchangeId id, WebReport& report) {
