@@ -40,6 +40,18 @@ TEST_F(CollectingWindow, ExtractFillsListPanelsAndFiles) {
   EXPECT_EQ(Main().cmdExtract.text(), "&Extract");
 }
 
+TEST_F(CollectingWindow, TheListAsksTheDatabaseForNothing) {
+  Start();
+  Collect("www.cars.example");
+  const std::vector<std::vector<std::string>> columns = {Rows(0), Rows(1), Rows(2), Rows(3)};
+  Put(kDatabase, "no database any more");
+  EXPECT_FALSE(program_->collection.Reader().ok());
+  for (int column = 0; column < 4; ++column) {
+    EXPECT_EQ(Rows(column), columns[static_cast<std::size_t>(column)]);
+    for (std::uint32_t row = 0; row < Main().lstMail.rows(); ++row) Main().lstMail.CellColor(row, column);
+  }
+}
+
 TEST_F(CollectingWindow, PagesOpenAsTheyAre) {
   Start();
   Collect("www.cars.example");
