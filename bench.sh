@@ -47,10 +47,11 @@ part tables tables
 part files "$bin/compare_files" "$scratch" 9
 part crawl bench/crawl.sh $rounds
 part collect bench/collect.sh $rounds $long_hosts
+part recall bench/recall.py "$bin/quenlar"
 part merge bench/merge.sh $lines $rounds
 part archives bench/archives.sh "$corpus/$size.pages" $archive 7
 part window bench/window.sh
-names="harvest page growth tables files crawl collect merge archives window"
+names="harvest page growth tables files crawl collect recall merge archives window"
 
 goals() { # "Goal: NAME (at least W). Measured: M, met." as rows
   for name in $names; do cat "$parts/$name.md"; done |

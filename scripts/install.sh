@@ -16,7 +16,8 @@ packages_for() {
                   python3-protego python3-html5lib libpsl5 chromium searx \
                   python3-pytest black mypy parallel ;;
     bench)   packages_for run; echo pkg-config libbenchmark-dev libpcre2-dev libre2-dev libhyperscan-dev libxml2-dev \
-                  libgumbo-dev wget wget2 curl nginx-light mawk time dpkg python3-scrapy libdeflate-tools isal grep ;;
+                  libgumbo-dev wget wget2 curl nginx-light mawk time dpkg python3-scrapy libdeflate-tools isal grep \
+                  python3-html5lib openssl ;;
     fuzz)    packages_for run; echo clang libclang-rt-14-dev ;;
     *)       echo "install.sh: unknown task: $1" >&2; exit 2 ;;
   esac
