@@ -132,7 +132,7 @@ bool Harvest::BeginInput(HarvestInput input) {
     AddEnd(active, active->failure);
     return true;
   }
-  active->reader = std::make_unique<InputReader>(active->input.name, plain ? active->file.get() : nullptr, source,
+  active->reader = std::make_unique<InputReader>(active->input, plain ? active->file.get() : nullptr, source,
                                                  beginning.take(), active->place, settings_.reading);
   current_ = active;
   return true;
@@ -152,7 +152,7 @@ void Harvest::AddWholeFile(const std::shared_ptr<Active>& active) {
       all.failure = beginning.status();
       return all;
     }
-    InputReader reader(active->input.name, active->file.get(), *active->source, beginning.take(), active->place,
+    InputReader reader(active->input, active->file.get(), *active->source, beginning.take(), active->place,
                        settings_.reading);
     HarvestWork step;
     for (std::size_t weight = 0; reader.Next(step, weight) == InputReader::Step::kWork;) {

@@ -24,9 +24,10 @@ HarvestWork Finished(HarvestPortion portion) {
 
 }  // namespace
 
-InputReader::InputReader(std::string name, const ReadableFile* file, ByteSource& rest, std::string beginning,
+InputReader::InputReader(const HarvestInput& input, const ReadableFile* file, ByteSource& rest, std::string beginning,
                          const HarvestPlace& place, const PageReading& reading)
-    : name_(std::move(name)),
+    : name_(input.name),
+      named_(input.named),
       file_(file),
       reading_(reading),
       place_(place),
@@ -152,8 +153,10 @@ InputReader::Step InputReader::NextPage(HarvestWork& work, std::size_t& weight) 
   HarvestPortion portion;
   Result<std::string> body = ReadUpTo(unpacked_ ? *unpacked_ : packed_, kMostPage);
   if (!body.ok()) portion.failure = body.status();
-  if (members_) portion.damaged = std::min<std::size_t>(members_->breaks(), 1);
-  if (!body.ok() || (kind_ != InputKind::kHtml && kind_ != InputKind::kText)) {
+  const bool is_page = kind_ == InputKind::kHtml || kind_ == InputKind::kText;
+  // Files of other content in a folder are passed over in silence, torn ones too.
+  if (members_ && (is_page || named_)) portion.damaged = std::min<std::size_t>(members_->breaks(), 1);
+  if (!body.ok() || !is_page) {
     work = Finished(std::move(portion));
     return Step::kWork;
   }

@@ -11,6 +11,7 @@
 
 #include "archive/gzip_members.h"
 #include "archive/input_kind.h"
+#include "archive/input_walk.h"
 #include "archive/member_source.h"
 #include "archive/record_batches.h"
 #include "archive/record_page.h"
@@ -50,7 +51,7 @@ class InputReader {
  public:
   // `beginning` has been read of `rest` already. `file` is null where the input can only be read once; `place` is then
   // the beginning. Everything must outlive the reader and the work.
-  InputReader(std::string name, const ReadableFile* file, ByteSource& rest, std::string beginning,
+  InputReader(const HarvestInput& input, const ReadableFile* file, ByteSource& rest, std::string beginning,
               const HarvestPlace& place, const PageReading& reading);
 
   enum class Step {
@@ -84,6 +85,7 @@ class InputReader {
   [[nodiscard]] HarvestPortion ReadSpan(HarvestTools& tools, std::uint64_t begin, std::uint64_t limit, bool sure) const;
 
   const std::string name_;
+  const bool named_;
   const ReadableFile* const file_;
   const PageReading& reading_;
   const HarvestPlace place_;

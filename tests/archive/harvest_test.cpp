@@ -231,5 +231,20 @@ TEST_F(HarvestTest, FoldersGiveTheirFilesByNameAndOthersGoOnAfterAFailure) {
   EXPECT_EQ(world.Run({"/f/"}), "a@firma.de /f/a.txt,b@firma.de /f/b/x.html,c@firma.de /f/c.txt");
 }
 
+TEST_F(HarvestTest, OfTornFilesInAFolderThoseOfOtherContentAreNoDamage) {
+  const std::string picture = Gzip("\x89PNG\r\n\x1A\n" + std::string(300, 'p')), page = Gzip("<p>a@firma.de and more");
+  world.files.AddFolder("/f");
+  world.files.Put("/f/picture.gz", picture.substr(0, picture.size() - 3));
+  world.files.Put("/f/site.gz", page.substr(0, page.size() - 3));
+  const auto report = [](const std::string& name, InputKind kind, int damaged) {
+    return name + " " + std::to_string(static_cast<int>(kind)) + " " + std::to_string(damaged);
+  };
+  EXPECT_EQ(world.Run({"/f", "/f/picture.gz"}), "a@firma.de /f/site.gz");
+  const std::vector<std::string> expected = {report("/f/picture.gz", InputKind::kOther, 0),
+                                             report("/f/site.gz", InputKind::kHtml, 1),
+                                             report("/f/picture.gz", InputKind::kOther, 1)};
+  EXPECT_EQ(world.reports, expected);
+}
+
 }  // namespace
 }  // namespace quenlar

@@ -36,6 +36,8 @@ for format in lines csv jsonl; do
     "$program" harvest --jobs $jobs --format $format "$work/in" >"$work/$format.$jobs" 2>/dev/null
     cmp -s "$work/$format.1" "$work/$format.$jobs" || expect "$format with $jobs cores" "the same bytes" "others"
   done
+  "$program" harvest --format $format "$work/in" >"$work/$format.all" 2>/dev/null
+  cmp -s "$work/$format.1" "$work/$format.all" || expect "$format with all cores" "the same bytes" "others"
   expect "rows of $format" 122400 "$(wc -l <"$work/$format.1")"
 done
 
@@ -66,6 +68,24 @@ expect "rows of a new file" 6 "$("$program" harvest --name all --format csv "$wo
 
 # An end that leaves nothing to a later run is remembered, with the damage that was found; any other input is tried again.
 mkdir "$work/odd"
+ln -s "$work/in/a.warc" "$work/odd/link.warc"
+: >"$work/odd/empty"
+"$program" harvest "$work/odd" "$work/odd/empty" >"$work/out" 2>"$work/err"
+expect "status of nothing" 0 $?
+expect "what a link in a folder leads to" "" "$(cat "$work/out")"
+rm "$work/odd/link.warc" "$work/odd/empty"
+
+# An input that has changed is read anew: by its size, or by the time of its change.
+records 55001 55002 >"$work/changed.warc"
+touch -d "2026-01-01 00:00:01" "$work/changed.warc"
+rows() { "$program" harvest --name changed --format csv "$work/changed.warc" 2>/dev/null | wc -l; }
+expect "rows of it" 6 "$(rows)"
+expect "rows of it as it was" 0 "$(rows)"
+touch -d "2026-01-01 00:00:02" "$work/changed.warc"
+expect "rows of it with another time" 6 "$(rows)"
+records 55003 55003 >>"$work/changed.warc"
+touch -d "2026-01-01 00:00:02" "$work/changed.warc"
+expect "rows of it with another size" 9 "$(rows)"
 { records 60001 60002; records 60003 60003 | head -c 200; records 60004 60004; } >"$work/odd/damaged.warc"
 echo "filedesc://x.arc 0.0.0.0 20200101000000 text/plain 1" >"$work/odd/old.arc"
 for time in first second; do
