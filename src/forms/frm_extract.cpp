@@ -107,9 +107,10 @@ void frmExtract::FollowSetting() {
   job_ = &wanted;
   tmrText.SetEnabled(false);  // what was picked belongs to the list of before
   ClearRows();
-  cmbURL.SetItems(job_->Texts());
-  if (!cmbURL.text().empty()) {
-    cmbURL_Change();
+  const std::vector<std::string> texts = job_->Texts();
+  cmbURL.SetItems(texts);
+  if (texts.empty() || !cmbURL.text().empty()) {
+    cmbURL_Change();    // an empty text closes what was open before
   } else if (ready_) {  // at first Load goes on with it
     FillProjectCombo();
   }
@@ -136,6 +137,7 @@ void frmExtract::cmdExtract_Click() {
     starting_ = true;
     StartRun();
     starting_ = false;
+    FollowSetting();
   }
 }
 

@@ -475,6 +475,35 @@ TEST_F(CollectingWindow, TheSettingWaitsForTheEndOfARun) {
   EXPECT_TRUE(Exists(kReport));
 }
 
+TEST_F(CollectingWindow, TheSettingIsFollowedBehindAStartThatFails) {
+  Start();
+  interfaces.alive = false;
+  boxes.while_shown = [&] {
+    boxes.while_shown = {};
+    SwitchTo(false);
+  };
+  Main().cmdExtract.Click();
+  ASSERT_THAT(boxes.texts(), ElementsAre(kEndOffLine));
+  EXPECT_EQ(&Main().job(), &program_->classic);
+}
+
+TEST_F(CollectingWindow, WithAnEmptyBoxAndListNothingIsOpenAfterASwitch) {
+  ASSERT_TRUE(disk_->MakeFolder(home_ + "/report").ok());
+  Put("report/cars_example.rpt", "old@cars.de\r\n");
+  Start();
+  SwitchTo(false);
+  Main().cmbURL.UserText("www.cars.example");
+  ASSERT_THAT(Rows(1), ElementsAre("old@cars.de"));
+  SwitchTo(true);
+  Main().cmbURL.UserText("");
+  SwitchTo(false);
+  EXPECT_EQ(Main().job().found().Count(), 0u);
+  Main().Close();
+  Main().Show();
+  EXPECT_EQ(Panel(2), "0 Address");
+  EXPECT_THAT(Rows(1), IsEmpty());
+}
+
 TEST_F(CollectingWindow, ARunKeepsTheSettingsThatItBeganWith) {
   Start();
   WhenFound([&] {
