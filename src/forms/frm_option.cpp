@@ -54,7 +54,6 @@ std::vector<std::string> TidyFilterWords(std::string& text) {
   if (text.empty()) return {};
   const std::vector<std::string_view> lines = Split(text, kLineEnd);
   if (lines.size() == 1) return {text};
-  // Lines of nothing but blanks leave no word: an empty one would match every address.
   std::vector<std::string> words;
   std::unordered_set<std::string_view> seen;
   for (const std::string_view line : lines) {

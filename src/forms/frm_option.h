@@ -81,7 +81,7 @@ class frmOption final : public ui::Form {
 
 // Returns the words of a filter's text box, one from each line. Blanks at the ends are cut, and of words that are the
 // same the first one stays. A text of one line is one word as it stands. Puts the tidied text back into `text`. Empty
-// for a text without words.
+// for a text without words, also one of line ends alone: an empty word would match every address.
 [[nodiscard]] std::vector<std::string> TidyFilterWords(std::string& text);
 
 // Returns whether the box of the stop number takes the text for a number: digits with an optional sign, fraction and

@@ -389,6 +389,12 @@ TEST_F(OptionTest, BothListsAreTidiedAlike) {
   EXPECT_EQ(files.Contents(kFilterFile), std::string(kBanner) + "<r>r</r>\r\n<e>b</e>\r\n<e>a</e>\r\n");
 }
 
+TEST_F(OptionTest, ABoxOfLineEndsAloneHasNoWords) {
+  std::string text = "\r\n \r\n\r\n";
+  EXPECT_THAT(TidyFilterWords(text), IsEmpty());
+  EXPECT_EQ(text, "");
+}
+
 TEST_F(OptionTest, TenThousandWordsAreTidiedAtOnce) {
   std::string text;
   for (int i = 0; i < 10000; ++i) text += "word" + std::to_string(i % 7000) + "\r\n";
