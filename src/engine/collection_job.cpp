@@ -78,6 +78,7 @@ void CollectionJob::OpenNamed(Pumping pumping) {
   front_end_.view.ClearRows();
   found_.Clear();
   figures_ = {};
+  suppression_changes_ = engine_.suppression_changes;
   const bool has_file = HasFiles() && engine_.platform.files.FileExists(Path());
   loading_ = true;
   const Status loaded = has_file ? LoadAddresses(opening, pumping) : Status::Ok();

@@ -39,6 +39,8 @@ class CollectionJob final : public Job, private CrawlView {
 
   void Open(std::string_view text) override;
   void FinishLoading() override;
+  // The file holds all that is listed, and also what is not suppressed any more.
+  [[nodiscard]] bool TakeOutSuppressed() override { return suppression_changes_ == engine_.suppression_changes; }
   [[nodiscard]] bool HasFiles() const override { return !named_.name.empty(); }
   [[nodiscard]] const FoundAddresses& found() const override { return found_; }
   [[nodiscard]] std::int64_t scanned() const override { return static_cast<std::int64_t>(figures_.pages); }
@@ -85,7 +87,8 @@ class CollectionJob final : public Job, private CrawlView {
   CollectionTexts texts_;
   NamedCollection named_;
   FoundAddresses found_;
-  std::uint64_t openings_ = 0;  // calls of Open so far
+  std::uint64_t openings_ = 0;             // calls of Open so far
+  std::uint64_t suppression_changes_ = 0;  // Engine::suppression_changes at the last opening
   bool loading_ = false, writing_page_ = false;
 
   std::unique_ptr<Collection> collection_;  // while a run goes on

@@ -43,23 +43,23 @@ Engine::StartNotes Engine::Start() {
     notes.notes += (notes.notes.empty() ? "" : "\n") + message;
   }
   std::vector<std::string> strange_lines;
-  notes.suppression = ReadSuppression(strange_lines).status();
+  notes.suppression = ReadSuppression(strange_lines);
   for (const std::string& message : strange_lines) notes.notes += (notes.notes.empty() ? "" : "\n") + message;
   project_list.Load(settings_store.LoadOrInit());
   return notes;
 }
 
-Result<bool> Engine::ReadSuppression() {
+Status Engine::ReadSuppression() {
   std::vector<std::string> told_at_the_start;
   return ReadSuppression(told_at_the_start);
 }
 
-Result<bool> Engine::ReadSuppression(std::vector<std::string>& strange_lines) {
+Status Engine::ReadSuppression(std::vector<std::string>& strange_lines) {
   Result<SuppressionList> list = LoadSuppressionList(platform.files, platform.idna, installation, strange_lines);
   if (!list.ok()) return list.status();
-  const bool changed = list.value().entries() != suppression.entries();
+  if (list.value().entries() != suppression.entries()) ++suppression_changes;
   suppression = list.take();
-  return changed;
+  return Status::Ok();
 }
 
 std::string Engine::SearchAddressAt(int result_offset) const {

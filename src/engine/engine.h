@@ -8,6 +8,7 @@
 //   engine.driver.Run();                                      // to the end of the run
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -70,9 +71,10 @@ class Engine {
   [[nodiscard]] StartNotes Start();
 
   // Reads the suppression list, which another program may have changed: before a run begins and before books are
-  // merged. Returns whether it has changed; what is open may hold addresses then that are suppressed by now. After a
-  // failure nothing may be listed, and the list is the one that was read before.
-  [[nodiscard]] Result<bool> ReadSuppression();
+  // merged. What is open may hold addresses then that are suppressed by now. After a failure nothing may be listed, and
+  // the list is the one that was read before.
+  [[nodiscard]] Status ReadSuppression();
+  std::uint64_t suppression_changes = 0;  // how often another list was read than the one before
 
   // Sets what happens when a newer version has been published: `show` is called inside a pump. The watchdog starts the
   // upgrade check at its first tick on line, once in each start of the program. Without `show` the answer is dropped.
@@ -80,7 +82,7 @@ class Engine {
   bool upgradeDone = false;  // the check has ended, with or without an answer
 
  private:
-  [[nodiscard]] Result<bool> ReadSuppression(std::vector<std::string>& strange_lines);
+  [[nodiscard]] Status ReadSuppression(std::vector<std::string>& strange_lines);
   // See RunDriver::SearchAddressAt.
   [[nodiscard]] std::string SearchAddressAt(int result_offset) const;
   // Starts the download of the upgrade page and counts it in the level-0 counter.

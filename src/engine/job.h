@@ -32,6 +32,9 @@ class Job {
   virtual void Open(std::string_view text) = 0;
   // Loads the rest at once when an opening further up the stack is still loading. Does not pump.
   virtual void FinishLoading() = 0;
+  // Takes the addresses that are suppressed by now out of what is open; it is loaded. Does not pump. Returns false
+  // where it has to be opened again for that.
+  [[nodiscard]] virtual bool TakeOutSuppressed() = 0;
   // Whether what is open has files of its own, or would get them by a run.
   [[nodiscard]] virtual bool HasFiles() const = 0;
   [[nodiscard]] virtual const FoundAddresses& found() const = 0;

@@ -102,7 +102,7 @@ Result<std::vector<std::string>> NeverList::Erase(const SuppressionList& given, 
       OtherWriters::kNone);
   std::vector<std::string> sentences = {ErasedText(subject, outcome)};
   for (std::string& problem : outcome.problems) sentences.push_back(std::move(problem));
-  if (const auto read = engine.ReadSuppression(); !read.ok()) return read.status();
+  if (const Status read = engine.ReadSuppression(); !read.ok()) return read;
   if (context_.erased) context_.erased();
   return sentences;
 }
@@ -116,7 +116,7 @@ Status NeverList::Remove(const std::vector<std::string>& entries) {
       ChangeSuppressionFile(engine.platform.files, engine.platform.idna, engine.installation, {},
                             [&](std::string_view, std::string_view entry) { return wanted.Has(entry); });
   if (!changed.ok()) return changed.status();
-  return engine.ReadSuppression().status();
+  return engine.ReadSuppression();
 }
 
 }  // namespace quenlar

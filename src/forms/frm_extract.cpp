@@ -168,12 +168,12 @@ void frmExtract::StartRun() {
 
 // When it fails, it has told why.
 bool frmExtract::MakeReadyToRun() {
-  const Result<bool> suppression_changed = context_.engine.ReadSuppression();
-  WarnOnFailure(suppression_changed.status());
-  if (!suppression_changed.ok()) return false;
-  // A project without files, once more: with the language or the memory that there is by now. So is one that may hold
-  // addresses that are suppressed by now.
-  if ((suppression_changed.value() || !job_->HasFiles()) && (!cmbURL_Change() || cmbURL.text().empty())) return false;
+  const Status suppression = context_.engine.ReadSuppression();
+  WarnOnFailure(suppression);
+  if (!suppression.ok()) return false;
+  // A project without files, once more: with the language or the memory that there is by now.
+  const bool is_open = job_->HasFiles() && job_->TakeOutSuppressed();
+  if (!is_open && (!cmbURL_Change() || cmbURL.text().empty())) return false;
   const Status can = job_->CheckCanBeSaved();
   WarnOnFailure(can);
   if (!can.ok()) return false;

@@ -22,7 +22,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
       web({platform.registry, web_settings, never, platform.boxes, desktop.dialogs, engine.installation,
            [this] { extract.FollowSetting(); }}),
       tool({engine.books, platform.files, platform.code_page, platform.loop, platform.boxes, desktop.dialogs,
-            engine.installation, [this] { return engine.ReadSuppression().status(); }}),
+            engine.installation, [this] { return engine.ReadSuppression(); }}),
       sightings(platform.shell),
       dialog(engine.settings, platform.shell, engine.installation, [this] { End(); }),
       about(platform.shell),

@@ -1,6 +1,7 @@
 // A table of record numbers by hash: the index beside a list of records that are kept elsewhere.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +18,8 @@
 namespace quenlar {
 
 // The table knows hashes and numbers, not the records. The caller compares records: Find calls `equal(number)` for each
-// number with the wanted hash. A number is below 2^32 - 1, and nothing is ever taken out.
+// number with the wanted hash. A number is below 2^32 - 1. Only all of them
+// together can be taken out.
 //
 // A slot takes eight bytes: the number, and the hash beside it, so that growing does not have to read any record. Eight
 // slots are a row, and a row is one line of the processor's cache. A number goes into the first free slot of its row,
@@ -70,6 +72,12 @@ class IndexTable {
   // its number together or not at all. May throw std::bad_alloc.
   void MakeRoom() {
     if ((used_ + 1) * 5 > rows_.size() * kRowSlots * 4) Grow();
+  }
+
+  // Takes everything out and keeps the memory.
+  void Clear() {
+    std::fill(rows_.begin(), rows_.end(), Row());
+    used_ = 0;
   }
 
   [[nodiscard]] std::size_t MemoryBytes() const { return rows_.capacity() * sizeof(Row); }

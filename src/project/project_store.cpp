@@ -160,6 +160,15 @@ void ProjectStore::FinishLoading() {
   if (reader_ != nullptr) reader_->FinishNow(project_.found);
 }
 
+void ProjectStore::TakeOutSuppressed() {
+  FinishSaves();
+  if (suppression_ == nullptr || project_.found.RemoveUnwanted(*suppression_) == 0) return;
+  project_.report_holds_more = true;
+  view_.ClearRows();
+  for (std::uint32_t i = 0; i < project_.found.Count(); ++i) view_.AddRow(i, project_.found.At(i).TagOnly);
+  view_.ShowAddressCount(project_.found.Count());
+}
+
 void ProjectStore::ProgressTick() {
   if (progress_ == 20) view_.ShowStage("Load data ..");
   if (progress_ == 40) view_.ShowStage("Load data ....");

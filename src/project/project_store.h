@@ -82,6 +82,10 @@ class ProjectStore final : public ProjectSaver {
   // must outlive the store.
   void SetSuppression(AddressFilter* suppression) { suppression_ = suppression; }
 
+  // Takes the addresses out of the loaded project that the suppression does not keep by now. The report that is on the
+  // disk is behind then. A save that is under way is finished first. Does not pump.
+  void TakeOutSuppressed();
+
   // Deletes the data file and the report of the open project, as far as they exist. A save that is under way is given
   // up. The message of a failure is a complete sentence.
   Status DeleteFiles();

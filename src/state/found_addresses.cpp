@@ -1,5 +1,7 @@
 #include "state/found_addresses.h"
 
+#include <vector>
+
 #include "base/ascii.h"
 
 namespace quenlar {
@@ -43,6 +45,25 @@ std::uint32_t FoundAddresses::AddPage(std::string_view url, std::string_view tit
 void FoundAddresses::Append(std::uint32_t page, std::string_view address, bool tag_only) {
   const std::string_view kept = texts_.Keep(address);
   records_.push_back({kept.data(), static_cast<std::uint32_t>(kept.size()), page, tag_only ? 1u : 0u});
+}
+
+// All that needs memory comes first. The index gets no more records than it had, so it does not grow.
+std::uint32_t FoundAddresses::RemoveUnwanted(AddressFilter& filter) {
+  const std::uint32_t before = Count();
+  std::vector<bool> kept(before);
+  for (std::uint32_t i = 0; i < before; ++i) kept[i] = filter.Keeps(records_[i].address());
+  std::uint32_t count = 0;
+  for (std::uint32_t i = 0; i < before; ++i) {
+    if (kept[i]) records_[count++] = records_[i];
+  }
+  if (count == before) return 0;
+  records_.erase(records_.begin() + count, records_.end());
+  index_.Clear();
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::uint32_t hash = hash_.IgnoringCase(records_[i].address());
+    if (!Contains(records_[i].address(), hash)) index_.Insert(hash, i);
+  }
+  return before - count;
 }
 
 void FoundAddresses::Clear() { *this = FoundAddresses(hash_, filling_ + 1); }

@@ -10,6 +10,7 @@
 #include "base/text_arena.h"
 #include "base/text_hash.h"
 #include "platform/index_table.h"
+#include "state/address_filter.h"
 
 namespace quenlar {
 
@@ -77,6 +78,10 @@ class FoundAddresses {
   void PrefetchText(std::uint32_t hash) const {
     if (const auto number = index_.FirstGuess(hash)) Prefetch(records_[*number].text);
   }
+
+  // Removes the records whose addresses `filter` does not keep, and returns how many these were. The others keep their
+  // order and move up; views of them stay valid. May throw std::bad_alloc; the table is then as it was before.
+  std::uint32_t RemoveUnwanted(AddressFilter& filter);
 
   // Removes all records and gives their memory back. All views become invalid.
   void Clear();

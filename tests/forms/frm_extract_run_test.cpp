@@ -79,6 +79,41 @@ TEST_F(MainWindowRun, WhatWasListedBeforeItWasSuppressedIsGoneWithTheNextRun) {
   EXPECT_THAT(files.Contents(kReportFile).value_or(""), Not(HasSubstr("second@cars.test")));
 }
 
+TEST_F(MainWindowRun, TheOtherRowsStayAsTheyAreWhenOneIsSuppressed) {
+  fetcher.Serve(std::string(kSite) + "/two.html", "<title>Two</title><p alt=\"second@cars.test\">");
+  Start();
+  RunProject("www.cars.test");
+  ASSERT_EQ(extract.lstMail.rows(), 2u);
+  ASSERT_TRUE(extract.lstMail.CellColor(1, 1).has_value()) << "red";
+  files.Put("/home/suppressed.txt", "first@cars.test\n");
+  extract.cmdExtract.Click();
+  ASSERT_EQ(extract.lstMail.rows(), 1u);
+  EXPECT_EQ(extract.lstMail.CellText(0, 1), "second@cars.test");
+  EXPECT_EQ(extract.lstMail.CellText(0, 2), std::string(kSite) + "/two.html") << "the report has no pages";
+  EXPECT_EQ(extract.lstMail.CellText(0, 3), "Two");
+  EXPECT_TRUE(extract.lstMail.CellColor(0, 1).has_value());
+  EXPECT_EQ(Panel(2), "1 Address");
+}
+
+TEST_F(MainWindowRun, AddressesThatCouldNotBeSavedStayWhenOneIsSuppressed) {
+  Start();
+  files.Protect("/home/report");
+  RunProject("www.cars.test");
+  ASSERT_EQ(extract.lstMail.rows(), 3u);
+  files.Put("/home/suppressed.txt", "second@cars.test\n");
+  extract.cmdExtract.Click();
+  EXPECT_EQ(extract.lstMail.rows(), 2u);
+}
+
+TEST_F(MainWindowRun, AListThatWasReadForOtherThingsCountsToo) {
+  Start();
+  RunProject("www.cars.test");
+  files.Put("/home/suppressed.txt", "second@cars.test\n");
+  ASSERT_TRUE(engine.ReadSuppression().ok());  // as the mailing list tool does
+  extract.cmdExtract.Click();
+  EXPECT_EQ(extract.lstMail.rows(), 2u);
+}
+
 TEST_F(MainWindowRun, WithoutTheSuppressionListNoRunBegins) {
   Start();
   files.AddFolder("/home/suppressed.txt");

@@ -141,6 +141,31 @@ TEST_F(ProjectStoreTest, AddressesThatAreNotWantedAreLeftOutAndTheReportIsWritte
   EXPECT_NE(Contents(kCarsReport).find("new@cars.com"), std::string::npos);
 }
 
+TEST_F(ProjectStoreTest, WhatIsSuppressedLeavesTheLoadedProjectAndItsNextReport) {
+  class OneAddress final : public AddressFilter {
+   public:
+    std::string unwanted;
+    [[nodiscard]] bool Keeps(std::string_view address) override { return address != unwanted; }
+  } suppression;
+  PutCars(2);
+  store.SetSuppression(&suppression);
+  store.OpenProject("cars");
+  project.found.Add({"http://m", "red@cars.com", "M", true});
+  ASSERT_TRUE(store.WriteReport().ok());
+  window.log.clear();
+  store.TakeOutSuppressed();
+  EXPECT_THAT(window.log, IsEmpty());
+
+  suppression.unwanted = "0@cars.com";
+  store.TakeOutSuppressed();
+  EXPECT_THAT(Addresses(), ElementsAre("1@cars.com", "red@cars.com"));
+  EXPECT_THAT(window.log, ElementsAre("clear", "row 0", "row 1 red", "2 Address"));
+  EXPECT_EQ(project.found.At(1).Title, "M") << "the report of addresses alone does not know it";
+  store.SaveProjectReport();
+  EXPECT_EQ(Contents(kCarsReport).find("0@cars.com"), std::string::npos);
+  EXPECT_NE(Contents(kCarsReport).find("1@cars.com"), std::string::npos);
+}
+
 TEST_F(ProjectStoreTest, AReportWithoutADataFileIsToldAlone) {
   PutCars();
   ASSERT_TRUE(fakes.files.Delete(kCarsData).ok());

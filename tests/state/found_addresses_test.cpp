@@ -89,6 +89,42 @@ TEST(FoundAddresses, AreEmptyAfterClearAlsoForAPageThatGoesOn) {
   EXPECT_EQ(found.At(0).Title, title);
 }
 
+TEST(FoundAddresses, LoseWhatIsUnwantedAndKeepTheRestAsItIs) {
+  class Wanted final : public AddressFilter {
+   public:
+    [[nodiscard]] bool Keeps(std::string_view address) override {
+      return Lower(address).find('b') == std::string::npos;
+    }
+  } wanted;
+  FoundAddresses found;
+  std::vector<PlainRecord> plain;
+  const std::string url = "http://h/page", title = "A title";
+  FoundAddresses::PageTexts page{url, title};
+  std::mt19937 random(1);
+  const auto add = [&] {
+    std::string address(1 + random() % 6, 'a');
+    for (char& c : address) c = "abABcdefgh"[random() % 10];
+    const bool tag_only = random() % 2 == 0;
+    if (random() % 5 == 0) {
+      found.Add({"http://h/other", address, "", tag_only});  // perhaps once more
+      plain.push_back({"http://h/other", address, "", tag_only});
+    } else if (found.AddIfNew(page, address, tag_only)) {
+      plain.push_back({url, address, title, tag_only});
+    }
+  };
+  for (int round = 0; round < 20; ++round) {
+    for (int i = 0; i < 500; ++i) add();
+    const std::size_t unwanted =
+        std::erase_if(plain, [&](const auto& record) { return !wanted.Keeps(record.address); });
+    EXPECT_GT(unwanted, 0u);
+    EXPECT_EQ(found.RemoveUnwanted(wanted), unwanted);
+    ExpectEqual(found, plain);
+    EXPECT_FALSE(found.Contains("bad"));
+    for (const PlainRecord& record : plain) ASSERT_TRUE(found.Contains(record.address));
+  }
+  EXPECT_EQ(found.RemoveUnwanted(wanted), 0u);
+}
+
 TEST(FoundAddresses, ShareTheTextsOfAPage) {
   FoundAddresses found;
   const std::string url(1000, 'u'), title(1000, 't');
