@@ -184,6 +184,7 @@ void ShowCollection(const Program& program) {
     } else {
       PostMessageW(menu.handle(), WM_CHAR, static_cast<WPARAM>(key), 0);
     }
+    Expect(WaitUntil([&] { return !menu.Visible(); }), "the menu stays");  // the next one is another
   };
   choose(0);
   choose('w');
