@@ -276,7 +276,7 @@ def test_the_scope_of_a_host_holds(tmp_path: Path) -> None:
 def test_a_task_that_kills_its_worker_is_set_aside(
     web: SmallWeb, starts: Path, tmp_path: Path
 ) -> None:
-    """After three times; the others go on."""
+    """After three times in a round; the others go on."""
     deadly = tmp_path / "deadly"
     # Kills the worker, its parent, for the share with the first site.
     deadly.write_text(
@@ -288,7 +288,8 @@ def test_a_task_that_kills_its_worker_is_set_aside(
         encoding="utf-8",
     )
     deadly.chmod(0o755)
-    run = collect_arguments(tmp_path / "run", starts, "--workers", "2", "--program", str(deadly))
+    options = ("--workers", "2", "--rounds", "1", "--program", str(deadly))
+    run = collect_arguments(tmp_path / "run", starts, *options)
     with open(tmp_path / "said", "wb") as said:
         assert cluster(*run, output=said).wait(120) == 1
     assert "Set aside: share" in (tmp_path / "said").read_text(encoding="utf-8")
