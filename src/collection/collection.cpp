@@ -13,10 +13,6 @@ constexpr std::chrono::milliseconds kSyncEvery{1000};
 // What SQLite keeps beside the file while it is in use. They belong to the file and go with it.
 constexpr const char* kCompanions[] = {"-wal", "-shm"};
 
-Status TooNew(const std::string& path) {
-  return {StatusKind::kLimit, path + ": a newer version of Quenlar has made this collection"};
-}
-
 // The file and its companions get names under which nothing lies.
 Result<std::string> KeepDamagedAside(Files& files, const std::string& path) {
   Result<std::string> aside = KeepAside(files, path);
@@ -35,7 +31,7 @@ Status CheckSound(Database& database) {
   const Result<bool> row = check.value().Step();
   if (!row.ok()) return row.status();
   if (row.value() && check.value().Text(0) == "ok") return Status::Ok();
-  return {StatusKind::kFormat, "the database is damaged"};
+  return database.Refusal(StatusKind::kFormat, "the database is damaged");
 }
 
 }  // namespace
@@ -62,7 +58,7 @@ Collection::Collection(std::unique_ptr<Database> database)
 // The last commit of a run is its own matter: what is open here is a run that failed.
 Collection::~Collection() {
   statements_.reset();
-  if (database_->InTransaction()) database_->Execute("ROLLBACK").Ignore("SQLite has ended it by itself");
+  database_->RollBack();
 }
 
 Result<Collection::Opened> Collection::Open(Files& files, const std::string& path) {
@@ -76,8 +72,7 @@ Result<Collection::Opened> Collection::Open(Files& files, const std::string& pat
       opened.collection = std::move(collection);
       return opened;
     }
-    if (prepared.kind() == StatusKind::kLimit) return TooNew(path);
-    if (prepared.kind() != StatusKind::kFormat || !opened.kept_aside.empty()) return prepared.WithContext(path);
+    if (prepared.kind() != StatusKind::kFormat || !opened.kept_aside.empty()) return prepared;
     collection.reset();
     Result<std::string> aside = KeepDamagedAside(files, path);
     if (!aside.ok()) return aside.status();
@@ -89,7 +84,9 @@ Result<Collection::Opened> Collection::Open(Files& files, const std::string& pat
 Status Collection::Prepare() {
   const Result<std::int64_t> version = database_->Number(sql::kVersion);
   if (!version.ok()) return version.status();
-  if (version.value() > sql::kSchemaVersion) return {StatusKind::kLimit, "too new"};
+  if (version.value() > sql::kSchemaVersion) {
+    return database_->Refusal(StatusKind::kLimit, "a newer version of Quenlar has made this collection");
+  }
   if (const Status set = database_->Execute(sql::kSettings); !set.ok()) return set;
   if (const Status made = version.value() == 0 ? MakeSchema() : CheckSound(*database_); !made.ok()) return made;
   if (const Status added = database_->Execute(sql::kAdditions); !added.ok()) return added;
@@ -101,7 +98,7 @@ Status Collection::Prepare() {
 Status Collection::MakeSchema() {
   const Result<std::int64_t> tables = database_->Number("SELECT count(*) FROM sqlite_master");
   if (!tables.ok()) return tables.status();
-  if (tables.value() != 0) return {StatusKind::kFormat, "not a collection"};
+  if (tables.value() != 0) return database_->Refusal(StatusKind::kFormat, "not a collection");
   if (const Status begun = database_->Execute("BEGIN IMMEDIATE"); !begun.ok()) return begun;
   if (const Status made = database_->Execute(sql::kSchema); !made.ok()) return made;
   Result<Statement> seed = database_->Prepare(sql::kSetFact);

@@ -57,7 +57,7 @@ Result<std::unique_ptr<CollectionReader>> CollectionReader::Open(const std::stri
   if (!database.ok()) return database.status();
   std::unique_ptr<CollectionReader> reader(
       new CollectionReader(database.take()));  // check: raw-new a private constructor
-  if (const Status checked = reader->Check(); !checked.ok()) return checked.WithContext(path);
+  if (const Status checked = reader->Check(); !checked.ok()) return checked;
   return reader;
 }
 
@@ -65,9 +65,9 @@ Status CollectionReader::Check() {
   const Result<std::int64_t> version = database_->Number(sql::kVersion);
   if (!version.ok()) return version.status();
   if (version.value() > sql::kSchemaVersion) {
-    return {StatusKind::kLimit, "a newer version of Quenlar has made this collection"};
+    return database_->Refusal(StatusKind::kLimit, "a newer version of Quenlar has made this collection");
   }
-  if (version.value() == 0) return {StatusKind::kFormat, "this is not a collection"};
+  if (version.value() == 0) return database_->Refusal(StatusKind::kFormat, "this is not a collection");
   const Result<std::string> first = OneText(*database_, sql::kFact, "first seed");
   if (!first.ok()) return first.status();
   const Result<std::string> second = OneText(*database_, sql::kFact, "second seed");

@@ -291,6 +291,10 @@ inline constexpr const char* kEraseRobots =
 inline constexpr const char* kStartsWithSigns =
     "SELECT id, text FROM starts WHERE instr(text, '@') OR instr(text, '%40')";
 inline constexpr const char* kEraseStart = "UPDATE starts SET text = 'erased ' || id WHERE id = ?";
+// Stands in the file from the transaction that deletes until everything has been written anew.
+inline constexpr const char* kTracesAreLeft = "SELECT count(*) FROM facts WHERE name = 'traces left'";
+inline constexpr const char* kMarkTraces = "INSERT OR REPLACE INTO facts (name, value) VALUES ('traces left', '1')";
+inline constexpr const char* kUnmarkTraces = "DELETE FROM facts WHERE name = 'traces left'";
 // Gives one row; its first column is not 0 where somebody else has kept it from its end.
 inline constexpr const char* kEmptyLog = "PRAGMA wal_checkpoint(TRUNCATE)";
 // Writes the whole file anew: pages of a database that was in use hold pieces of what was deleted.

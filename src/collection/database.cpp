@@ -28,7 +28,14 @@ StatusKind KindOf(int code) {
   }
 }
 
-Status FailureOf(sqlite3* connection) { return {KindOf(sqlite3_errcode(connection)), sqlite3_errmsg(connection)}; }
+std::string PathOf(sqlite3* connection) {
+  const char* const path = sqlite3_db_filename(connection, "main");
+  return path == nullptr ? "" : path;
+}
+
+Status FailureOf(sqlite3* connection) {
+  return Status(KindOf(sqlite3_errcode(connection)), sqlite3_errmsg(connection)).WithContext(PathOf(connection));
+}
 
 }  // namespace
 
@@ -91,7 +98,8 @@ Result<std::unique_ptr<Database>> Database::Open(const std::string& path, Mode m
   sqlite3* connection = nullptr;
   const int code = sqlite3_open_v2(path.c_str(), &connection, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   std::unique_ptr<Database> database(new Database(connection));  // check: raw-new the constructor is private
-  if (code != SQLITE_OK) return database->Failure().WithContext(path);
+  if (connection == nullptr) return Status(StatusKind::kFull, path + ": there is not enough memory");
+  if (code != SQLITE_OK) return Status(KindOf(code), path + ": " + sqlite3_errmsg(connection));
   sqlite3_busy_timeout(connection, kBusyMilliseconds);
   sqlite3_extended_result_codes(connection, 0);
   return database;
@@ -99,9 +107,10 @@ Result<std::unique_ptr<Database>> Database::Open(const std::string& path, Mode m
 
 Database::~Database() { sqlite3_close_v2(connection_); }
 
-Status Database::Failure() const {
-  if (connection_ == nullptr) return {StatusKind::kFull, "there is not enough memory"};
-  return FailureOf(connection_);
+Status Database::Failure() const { return FailureOf(connection_); }
+
+Status Database::Refusal(StatusKind kind, const std::string& why) const {
+  return Status(kind, why).WithContext(PathOf(connection_));
 }
 
 Status Database::Execute(const char* sql) {
@@ -126,6 +135,10 @@ Result<std::int64_t> Database::Number(const char* sql) {
 std::int64_t Database::LastRowId() const { return sqlite3_last_insert_rowid(connection_); }
 
 std::int64_t Database::Changes() const { return sqlite3_changes64(connection_); }
+
+void Database::RollBack() noexcept {
+  if (InTransaction()) sqlite3_exec(connection_, "ROLLBACK", nullptr, nullptr, nullptr);
+}
 
 bool Database::InTransaction() const { return sqlite3_get_autocommit(connection_) == 0; }
 

@@ -1,4 +1,4 @@
-// SQLite as the collection uses it: a connection, prepared statements, failures as values.
+// SQLite as the collection uses it: a connection, prepared statements, failures as values that name the file.
 #pragma once
 
 #include <cstdint>
@@ -95,6 +95,11 @@ class Database {
   [[nodiscard]] std::int64_t Changes() const;
   // Whether a transaction is open. A full disk or missing memory may have ended it by itself.
   [[nodiscard]] bool InTransaction() const;
+  // Ends an open transaction without its changes. Takes no memory of this program's, for destructors; where SQLite has
+  // none either, the closing of the connection does the same.
+  void RollBack() noexcept;
+  // A failure for what only the caller can judge. Its message is `why` behind the name of the file.
+  [[nodiscard]] Status Refusal(StatusKind kind, const std::string& why) const;
 
  private:
   explicit Database(sqlite3* connection) : connection_(connection) {}

@@ -69,32 +69,41 @@ Status ClearTexts(Database& database, const AddressTest& keeps, ErasedFromCollec
 Status EmptyLog(Database& database) {
   const Result<std::int64_t> kept = database.Number(sql::kEmptyLog);
   if (!kept.ok()) return kept.status();
-  return kept.value() == 0 ? Status::Ok() : Status(StatusKind::kBusy, "another program has it open");
+  return kept.value() == 0 ? Status::Ok() : database.Refusal(StatusKind::kBusy, "another program has it open");
+}
+
+// Writes everything anew. Where that fails, or is cut short, the mark stays and the next one does it again.
+Status ClearTraces(Database& database) {
+  if (const Status rewritten = database.Execute(sql::kRewrite); !rewritten.ok()) return rewritten;
+  if (const Status emptied = EmptyLog(database); !emptied.ok()) return emptied;
+  return database.Execute(sql::kUnmarkTraces);
 }
 
 Status CheckVersion(Database& database) {
   const Result<std::int64_t> version = database.Number(sql::kVersion);
   if (!version.ok()) return version.status();
   if (version.value() > sql::kSchemaVersion) {
-    return {StatusKind::kLimit, "a newer version of Quenlar has made this collection"};
+    return database.Refusal(StatusKind::kLimit, "a newer version of Quenlar has made this collection");
   }
-  return version.value() == 0 ? Status(StatusKind::kFormat, "this is not a collection") : Status::Ok();
+  return version.value() == 0 ? database.Refusal(StatusKind::kFormat, "this is not a collection") : Status::Ok();
 }
 
 Status Erase(Database& database, const AddressTest& keeps, ErasedFromCollection& erased) {
   if (const Status set = database.Execute(sql::kEraseSettings); !set.ok()) return set;
   if (const Status checked = CheckVersion(database); !checked.ok()) return checked;
+  const Result<std::int64_t> marked = database.Number(sql::kTracesAreLeft);
+  if (!marked.ok()) return marked.status();
   if (const Status begun = database.Execute("BEGIN IMMEDIATE"); !begun.ok()) return begun;
   Status done = EraseRows(database, keeps, erased);
   if (done.ok()) done = ClearTexts(database, keeps, erased);
   const bool changed = !erased.addresses.empty() || erased.texts > 0;
+  if (done.ok() && changed) done = database.Execute(sql::kMarkTraces);
   if (!done.ok() || !changed) {
-    database.Execute("ROLLBACK").Ignore("nothing has changed, or SQLite has ended it by itself");
-    return done;
+    database.RollBack();
+    return !done.ok() || marked.value() == 0 ? done : ClearTraces(database);
   }
   if (done = database.Execute("COMMIT"); !done.ok()) return done;
-  if (done = database.Execute(sql::kRewrite); !done.ok()) return done;
-  return EmptyLog(database);
+  return ClearTraces(database);
 }
 
 }  // namespace
@@ -103,8 +112,7 @@ Result<ErasedFromCollection> EraseAddresses(const std::string& path, const Addre
   auto database = Database::Open(path, Database::Mode::kWrite);
   if (!database.ok()) return database.status();
   ErasedFromCollection erased;
-  const Status done = Erase(*database.value(), keeps, erased);
-  if (!done.ok()) return done.WithContext(path);
+  if (const Status done = Erase(*database.value(), keeps, erased); !done.ok()) return done;
   return erased;
 }
 

@@ -22,7 +22,7 @@ struct ErasedFromCollection {
 //
 // `path` names an existing file. kBusy where another program has it open, a run above all, kLimit where a newer program
 // has made it, kFormat where it is damaged or not a collection. Does not pump; may wait some seconds for the other
-// program. After kFull the addresses are gone, but not their traces in the file.
+// program. After a failure the addresses may be gone but not their traces in the file; the next call clears those too.
 [[nodiscard]] Result<ErasedFromCollection> EraseAddresses(const std::string& path, const AddressTest& keeps);
 
 }  // namespace quenlar

@@ -28,7 +28,8 @@ Status SuppressByDigest(Files& files, const Idna& idna, const Installation& inst
 
 std::string ErasedText(const std::string& subject, const EraseOutcome& outcome) {
   if (outcome.collections == 0 && outcome.files == 0) {
-    return subject + ": no collection and no report holds anything of it";
+    return subject + (outcome.problems.empty() ? ": no collection and no report holds anything of it"
+                                               : ": nothing has been taken out, but not everything could be looked at");
   }
   return subject + ": " + Counted(outcome.addresses.size(), "address", "es") + " taken out of " +
          Counted(outcome.collections, "collection") + " and " + Counted(outcome.files, "file") + " of projects";

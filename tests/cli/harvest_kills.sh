@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # harvest from outside: the same bytes whatever the number of cores, and a harvest into a collection that is killed again
 # and again and still prints every row once; what is told when it is started again. usage: harvest_kills.sh PROGRAM
+#   QUENLAR_KILLS=1000     after that so many kills at random instants, in one collection after the other
+#   KILL_WITHIN_MS=1500    the latest of these instants, from the start of the program on
 set -uo pipefail
 program=$1
 work=$(mktemp -d)
@@ -41,13 +43,22 @@ for format in lines csv jsonl; do
   expect "rows of $format" 122400 "$(wc -l <"$work/$format.1")"
 done
 
+harvest() { # begins one; $running is its process
+  rm -f "$work/out" "$work/err"
+  "$program" harvest --name all --format jsonl "$work/in" >"$work/out" 2>"$work/err" &
+  running=$!
+}
+check_collection() {
+  expect "rows that came twice" 0 "$(sort "$work/rows" | uniq -d | wc -l)"
+  "$program" addresses all --format lines 2>/dev/null | sort >"$work/held"
+  cmp -s "$work/held" "$work/wanted" || expect "addresses in the collection" "all" "$(wc -l <"$work/held")"
+}
+
 # Killed as soon as it has printed something, until there is nothing more to print.
 kills=0
 : >"$work/rows"
 for ((round = 0; round < 200; ++round)); do
-  rm -f "$work/out" "$work/err"
-  "$program" harvest --name all --format jsonl "$work/in" >"$work/out" 2>"$work/err" &
-  running=$!
+  harvest
   while [ ! -s "$work/out" ] && kill -0 $running 2>/dev/null; do read -rt 0.02 <> <(:) || true; done
   kill -KILL $running 2>/dev/null && kills=$((kills + 1))
   wait $running 2>/dev/null
@@ -56,10 +67,8 @@ for ((round = 0; round < 200; ++round)); do
   grep -q 'This harvest is finished' "$work/err" && break
 done
 expect "the last message" "This harvest is finished: everything in its inputs is in the collection." "$(cat "$work/err")"
-expect "rows that came twice" 0 "$(sort "$work/rows" | uniq -d | wc -l)"
-"$program" addresses all --format lines 2>/dev/null | sort >"$work/held"
 sort "$work/lines.1" >"$work/wanted"
-cmp -s "$work/held" "$work/wanted" || expect "addresses in the collection" "all" "$(wc -l <"$work/held")"
+check_collection
 echo "$kills kills, $(wc -l <"$work/rows") rows printed before them"
 
 # What is new alone is printed.
@@ -104,5 +113,31 @@ for input in "$work/odd/old.arc" "$work/missing" /proc/self/mem; do
     expect "end of $input, $time time" 0 "$(grep -c 'is finished' "$work/err")"
   done
 done
+rm "$work/in/d.warc"
+
+# Killed at random instants. The last one comes to its end in peace.
+mkfifo "$work/never"
+killed=0 collections=0
+while [ $killed -lt "${QUENLAR_KILLS:-0}" ] && [ $failed -eq 0 ]; do
+  rm -rf "$QUENLAR_HOME"
+  : >"$work/rows"
+  status=137
+  while [ $status -eq 137 ]; do
+    harvest
+    if [ $killed -lt "$QUENLAR_KILLS" ]; then
+      ms=$((RANDOM % ${KILL_WITHIN_MS:-1500}))
+      read -r -t "$((ms / 1000)).$(printf '%03d' $((ms % 1000)))" _ <>"$work/never" 2>/dev/null || true
+      kill -KILL $running 2>/dev/null
+    fi
+    wait $running 2>/dev/null
+    status=$?
+    cat "$work/out" >>"$work/rows"
+    [ $status -ne 137 ] || killed=$((killed + 1))
+  done
+  expect "exit status of a continued harvest" 0 $status
+  check_collection
+  collections=$((collections + 1))
+done
+[ $killed -eq 0 ] || echo "$killed kills at random instants, $collections collections, $(wc -l <"$work/wanted") addresses"
 [ $failed -eq 0 ] && echo "[  PASSED  ]"
 exit $failed

@@ -2,14 +2,13 @@
 
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/ascii.h"
-#include "collection/scratch_collection.h"
+#include "collection/untidy_collection.h"
 
 namespace quenlar {
 namespace {
@@ -73,28 +72,9 @@ TEST_F(EraseAddressesTest, TakesAnAddressOutAndLeavesTheOthers) {
   EXPECT_THAT(Query("SELECT url FROM pages"), ElementsAre("https://www.firma.de/", "https://www.firma.de/b"));
 }
 
-// The pages of the database split and fill up while addresses of all lengths come in an order of their own. What is
-// deleted then leaves pieces behind, which only writing the file anew takes away.
 TEST_F(EraseAddressesTest, NoByteOfThemStaysInAnyFileOfALargeCollection) {
-  std::mt19937 random(9);  // of the first ten seeds two leave such pieces
-  std::vector<std::string> unwanted;
-  for (int page = 0; page < 1200; ++page) {
-    std::vector<std::string> addresses;
-    for (int i = 0; i < 10; ++i) {
-      std::string name(12 + random() % 30, 'a');
-      for (char& c : name) c = static_cast<char>('a' + random() % 10);
-      addresses.push_back(name + std::to_string(page * 10 + i) + "@firma.de");
-    }
-    unwanted.push_back(addresses[random() % 10]);
-    const std::string title = page % 3 == 0 ? "By " + unwanted[random() % unwanted.size()] : "A page";
-    addresses.push_back(unwanted[random() % unwanted.size()]);
-    Read("https://www.firma.de/" + std::to_string(page), title, addresses);
-    if (page % 50 == 0) {
-      ASSERT_TRUE(collection_->Commit().ok());
-    }
-  }
+  const std::set<std::string, std::less<>> names = FillUntidily(*collection_);
   Close();
-  const std::set<std::string, std::less<>> names(unwanted.begin(), unwanted.end());
   const auto erased = EraseAddresses(path_, [&](std::string_view address) { return !names.contains(address); });
   ASSERT_TRUE(erased.ok()) << erased.status().message();
   EXPECT_EQ(erased.value().addresses.size(), names.size());

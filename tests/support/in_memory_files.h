@@ -60,6 +60,7 @@ class InMemoryFiles : public Files {
   friend class InMemoryReplacement;
   friend class InMemoryGrowingFile;
   friend class InMemoryLock;
+  friend class InMemoryDatabases;
 
   Status CountCall(const char* what, const std::string& path) const;
   [[nodiscard]] Status CheckPlace(const std::string& path) const;

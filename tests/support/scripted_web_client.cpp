@@ -1,6 +1,7 @@
 #include "support/scripted_web_client.h"
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 
 namespace quenlar {
@@ -20,8 +21,8 @@ void ScriptedWebClient::Start(WebRequest request, const std::string& key) {
   if (by_key_.contains(key)) throw std::logic_error("the key is under way: " + key);
   const Id id = next_id_++;
   std::string host = HostOf(request.url);
-  by_key_[key] = id;
   requests_.emplace(id, Request{std::move(request), key, host});
+  by_key_[key] = id;
   if (host.empty()) return Answer(id, WebFails(WebFailure::kBadUrl));
   hosts_[host].waiting.push_back(id);
   Next(host);
@@ -112,9 +113,13 @@ void ScriptedWebClient::Release(const Request& request, Id id) {
   if (host == hosts_.end() || host->second.current != id) return;
   host->second.current = 0;
   --hosts_busy_;
-  loop_.Post([this, alive = std::weak_ptr(alive_), name = request.host] {
-    if (!alive.expired()) Next(name);
-  });
+  try {
+    loop_.Post([this, alive = std::weak_ptr(alive_), name = request.host] {
+      if (!alive.expired()) Next(name);
+    });
+  } catch (const std::bad_alloc&) {
+    // Cancel never fails; a program that is out of memory asks for nothing more.
+  }
 }
 
 }  // namespace quenlar

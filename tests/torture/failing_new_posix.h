@@ -1,4 +1,4 @@
-// Memory that can be made to fail: this test program's own operator new.
+// Memory that can be made to fail: this test program's own operator new, and what SQLite takes.
 #pragma once
 
 #include <cstdint>
@@ -27,5 +27,8 @@ class FailingMemory {
  private:
   std::uint64_t n_;
 };
+
+// From now on SQLite's allocations count and fail like all others. No database may be open.
+void ShareMemoryWithSqlite();
 
 }  // namespace quenlar

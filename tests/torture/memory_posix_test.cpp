@@ -2,12 +2,9 @@
 // settings, whole runs and the window program: that one alone, and that one with all after it.
 #include <new>
 
-#include <CLI/CLI.hpp>
-
-#include "cli/command_line.h"
 #include "cli/extract_run.h"
 #include "command_system.h"
-#include "failing_new_posix.h"
+#include "fail_every_allocation_posix.h"
 #include "platform/posix/file_registry.h"
 #include "run/end_reasons.h"
 #include "support/program_world.h"
@@ -15,41 +12,6 @@
 
 namespace quenlar {
 namespace {
-
-struct Outcome {
-  bool thrown;   // std::bad_alloc has come out of Act
-  bool reached;  // there was an n-th allocation
-  Memory kind;
-};
-
-// A Case is made anew for each n, from `first` on. Check runs once memory is there again.
-template <typename Case>
-void FailEveryAllocation(const char* what, std::uint64_t step = 1, std::uint64_t first = 1) {
-  std::uint64_t faults = 0;
-  for (const Memory kind : {Memory::kFailsOnce, Memory::kRunsOut}) {
-    bool reached = true;
-    for (std::uint64_t n = first; reached; n += step) {
-      SCOPED_TRACE(std::string(what) + ", allocation " + std::to_string(n) +
-                   (kind == Memory::kRunsOut ? " and all after it" : ""));
-      Case test;
-      bool thrown = false;
-      {
-        const FailingMemory failing(n, kind);
-        try {
-          test.Act();
-        } catch (const std::bad_alloc&) {
-          thrown = true;
-        }
-        reached = failing.reached();
-      }
-      test.Check({thrown, reached, kind});
-      if (testing::Test::HasFailure()) return;
-      if (reached) ++faults;
-    }
-  }
-  EXPECT_GT(faults, 20u);
-  TellFaults(what, faults);
-}
 
 // --- A load ---
 
@@ -344,18 +306,9 @@ struct Command : WholeRun {
   }
 };
 
-// The allocations of reading the command line. The parser's library ends the program where one of them fails, since it
-// allocates in functions that it declares noexcept. Nothing has been begun by then.
-std::uint64_t AllocationsOfParsing() {
-  const FailingMemory counting(1'000'000'000, Memory::kFailsOnce);
-  CommandLine line;
-  line.root->parse(std::vector<std::string>{"h.example", "extract"});  // taken from the back
-  return counting.counted();
-}
-
 TEST(Torture, ACommandThatMemoryDoesNotHoldEndsWithStatus1) {
   // Its run has been failed at every allocation above; here one in three is enough.
-  FailEveryAllocation<Command>("allocations of a whole command", 3, AllocationsOfParsing() + 1);
+  FailEveryAllocation<Command>("allocations of a whole command", 3, AllocationsOfParsing({"extract", "h.example"}) + 1);
 }
 
 // --- The window program ---

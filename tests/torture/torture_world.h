@@ -1,7 +1,9 @@
 // A small site, an engine that crawls it for nobody in particular, and what its files must look like whatever happens.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -130,6 +132,16 @@ inline void ExpectWholeFiles(const InMemoryFiles& files, const std::string& data
   const std::string report = files.Contents(report_path).value_or("(none)");
   EXPECT_TRUE(data == "(none)" || IsWholeDataFile(data)) << data;
   EXPECT_TRUE(report == "(none)" || (report.starts_with(HeaderLine()) && report.ends_with("\r\n"))) << report;
+}
+
+// From one n to the next: `usual`, more under sanitizers, or `thorough` for a long run, which QUENLAR_EVERY_FAULT asks
+// for.
+inline std::uint64_t FaultStep(std::uint64_t usual, std::uint64_t thorough = 1) {
+  if (std::getenv("QUENLAR_EVERY_FAULT") != nullptr) return thorough;
+#ifdef __SANITIZE_ADDRESS__
+  usual *= 5;
+#endif
+  return usual;
 }
 
 // For docs/reliability.md.

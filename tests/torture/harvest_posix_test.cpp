@@ -1,0 +1,27 @@
+// Fails the n-th call to the files and the database, and the n-th byte of the disk, of a harvest that fills a
+// collection.
+#include "collect_world.h"
+#include "torture_world.h"
+
+namespace quenlar {
+namespace {
+
+struct Harvesting {
+  CollectWorld world;
+
+  Harvesting() { PutArchives(world.fake.files); }
+  int Act() { return world.Run({"harvest", "--name", "firma", "--jobs", "1", "/in"}); }
+  void Check() { EXPECT_EQ(world.Addresses(), kOfTheArchives); }
+};
+
+TEST(Torture, AHarvestSurvivesAFailureOfEveryCallToItsFilesAndItsDatabase) {
+  FailEveryCall<Harvesting>("calls to files and database, of a harvest", FaultStep(2));
+  HoldEveryLock<Harvesting>("locks that are held, in a harvest", FaultStep(3));
+}
+
+TEST(Torture, ADiskThatFillsUpUnderAHarvestLosesNothing) {
+  FillDisk<Harvesting>("bytes at which the disk is full, of a harvest");
+}
+
+}  // namespace
+}  // namespace quenlar
