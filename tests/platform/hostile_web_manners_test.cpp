@@ -192,7 +192,7 @@ TEST_F(SecureWeb, ACertificateOfATrustedAuthorityIsAccepted) {
 }
 
 TEST_F(SecureWeb, AWrongCertificateIsAFailureOfItsOwn) {
-  for (const char* which : {"stranger", "expired", "wrong-name"}) {
+  for (const char* which : {"stranger", "expired", "not-yet", "wrong-name", "self-signed"}) {
     const WebFailure failure = Fetch(Secure(which)).failure;
     // Some look-alikes of Windows do not tell why TLS failed.
     EXPECT_TRUE(failure == WebFailure::kCertificate || (failure == WebFailure::kNoTls && !platform_->HttpIsStrict()))

@@ -100,6 +100,8 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
   endpoints["/tls/expired"] = text(std::to_string(ports.expired));
   endpoints["/tls/wrong-name"] = text(std::to_string(ports.wrong_name));
   endpoints["/tls/stranger"] = text(std::to_string(ports.stranger));
+  endpoints["/tls/not-yet"] = text(std::to_string(ports.not_yet));
+  endpoints["/tls/self-signed"] = text(std::to_string(ports.self_signed));
   endpoints["/tls/downgrade"] = text(std::to_string(ports.downgrade));
   endpoints["/tls/site"] = text(std::to_string(ports.site));
   endpoints["/tls/counting"] = text(std::to_string(ports.counting));

@@ -151,6 +151,8 @@ TlsPorts ServeTls(int plain_port) {
   ports.wrong_name = Serve(Certify("other.example", "DNS:other.example", &authority, -kDay, 365 * kDay), page);
   const Identity stranger = Certify("Unknown Authority", nullptr, nullptr, -kDay, 365 * kDay);
   ports.stranger = Serve(Certify("localhost", here, &stranger, -kDay, 365 * kDay), page);
+  ports.not_yet = Serve(Certify("localhost", here, &authority, kDay, 365 * kDay), page);
+  ports.self_signed = Serve(Certify("localhost", here, nullptr, -kDay, 365 * kDay), page);
   ports.downgrade = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay),
                           "HTTP/1.1 302 Found\r\n" + plain + "Content-Length: 0\r\nConnection: close\r\n\r\n");
   ports.counting =

@@ -12,6 +12,8 @@ struct TlsPorts {
   int expired = 0;        // a right one, until yesterday
   int wrong_name = 0;     // for other.example
   int stranger = 0;       // a right one, but signed by an authority that nobody knows
+  int not_yet = 0;        // a right one, from tomorrow on
+  int self_signed = 0;    // a right one that nobody but itself has signed
   int downgrade = 0;      // right, and each answer is a redirect to plain http
   int site = 0;           // right, and a small site, see PageOfTheClub
   int counting = 0;       // right, and its answer is how many clients have said anything to it, TLS included
