@@ -123,7 +123,7 @@ without traps src/crawl/crawler_pages.cpp crawl_test 'CrawlTest.APathThatRepeats
 without web-certificates src/platform/posix/curl_web_exchange.cpp platform_test 'SecureWeb.*' \
   's/CURLOPT_SSL_VERIFYPEER, 1L/CURLOPT_SSL_VERIFYPEER, 0L/'
 without erased-bytes src/collection/erase_addresses.cpp collection_test 'EraseAddressesTest.*' \
-  's/if \(done = database.Execute\(sql::kRewrite\); !done.ok\(\)\) return done;//'
+  's/if \(const Status rewritten = database.Execute\(sql::kRewrite\); !rewritten.ok\(\)\) return rewritten;//'
 
 if [ -n "$dry" ]; then
   [ ${#missed[@]} -eq 0 ] || printf 'protections: %s has changed\n' "${missed[@]}" >&2
