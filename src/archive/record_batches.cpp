@@ -55,11 +55,7 @@ void Shrink(RecordBatch& batch) {
 std::unique_ptr<char[]> BufferPool::Take(std::size_t size) {
   if (size == size_) {
     const std::lock_guard lock(mutex_);
-    if (!kept_.empty()) {
-      std::unique_ptr<char[]> buffer = std::move(kept_.back());
-      kept_.pop_back();
-      return buffer;
-    }
+    if (kept_count_ > 0) return std::move(kept_[--kept_count_]);
   }
   return std::make_unique_for_overwrite<char[]>(size);
 }
@@ -67,7 +63,7 @@ std::unique_ptr<char[]> BufferPool::Take(std::size_t size) {
 void BufferPool::Return(std::unique_ptr<char[]> buffer, std::size_t size) {
   if (!buffer || size != size_) return;
   const std::lock_guard lock(mutex_);
-  if (kept_.size() < kMostKept) kept_.push_back(std::move(buffer));
+  if (kept_count_ < kMostKept) kept_[kept_count_++] = std::move(buffer);
 }
 
 RecordBatches::RecordBatches(ByteSource& text, const MemberSource* members, std::uint64_t skip)

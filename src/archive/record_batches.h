@@ -1,6 +1,7 @@
 // Reads records out of a text and hands them out in batches, each with the memory in which its records lie.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -32,13 +33,15 @@ class BufferPool {
   explicit BufferPool(std::size_t size) : size_(size) {}
   // The first `size` bytes may hold anything.
   [[nodiscard]] std::unique_ptr<char[]> Take(std::size_t size);
+  // Allocates nothing: it is called where a batch ends, also where memory has run out.
   void Return(std::unique_ptr<char[]> buffer, std::size_t size);
 
  private:
   static constexpr std::size_t kMostKept = 16;
   const std::size_t size_;
   std::mutex mutex_;
-  std::vector<std::unique_ptr<char[]>> kept_;  // guarded by mutex_
+  std::array<std::unique_ptr<char[]>, kMostKept> kept_;  // guarded by mutex_, as what follows
+  std::size_t kept_count_ = 0;
 };
 
 struct RecordBatch {
