@@ -72,16 +72,16 @@ TEST_F(HarvestCommandTest, OfWordsToExtractOneMustOccur) {
 }
 
 TEST_F(HarvestCommandTest, TheSummaryTellsDamageFromWhatCannotBeRead) {
-  system.fake.files.Put("/in/c.warc", Record("http://x.de/1", "c@x.de and more").substr(0, 170));
-  system.fake.files.Put("/e.png", std::string("\x89PNG\0", 5));
+  Put("/in/c.warc", Record("http://x.de/1", "c@x.de and more").substr(0, 170));
+  Put("/e.png", std::string("\x89PNG\0", 5));
   EXPECT_EQ(system.Run({"harvest", "--remove", "^a@", "--summary", "/s", "/missing", "/in", "/e.png"}), kExitFailed);
   EXPECT_EQ(
-      system.fake.files.Contents("/s"),
+      system.fake.files.Contents(AbsolutePath("/s")),
       R"({"reason":"finished","addresses":2,"pages":4,"filtered":1,"suppressed":0,"damaged":1,"other":1,"unread":1})"
       "\n");
   EXPECT_EQ(system.Run({"harvest", "--summary", "/s", "/in/b.html"}), kExitDone);
   EXPECT_EQ(
-      system.fake.files.Contents("/s"),
+      system.fake.files.Contents(AbsolutePath("/s")),
       R"({"reason":"finished","addresses":1,"pages":1,"filtered":0,"suppressed":0,"damaged":0,"other":0,"unread":0})"
       "\n");
 }
@@ -90,7 +90,7 @@ TEST_F(HarvestCommandTest, AListThatCannotBeReadEndsItBeforeItBegins) {
   system.fake.files.AddFolder("/user/quenlar/suppressed.txt");
   EXPECT_EQ(system.Run({"harvest", "--summary", "/s", "/in"}), kExitFailed);
   EXPECT_EQ(system.output(), "");
-  EXPECT_TRUE(system.fake.files.Contents("/s").value_or("").starts_with(R"({"reason":"failed")"));
+  EXPECT_TRUE(system.fake.files.Contents(AbsolutePath("/s")).value_or("").starts_with(R"({"reason":"failed")"));
 }
 
 TEST_F(HarvestCommandTest, SuppressedAddressesAreNotListed) {

@@ -126,6 +126,8 @@ TEST_F(WebSettingsTest, AMistakeIsSaidAndShown) {
 
 // --- A run ---
 
+constexpr const char* kNoStart = "None of the starts could be visited !";
+
 struct CollectionRun : testing::Test {
   Program program;
   ScratchFolder folder;
@@ -148,6 +150,18 @@ struct CollectionRun : testing::Test {
     ASSERT_TRUE(WaitUntil([&] { return web.Control("chkCollect").Checked() == collect; }));
     web.Control(IDOK).Click();
     ASSERT_TRUE(WaitUntil([&] { return !web && program.Main().Enabled(); }));
+  }
+  // Starts a run and waits until the list has so many rows. Wine's TLS refuses a sound first connection now and then;
+  // the run then ends with a message, and is started once more.
+  void ExtractUntil(int rows) {
+    const Window list = Control("lstMail");
+    Control("cmdExtract").Click();
+    ASSERT_TRUE(WaitUntil([&] { return list.Rows() == rows || program.BoxThatBegins(kNoStart); }))
+        << list.Rows() << WhatIsShown();
+    if (!program.BoxThatBegins(kNoStart)) return;
+    AnswerEnd(kNoStart);
+    Control("cmdExtract").Click();
+    ASSERT_TRUE(WaitUntil([&] { return list.Rows() == rows; })) << list.Rows() << WhatIsShown();
   }
   // Presses a button of the message whose text begins so.
   void AnswerBox(const std::string& beginning, int button) {
@@ -194,10 +208,9 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
   program.Start();
   SwitchTo(true);
   Control("cmbURL").Type(site + "/index.html");
-  Control("cmdExtract").Click();
   // The page that is never answered keeps the run going until Stop.
   const Window list = Control("lstMail");
-  ASSERT_TRUE(WaitUntil([&] { return list.Rows() == 2; })) << list.Rows() << WhatIsShown();
+  ExtractUntil(2);
   EXPECT_THAT(list.Column(1), ElementsAre("secretary@chess.de", "treasurer@chess.museum"));
   EXPECT_EQ(list.Cell(0, 2), site + "/index.html");
   EXPECT_EQ(list.Cell(1, 3), "Board");

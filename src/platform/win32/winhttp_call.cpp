@@ -253,7 +253,8 @@ void HttpCall::OnRead(DWORD bytes) {
 
 void HttpCall::OnError(DWORD error) {
   const bool connection_gone = error == ERROR_WINHTTP_CONNECTION_ERROR || error == ERROR_WINHTTP_RESEND_REQUEST ||
-                               error == ERROR_WINHTTP_INVALID_SERVER_RESPONSE;
+                               error == ERROR_WINHTTP_INVALID_SERVER_RESPONSE ||
+                               error == WSAECONNRESET;  // Wine hands the socket's own error on
   if (connection_gone && !has_head_ && !connected_afresh_ && sends_ < kMostSends && Send()) return;
   OnFailure(error);
   Finish();
