@@ -69,7 +69,10 @@ is there), 2 wrong usage, 130 stopped.
 def main(arguments: Sequence[str] | None = None) -> int:
     """Runs the command and gives its exit status."""
     given = _parser().parse_args(arguments)
-    signal.signal(signal.SIGTERM, lambda *_: signal.raise_signal(signal.SIGINT))
+    # As the program does: a shell starts its background jobs with SIGINT ignored, and they can be
+    # stopped all the same.
+    for stop in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(stop, signal.default_int_handler)
     try:
         return given.run(given)
     except ClusterError as error:
