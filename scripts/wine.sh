@@ -56,8 +56,14 @@ fi
 [ -z "$display" ] || export DISPLAY=$display
 # A server that outlives its last program for a minute, so that the next one starts at once. What Wine starts beside
 # the first program must not hold our output open, or a reader of it would wait for that minute.
-"$wineserver" -p60 9>&- </dev/null >/dev/null 2>&1 || true
-"$wine" cmd /c exit 9>&- </dev/null >/dev/null 2>&1
+# A server that is just ending refuses a first program at times, so Wine is asked until it answers.
+answer=refused
+for _ in {1..20}; do
+  "$wineserver" -p60 9>&- </dev/null >/dev/null 2>&1 || true
+  if "$wine" cmd /c exit 9>&- </dev/null >"$folder/start.log" 2>&1; then answer=given; break; fi
+  sleep 0.5
+done
+[ "$answer" = given ] || { cat "$folder/start.log" >&2; echo "wine.sh: Wine does not start" >&2; exit 1; }
 flock -u 9
 exec 9>&-
 export LC_ALL=$locale
