@@ -16,8 +16,9 @@ namespace quenlar {
 // request that fails the answer is left out: nothing was read of it.
 class ArchivingClient final : public WebClient, private WebListener {
  public:
-  // `on_failure` is called once, inside a pump, when the archive cannot be written. From then on the ends of such
-  // requests are told to nobody: the run is to end, and their pages are left to the next one. All must outlive this.
+  // `on_failure` is called once, inside a pump, when a record cannot be written; status() says why. From then on the
+  // listener hears of no end of a request that keeps its wire: the owner has to end the run, and the next run visits
+  // those pages. Client and writer must outlive this object.
   ArchivingClient(WebClient& client, WarcWriter& writer, std::function<void()> on_failure);
   ArchivingClient(const ArchivingClient&) = delete;
   ArchivingClient& operator=(const ArchivingClient&) = delete;

@@ -28,9 +28,9 @@ class MemberReader {
   // `room`: how much of the text of one member it keeps in memory.
   explicit MemberReader(std::size_t room) : most_room_(room) {}
 
-  // Reads the members that begin in the file's bytes [begin, limit) and gives their records in order. Where `begin` is
-  // not `sure` to be the beginning of a member, the first member of records is looked for. The views of a record live
-  // as long as the call.
+  // Reads the members that begin in the file's bytes [begin, limit) and gives their records to `each`, in order. With
+  // `sure` off, `begin` may stand anywhere: the first member of whole records behind it is looked for. The views of a
+  // record live until `each` returns. Fails where the file cannot be read.
   [[nodiscard]] Result<MemberSpan> Read(const ReadableFile& file, std::uint64_t begin, std::uint64_t limit, bool sure,
                                         const std::function<void(const WarcRecord& record)>& each);
 

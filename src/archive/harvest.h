@@ -28,11 +28,12 @@ class HarvestView {
   // Where the reading of an input begins; empty when it has been read before: then OnInputEnd alone follows. `file` is
   // null for standard input. Called ahead of the order of the inputs.
   [[nodiscard]] virtual std::optional<HarvestPlace> PlaceOf(const HarvestInput& input, const ReadableFile* file) = 0;
-  // The next pages of an input; `portion.behind` is where the reading goes on. False ends the harvest.
+  // The next pages of an input. Where the input can be gone on with, `portion.behind` is the place to store for that.
+  // Return false to end the harvest.
   [[nodiscard]] virtual bool OnPortion(const HarvestInput& input, HarvestPortion& portion) = 0;
-  // False ends the harvest.
+  // Comes once for each input that was begun, behind its last portion. Return false to end the harvest.
   [[nodiscard]] virtual bool OnInputEnd(const InputReport& report) = 0;
-  // A folder that cannot be read.
+  // A folder could not be read; the walk goes on behind it.
   virtual void OnFailure(const Status& failure) = 0;
 };
 
@@ -41,15 +42,17 @@ struct HarvestSettings {
   PageReading reading;
 };
 
+// One harvest of some inputs. Owns the threads; the view is called on the thread of Run alone.
 class Harvest {
  public:
-  // `standard_input` is what the input "-" reads. All must outlive the harvest.
+  // `standard_input` is what the input "-" reads. Files, standard input, view, and what `settings` refers to must
+  // outlive the harvest.
   Harvest(const Files& files, ByteSource& standard_input, HarvestSettings settings, HarvestView& view);
   ~Harvest();
   Harvest(const Harvest&) = delete;
   Harvest& operator=(const Harvest&) = delete;
 
-  // Reads everything that the walk gives. Once.
+  // Reads everything that the walk gives. To be called once. Returns when all is read, or the view has ended it.
   void Run(InputWalk& walk);
 
  private:

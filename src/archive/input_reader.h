@@ -21,10 +21,10 @@
 
 namespace quenlar {
 
-// Where in an input the reading stands: at so many bytes of the text of what begins at an offset of the file.
+// Where in an input the reading stands. Stored, and given back to an InputReader, it goes on there.
 struct HarvestPlace {
-  std::uint64_t offset = 0;
-  std::uint64_t text = 0;
+  std::uint64_t offset = 0;  // in the file; of a packed one the beginning of a member
+  std::uint64_t text = 0;    // bytes from there on, unpacked, that have been read
   bool operator==(const HarvestPlace&) const = default;
 };
 
@@ -61,8 +61,9 @@ class InputReader {
   };
   [[nodiscard]] Step Next(HarvestWork& work, std::size_t& weight);
 
-  // Takes the outcomes in the order of the work. False when the outcome is not to be used: it was a guess that has
-  // turned out wrong. An outcome may be replaced by a right one.
+  // To be called with every outcome, in the order in which Next gave the work, on the thread of Next. True: the pages
+  // of `portion` are the next ones of the input. It may have been read anew with `tools` before. False: drop it. It
+  // came from a place that was only guessed to be the beginning of a member, and its bytes come with another portion.
   [[nodiscard]] bool Take(HarvestPortion& portion, HarvestTools& tools);
 
   // What the input is, when the first piece of work has been asked for; behind its packing.

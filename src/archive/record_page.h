@@ -61,7 +61,8 @@ struct PageCounts {
 [[nodiscard]] std::optional<HarvestedPage> ReadRecordPage(const WarcRecord& record, const PageReading& reading,
                                                           PageCounts& counts);
 
-// The page that a file is. `content_type` is "text/html" or "text/plain".
+// The page that a file is; empty where it has no addresses, or asks not to be indexed and is obeyed. `content_type` is
+// "text/html" or "text/plain", `name` becomes the page's `url`.
 [[nodiscard]] std::optional<HarvestedPage> ReadFilePage(std::string_view body, std::string_view content_type,
                                                         const std::string& name, const PageReading& reading,
                                                         PageCounts& counts);

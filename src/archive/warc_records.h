@@ -26,10 +26,12 @@ class WarcIds {
   std::uint64_t state_[2];
 };
 
-// Why an answer is not whole. Empty where it is.
+// Why the body of an answer is not whole (ISO 28500, WARC-Truncated); kNone: it is.
 enum class WarcCut { kNone, kLength, kUnspecified };
 
-// `time` is seconds since 1970 UTC. All of them give a whole gzip member, or "" where memory is short.
+// The functions below give whole gzip members, or "" where memory is short. Times are seconds since 1970 UTC.
+//
+// The record that a file begins with: what wrote it, and how.
 [[nodiscard]] std::string WarcInfoRecord(const WarcOrigin& origin, const std::string& id, const std::string& file_name,
                                          std::int64_t time);
 

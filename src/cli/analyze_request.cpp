@@ -178,7 +178,8 @@ Result<AnalyzeRequest> ReadRequest(Value& line) {
   for (const Shape& shape : kShapes) {
     if (members == shape.members) return shape.read(line);
   }
-  if (const PageDoor door = FindPageDoor(members)) return AnalyzeRequest(DoorRequest{door, std::move(line)});
+  if (const PageFunction function = FindPageFunction(members))
+    return AnalyzeRequest(FunctionRequest{function, std::move(line)});
   return Wrong("the line is no request");
 }
 

@@ -10,7 +10,7 @@
 
 #include "base/status.h"
 #include "cli/json_text.h"
-#include "cli/page_doors.h"
+#include "cli/page_functions.h"
 #include "state/settings_table.h"
 
 namespace quenlar {
@@ -41,14 +41,14 @@ struct HostRequest {
 };
 struct SaveRequest {};
 struct ResetRequest {};
-// A request of cli/page_doors.h: what answers it, and all of its members.
-struct DoorRequest {
-  PageDoor door;
+// A request of cli/page_functions.h: what answers it, and all of its members.
+struct FunctionRequest {
+  PageFunction function;
   nlohmann::json members;
 };
 
 using AnalyzeRequest = std::variant<SettingsRequest, OpenRequest, PageRequest, RedirectRequest, FailRequest,
-                                    ResolveRequest, HostRequest, SaveRequest, ResetRequest, DoorRequest>;
+                                    ResolveRequest, HostRequest, SaveRequest, ResetRequest, FunctionRequest>;
 
 struct ParsedLine {
   std::optional<Json> id;          // the member `id`, also of a line that is otherwise wrong

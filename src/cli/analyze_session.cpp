@@ -191,7 +191,7 @@ struct AnalyzeSession::Answering {
   Json operator()(HostRequest request) const;
   Json operator()(SaveRequest) const;
   Json operator()(ResetRequest) const;
-  Json operator()(DoorRequest request) const;
+  Json operator()(FunctionRequest request) const;
 
   AnalyzeSession& session;
 };
@@ -297,8 +297,8 @@ Json AnalyzeSession::Answering::operator()(ResetRequest) const {
   return {{"ok", true}};
 }
 
-Json AnalyzeSession::Answering::operator()(DoorRequest request) const {
-  return request.door(request.members, session.lent_);
+Json AnalyzeSession::Answering::operator()(FunctionRequest request) const {
+  return request.function(request.members, session.lent_);
 }
 
 std::string AnalyzeSession::Answer(std::string_view line) {

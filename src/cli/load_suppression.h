@@ -8,7 +8,9 @@
 
 namespace quenlar {
 
-// See LoadSuppressionList; lines that are no entry are told. Without a program folder the list is empty.
+// Reads the list. Fails where the file is there and cannot be read or is not a text: then nobody knows what is
+// suppressed, and the command must list nothing. Lines that are not entries are passed over, with a message on standard
+// error. Without a program folder, or without the file, the list is empty. Does not pump.
 [[nodiscard]] Result<SuppressionList> LoadSuppression(Invocation& invocation, const Platform& platform);
 
 }  // namespace quenlar

@@ -181,34 +181,47 @@ class Collection {
   Collection(const Collection&) = delete;
   Collection& operator=(const Collection&) = delete;
 
-  // What happens belongs to one transaction until it is committed; a page's end, its addresses and its links are not
-  // parted. Call these between two pages.
-  // What is committed survives the end of the program and of the machine.
+  // Every change below belongs to the transaction at hand, and only these two commit it. Call them between two pages,
+  // so that a page's end, its addresses and its links are not parted.
+  //
+  // Commits and waits for the disk: everything survives a loss of power from now on.
   Status Commit();
-  // What is committed survives the end of the program at once, and that of the machine after a second. Cheap: the disk
-  // is waited for once a second.
+  // Commits: everything survives the end of the program from now on, and a loss of power about a second later. Waits
+  // for the disk once a second at most, so it is cheap behind every page.
   Status CommitSoon();
 
   // Takes back what was not committed, also in the counts below. For the end after a failure.
   void Forget();
 
-  [[nodiscard]] Result<std::string> Fact(std::string_view name);  // "" where it is not known
+  // A text that the collection remembers under a name, from run to run; "" where it does not.
+  [[nodiscard]] Result<std::string> Fact(std::string_view name);
   Status SetFact(std::string_view name, std::string_view value);
 
+  // Begins the record of a run, at `now`.
   Status BeginRun(std::int64_t now);
+  // Writes how far the run that BeginRun has begun is. May be called as often as wanted; `started` is not looked at. A
+  // run whose last record has `ended` 0 was cut short.
   Status SaveRun(const RunRecord& run);
   // Whether a run was cut short, by a kill or by a loss of power.
   [[nodiscard]] bool last_run_unfinished() const { return last_run_unfinished_; }
 
-  // Starts. Adding one that is there gives the one that is there.
+  // Starts. Ids must be those of this collection: a change of an unknown one changes nothing, and succeeds.
+  //
+  // Adding a text that is there gives the start that is there. `kind` as in StartRow; `parent` is the keyword of a
+  // result, otherwise 0.
   [[nodiscard]] Result<StartRow> AddStart(std::string_view text, std::string_view kind, StartId parent);
+  // Stores where a start lies: its page (0: none), the host and the site of that page.
   Status PlaceStart(StartId start, PageId page, std::string_view host, std::string_view site);
+  // The search for a keyword is complete; this pass does not search for it again.
   Status MarkAsked(StartId keyword, std::int64_t now);
   [[nodiscard]] Result<std::vector<StartRow>> Starts();
 
-  // Hosts.
+  // Hosts. `host` must be one of this collection: of an unknown one Host gives an empty row, and a change of it changes
+  // nothing, and succeeds.
   [[nodiscard]] Result<HostRow> Host(HostId host);
+  // `state` as in HostRow, and why it is so; "" where nothing is to be said.
   Status SaveHostState(HostId host, std::string_view state, std::string_view reason);
+  // The host's robots.txt was asked for at `now`: the answer's status (0: none), and its body where it has rules.
   Status SaveRobots(HostId host, std::int64_t now, int status, std::string_view rules);
   // The host asked not to be asked before `until`.
   Status SaveWait(HostId host, std::int64_t until);
@@ -237,9 +250,10 @@ class Collection {
   [[nodiscard]] Result<KnownPage> LastOfRedirects(PageId page, PageId circle);
   // What a page links to, by the keys of the offers.
   Status SaveLinks(PageId page, const std::vector<std::int64_t>& keys);
-  // A page that was visited is `depth` clicks from a start now, and was further: so is what lies behind it. Pages that
-  // were refused for their depth and are not deeper than `deepest` any more are queued. Calls `queued` for each page
-  // that waits and is nearer.
+  // Call it when a page that was visited turns out to be only `depth` clicks from a start. Writes the smaller depth of
+  // everything that can be reached from it. Pages that were refused for their depth, and are not deeper than `deepest`
+  // now, are queued. Calls `queued`, with host and new depth, for each page that has come nearer and waits. A page that
+  // the collection does not hold changes nothing.
   Status CarryNearer(PageId page, int depth, int deepest, const EachHost& queued);
   // The next page of a host: the least depth first, then the lower rank, then as found.
   [[nodiscard]] Result<std::optional<WaitingPage>> Next(HostId host);
@@ -271,6 +285,8 @@ class Collection {
   // visited are queued anew; hosts count their pages from 0 on, keywords are searched for again. `reading` says what is
   // taken from a page: where it is another text than before, pages are fetched whole even if they have not changed.
   [[nodiscard]] Result<Pass> BeginPass(bool again, std::string_view reading);
+  // Everything of the pass at hand has been visited. Until this is called, `again` goes on with the same pass while
+  // pages wait.
   Status EndPass();
 
   [[nodiscard]] std::int64_t waiting() const { return waiting_; }  // pages still to visit

@@ -2,11 +2,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "base/ascii.h"
+
 namespace quenlar {
 namespace {
 
 std::string PercentEncoded(std::string_view text) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   std::string encoded;
   for (const char c : text) {
     const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
@@ -17,8 +18,8 @@ std::string PercentEncoded(std::string_view text) {
     }
     const auto byte = static_cast<unsigned char>(c);
     encoded += '%';
-    encoded += kDigits[byte >> 4];
-    encoded += kDigits[byte & 15];
+    encoded += kHexDigits[byte >> 4];
+    encoded += kHexDigits[byte & 15];
   }
   return encoded;
 }

@@ -54,7 +54,7 @@ std::vector<std::string> LeftOut(const CollectionEnd& end, const WebSettings& se
   const CrawlFigures& figures = end.figures;
   if (end.end == CrawlEnd::kFinished && end.left > 0) {
     lines.push_back(Counted(static_cast<std::uint64_t>(end.left), "page") + " of hosts that have had their " +
-                    Counted(static_cast<std::uint64_t>(settings.pages), "page") + " or do not answer for now");
+                    Counted(static_cast<std::uint64_t>(settings.pages_per_host), "page") + " or do not answer for now");
   }
   if (figures.failed > 0) lines.push_back(Counted(figures.failed, "page") + " that could not be read");
   if (figures.protected_count > 0 && settings.list_protected == 0) {

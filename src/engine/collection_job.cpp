@@ -34,7 +34,7 @@ CrawlOptions CrawlOptionsOf(const WebSettings& settings, const std::string& lang
   CrawlOptions options;
   options.scope = kScopes[settings.scope];
   options.depth = settings.depth;
-  options.pages_per_host = static_cast<std::uint64_t>(settings.pages);
+  options.pages_per_host = static_cast<std::uint64_t>(settings.pages_per_host);
   options.hosts = static_cast<std::size_t>(settings.hosts);
   options.delay = std::chrono::milliseconds(settings.pause);
   options.obey_robots = settings.obey_robots != 0;

@@ -43,10 +43,12 @@ class Job {
 
   // Fails when a run could not be saved, so that it does not begin.
   [[nodiscard]] virtual Status CheckCanBeSaved() = 0;
-  // The path of the report, and its writing. Pumps.
+  // The path of the report, whether the file is there or not; "" where nothing is open.
   [[nodiscard]] virtual std::string report() const = 0;
+  // Writes the report, in the place of an older one. May pump. The message of a failure is a complete sentence.
   virtual Status WriteReport() = 0;
-  // Deletes all files of what is open. The message of a failure is a complete sentence.
+  // Deletes all files of what is open. Goes on behind a failure, and returns the first one; its message is a complete
+  // sentence. The shown addresses stay.
   virtual Status DeleteFiles() = 0;
 
   // Makes one run of what is open. Pumps until it has ended. It must not be called while a run goes on.

@@ -81,7 +81,7 @@ void frmWeb::Load() {
   chkCollect.SetChecked(settings.collect != 0);
   cmbScope.SetText(kScopeChoices[settings.scope].name);
   txtDepth.SetText(std::to_string(settings.depth));
-  txtPages.SetText(std::to_string(settings.pages));
+  txtPages.SetText(std::to_string(settings.pages_per_host));
   txtService.SetText(settings.search_service);
   chkProtected.SetChecked(settings.list_protected != 0);
   txtContact.SetText(settings.contact);
@@ -165,12 +165,13 @@ std::optional<WebSettings> frmWeb::ReadControls() {
   const auto scope = std::find_if(std::begin(kScopeChoices), std::end(kScopeChoices),
                                   [this](const ScopeChoice& choice) { return cmbScope.text() == choice.name; });
   settings.scope = static_cast<std::int16_t>(scope - std::begin(kScopeChoices));
-  const bool taken = TakeText(txtContact, "The contact", settings.contact, CheckContact) &&
-                     TakeText(txtService, "The search service", settings.search_service, CheckServiceUrl) &&
-                     TakeNumber(txtDepth, kReachTab, "Clicks from a start", settings.depth, &WebSettings::depth) &&
-                     TakeNumber(txtPages, kReachTab, "Pages of a host", settings.pages, &WebSettings::pages) &&
-                     TakePause(settings.pause) &&
-                     TakeNumber(txtHosts, kMannersTab, "Hosts at a time", settings.hosts, &WebSettings::hosts);
+  const bool taken =
+      TakeText(txtContact, "The contact", settings.contact, CheckContact) &&
+      TakeText(txtService, "The search service", settings.search_service, CheckServiceUrl) &&
+      TakeNumber(txtDepth, kReachTab, "Clicks from a start", settings.depth, &WebSettings::depth) &&
+      TakeNumber(txtPages, kReachTab, "Pages of a host", settings.pages_per_host, &WebSettings::pages_per_host) &&
+      TakePause(settings.pause) &&
+      TakeNumber(txtHosts, kMannersTab, "Hosts at a time", settings.hosts, &WebSettings::hosts);
   return taken ? std::optional(settings) : std::nullopt;
 }
 

@@ -13,10 +13,10 @@ namespace quenlar {
 constexpr std::size_t kLongestLocalPart = 64;  // RFC 5321, 4.5.3.1.1
 constexpr std::size_t kLongestAddress = 254;   // RFC 5321, 4.5.3.1.3 without the angle brackets
 
-// Where the local part begins that ends before `end`; npos when there is none. It is written in the characters of the
-// HTML Standard's pattern. What stands up to the last = ' ` { } | / ? & # is not part of it, except an apostrophe
-// between two letters, and neither are dots before it. There is none behind "@", behind a letter beyond ASCII that the
-// word goes on with, and where a URL's user name stands.
+// Returns where the local part before `end` begins, or npos. Walks back over the characters that the HTML Standard
+// allows in one. It stops behind = ' ` { } | / ? & # (an apostrophe between two letters does not stop it), and skips
+// dots at the beginning. npos where nothing is left, where more than kLongestLocalPart bytes are, and where the text
+// before it is "@", a letter beyond ASCII of the same word, or the user name of a URL.
 [[nodiscard]] std::size_t LocalPartBegin(std::string_view text, std::size_t end);
 
 // The run of characters from `begin` on that a domain can be made of, at most as much as the longest domain takes.
@@ -40,7 +40,7 @@ class DomainRules {
 
   // The domain that a run begins with: all of it without the dots and hyphens at its end, or, where text of a script
   // without blanks between words follows, the longest part before such text whose last label is a top-level domain.
-  // Longer than `floor` bytes.
+  // Empty where no such domain is longer than `floor` bytes. `goes_on` as in DomainRun.
   [[nodiscard]] std::optional<Domain> DomainOf(std::string_view run, bool goes_on, std::size_t floor = 0) const;
 
  private:
@@ -58,10 +58,10 @@ struct AddressMatch {
   std::string address;  // local part as written; domain in lower case and A-labels
 };
 
-// Whether an address can stand around the "@" at `sign`. Told at a glance.
+// A cheap test of the "@" at `sign`. True does not promise an address; false rules one out.
 [[nodiscard]] bool MayBeAddress(std::string_view text, std::size_t sign);
 
-// The address whose "@" is at `sign`.
+// Returns the address whose "@" is at `sign`; empty where none stands there.
 [[nodiscard]] std::optional<AddressMatch> AddressAtSign(std::string_view text, std::size_t sign,
                                                         const DomainRules& rules);
 

@@ -13,8 +13,9 @@
 
 namespace quenlar {
 
-// Tags join what is not an address by itself: an address that stands whole between two tags ends there. An element
-// that is not shown joins first.
+// A tag may stand between two words or within one: "<b>anna</b>@example.org". An address that stands whole between two
+// tags ends there. Only where there is none is the text around tags joined. An element that is not shown is taken out
+// first; its place parts the text only where no address is found without it.
 class JointedText {
  public:
   // Views that must outlive the object.

@@ -16,7 +16,7 @@ namespace quenlar {
 
 enum class LinkSource : std::uint8_t { kA, kArea, kFrame, kIframe, kRefresh, kCanonical, kNext, kAlternate };
 
-// As the `read` door of `quenlar analyze` spells it.
+// As the request `read` of `quenlar analyze` spells it.
 [[nodiscard]] std::string_view LinkSourceName(LinkSource source);
 
 enum class LinkFollow : std::uint8_t {

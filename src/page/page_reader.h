@@ -29,8 +29,9 @@ struct ReadRequest {
   // robots are then not looked for either.
   bool links = true;
   bool count_protected = true;  // without it protected addresses are neither looked for nor counted
-  bool decode_protected =
-      false;  // see AddressFinder::Settings; protected addresses are looked for whatever the one before
+  // Protected addresses are listed, with the place kProtected. They are then looked for, and counted, even without
+  // `count_protected`.
+  bool decode_protected = false;
 };
 
 struct ReadResult {

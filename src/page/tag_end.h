@@ -57,10 +57,12 @@ inline std::uint32_t OddSoFar(std::uint32_t mask) {
 
 }  // namespace tag_end
 
-// The place of the ">" that ends a tag, where `at` is the place behind its name. Told only of tags in which every "="
-// stands between a name and a double quote, and no other quote stands outside of values: then each ">" outside of
-// values ends the tag, and a "/" before it is not part of a value. Otherwise npos, also near the end of the page: the
-// AttributeReader has to tell. In <a href="x>y" id="z"> the first ">" is within a value; <a b=c="d>"> is not usual.
+// Returns the place of the ">" that ends a tag, or npos when the tag is unusual or near the end of the page; the
+// AttributeReader then finds the end. `at` is the place behind the tag's name. A tag is usual when every "=" stands
+// between a name and a double quote, and no other quote stands outside of values: then each ">" outside of values ends
+// the tag, and a "/" before it is not part of a value.
+//   <a href="x>y" id="z">  usual; the first ">" is within a value
+//   <a b=c="d>">           not usual
 [[nodiscard]] inline std::size_t FindUsualTagEnd(std::string_view page, std::size_t at) {
 #if defined(__SSE2__)
   std::uint32_t inside_before = 0;                  // all bits: the block before ended within a value

@@ -19,8 +19,8 @@ struct UnwantedPlace {
 };
 
 // The first place at or behind `from` that names an address for which `keeps` is false. Made for titles, links and
-// reports: any character may be percent-encoded, and what belongs to an address is judged with a wide mind, because a
-// title too many that is taken for one harms nobody. A longer address does not name a shorter one: "joanna@x.de" and
+// reports: any character may be percent-encoded. Errs towards finding too much: clearing one title too many harms
+// nobody, missing one address does. A longer address does not name a shorter one: "joanna@x.de" and
 // "anna@x.de.com" do not name "anna@x.de", but "?mail=anna@x.de" and "anna@x.de.html" do.
 [[nodiscard]] std::optional<UnwantedPlace> NextUnwanted(std::string_view text, const AddressTest& keeps,
                                                         std::size_t from = 0);

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/ascii.h"
+
 namespace quenlar {
 
 // Sets of bytes, as bits.
@@ -59,9 +61,8 @@ constexpr auto kTable = [] {
 }
 
 inline void AppendPercentEncoded(char c, std::string& out) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
   const auto byte = static_cast<unsigned char>(c);
-  out += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+  out += {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
 }
 
 }  // namespace quenlar

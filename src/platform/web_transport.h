@@ -57,8 +57,9 @@ class WebTransport {
     WebAnswer answer;   // without `duration`
     bool kept = false;  // the host's connection stays open
   };
-  // Ends the exchange, whether it has come to its end or not, and says what it has come to. No call is made for it any
-  // more. One that was not at its end has no failure, and its connection is closed.
+  // Takes the exchange out, at its end or before it, and gives what has arrived so far. No call is made for it
+  // afterwards. Before its end its connection is closed, and the answer's failure is kNone: the caller knows why it
+  // does not wait. `id` must be under way.
   [[nodiscard]] virtual Outcome Take(WebExchangeId id) = 0;
 
   // Closes the connection that the host keeps.

@@ -185,14 +185,7 @@ Result<std::unique_ptr<RecordWriter>> StartDataFile(Files& files, const CodePage
 
 Status WriteDataFile(Files& files, const CodePage& code_page, EventLoop& loop, const std::string& path,
                      const LinkQueues& queues, Pump::Pace pace) {
-  auto writer = StartDataFile(files, code_page, path, queues);
-  if (!writer.ok()) return writer.status();
-  Pump pump(loop, pace);
-  while (writer.value()->Advance()) {
-    pump();
-    writer.value()->Write();
-  }
-  return writer.value()->Commit();
+  return WriteWhole(StartDataFile(files, code_page, path, queues), loop, pace);
 }
 
 DataFileContents ReadDataFile(const Files& files, const CodePage& code_page, const std::string& path,

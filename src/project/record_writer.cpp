@@ -75,6 +75,16 @@ void RecordWriter::Flush() {
   buffer_.clear();
 }
 
+Status WriteWhole(Result<std::unique_ptr<RecordWriter>> writer, EventLoop& loop, Pump::Pace pace) {
+  if (!writer.ok()) return writer.status();
+  Pump pump(loop, pace);
+  while (writer.value()->Advance()) {
+    pump();
+    writer.value()->Write();
+  }
+  return writer.value()->Commit();
+}
+
 std::string_view AddressInLine(std::string_view address, std::string& storage) {
   return WithoutLineEnds(address, storage, "%0D", "%0A");
 }

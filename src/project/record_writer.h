@@ -7,7 +7,9 @@
 
 #include "base/status.h"
 #include "platform/code_page.h"
+#include "platform/event_loop.h"
 #include "platform/files.h"
+#include "platform/pump.h"
 
 namespace quenlar {
 
@@ -60,6 +62,10 @@ class RecordWriter {
   bool found_ = false;
   bool torn_ = false;  // memory ran out in the middle of a line; such a file must not replace the old one
 };
+
+// Writes the whole of a file, with a pump point before each record, and commits it. Pumps. `writer` is what
+// StartDataFile or StartReport has given; its failure is returned.
+[[nodiscard]] Status WriteWhole(Result<std::unique_ptr<RecordWriter>> writer, EventLoop& loop, Pump::Pace pace);
 
 // Return a web address or a title without line ends, so that it fits on one line. In an address a line end is
 // percent-encoded as it is on the wire; in a title it becomes a blank. The result points into the argument, or into

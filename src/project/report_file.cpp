@@ -225,14 +225,7 @@ Result<std::unique_ptr<RecordWriter>> StartReport(Files& files, const CodePage& 
 
 Status WriteReport(Files& files, const CodePage& code_page, EventLoop& loop, const std::string& path,
                    const FoundAddresses& found, bool all_information, Pump::Pace pace) {
-  auto writer = StartReport(files, code_page, path, found, all_information);
-  if (!writer.ok()) return writer.status();
-  Pump pump(loop, pace);
-  while (writer.value()->Advance()) {
-    pump();
-    writer.value()->Write();
-  }
-  return writer.value()->Commit();
+  return WriteWhole(StartReport(files, code_page, path, found, all_information), loop, pace);
 }
 
 }  // namespace quenlar

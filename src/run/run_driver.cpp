@@ -70,8 +70,7 @@ void RunDriver::LinkRun() {
 }
 
 // The flags are cleared here and not again at the start of the links of a keyword run: a stop that comes while the
-// queues are saved in between holds. So does one from the moment between the button and its timer's tick, which the
-// button tells.
+// queues are saved in between holds. So does the wish to stop that came just before the run: StopPressed tells of it.
 void RunDriver::Begin() {
   assert(!run_.running);
   run_.running = true;

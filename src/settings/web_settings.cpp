@@ -29,7 +29,7 @@ std::vector<WebRow> MakeTable() {
        .highest = kMostClicks,
        .meaning = "clicks from a start"},
       {.value_name = "PagesPerHost",
-       .variable = &WebSettings::pages,
+       .variable = &WebSettings::pages_per_host,
        .lowest = 1,
        .highest = kMostPages,
        .meaning = "pages of a host, over all runs"},

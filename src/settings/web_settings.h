@@ -25,16 +25,16 @@ inline constexpr ScopeChoice kScopeChoices[] = {
 // The values here are those of a first start. Contact and search service hold for the command line too; the others are
 // the window's, because each command of the command line has defaults of its own that its help names.
 struct WebSettings {
-  std::int16_t collect = 0;         // 1: the window collects from today's web
-  std::string contact;              // of the person who collects; empty: none
-  std::string search_service;       // the address of a search service; empty: none
-  std::int16_t scope = 1;           // an index of kScopeChoices
-  std::int32_t depth = 5;           // clicks from a start
-  std::int32_t pages = 1000;        // of a host, over all runs
-  std::int32_t hosts = 64;          // at the same time
-  std::int32_t pause = 1000;        // between two pages of a host, in milliseconds
-  std::int16_t obey_robots = 1;     // 0: robots.txt is not asked for
-  std::int16_t list_protected = 0;  // 1: addresses that their owners hide from programs are listed too
+  std::int16_t collect = 0;            // 1: the window collects from today's web
+  std::string contact;                 // of the person who collects; empty: none
+  std::string search_service;          // the address of a search service; empty: none
+  std::int16_t scope = 1;              // an index of kScopeChoices
+  std::int32_t depth = 5;              // clicks from a start
+  std::int32_t pages_per_host = 1000;  // over all runs
+  std::int32_t hosts = 64;             // at the same time
+  std::int32_t pause = 1000;           // between two pages of a host, in milliseconds
+  std::int16_t obey_robots = 1;        // 0: robots.txt is not asked for
+  std::int16_t list_protected = 0;     // 1: addresses that their owners hide from programs are listed too
 };
 using WebRow = SettingRowOf<WebSettings>;
 

@@ -36,7 +36,7 @@ TEST_F(WebSettingsDialog, ShowsWhatIsStored) {
   other.search_service = "https://search.example/";
   other.scope = 2;
   other.depth = 7;
-  other.pages = 20;
+  other.pages_per_host = 20;
   other.hosts = 8;
   other.pause = 2500;
   other.obey_robots = 0;

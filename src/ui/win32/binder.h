@@ -13,8 +13,11 @@ namespace quenlar::ui {
 
 class FormWindow;
 
+// Gives every bound form a native window while it is loaded, and does what Show, ShowModal and Hide of the form ask
+// for. For the thread that runs the message loop.
 class Binder {
  public:
+  // The loop must outlive the binder.
   Binder(const Resources& resources, EventLoop& loop) : resources_(resources), loop_(loop) {}
   ~Binder();
   Binder(const Binder&) = delete;
@@ -23,8 +26,8 @@ class Binder {
   // The form must have a dialog with its name in the resources, and outlive the binder.
   void Bind(Form& form);
 
-  // For every message of the message loop, before it is dispatched: the keyboard handling of dialogs. True when the
-  // message is done with.
+  // The keyboard handling of dialogs. The message loop calls it with every message before it dispatches it. True: the
+  // message is done with, and must not be dispatched.
   bool FilterMessage(MSG& message);
 
  private:

@@ -42,8 +42,10 @@ class ControlBinding {
   // Shows the whole state of the model. Called once, when all bindings of the window are there.
   virtual void Start();
 
-  // What the native control tells: WM_COMMAND, WM_NOTIFY (the answer is the message's), colours (null: the system's),
-  // a wish for a context menu at a place of the screen.
+  // Messages of the native control, from the window around it. OnCommand: WM_COMMAND with this code. OnNotify:
+  // WM_NOTIFY; what it returns is the answer to the message. OnColor: the control is about to be drawn; returns the
+  // brush of its background, null for the system's own. OnContextMenu: the user asks for a menu at a place of the
+  // screen.
   virtual void OnCommand([[maybe_unused]] UINT code) {}
   virtual LRESULT OnNotify([[maybe_unused]] const NMHDR& header) { return 0; }
   virtual HBRUSH OnColor([[maybe_unused]] HDC context) { return nullptr; }

@@ -25,10 +25,14 @@ class FormWindow final : public BindingHost, public std::enable_shared_from_this
                                                           HWND owner);
   ~FormWindow() override;
 
+  // Null once it is destroyed.
   [[nodiscard]] HWND window() const { return window_; }
+  // Shows the window in the foreground; one that is minimised gets its size back.
   void Show();
   void Hide();
+  // Shows the form's caption in the title bar.
   void ShowCaption();
+  // Takes the window away; tasks that were posted are not run any more. The form stays.
   void Destroy();
 
   // Keys that the system's dialog keyboard handling does not know or that it would take away. True when done.

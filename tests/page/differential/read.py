@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the door `read` of `quenlar analyze` with python3-html5lib on random and hostile pages.
+"""Compares the request `read` of `quenlar analyze` with python3-html5lib on random and hostile pages.
 
 usage: read.py QUENLAR [CASES] [SEED]
 

@@ -1,4 +1,4 @@
-#include "cli/page_doors.h"
+#include "cli/page_functions.h"
 
 #include <optional>
 #include <string>
@@ -135,11 +135,11 @@ Json AnswerRead(const Request& request, const Platform& platform) {
           {"robots", result.robots.words()}};
 }
 
-struct Door {
+struct Row {
   std::string_view members;
-  PageDoor answer;
+  PageFunction answer;
 };
-constexpr Door kDoors[] = {
+constexpr Row kFunctions[] = {
     {"url", AnswerUrl},
     {"base url", AnswerUrl},
     {"site", AnswerSite},
@@ -157,9 +157,9 @@ constexpr Door kDoors[] = {
 
 }  // namespace
 
-PageDoor FindPageDoor(std::string_view members) {
-  for (const Door& door : kDoors) {
-    if (door.members == members) return door.answer;
+PageFunction FindPageFunction(std::string_view members) {
+  for (const Row& row : kFunctions) {
+    if (row.members == members) return row.answer;
   }
   return nullptr;
 }

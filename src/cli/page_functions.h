@@ -12,10 +12,10 @@
 namespace quenlar {
 
 // The reply to a request, or {"error": ...} where a member is of the wrong type.
-using PageDoor = Json (*)(const nlohmann::json& request, const Platform& platform);
+using PageFunction = Json (*)(const nlohmann::json& request, const Platform& platform);
 
 // What answers a request with these members (their names in alphabetical order, with blanks between); null where
 // nothing here does.
-[[nodiscard]] PageDoor FindPageDoor(std::string_view members);
+[[nodiscard]] PageFunction FindPageFunction(std::string_view members);
 
 }  // namespace quenlar
