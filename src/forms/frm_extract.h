@@ -73,8 +73,8 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   // Whether a run is under way, or will begin with the next tick of its timer.
   [[nodiscard]] bool RunGoesOn() const;
 
-  // Shows a dialog that can be opened at any time. Modal, so it pumps until the dialog has been closed. Not so during a
-  // run, which would stand still until then.
+  // Shows a dialog that can be opened at any time. While no run goes on it is modal: the call pumps until the dialog
+  // has been closed. A run would stand still until then, so during a run the call returns at once.
   void ShowDialog(ui::Form& dialog);
 
   // Shows a message in a message box: at once when no run goes on, otherwise when the run has ended. The same message

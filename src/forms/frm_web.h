@@ -17,8 +17,8 @@
 
 namespace quenlar {
 
-// A modal dialog with tabs. OK checks what was typed and stores everything; closing the dialog in any other way changes
-// nothing, but for the list of what is never listed: its buttons act at once.
+// A dialog with tabs. It is modal, but not while a run goes on. OK checks what was typed and stores everything. Closing
+// the dialog in any other way changes nothing. The buttons of the list of what is never listed act at once.
 class frmWeb final : public ui::Form {
  public:
   // Everything that the dialog works on. It must outlive the dialog. `stored` is called behind OK.

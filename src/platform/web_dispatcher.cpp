@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "platform/web_dispatcher_host.h"
 #include "platform/web_url.h"
 
 namespace quenlar {
@@ -12,10 +13,8 @@ namespace {
 using std::chrono::seconds;
 
 constexpr std::chrono::milliseconds kTick{250};
-constexpr seconds kNameAge{60};  // after which a name is looked up again
-constexpr seconds kIdleAge{60};  // after which an idle connection is closed
-constexpr seconds kQuietAge{60};
-constexpr std::size_t kMostQuietHosts = 10'000;
+constexpr seconds kNameAge{60};        // after which a name is looked up again
+constexpr seconds kIdleAge{60};        // after which an idle connection is closed
 constexpr std::size_t kMostTries = 4;  // addresses of one host for one request
 
 // Behind a proxy nothing but the name is known. A name that ends in a number is another spelling of an address.
@@ -33,43 +32,6 @@ bool Permits(const WebRequest& request, const IpAddress& address) {
 }
 
 }  // namespace
-
-struct WebDispatcher::Host {
-  enum class Stage {
-    kAtRest,
-    kResolving,
-    kQueued,   // for a connection to be free
-    kSending,  // the transport has the current request
-  };
-  WebHostId id = 0;
-  std::string key;   // in hosts_
-  std::string name;  // in DNS
-  std::optional<IpAddress> literal;
-  bool behind_proxy = false;
-  Stage stage = Stage::kAtRest;
-  std::deque<WebExchangeId> waiting;  // may hold requests that have been cancelled
-  WebExchangeId current = 0;          // 0: none, also of a stage other than kAtRest when it was cancelled
-  std::vector<IpAddress> addresses;
-  Instant resolved = {};
-  bool connected = false;
-  std::optional<IpAddress> connected_to;  // empty behind a proxy
-  bool idle = false;                      // connected, in idle_ at idle_place
-  std::list<Host*>::iterator idle_place = {};
-  Instant idle_since = {}, quiet_since = {};
-  bool in_quiet = false;  // stands in quiet_
-
-  [[nodiscard]] bool IsQuiet() const { return stage == Stage::kAtRest && !connected && waiting.empty(); }
-};
-
-struct WebDispatcher::Address {
-  std::vector<Host*> connected;  // at most kConnectionsPerAddress
-  std::deque<Host*> waiting;
-
-  [[nodiscard]] Host* Idle() const {
-    const auto found = std::find_if(connected.begin(), connected.end(), [](const Host* host) { return host->idle; });
-    return found == connected.end() ? nullptr : *found;
-  }
-};
 
 WebDispatcher::WebDispatcher(EventLoop& loop, std::unique_ptr<WebTransport> transport, LookUpName look_up,
                              std::size_t most_connections)
@@ -212,44 +174,6 @@ void WebDispatcher::Connect(Host& host) {
   Refuse(host, WebFailure::kPrivateAddress, "not a public address:" + names);
 }
 
-void WebDispatcher::LimitConnections(std::size_t most) {
-  most_connections_ = std::clamp<std::size_t>(most, 1, system_limit_);
-  while (connections_ > most_connections_ && !idle_.empty()) CloseLongestIdle();
-}
-
-void WebDispatcher::CloseLongestIdle() {
-  Host& idle = *idle_.front();
-  Close(idle);
-  NoteQuiet(idle);
-}
-
-// False: the host waits until Resume.
-bool WebDispatcher::GetConnection(Host& host, const std::optional<IpAddress>& address) {
-  if (address && addresses_[*address].connected.size() >= kConnectionsPerAddress) {
-    Host* idle = addresses_[*address].Idle();
-    if (idle == nullptr) {
-      addresses_[*address].waiting.push_back(&host);
-      host.stage = Host::Stage::kQueued;
-      return false;
-    }
-    Close(*idle);
-    NoteQuiet(*idle);
-  }
-  if (connections_ >= most_connections_) {
-    if (idle_.empty()) {
-      waiting_.push_back(&host);
-      host.stage = Host::Stage::kQueued;
-      return false;
-    }
-    CloseLongestIdle();
-  }
-  if (address) addresses_[*address].connected.push_back(&host);
-  host.connected = true;
-  host.connected_to = address;
-  ++connections_;
-  return true;
-}
-
 void WebDispatcher::Send(Host& host, const std::optional<IpAddress>& address) {
   if (std::exchange(host.idle, false)) idle_.erase(host.idle_place);
   host.stage = Host::Stage::kSending;
@@ -342,70 +266,6 @@ void WebDispatcher::Finish(WebExchangeId id, WebTransport::Outcome outcome) {
   if (listener_ != nullptr) listener_->OnEnd(request.key, std::move(outcome.answer));
 }
 
-// The current request is done with the host's connection. A kept one is given up where others wait for their turn.
-void WebDispatcher::LeaveConnection(Host& host, bool kept) {
-  host.stage = Host::Stage::kAtRest;
-  host.current = 0;
-  const auto address = host.connected_to;
-  if (!kept) {
-    Release(host);
-  } else if (!waiting_.empty() || (address && !addresses_.at(*address).waiting.empty())) {
-    Close(host);
-  } else {
-    host.idle = true;
-    host.idle_since = loop_.Now();
-    host.idle_place = idle_.insert(idle_.end(), &host);
-  }
-  ServeWaiting(address);
-}
-
-void WebDispatcher::Release(Host& host) {
-  if (std::exchange(host.idle, false)) idle_.erase(host.idle_place);
-  host.connected = false;
-  --connections_;
-  const auto address = std::exchange(host.connected_to, std::nullopt);
-  if (!address) return;
-  const auto entry = addresses_.find(*address);
-  std::erase(entry->second.connected, &host);
-  if (entry->second.connected.empty() && entry->second.waiting.empty()) addresses_.erase(entry);
-}
-
-void WebDispatcher::Close(Host& host) {
-  Release(host);
-  transport_->CloseIdle(host.id);
-}
-
-bool WebDispatcher::HasRoom(const Address& address) const {
-  if (address.Idle() != nullptr) return true;
-  const bool here = address.connected.size() < kConnectionsPerAddress;
-  return here && (connections_ < most_connections_ || !idle_.empty());
-}
-
-// Gives what has become free at an address, or anywhere, to those that wait for it, in their order.
-void WebDispatcher::ServeWaiting(const std::optional<IpAddress>& address) {
-  const auto next = [](std::deque<Host*>& waiting) {
-    Host& host = *waiting.front();
-    waiting.pop_front();
-    return &host;
-  };
-  while (address) {
-    const auto entry = addresses_.find(*address);
-    if (entry == addresses_.end()) break;
-    if (entry->second.waiting.empty() || !HasRoom(entry->second)) break;
-    Resume(*next(entry->second.waiting));
-  }
-  while (!waiting_.empty() && (connections_ < most_connections_ || !idle_.empty())) Resume(*next(waiting_));
-}
-
-void WebDispatcher::OnIdleClosed(WebHostId id) {
-  const auto host = hosts_by_id_.find(id);
-  if (host == hosts_by_id_.end() || !host->second->idle) return;
-  const auto address = host->second->connected_to;
-  Release(*host->second);
-  NoteQuiet(*host->second);
-  ServeWaiting(address);
-}
-
 void WebDispatcher::Tick() {
   const std::weak_ptr alive(alive_);
   const Instant now = loop_.Now();
@@ -439,26 +299,6 @@ void WebDispatcher::EndSlowOnes(Instant now) {
     outcome.answer.failure = WebFailure::kTimeout;
     outcome.answer.message = silent <= now ? "nothing came for too long" : "it took too long";
     Finish(id, std::move(outcome));
-  }
-}
-
-void WebDispatcher::NoteQuiet(Host& host) {
-  host.quiet_since = loop_.Now();
-  if (!std::exchange(host.in_quiet, true)) quiet_.push_back(&host);
-}
-
-// Looks at two hosts at a time: no more than one becomes quiet a step.
-void WebDispatcher::ForgetQuietHosts(Instant now) {
-  for (int looks = 0; looks < 2 && !quiet_.empty(); ++looks) {
-    Host& host = *quiet_.front();
-    quiet_.pop_front();
-    host.in_quiet = host.IsQuiet() && now - host.quiet_since <= kQuietAge && quiet_.size() < kMostQuietHosts;
-    if (host.in_quiet) {
-      quiet_.push_back(&host);
-    } else if (host.IsQuiet()) {
-      hosts_by_id_.erase(host.id);
-      hosts_.erase(hosts_.find(host.key));
-    }
   }
 }
 

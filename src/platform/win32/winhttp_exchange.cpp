@@ -1,10 +1,10 @@
 #include "platform/win32/winhttp_exchange.h"
 
-#include <algorithm>
 #include <new>
 #include <utility>
 
 #include "platform/page_fetcher.h"
+#include "platform/win32/winhttp_head_lines.h"
 
 namespace quenlar::win32 {
 
@@ -16,13 +16,7 @@ std::shared_ptr<Exchange> Exchange::Start(HINTERNET session, const WireAddress& 
 }
 
 HttpCall::Next Exchange::OnHead(const std::optional<std::string>& lines) {
-  bool good = lines.has_value();
-  for (std::size_t at = 0; good && at < lines->size();) {
-    const std::size_t end = std::min(lines->find('\n', at), lines->size());
-    good = head_.AddLine(std::string_view(*lines).substr(at, end - at));
-    at = end + 1;
-  }
-  if (!good || (!head_.complete() && !head_.AddLine("")) || !head_.complete()) {
+  if (!AddHeadLines(lines, head_)) {
     Fail();
     return Next::kFinish;
   }

@@ -6,6 +6,7 @@
 
 #include "base/ascii.h"
 #include "platform/win32/wide.h"
+#include "platform/win32/winhttp_head_lines.h"
 
 namespace quenlar::win32 {
 namespace {
@@ -84,15 +85,7 @@ bool WebCall::KeepsConnection(std::string_view status_line) const {
 }
 
 HttpCall::Next WebCall::OnHead(const std::optional<std::string>& lines) {
-  bool good = lines.has_value();
-  for (std::size_t at = 0; good && at < lines->size();) {
-    const std::size_t end = std::min(lines->find('\n', at), lines->size());
-    good = head_.AddLine(std::string_view(*lines).substr(at, end - at));
-    at = end + 1;
-  }
-  if (!good || (!head_.complete() && !head_.AddLine("")) || !head_.complete()) {
-    return End(WebFailure::kBroken, "a malformed head");
-  }
+  if (!AddHeadLines(lines, head_)) return End(WebFailure::kBroken, "a malformed head");
   NoteBytes(lines->size());
   {
     const std::lock_guard lock(ip_mutex_);
