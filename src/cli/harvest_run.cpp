@@ -184,7 +184,8 @@ bool HarvestRun::OnPortion(const HarvestInput& input, HarvestPortion& portion) {
         Tell(input.name + ": Records without a date count as seen now.");
       }
     }
-    // A page whose address names a suppressed one is passed over, as a run never visits it.
+    // A page whose address names a suppressed one is passed over, as a run never visits it. The name of a file is the
+    // user's own, and a folder may well be named after an address.
     if (page.of_record && NamesSuppressed(page.url)) continue;
     if (NamesSuppressed(page.title)) page.title.clear();
     TakePage(page);

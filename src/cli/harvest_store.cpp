@@ -6,11 +6,13 @@
 #include "base/ascii.h"
 #include "crawl/link_rules.h"
 #include "page/url.h"
+#include "platform/sha256.h"
 
 namespace quenlar {
 namespace {
 
-std::string FactOf(const HarvestInput& input) { return "harvest " + input.path; }
+// By the digest of the path: an address in the name of a file would stay in the collection after it was erased.
+std::string FactOf(const HarvestInput& input) { return "harvest " + Sha256Hex(input.path); }
 
 // The numbers of a fact: size and time of the file, offset, place in the text, damage, 1 for an end.
 constexpr std::size_t kNumbers = 6;
