@@ -55,7 +55,8 @@ Result<WhyAnswer> WhyNoPage(CollectionReader& reader, const Url& url) {
   WhyAnswer answer;
   for (const StartRow& start : starts.value()) {
     if (start.site != site && !anywhere) continue;
-    answer.sentences = {"No page that was read links to " + url.href() + " ."};
+    answer.sentences = {"No link that is followed leads to " + url.href() + " .",
+                        "Links marked nofollow, downloads and endings of no page are not followed."};
     return answer;
   }
   answer.definite = true;
@@ -112,7 +113,8 @@ Result<WhyAnswer> WhyAddress(CollectionReader& reader, const std::string& addres
   });
   if (!listed.ok()) return listed;
   if (count == 0) {
-    answer.sentences = {"No page that was read shows " + address + " ."};
+    answer.sentences = {"The collection does not hold " + address + " .",
+                        "No page that was read shows it, or it was left out: filters, noindex, protected."};
     return answer;
   }
   answer.definite = true;
