@@ -179,8 +179,7 @@ inline constexpr const char* kEndUnread =
     " type = coalesce(?, type), time = ?, bytes = ?, moved_to = nullif(?, 0) WHERE id = ?";
 // It is not there any more: it cannot be unchanged when it comes back.
 inline constexpr const char* kForgetBody = "UPDATE pages SET body = NULL, etag = NULL, modified = NULL WHERE id = ?";
-inline constexpr const char* kPageUnchanged =
-    "UPDATE pages SET state = 'read', reason = NULL, status = 304, time = ? WHERE id = ?";
+inline constexpr const char* kPageUnchanged = "UPDATE pages SET state = 'read', status = 304, time = ? WHERE id = ?";
 inline constexpr const char* kBodySeen =
     "SELECT 1 FROM pages WHERE host = ? AND body = ? AND id <> ? AND state = 'read' LIMIT 1";
 inline constexpr const char* kCountWaiting = "SELECT count(*) FROM pages WHERE state = 'waiting'";
@@ -196,8 +195,9 @@ inline constexpr const char* kQueueRefusedOf =
     " AND reason = ?";
 inline constexpr const char* kNearestOf = "SELECT min(depth) FROM pages WHERE host = ? AND state = 'waiting'";
 inline constexpr const char* kHostsOfSite = "SELECT id FROM hosts WHERE site = ?";
+// What was said of a page that was read still holds when it turns out to be unchanged.
 inline constexpr const char* kQueueAgain =
-    "UPDATE pages SET state = 'waiting', hops = 0, reason = NULL, rule = NULL, line = NULL"
+    "UPDATE pages SET state = 'waiting', hops = 0, reason = iif(state = 'read', reason, NULL), rule = NULL, line = NULL"
     " WHERE (state IN ('read', 'failed', 'moved') AND reason IS NOT 'archive')"
     " OR (state = 'refused' AND reason IN ('robots', 'private'))";
 inline constexpr const char* kForgetReads = "UPDATE hosts SET read = 0";

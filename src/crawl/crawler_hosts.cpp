@@ -251,7 +251,7 @@ void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_v
 
 // The rules cannot be had: nothing may be asked for until they can.
 void Crawler::OnNoRobots(HostVisit& visit, const WebAnswer& answer, const std::string& reason) {
-  visit.asked_of->pace.OnAnswer(world_.loop.Now(), answer.duration);
+  visit.asked_of->pace.OnFailure(world_.loop.Now(), answer.duration);
   if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, reason);
   const CrawlDuration wait = kWaits[visit.memory.refusals++];
   SetReason(visit, reason);

@@ -54,13 +54,14 @@ void Crawler::OnPageAnswer(HostVisit& visit, const WebAnswer& answer) {
   end.bytes = answer.bytes_received;
   if (answer.failure != WebFailure::kNone) return OnLostPage(visit, answer, std::move(end));
   if (status == 429 || status == 503) return OnBusyHost(visit, answer, std::move(end));
-  visit.memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
   SetReason(visit, "");
   if (status >= 500) {
+    visit.memory.pace.OnFailure(world_.loop.Now(), answer.duration);
     EndPage(visit, end);
     if (!CountFailure(visit, "status " + std::to_string(status))) Continue(visit);
     return;
   }
+  visit.memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
   visit.memory.failures = 0;
   NoteProgress();
   // It may have been found nearer while it was under way.
@@ -109,7 +110,7 @@ void Crawler::OnLostPage(HostVisit& visit, const WebAnswer& answer, PageEnd end)
       EndPage(visit, end);
       return Continue(visit);
   }
-  visit.memory.pace.OnAnswer(world_.loop.Now(), answer.duration);
+  visit.memory.pace.OnFailure(world_.loop.Now(), answer.duration);
   EndPage(visit, end);
   if (!CountFailure(visit, answer.message)) Continue(visit);
 }
@@ -272,7 +273,7 @@ void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& li
     const LinkFollow least = options_.obey_robots ? LinkFollow::kFollowed : LinkFollow::kUnasked;
     if (link.follow < least) continue;
     const auto url = AsPage(ParseUrl(link.url, nullptr, world_.idna), world_.idna);
-    if (!url || NamesSuppressed(url->href())) continue;
+    if (!url || url->path() == "/robots.txt" || NamesSuppressed(url->href())) continue;
     PageOffer offer{*url, SiteOf(*url)};
     offer.depth = depth;
     offer.rank = PromisesContacts(url->path()) || PromisesContacts(link.text) ? 0 : 1;

@@ -20,7 +20,8 @@ void Crawler::AddKeyword(const std::string& text) {
     no_search_service_ = true;
     start_problems_.push_back(
         text +
-        ": a keyword needs a search service; name one with --search URL (any SearXNG service that answers in JSON)");
+        ": a keyword needs a search service (any SearXNG service that answers in JSON); name one with --search URL "
+        "or in the web settings");
     return;
   }
   search_.keywords.push_back(start.value());

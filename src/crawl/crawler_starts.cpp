@@ -197,7 +197,7 @@ void Crawler::TellOfRefusedStart(const HostVisit& visit, const PageEnd& end) {
   if (!IsStart(visit.page->page)) return;
   world_.view.OnNotice("The robots.txt of " + visit.row.origin + " does not allow " + visit.page->url + " (line " +
                        std::to_string(end.line) + ": " + end.rule +
-                       "); with --robots ignore it is visited all the same");
+                       "); it is visited all the same with --robots ignore, or when the web settings say so");
 }
 
 // Starts without a scheme are asked for by https first, then by http when nothing answers there.

@@ -13,6 +13,10 @@ CrawlDuration HostPace::Pause(CrawlDuration took) const {
 
 void HostPace::OnAnswer(CrawlTime now, CrawlDuration took) {
   busy_pause_ = {};
+  OnFailure(now, took);
+}
+
+void HostPace::OnFailure(CrawlTime now, CrawlDuration took) {
   parked_ = false;
   ready_ = now + Pause(took);
 }

@@ -25,8 +25,10 @@ class HostPace {
 
   void SetCrawlDelay(CrawlDuration crawl_delay) { crawl_delay_ = crawl_delay; }
 
-  // An answer that was not "too many requests" has ended at `now`, or none came.
+  // A good answer has ended at `now`.
   void OnAnswer(CrawlTime now, CrawlDuration took);
+  // An error of the server has come, or no answer. The next busy answer goes on with doubling the pause.
+  void OnFailure(CrawlTime now, CrawlDuration took);
   // The host has too much to do (429, 503). Without `retry_after` each such answer in a row doubles the pause.
   void OnBusy(CrawlTime now, CrawlDuration took, std::optional<CrawlDuration> retry_after);
   // Nothing is asked for before now + `pause`.

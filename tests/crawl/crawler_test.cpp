@@ -585,6 +585,22 @@ TEST_F(CrawlTest, AgainAsksWhetherPagesHaveChanged) {
   EXPECT_EQ(figures_.failed, 0u);
 }
 
+TEST_F(CrawlTest, WhatAPageAskedForHoldsWhileItIsUnchanged) {
+  Page("https://www.firma.de/",
+       {.fields = {{"ETag", "\"1\""}}, .body = "<meta name=robots content=noindex>a@firma.de"});
+  Crawl({"www.firma.de"});
+  options_.again = true;
+  Page("https://www.firma.de/", {.status = 304});
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Query("SELECT state || ' ' || reason FROM pages"), ElementsAre("read noindex"));
+}
+
+TEST_F(CrawlTest, ALinkToRobotsTxtIsNotALinkToAPage) {
+  Page("https://www.firma.de/", "<a href=/robots.txt>rules</a>");
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Query("SELECT url FROM pages"), ElementsAre("https://www.firma.de/"));
+}
+
 TEST_F(CrawlTest, AgainMarksWhatIsGone) {
   Page("https://www.firma.de/", "a@firma.de b@firma.de");
   Crawl({"www.firma.de"});

@@ -75,6 +75,15 @@ TEST(HostPace, OneGoodAnswerMakesThePauseNormal) {
   EXPECT_EQ(PauseOf(pace), seconds(2));
 }
 
+TEST(HostPace, AFailureDoesNotMakeThePauseOfABusyHostNormal) {
+  HostPace pace(seconds(1));
+  pace.OnBusy(kNow, milliseconds(10), std::nullopt);
+  pace.OnFailure(kNow, milliseconds(10));
+  EXPECT_EQ(PauseOf(pace), seconds(1));
+  pace.OnBusy(kNow, milliseconds(10), std::nullopt);
+  EXPECT_EQ(PauseOf(pace), seconds(4));
+}
+
 TEST(RetryAfter, TakesSeconds) {
   EXPECT_EQ(RetryAfter("0", kUtc), seconds(0));
   EXPECT_EQ(RetryAfter("120", kUtc), seconds(120));
