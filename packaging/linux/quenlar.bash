@@ -29,7 +29,7 @@ _quenlar() {
     collect:--extract) COMPREPLY=(); return ;;
     collect:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     collect:--proxy) COMPREPLY=(); return ;;
-    collect:--warc) COMPREPLY=(); return ;;
+    collect:--warc) COMPREPLY=($(compgen -f -- "$word")); return ;;
     collect:--summary) COMPREPLY=($(compgen -f -- "$word")); return ;;
     harvest:--format) COMPREPLY=($(compgen -W "lines csv jsonl" -- "$word")); return ;;
     harvest:--name) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar collections 2>/dev/null | cut -f1)" -- "$word")); return ;;
@@ -81,7 +81,7 @@ _quenlar() {
     demo:-*) COMPREPLY=($(compgen -W "-h --help --version" -- "$word")) ;;
     :*) COMPREPLY=($(compgen -W "collect harvest addresses why collections erase suppress extract analyze projects delete report merge options filter net demo" -- "$word")) ;;
     collect:*) COMPREPLY=() ;;
-    harvest:*) COMPREPLY=() ;;
+    harvest:*) COMPREPLY=($(compgen -f -- "$word")) ;;
     addresses:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar collections 2>/dev/null | cut -f1)" -- "$word")) ;;
     why:*) local IFS=$'\n'; COMPREPLY=($(compgen -W "$(quenlar collections 2>/dev/null | cut -f1)" -- "$word")) ;;
     erase:*) COMPREPLY=() ;;

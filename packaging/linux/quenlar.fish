@@ -27,11 +27,12 @@ complete -c quenlar -n '__fish_seen_subcommand_from collect' -l extract -x -d 'K
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l format -x -a 'lines csv jsonl' -d 'How a new address is printed: the address alone; address, page, title and place as csv; a JSON object'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l proxy -x -d 'HTTP proxy for every download instead of the system\'s own settings'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l assume-online -d 'Do not ask the system whether it is on line'
-complete -c quenlar -n '__fish_seen_subcommand_from collect' -l warc -x -d 'Keep what is fetched in web archives, PREFIX-00000.warc.gz and so on, 1 GB each'
+complete -c quenlar -n '__fish_seen_subcommand_from collect' -l warc -r -F -d 'Keep what is fetched in web archives, PREFIX-00000.warc.gz and so on, 1 GB each'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l summary -r -F -d 'Write one JSON object about the run to this file at its end'
 complete -c quenlar -n '__fish_seen_subcommand_from collect' -l version -d 'Print the version and exit'
 complete -c quenlar -n '__fish_use_subcommand' -a harvest -d 'List the addresses in web archives, files and folders'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -s h -l help -d 'Print this help message and exit'
+complete -c quenlar -n '__fish_seen_subcommand_from harvest' -F
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l format -x -a 'lines csv jsonl' -d 'Each address once; a row for each record with address, page, title and place as csv; JSON objects'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l name -x -a '(quenlar collections 2>/dev/null | cut -f1)' -d 'Put everything into this collection as well; a harvest that was cut off goes on'
 complete -c quenlar -n '__fish_seen_subcommand_from harvest' -l jobs -x -d 'Processor cores to use (all)'

@@ -128,7 +128,8 @@ int Collect(Invocation& invocation, const CollectArguments& arguments) {
     result = run.take();
   } else {
     result.status = invocation.Fail(run.status());
-    result.reason = SentenceOf(run.status());
+    result.reason = NameOf(CrawlEnd::kFailed);
+    result.collection = arguments.options.name;
   }
   if (arguments.summary.empty()) return result.status;
   const Result<Platform> platform = invocation.system().Open(invocation.choice());

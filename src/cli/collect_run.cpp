@@ -120,8 +120,8 @@ CollectResult CollectRun::Run() {
     RunCrawler();
   } else {
     result_.status = kExitFailed;
-    result_.reason = SentenceOf(prepared);
-    Tell(result_.reason);
+    result_.reason = NameOf(CrawlEnd::kFailed);
+    Tell(SentenceOf(prepared));
   }
   result_.seconds = std::chrono::duration<double>(loop.Now() - started_).count();
   return result_;
@@ -219,7 +219,9 @@ void CollectRun::TellEnd(const Crawler::Outcome& outcome) {
   };
   add(figures.failed, std::to_string(figures.failed) + " failed");
   add(figures.refused, std::to_string(figures.refused) + " refused");
-  add(figures.protected_count, Counted(figures.protected_count, "protected address", "es") + " not listed");
+  const bool listed = options_.crawl.decode_protected;
+  add(listed ? 0 : figures.protected_count,
+      Counted(figures.protected_count, "protected address", "es") + " not listed");
   add(figures.filtered, Counted(figures.filtered, "address", "es") + " dropped by the filters");
   add(figures.suppressed, Counted(figures.suppressed, "address", "es") + " suppressed");
   Tell(line + ".");

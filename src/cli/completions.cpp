@@ -15,6 +15,9 @@ std::string Joined(const std::vector<std::string>& words, const char* separator)
   return joined;
 }
 
+// Arguments that are the name of a file, or begin like one.
+bool IsFile(const std::string& kind) { return kind == "FILE" || kind == "BOOK" || kind == "INPUT" || kind == "PREFIX"; }
+
 constexpr const char* kCollections = "quenlar collections 2>/dev/null | cut -f1";
 
 // The kind of an argument that is given by its position, or of an option's value. NAME is a setting for the command of
@@ -28,7 +31,7 @@ std::string KindOf(const DeclaredCommand& command, const DeclaredOption& option)
 // What stands for a value in bash: a word list, files, folders, projects, collections, settings, or nothing to offer.
 std::string BashValues(const std::string& kind, const std::vector<std::string>& choices) {
   if (!choices.empty()) return fmt::format("COMPREPLY=($(compgen -W \"{}\" -- \"$word\"))", Joined(choices, " "));
-  if (kind == "FILE" || kind == "BOOK") return "COMPREPLY=($(compgen -f -- \"$word\"))";
+  if (IsFile(kind)) return "COMPREPLY=($(compgen -f -- \"$word\"))";
   if (kind == "DIR") return "COMPREPLY=($(compgen -d -- \"$word\"))";
   if (kind == "TEXT") {
     return "local IFS=$'\\n'; COMPREPLY=($(compgen -W \"$(quenlar projects 2>/dev/null)\" -- \"$word\"))";
@@ -44,7 +47,7 @@ std::string BashValues(const std::string& kind, const std::vector<std::string>& 
 
 std::string ZshValues(const std::string& kind, const std::vector<std::string>& choices) {
   if (!choices.empty()) return "(" + Joined(choices, " ") + ")";
-  if (kind == "FILE" || kind == "BOOK") return "_files";
+  if (IsFile(kind)) return "_files";
   if (kind == "DIR") return "_files -/";
   if (kind == "TEXT") return "{compadd -- ${(f)\"$(quenlar projects 2>/dev/null)\"}}";
   if (kind == "NAME") return fmt::format("{{compadd -- ${{(f)\"$({})\"}}}}", kCollections);
@@ -113,13 +116,13 @@ std::string FishQuoted(const std::string& text) {
 
 std::string FishValues(const std::string& kind, const std::vector<std::string>& choices) {
   if (!choices.empty()) return " -x -a " + FishQuoted(Joined(choices, " "));
-  if (kind == "FILE" || kind == "BOOK") return " -r -F";
+  if (IsFile(kind)) return " -r -F";
   if (kind == "DIR") return " -x -a '(__fish_complete_directories)'";
   return " -x";
 }
 
 std::string FishArguments(const std::string& kind) {
-  if (kind == "BOOK") return " -F";
+  if (IsFile(kind)) return " -F";
   if (kind == "TEXT") return " -a '(quenlar projects 2>/dev/null)'";
   if (kind == "NAME") return fmt::format(" -a '({})'", kCollections);
   if (kind == "SETTING") return " -a '(quenlar options 2>/dev/null | string split -f1 \" \")'";

@@ -16,19 +16,25 @@ std::vector<std::string> LanguageCodes() {
   return codes;
 }
 
+// A check of a number whose bounds do not stand behind the type in the help.
+template <typename Number>
+CLI::Validator Between(Number lowest, Number highest) {
+  return CLI::Validator(CLI::Range(lowest, highest)).description("");
+}
+
+CLI::Validator AtLeastOne() { return Between(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()); }
+
 void DeclareBudgets(CLI::App& command, CrawlOptions& crawl) {
-  command.add_option("--pages", crawl.pages, "End the run after so many pages")
-      ->type_name("N")
-      ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
+  command.add_option("--pages", crawl.pages, "End the run after so many pages")->type_name("N")->check(AtLeastOne());
   command.add_option("--pages-per-host", crawl.pages_per_host, "Read so many pages of a host, over all runs (1000)")
       ->type_name("N")
-      ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
+      ->check(AtLeastOne());
   command.add_option("--minutes", crawl.minutes, "End the run after so many minutes; fractions are allowed")
       ->type_name("N")
-      ->check(CLI::PositiveNumber);
+      ->check(CheckPositive);
   command.add_option("--addresses", crawl.addresses, "End the run when the collection has so many addresses")
       ->type_name("N")
-      ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
+      ->check(AtLeastOne());
 }
 
 void DeclareManners(CLI::App& command, CollectArguments& arguments) {
@@ -37,12 +43,12 @@ void DeclareManners(CLI::App& command, CollectArguments& arguments) {
   constexpr double kLongestDelay = 3600;
   command.add_option("--hosts", crawl.hosts, "Hosts that are visited at the same time (64)")
       ->type_name("N")
-      ->check(CLI::Range(std::size_t{1}, kMostHosts));
+      ->check(Between(std::size_t{1}, kMostHosts));
   command
       .add_option("--delay", arguments.delay,
                   "Pause between two pages of a host in seconds (1); fractions are allowed, 0 is for your own server")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.0, kLongestDelay));
+      ->check(Between(0.0, kLongestDelay));
   DeclareChoice(command, "--robots", arguments.robots, {"obey", "ignore"},
                 "Whether the wishes of robots.txt and of pages are obeyed (obey)");
   command.add_option("--contact", crawl.contact, "A web or mail address of yours, sent to the sites; kept once given")
@@ -79,7 +85,7 @@ void DeclareCollect(CLI::App& root, Command& chosen) {
                 "What links may lead to: the start's host, its site, or any site (site)");
   command->add_option("--depth", options.crawl.depth, "Clicks from a start (5); 0 is the start page alone")
       ->type_name("N")
-      ->check(CLI::Range(0, 1000));
+      ->check(Between(0, 1000));
   DeclareBudgets(*command, options.crawl);
   DeclareManners(*command, *arguments);
   command->add_flag("--again", options.crawl.again, "Visit the pages of a finished collection anew");
@@ -137,7 +143,7 @@ void DeclareHarvest(CLI::App& root, Command& chosen) {
       ->check(CheckNotEmpty);
   command->add_option("--jobs", options.jobs, "Processor cores to use (all)")
       ->type_name("N")
-      ->check(CLI::Range(std::size_t{1}, kMostJobs));
+      ->check(Between(std::size_t{1}, kMostJobs));
   command->add_flag("--decode-protected", options.decode_protected,
                     "Also list addresses that their owners chose to hide from programs");
   DeclareChoice(*command, "--robots", arguments->robots, {"obey", "ignore"},

@@ -60,6 +60,10 @@ std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int3
   return "must be a number from " + std::to_string(lowest) + " to " + std::to_string(highest);
 }
 
+std::string CheckPositive(const std::string& value) {
+  return LeadingNumber(value) > 0 ? "" : "must be a number above 0";
+}
+
 std::string CheckTime(const std::string& value) {
   return ParseTime(value) ? "" : "must be a date or a time such as 2026-11-22 or 2026-11-22T13:20:00Z";
 }

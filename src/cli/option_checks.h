@@ -12,6 +12,9 @@ namespace quenlar {
 // "http://host:port".
 [[nodiscard]] std::string CheckProxyUrl(const std::string& value);
 
+// A number above 0.
+[[nodiscard]] std::string CheckPositive(const std::string& value);
+
 // A date or a time, see ParseTime.
 [[nodiscard]] std::string CheckTime(const std::string& value);
 
