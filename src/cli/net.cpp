@@ -12,16 +12,15 @@ namespace {
 
 int ShowTable(Invocation& invocation, CIpHelper& helper, bool on_line) {
   const CInterfaces& interfaces = helper.Interfaces();
-  std::string table = fmt::format("{:<6}{:>12}{:>12}{:>12}  {:<24}{}\n", "Index", "Received", "Sent", "Speed",
-                                  "Address", "Description");
+  invocation.Print(
+      fmt::format("{:<6}{:>12}{:>12}{:>12}  {:<24}{}", "Index", "Received", "Sent", "Speed", "Address", "Description"));
   for (std::size_t i = 1; i <= interfaces.Count(); ++i) {
     const CInterface& row = *interfaces.Item(i);
-    table += fmt::format("{:<6}{:>12}{:>12}{:>12}  {:<24}{}\n", row.InterfaceIndex, row.OctetsReceived, row.OctetsSent,
-                         row.Speed, row.AdapterAddress, row.InterfaceDescription);
+    invocation.Print(fmt::format("{:<6}{:>12}{:>12}{:>12}  {:<24}{}", row.InterfaceIndex, row.OctetsReceived,
+                                 row.OctetsSent, row.Speed, row.AdapterAddress, row.InterfaceDescription));
   }
-  table += fmt::format("{:<6}{:>12}{:>12}  {}", "Total", helper.BytesReceived(), helper.BytesSent(),
-                       on_line ? "on line" : "off line");
-  invocation.Print(table);
+  invocation.Print(fmt::format("{:<6}{:>12}{:>12}  {}", "Total", helper.BytesReceived(), helper.BytesSent(),
+                               on_line ? "on line" : "off line"));
   return kExitDone;
 }
 

@@ -24,10 +24,11 @@ std::size_t CharacterLength(std::string_view text, std::size_t at) {
   return 0;
 }
 
-// Steers a terminal or a line: C0 and DEL, C1 (U+0080 to U+009F), the separators and the marks of writing direction.
+// Steers a terminal or a line: C0 but the tab, DEL, C1 (U+0080 to U+009F), the separators and the marks of writing
+// direction.
 bool IsControl(std::string_view character) {
   const auto first = static_cast<unsigned char>(character[0]);
-  if (character.size() == 1) return first < 0x20 || first == 0x7F;
+  if (character.size() == 1) return (first < 0x20 && first != '\t') || first == 0x7F;
   if (character.size() == 2) return first == 0xC2 && static_cast<unsigned char>(character[1]) < 0xA0;
   if (character.substr(0, 2) == "\xE2\x80") {
     const auto last = static_cast<unsigned char>(character[2]);

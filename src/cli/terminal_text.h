@@ -7,7 +7,7 @@
 namespace quenlar {
 
 // Returns a copy in which control characters (ESC, line ends, the C1 range) and bytes that are not UTF-8 are "?". So no
-// page can steer the terminal. Every other character stays.
+// page can steer the terminal. Every other character stays, and so do tabs, which part the columns of lists.
 [[nodiscard]] std::string ForTerminal(std::string_view text);
 
 // Returns the first `columns` characters of the text. Every character counts as one column.

@@ -191,6 +191,23 @@ expect "status of an address that nobody has" 1 $?
 at "$work/crawl" addresses nothing 2>"$work/err"
 expect "status of a collection that is not there" 1 $?
 expect_in "message" "There is no collection nothing" "$(messages)"
+expect "projects, to which collections do not belong" "" "$(at "$work/crawl" projects)"
+at "$work/crawl" collect --name h0_example --links "$(folder "$work/missing")" --summary "$(folder "$work/summary")" \
+  2>"$work/err"
+expect "status of a run that cannot begin" 1 $?
+expect_in "its summary" '"reason":"failed"' "$(cat "$work/summary")"
+expect_in "its summary" '"collection":"h0_example"' "$(cat "$work/summary")"
+
+if [ -z "$windows" ]; then
+  begin "lists have columns and a heading on a terminal, the last run first"
+  second=$(date +%s)
+  until [ "$(date +%s)" != "$second" ]; do :; done
+  at "$work/crawl" collect 'red cars' --name later --assume-online 2>"$work/err"
+  expect "collections" "name	addresses	pages	left
+later	0	0	0
+h0_example	84	28	0" "$(script -qec "${program[*]} --home '$work/crawl' collections" /dev/null | tr -d '\r')"
+  rm "$work/crawl/data/later".*
+fi
 
 begin "bash completes the names of collections and settings"
 offered() { # WORD ...: what may stand in the place of the last, which is empty

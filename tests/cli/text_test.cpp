@@ -59,6 +59,7 @@ TEST(ForTerminal, LeavesNothingThatSteersATerminal) {
     const char* text;
     const char* shown;
   } kCases[] = {{"plain", "plain"},
+                {"a\tb", "a\tb"},
                 {"a\x1b[2Jb\r\n", "a?[2Jb??"},
                 {"\xc3\xbc\xe2\x98\x85\xf0\x9f\x98\x80", "\xc3\xbc\xe2\x98\x85\xf0\x9f\x98\x80"},
                 {"\x7f\xc2\x9b", "??"},
