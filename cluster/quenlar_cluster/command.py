@@ -199,7 +199,9 @@ def _declare_common(verb: argparse.ArgumentParser) -> None:
         "--program", metavar="PATH", default="quenlar", help="the program quenlar, on every machine"
     )
     verb.add_argument(
-        "--home", metavar="DIR", help="the program folder whose filters and suppression list hold"
+        "--home",
+        metavar="DIR",
+        help="the program folder whose filters, suppression list and stored settings hold",
     )
 
 

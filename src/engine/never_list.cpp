@@ -67,7 +67,8 @@ Result<std::vector<std::string>> NeverList::Import(const std::string& path) {
   SuppressionList given;
   const std::string message = AddSuppressionLines(text.value(), path, engine.platform.idna, given);
   auto added = AddAll(given, "What is stored");
-  if (added.ok() && !message.empty()) added.value().push_back(message);
+  if (!added.ok() || message.empty()) return added;
+  added.value().push_back(message.ends_with(" !") ? message.substr(0, message.size() - 2) : message);
   return added;
 }
 

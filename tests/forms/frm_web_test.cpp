@@ -242,6 +242,7 @@ TEST_F(NeverListPage, ImportAddsTheEntriesOfAFile) {
   ASSERT_EQ(boxes.shown.size(), 1u);
   EXPECT_THAT(boxes.shown[0].text, testing::HasSubstr("What is stored: no collection"));
   EXPECT_THAT(boxes.shown[0].text, testing::HasSubstr("/home/old.txt"));
+  EXPECT_THAT(boxes.shown[0].text, testing::Not(testing::HasSubstr(" !.")));
   web.cmdImport.Click();
   EXPECT_EQ(boxes.shown.size(), 1u) << "cancelled";
 }

@@ -1,7 +1,5 @@
 #include "platform/posix/loopback_authority.h"
 
-#include <atomic>
-
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -27,7 +25,6 @@ bool AddExtension(X509* certificate, X509* issuer, int id, const std::string& va
 LoopbackAuthority::LoopbackAuthority() : key_(EVP_EC_gen("P-256")), certificate_(Certify("")) {}
 
 OpenSslPointer<X509> LoopbackAuthority::Certify(const std::string& host) const {
-  static std::atomic<long> serial = 1;
   OpenSslPointer<X509> made(X509_new());
   X509* const certificate = made.get();
   if (!key_ || certificate == nullptr) return nullptr;
@@ -35,7 +32,7 @@ OpenSslPointer<X509> LoopbackAuthority::Certify(const std::string& host) const {
   const std::string& name = host.empty() ? std::string(kName) : host;
   const bool filled =
       issuer != nullptr && X509_set_version(certificate, X509_VERSION_3) == 1 &&
-      ASN1_INTEGER_set(X509_get_serialNumber(certificate), serial++) == 1 &&
+      ASN1_INTEGER_set(X509_get_serialNumber(certificate), serial_++) == 1 &&
       X509_gmtime_adj(X509_getm_notBefore(certificate), -kDay) != nullptr &&
       X509_gmtime_adj(X509_getm_notAfter(certificate), kDay) != nullptr &&
       X509_set_pubkey(certificate, key_.get()) == 1 &&

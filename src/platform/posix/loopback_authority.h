@@ -1,6 +1,7 @@
 // Certificates for hosts that do not exist, of an authority that lives as long as this object.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -33,7 +34,8 @@ class LoopbackAuthority {
   // For `host`, or for the authority itself where it is empty.
   [[nodiscard]] OpenSslPointer<X509> Certify(const std::string& host) const;
 
-  OpenSslPointer<EVP_PKEY> key_;  // of the authority and of every host: nobody else ever sees it
+  mutable std::atomic<long> serial_ = 1;  // of the next certificate
+  OpenSslPointer<EVP_PKEY> key_;          // of the authority and of every host: nobody else ever sees it
   OpenSslPointer<X509> certificate_;
 };
 
