@@ -7,8 +7,10 @@
 
 #include "base/ascii.h"
 #include "base/processor.h"
+#include "page/attributes.h"
 #include "page/html_blanks.h"
 #include "page/references.h"
+#include "page/tag_end.h"
 
 #if defined(__SSE2__)
 #include <immintrin.h>
@@ -250,6 +252,47 @@ bool IsReferenceSign(std::string_view page, std::size_t at) {
   }
 }
 
+// Whether the name of a domain may begin at `at`, which is the place behind an "@": a dot has to come before the first
+// byte that ends the domain wherever it stands. Text goes on behind tags, so some of them are passed over, and other
+// bytes may become a dot. What is not seen within 256 bytes may be there.
+bool MayBeginDomain(std::string_view page, std::size_t at) {
+  constexpr std::size_t kFar = 256;
+  const std::string_view near = page.substr(0, at + kFar);
+  bool has_dot = false;
+  while (at < near.size()) {
+    const char c = near[at];
+    if (c == '<') {
+      const std::size_t name = at + 1 < near.size() && near[at + 1] == '/' ? at + 2 : at + 1;
+      if (name >= near.size() || !IsLetter(near[name])) return true;
+      const std::size_t behind_name = FindEndOfName(near, name, '>');
+      if (behind_name >= near.size()) return true;
+      const std::size_t close = near[behind_name] == '>' ? behind_name : FindUsualTagEnd(near, behind_name);
+      if (close == kNone) return true;
+      at = close + 1;
+      continue;
+    }
+    if (!IsWordByte(c) && c != '-' && c != '.') {
+      return c == '&' || c == '%' || c == '\\' || c == '\0' || static_cast<unsigned char>(c) >= 0x80;
+    }
+    if (has_dot) return true;
+    has_dot = c == '.';
+    ++at;
+  }
+  return near.size() < page.size();
+}
+
+// Whether an address may stand around an "@", or around a reference to one, in page[at, end).
+bool MayBeAddress(std::string_view page, std::size_t at, std::size_t end) {
+  if (at == 0 || end >= page.size()) return false;
+  const auto before = static_cast<unsigned char>(page[at - 1]), behind = static_cast<unsigned char>(page[end]);
+  return (kBeside[before] & 1) != 0 && (kBeside[behind] & 2) != 0 && MayBeginDomain(page, end);
+}
+
+// Whether "40" may stand at `at`, perhaps as references.
+bool MayBeForty(std::string_view page, std::size_t at) {
+  return at < page.size() && (page[at] == '4' || page[at] == '&');
+}
+
 }  // namespace
 
 bool PageSigns::IsDot(std::size_t at) {
@@ -264,13 +307,11 @@ bool PageSigns::IsDot(std::size_t at) {
 }
 
 bool PageSigns::IsPlainSign(std::size_t at) const {
-  if (page_[at] == '&') {
-    const char32_t code = ReadReference(page_.substr(at), ReferencePlace::kText).codes[0];
-    return code == '@' || code == '%';
-  }
-  if (at == 0 || at + 1 == page_.size()) return false;
-  const auto before = static_cast<unsigned char>(page_[at - 1]), behind = static_cast<unsigned char>(page_[at + 1]);
-  return (kBeside[before] & 1) != 0 && (kBeside[behind] & 2) != 0;
+  if (page_[at] == '@') return MayBeAddress(page_, at, at + 1);
+  const Reference reference = ReadReference(page_.substr(at), ReferencePlace::kText);
+  const std::size_t end = at + reference.length;
+  if (reference.codes[0] == '%') return MayBeForty(page_, end);
+  return reference.codes[0] == '@' && MayBeAddress(page_, at, end);
 }
 
 bool PageSigns::IsSign(std::size_t at) {

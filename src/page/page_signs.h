@@ -8,7 +8,7 @@ namespace quenlar {
 
 enum class PageSignKind {
   kAll,    // of plain addresses and protected ones
-  kPlain,  // of plain addresses alone; an "@" has to stand between what may be characters of one
+  kPlain,  // of plain addresses alone; an "@" has to stand between what may be characters of one, with a dot behind it
 };
 
 // Goes through the signs of a page from its beginning. A sign is an "@", or what may become one:

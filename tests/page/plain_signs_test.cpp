@@ -75,6 +75,10 @@ const std::vector<std::string> kPieces = {"@",
                                           std::string(1, '\0'),
                                           "<b>",
                                           "</b>",
+                                          "<i class=\"x y\">",
+                                          "</i >",
+                                          "<img alt=\"a>\">",
+                                          "<br/>",
                                           "<p>",
                                           "<span hidden>",
                                           "</span>",
@@ -152,10 +156,18 @@ TEST_F(PlainSignsTest, TheSameAddressesAreFoundAtRandom) {
 
 TEST_F(PlainSignsTest, WhatPagesOfProgrammersSayIsNoSign) {
   for (const char* page :
-       {"@import url(x)", " @param x", "a @ b", "{@link x}", "(@x)", "\"@\"", "x@", "@x", "&#8217;", "%41"}) {
+       {"@import url(x)", " @param x", "a @ b", "{@link x}", "(@x)", "\"@\"", "x@", "@x", "&#8217;", "%41",
+        "<b>@daily</b>. x.", "a@b c.d", "a@b</i>. x", "<i class=\"x\">@name</i></b> <a title=\"b.c\">c.d", "&#37; 40",
+        " &#64;b.c", "a&#64;b, c.d"}) {
     EXPECT_FALSE(MayHoldPlainAddress(page)) << page;
   }
-  for (const char* page : {"a@b", "<b>@</b>", "&#64;", "%40", "\\u0040", "\\x40", "\xE4@\xE4", "a;@&a"}) {
+  const std::string long_name(300, 'b');
+  for (const std::string& page :
+       {std::string("a@b.c"), std::string("<b>@</b>b.c"), std::string("a&#64;b.c"), std::string("%40"),
+        std::string("\\u0040"), std::string("\\x40"), std::string("\xE4@\xE4"), std::string("a;@&a"),
+        std::string("a@b<br/>.c"), std::string("a@b<!-- -->.c"), std::string("&percnt;40"), std::string("&#37;&#52;0"),
+        "a@" + long_name + ".c", "a@b<i class=\"" + long_name + "\">.c", std::string("a@b\\u002Ec"),
+        std::string("a@b%2Ec")}) {
     EXPECT_TRUE(MayHoldPlainAddress(page)) << page;
   }
 }
