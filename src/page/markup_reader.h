@@ -11,6 +11,7 @@
 #include "page/attributes.h"
 #include "page/tag_end.h"
 #include "page/tag_names.h"
+#include "page/tag_pass.h"
 
 namespace quenlar {
 
@@ -53,7 +54,7 @@ class MarkupReader {
     markup.text_begin = at_;
     if (raw_ != TagName::kOther) return RawText(markup);
     if (!open_.empty()) all_from = 0;
-    for (std::size_t open = FindByte(page_, '<', at_);; open = FindByte(page_, '<', open)) {
+    for (std::size_t open = NextOpen(at_, all_from);; open = NextOpen(open, all_from)) {
       if (open >= page_.size() || open + 1 >= page_.size()) return AtEnd(markup);
       const char next = page_[open + 1];
       if (IsLetter(next)) {
@@ -121,6 +122,17 @@ class MarkupReader {
     markup.kind = Markup::Kind::kEnd;
     markup.begin = text_end;
     markup.end = at_ = page_.size();
+  }
+
+  // The next "<" at or behind `at` that cannot be passed over in the fast way.
+  [[nodiscard]] std::size_t NextOpen(std::size_t at, std::size_t all_from) {
+    constexpr std::size_t kWorthIt = 128;
+    if (at < all_from && all_from - at >= kWorthIt) {
+      const TagPass passed = PassUsualTags(page_, {at, marked_}, all_from, wanted_);
+      marked_ = passed.marked;
+      at = passed.at;
+    }
+    return FindByte(page_, '<', at);
   }
 
   // False where the page ends within the tag.
