@@ -18,6 +18,12 @@ constexpr std::size_t kMostMember = 4u << 20;  // packed bytes of a member
 constexpr std::size_t kHeader = 10;            // bytes of the shortest header of a member
 constexpr std::size_t kGrowth = 4;
 
+// Whether the first record of a long member ends long before what is there of its text: then many records are in it.
+bool HoldsMany(std::string_view text) {
+  WarcHead head;
+  return ParseWarcHead(text, head) == WarcHeadOutcome::kHead && head.length && *head.length < text.size() / 2;
+}
+
 }  // namespace
 
 Status MemberReader::Fill(const ReadableFile& file, std::size_t size) {
@@ -76,7 +82,7 @@ Result<MemberReader::Outcome> MemberReader::ReadMember(const ReadableFile& file)
       return Outcome::kRead;
     }
     if (step.outcome == MemberInflater::Outcome::kNoRoom) {
-      if (room_ * kGrowth > most_room_) return Outcome::kStream;
+      if (room_ * kGrowth > most_room_ || HoldsMany({text_.get(), room_})) return Outcome::kStream;
       text_ = std::make_unique_for_overwrite<char[]>(room_ * kGrowth);
       room_ *= kGrowth;
       continue;

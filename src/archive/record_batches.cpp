@@ -10,7 +10,7 @@
 namespace quenlar {
 namespace {
 
-constexpr std::size_t kBatch = 256u << 10;  // bytes of text: what a processor keeps near
+constexpr std::size_t kBatch = 512u << 10;  // bytes of text: what a processor keeps near
 constexpr std::size_t kLarge = 2u << 20;    // a buffer of a batch above this is cut to what is used of it
 constexpr std::size_t kGrowth = 4;
 constexpr std::size_t kBehindGap = 64u << 10;
@@ -18,6 +18,18 @@ constexpr std::size_t kMostBuffer = kWarcWindow + kBatch;
 
 void Move(std::string_view& text, std::ptrdiff_t by) {
   if (!text.empty()) text = {text.data() + by, text.size()};
+}
+
+// The size of a buffer in which the record at the beginning of `rest` ends, with something behind it. Where its head
+// does not tell, a larger one than that at hand if `rest` fills more than half of it.
+std::size_t RoomFor(std::string_view rest, std::size_t capacity) {
+  WarcHead head;
+  if (ParseWarcHead(rest, head) == WarcHeadOutcome::kHead && head.length && *head.length < kWarcWindow) {
+    const std::size_t whole = head.size + static_cast<std::size_t>(*head.length) + kBehindGap;
+    if (whole > rest.size() && whole <= kWarcWindow) return std::max(whole, kBatch);
+  }
+  if (rest.size() * 2 <= capacity) return capacity;
+  return std::min(capacity * kGrowth, capacity < kWarcWindow ? kWarcWindow : kMostBuffer);
 }
 
 // Copies what the records use of a large buffer, so that a few large records in flight do not fill the memory.
@@ -155,8 +167,7 @@ Result<bool> RecordBatches::GoOn(RecordBatch& batch) {
     }
     if (!batch.records.empty()) return false;
     const std::string_view rest = Rest();
-    const std::size_t wanted = rest.size() * 2 > capacity_ ? capacity_ * kGrowth : capacity_;
-    Rebuffer(rest, std::min(wanted, kMostBuffer));
+    Rebuffer(rest, RoomFor(rest, capacity_));
   }
   if (const Status filled = Fill(); !filled.ok()) return filled;
   return true;

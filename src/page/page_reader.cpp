@@ -77,8 +77,9 @@ class PageWalk {
   [[nodiscard]] bool IsDone(std::size_t at) {
     if (!result_.finder->HasAny()) return true;
     if (next_meta_ < at) next_meta_ = FindIgnoreCase(page_, "<meta", at);
+    if (next_meta_ != kNone || result_.title) return next_meta_ == kNone;
     if (next_title_ < at) next_title_ = FindIgnoreCase(page_, "<title", at);
-    return next_meta_ == kNone && (result_.title || next_title_ == kNone);
+    return next_title_ == kNone;
   }
 
   [[nodiscard]] const PageLinks& links() const { return links_; }

@@ -33,7 +33,8 @@ class HarvestOrderTest : public testing::Test {
       blocks += Deflated(std::string_view(plain).substr(at, 65280), 31, 1);
     std::string torn = plain;
     torn.erase(torn.size() / 3, 3000);
-    return {plain, members, damaged, blocks, Deflated(plain, 31, 1), torn, members + blocks + members};
+    const std::string single = Deflated(plain, 31, 1);
+    return {plain, members, damaged, blocks, single, torn, members + blocks + members, members + single + members};
   }
   HarvestWorld world_;
 };

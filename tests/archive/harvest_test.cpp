@@ -56,6 +56,18 @@ TEST_F(HarvestTest, RecordsOverTheEndsOfMembersAreRead) {
   }
 }
 
+TEST_F(HarvestTest, RecordsLargerThanABatchAreRead) {
+  std::string archive = PageRecord("a");
+  for (const char* const name : {"b", "c", "d"}) archive += LargePage(name, 3'000'000);
+  const std::string rows = Row("a") + "," + Row("b") + "," + Row("c") + "," + Row("d");
+  EXPECT_EQ(world.Of(archive), rows);
+  EXPECT_EQ(world.Of(Gzip(archive)), rows);
+  EXPECT_EQ(world.reports, std::vector<std::string>{Damaged(0)});
+  archive.insert(archive.find("Length: 3", 4'000'000) + 8, "1");
+  EXPECT_EQ(world.Of(archive), rows);
+  EXPECT_EQ(world.reports, std::vector<std::string>{Damaged(1)});
+}
+
 TEST_F(HarvestTest, OnlyAnswersThatHoldPagesAreRead) {
   const auto page = [](const std::string& name, RecordText how) { return PageRecord(name, std::move(how)); };
   std::string archive = WarcText({.type = "warcinfo", .target = ""}, "software: x@firma.de");
