@@ -10,6 +10,11 @@ inline const bool kHasAvx2 = [] {
   __builtin_cpu_init();
   return __builtin_cpu_supports("avx2") != 0;
 }();
+// Whether it multiplies without carrying.
+inline const bool kHasPclmul = [] {
+  __builtin_cpu_init();
+  return __builtin_cpu_supports("pclmul") != 0;
+}();
 
 }  // namespace quenlar
 

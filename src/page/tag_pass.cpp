@@ -35,15 +35,15 @@ constexpr auto kGaps = [] {
   return gaps;
 }();
 
-__attribute__((target("avx2"))) inline Masks MasksOf(const char* data) {
+__attribute__((target("avx2,pclmul"))) inline Masks MasksOf(const char* data) {
   const __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data));
   const __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + kBlock / 2));
   const __m256i gaps = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kGaps.data())));
-  const auto bits = [](__m256i low_hits, __m256i high_hits) __attribute__((target("avx2"))) {
+  const auto bits = [](__m256i low_hits, __m256i high_hits) __attribute__((target("avx2,pclmul"))) {
     return static_cast<std::uint32_t>(_mm256_movemask_epi8(low_hits)) |
            std::uint64_t{static_cast<std::uint32_t>(_mm256_movemask_epi8(high_hits))} << (kBlock / 2);
   };
-  const auto equal = [&](char c) __attribute__((target("avx2"))) {
+  const auto equal = [&](char c) __attribute__((target("avx2,pclmul"))) {
     const __m256i wanted = _mm256_set1_epi8(c);
     return bits(_mm256_cmpeq_epi8(low, wanted), _mm256_cmpeq_epi8(high, wanted));
   };
@@ -53,10 +53,12 @@ __attribute__((target("avx2"))) inline Masks MasksOf(const char* data) {
   return {equal('<'), equal('>'), equal('"'), equal('\''), equal('='), gap};
 }
 
-// Bit i of the result tells whether the number of bits set in mask[0, i] is odd.
-inline std::uint64_t OddSoFar(std::uint64_t mask) {
-  for (int shift = 1; shift < 64; shift *= 2) mask ^= mask << shift;
-  return mask;
+// Bit i of the result tells whether the number of bits set in mask[0, i] is odd: the mask times a number of ones alone,
+// added up without carrying.
+__attribute__((target("pclmul"))) inline std::uint64_t OddSoFar(std::uint64_t mask) {
+  const __m128i product =
+      _mm_clmulepi64_si128(_mm_set_epi64x(0, static_cast<long long>(mask)), _mm_set1_epi8('\xFF'), 0);
+  return static_cast<std::uint64_t>(_mm_cvtsi128_si64(product));
 }
 
 inline std::uint64_t Below(int bit) { return (std::uint64_t{1} << bit) - 1; }
@@ -67,7 +69,7 @@ class TagBits {
  public:
   // The bytes that are not as usual, or do not stand where tags have them. The first one counts, and a tag that ends
   // before it is as usual. `inside` tells of the bytes before which a tag is open.
-  std::uint64_t Odd(const Masks& masks, std::uint64_t& inside) {
+  __attribute__((target("avx2,pclmul"))) std::uint64_t Odd(const Masks& masks, std::uint64_t& inside) {
     const std::uint64_t tag = OddSoFar(masks.open | masks.close) ^ Spread(tag_);  // from "<" up to the byte before ">"
     inside = tag << 1 | tag_;
     const std::uint64_t quotes = masks.quote & tag;
@@ -124,8 +126,8 @@ inline std::uint64_t PassOver(const char* data, std::size_t at, std::uint64_t op
   return open;
 }
 
-__attribute__((target("avx2"))) TagPass PassUsualTagsAvx2(std::string_view page, TagPass pass, std::size_t limit,
-                                                          const tag_names::Beginnings& wanted) {
+__attribute__((target("avx2,pclmul"))) TagPass PassUsualTagsAvx2(std::string_view page, TagPass pass, std::size_t limit,
+                                                                 const tag_names::Beginnings& wanted) {
   TagBits bits;
   std::size_t last_open = pass.at;
   for (std::size_t at = pass.at; at + kBlock + kBytesBehind <= limit; at += kBlock) {
@@ -154,7 +156,7 @@ __attribute__((target("avx2"))) TagPass PassUsualTagsAvx2(std::string_view page,
 TagPass PassUsualTags(std::string_view page, const TagPass& from, std::size_t limit,
                       const tag_names::Beginnings& wanted) {
 #if defined(__SSE2__)
-  if (kHasAvx2) return PassUsualTagsAvx2(page, from, std::min(limit, page.size()), wanted);
+  if (kHasAvx2 && kHasPclmul) return PassUsualTagsAvx2(page, from, std::min(limit, page.size()), wanted);
 #endif
   (void)page, (void)limit, (void)wanted;
   return from;
