@@ -58,7 +58,8 @@ class MarkupReader {
       if (open >= page_.size() || open + 1 >= page_.size()) return AtEnd(markup);
       const char next = page_[open + 1];
       if (IsLetter(next)) {
-        if (open >= all_from || open + 2 >= page_.size() || tag_names::HasBeginning(wanted_, next, page_[open + 2])) {
+        if (open >= all_from || open + 3 >= page_.size() ||
+            tag_names::HasBeginning(wanted_, next, page_[open + 2], page_[open + 3])) {
           if (Tag(markup, open, open + 1)) return StartTag(markup);
           return AtEnd(markup, open);
         }

@@ -308,7 +308,9 @@ bool PageSigns::IsDot(std::size_t at) {
 
 bool PageSigns::IsPlainSign(std::size_t at) const {
   if (page_[at] == '@') return MayBeAddress(page_, at, at + 1);
-  const Reference reference = ReadReference(page_.substr(at), ReferencePlace::kText);
+  const std::string_view rest = page_.substr(at);
+  if (!rest.starts_with("&#") && !rest.starts_with("&commat;") && !rest.starts_with("&percnt;")) return false;
+  const Reference reference = ReadReference(rest, ReferencePlace::kText);
   const std::size_t end = at + reference.length;
   if (reference.codes[0] == '%') return MayBeForty(page_, end);
   return reference.codes[0] == '@' && MayBeAddress(page_, at, end);

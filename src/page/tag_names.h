@@ -341,18 +341,20 @@ inline constexpr auto kTable = [] {
 
 namespace tag_names {
 
-// Sets of beginnings of names: bit `second` of word `first` stands for the first two letters, told by their lowest five
-// bits. Bit 0 stands for a name of one letter, and for all whose second byte is not a letter.
-using Beginnings = std::array<std::uint32_t, 32>;
+// A letter of a name by its lowest five bits. 0 stands for what is not a letter, behind the end of a name.
+constexpr std::size_t LetterOf(char c) { return c >= '@' ? static_cast<std::size_t>(c & 31) : 0; }
 
-constexpr std::uint32_t BeginningBit(char second) { return std::uint32_t{1} << (second >= '@' ? second & 31 : 0); }
-constexpr bool HasBeginning(const Beginnings& beginnings, char first, char second) {
-  return (beginnings[static_cast<std::size_t>(first & 31)] & BeginningBit(second)) != 0;
+// Sets of beginnings of names: bit `third` of word [first][second] stands for the first three letters.
+using Beginnings = std::array<std::array<std::uint32_t, 32>, 32>;
+
+constexpr bool HasBeginning(const Beginnings& beginnings, char first, char second, char third) {
+  return (beginnings[LetterOf(first)][LetterOf(second)] >> LetterOf(third) & 1) != 0;
 }
 
-// Adds the beginning of a name of the list.
+// Adds the beginning of a name of the list. Behind the end of a short one anything may stand.
 constexpr void AddBeginning(Beginnings& beginnings, std::string_view name) {
-  beginnings[static_cast<std::size_t>(name[0] & 31)] |= BeginningBit(name.size() > 1 ? name[1] : ' ');
+  std::uint32_t& thirds = beginnings[LetterOf(name[0])][name.size() > 1 ? LetterOf(name[1]) : 0];
+  thirds |= name.size() > 2 ? std::uint32_t{1} << LetterOf(name[2]) : name.size() == 2 ? 1 : ~std::uint32_t{0};
 }
 
 // Of the names that matter for the title, the words for robots and the base, and of what holds no markup or another
@@ -369,11 +371,13 @@ constexpr Beginnings WantedBeginnings(bool links) {
 }
 inline constexpr Beginnings kWithLinks = WantedBeginnings(true), kWithoutLinks = WantedBeginnings(false);
 
-// Of the names that are not those of inline elements.
-inline constexpr Beginnings kNotInline = [] {
-  Beginnings beginnings{};
+// Of the names that are not those of inline elements, by their first two letters in the same way.
+inline constexpr auto kNotInline = [] {
+  std::array<std::uint32_t, 32> beginnings{};
   for (std::size_t i = 1; i < kList.size(); ++i) {
-    if ((kList[i].traits & kInline) != 0) AddBeginning(beginnings, kList[i].text);
+    const std::string_view name = kList[i].text;
+    if ((kList[i].traits & kInline) == 0) continue;
+    beginnings[LetterOf(name[0])] |= std::uint32_t{1} << (name.size() > 1 ? LetterOf(name[1]) : 0);
   }
   for (std::uint32_t& seconds : beginnings) seconds = ~seconds;
   return beginnings;
@@ -384,7 +388,7 @@ inline constexpr Beginnings kNotInline = [] {
 // Whether a tag whose name begins with these two bytes, the first one a letter, is certainly not that of an inline
 // element.
 [[nodiscard]] constexpr bool IsSurelyNotInline(char first, char second) {
-  return tag_names::HasBeginning(tag_names::kNotInline, first, second);
+  return (tag_names::kNotInline[tag_names::LetterOf(first)] >> tag_names::LetterOf(second) & 1) != 0;
 }
 
 }  // namespace quenlar

@@ -19,7 +19,7 @@ namespace quenlar {
 namespace {
 
 constexpr std::size_t kBlock = 64;
-constexpr std::size_t kBytesBehind = 3;  // "/", and two letters of a name
+constexpr std::size_t kBytesBehind = 3;  // three letters of a name, or "/" and two
 
 // Bit i of each mask tells of byte i of a block.
 struct Masks {
@@ -109,19 +109,15 @@ class TagBits {
   std::uint64_t tag_ = 0, value_ = 0, equals_ = 0, no_name_ = 0, open_ = 0, slash_ = 0, name_ = 0;
 };
 
-// The first "<" of `open` that begins something else than a tag to be passed over; all that are passed over may be
-// marked.
-inline std::uint64_t PassOver(const char* data, std::size_t at, std::uint64_t open, const tag_names::Beginnings& wanted,
-                              TagPass& pass) {
+// The bit of the first "<" of `open` that begins something else than a tag to be passed over, and those behind it.
+inline std::uint64_t NotPassed(const char* data, std::uint64_t open, const tag_names::Beginnings& wanted) {
   for (; open != 0; open &= open - 1) {
-    const auto bit = static_cast<std::size_t>(std::countr_zero(open));
-    const char* name = data + bit + 1;
+    const char* name = data + std::countr_zero(open) + 1;
     if (*name == '/') {
-      if (!IsLetter(*++name)) break;
-    } else if (!IsLetter(*name) || tag_names::HasBeginning(wanted, name[0], name[1])) {
+      if (!IsLetter(name[1])) break;
+    } else if (!IsLetter(*name) || tag_names::HasBeginning(wanted, name[0], name[1], name[2])) {
       break;
     }
-    if (IsSurelyNotInline(name[0], name[1])) pass.marked = at + bit;
   }
   return open;
 }
@@ -136,12 +132,16 @@ __attribute__((target("avx2,pclmul"))) TagPass PassUsualTagsAvx2(std::string_vie
     const std::uint64_t odd = bits.Odd(masks, inside);
     const int end = std::countr_zero(odd);
     const std::uint64_t open = odd == 0 ? masks.open : masks.open & Below(end);
-    const std::uint64_t stop = PassOver(page.data() + at, at, open, wanted, pass);
+    const std::uint64_t stop = NotPassed(page.data() + at, open, wanted);
+    if (const std::uint64_t passed = open ^ stop; passed != 0) {
+      last_open = at + 63 - static_cast<std::size_t>(std::countl_zero(passed));
+      const std::size_t name = last_open + (page[last_open + 1] == '/' ? 2 : 1);
+      if (IsSurelyNotInline(page[name], page[name + 1])) pass.marked = last_open;
+    }
     if (stop != 0) {
       pass.at = at + static_cast<std::size_t>(std::countr_zero(stop));
       return pass;
     }
-    if (open != 0) last_open = at + 63 - static_cast<std::size_t>(std::countl_zero(open));
     const bool in_tag = odd == 0 ? bits.in_tag() : (inside >> end & 1) != 0;
     pass.at = in_tag ? last_open : at + static_cast<std::size_t>(end);
     if (odd != 0) return pass;

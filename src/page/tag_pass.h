@@ -8,7 +8,7 @@
 
 namespace quenlar {
 
-// A place from which the reading goes on, and the last tag before it that is certainly not inline.
+// A place from which the reading goes on, and a tag at or not far before it that is certainly not inline.
 struct TagPass {
   std::size_t at = 0;
   std::size_t marked = 0;
