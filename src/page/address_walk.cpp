@@ -28,17 +28,6 @@ class NamesBefore {
 
 }  // namespace
 
-void LookHints::Find(Word& word, std::size_t limit) {
-  const std::string_view text = page_.substr(0, limit + word.text.size());
-  const auto ends = [&](std::size_t at) { return at >= page_.size() || EndsTagName(page_[at]) || page_[at] == '='; };
-  word.next = FindIgnoreCase(text, word.text, word.next);
-  while (word.next != kNone && !ends(word.next + word.text.size())) {
-    word.next = FindIgnoreCase(text, word.text, word.next + 1);
-  }
-  word.found = word.next != kNone;
-  if (!word.found) word.next = limit;
-}
-
 AddressWalk::AddressWalk(std::string_view page, PageSignKind signs, AddressFinder& finder)
     : page_(page), finder_(finder), signs_(page, signs), runs_(page, finder), hints_(page) {}
 

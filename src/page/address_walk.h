@@ -6,43 +6,14 @@
 #include <string>
 #include <string_view>
 
-#include "base/ascii.h"
 #include "page/address_finder.h"
+#include "page/look_hints.h"
 #include "page/markup_reader.h"
 #include "page/open_elements.h"
 #include "page/page_signs.h"
 #include "page/text_runs.h"
 
 namespace quenlar {
-
-// Finds where the names of the attributes "hidden" and "style" come next, which tags need a closer look for.
-class LookHints {
- public:
-  explicit LookHints(std::string_view page) : page_(page) {}
-  // The first place in page[begin, limit) where one of the two stands; at least `limit` without one. A later call may
-  // ask for an earlier place only if none of the two stood between the two places.
-  std::size_t Next(std::size_t begin, std::size_t limit) {
-    for (Word& word : words_) {
-      if (word.next < begin) word = {word.text, begin, false};
-      if (!word.found && word.next < limit) Find(word, std::max(limit, begin + kAhead));
-    }
-    return std::min(Place(words_[0], limit), Place(words_[1], limit));
-  }
-
- private:
-  static constexpr std::size_t kAhead = 4096;  // bytes to look through at least, because a search has a cost of its own
-
-  struct Word {
-    std::string_view text;
-    std::size_t next = 0;  // so far it has been looked for
-    bool found = false;    // and there it stands
-  };
-  static std::size_t Place(const Word& word, std::size_t limit) { return word.found ? word.next : limit; }
-  void Find(Word& word, std::size_t limit);
-
-  std::string_view page_;
-  Word words_[2] = {{"hidden"}, {"style"}};
-};
 
 // Takes the pieces of the page in their order, as long as a sign is ahead. Those that PassableTo allows may be left
 // out.
