@@ -41,7 +41,7 @@ int Collections(Invocation& invocation) {
     const Result<CollectionFigures> figures = FiguresOf(installation, name);
     if (figures.ok()) {
       all.push_back({name, figures.value()});
-    } else {
+    } else if (figures.status().kind() != StatusKind::kNotFound) {
       status = invocation.Fail(figures.status());
     }
   }

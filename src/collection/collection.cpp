@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "collection/collection_sql.h"
+#include "collection/schema_version.h"
 #include "collection/statements.h"
 
 namespace quenlar {
@@ -80,25 +81,19 @@ Result<Collection::Opened> Collection::Open(Files& files, const std::string& pat
   }
 }
 
-// kFormat: damaged. kLimit: too new.
+// kFormat: damaged, or of another program. kLimit: too new.
 Status Collection::Prepare() {
-  const Result<std::int64_t> version = database_->Number(sql::kVersion);
-  if (!version.ok()) return version.status();
-  if (version.value() > sql::kSchemaVersion) {
-    return database_->Refusal(StatusKind::kLimit, "a newer version of Quenlar has made this collection");
-  }
+  const Status version = CheckVersion(*database_);
+  const bool is_new = version.kind() == StatusKind::kNotFound;
+  if (!version.ok() && !is_new) return version;
   if (const Status set = database_->Execute(sql::kSettings); !set.ok()) return set;
-  if (const Status made = version.value() == 0 ? MakeSchema() : CheckSound(*database_); !made.ok()) return made;
+  if (const Status made = is_new ? MakeSchema() : CheckSound(*database_); !made.ok()) return made;
   if (const Status added = database_->Execute(sql::kAdditions); !added.ok()) return added;
   if (const Status prepared = statements_->Prepare(*database_); !prepared.ok()) return prepared;
   return LoadCounts();
 }
 
-// A file of another program has tables but no version: that is no collection, and it is kept aside.
 Status Collection::MakeSchema() {
-  const Result<std::int64_t> tables = database_->Number("SELECT count(*) FROM sqlite_master");
-  if (!tables.ok()) return tables.status();
-  if (tables.value() != 0) return database_->Refusal(StatusKind::kFormat, "not a collection");
   if (const Status begun = database_->Execute("BEGIN IMMEDIATE"); !begun.ok()) return begun;
   if (const Status made = database_->Execute(sql::kSchema); !made.ok()) return made;
   Result<Statement> seed = database_->Prepare(sql::kSetFact);
@@ -138,6 +133,7 @@ Status Collection::Begin() {
     syncs_ = syncs;
   }
   if (syncs) synced_ = now;
+  if (syncs && database_->HasMoved()) return Gone();
   return database_->Execute("BEGIN IMMEDIATE");
 }
 
@@ -161,7 +157,15 @@ void Collection::Forget() {
 
 Status Collection::Commit() {
   if (const Status committed = CommitSoon(); !committed.ok()) return committed;
+  if (database_->HasMoved()) return Gone();
   return unsynced_ ? Sync() : Status::Ok();
+}
+
+// What is written from now on would be found by nobody. What is committed goes into the file, wherever that is now: the
+// log keeps the old name, and SQLite leaves it behind.
+Status Collection::Gone() {
+  database_->Execute(sql::kEmptyLog).Ignore("the run ends by a failure anyhow");
+  return database_->Refusal(StatusKind::kFailed, "the file was deleted, moved or replaced during the run");
 }
 
 // A checkpoint begins with giving the log to the disk. Readers do not hinder it.

@@ -175,7 +175,7 @@ class Collection {
     std::string kept_aside;  // the name under which a damaged file lies now; empty: it was sound
   };
   // For a run: the file is made where there is none, brought up to date where its schema is older, and kept aside where
-  // it is damaged. kFormat, with a message, where a newer program has made it.
+  // it is damaged. kLimit, with a message, where a newer program has made it.
   [[nodiscard]] static Result<Opened> Open(Files& files, const std::string& path);
   ~Collection();
   Collection(const Collection&) = delete;
@@ -316,6 +316,7 @@ class Collection {
   Status BringNearer(const KnownPage& page, PageId parent, int depth, int deepest, const EachHost& queued);
   Status QueueVisited();
   Status Sync();
+  [[nodiscard]] Status Gone();
 
   std::unique_ptr<Database> database_;
   std::unique_ptr<Statements> statements_;

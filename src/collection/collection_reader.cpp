@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "collection/collection_sql.h"
+#include "collection/schema_version.h"
 
 namespace quenlar {
 namespace {
@@ -62,12 +63,7 @@ Result<std::unique_ptr<CollectionReader>> CollectionReader::Open(const std::stri
 }
 
 Status CollectionReader::Check() {
-  const Result<std::int64_t> version = database_->Number(sql::kVersion);
-  if (!version.ok()) return version.status();
-  if (version.value() > sql::kSchemaVersion) {
-    return database_->Refusal(StatusKind::kLimit, "a newer version of Quenlar has made this collection");
-  }
-  if (version.value() == 0) return database_->Refusal(StatusKind::kFormat, "this is not a collection");
+  if (const Status version = CheckVersion(*database_); !version.ok()) return version;
   const Result<std::string> first = OneText(*database_, sql::kFact, "first seed");
   if (!first.ok()) return first.status();
   const Result<std::string> second = OneText(*database_, sql::kFact, "second seed");

@@ -64,7 +64,8 @@ class CollectionReader {
   // `each` gives false to end the list.
   using Each = std::function<bool(const Sighting&)>;
 
-  // kNotFound where there is no such file, kLimit where a newer program has made it, kFormat where it is damaged.
+  // kNotFound where there is no such file, or nothing in it yet, kLimit where a newer program has made it, kFormat
+  // where it is damaged.
   [[nodiscard]] static Result<std::unique_ptr<CollectionReader>> Open(const std::string& path);
 
   // From now on addresses for which `keeps` is false are left out of Addresses, Listed and Sightings.

@@ -7,6 +7,7 @@ namespace quenlar::sql {
 // PRAGMA user_version of a file with this schema. A change of the schema raises it and adds a step to kUpgrades.
 inline constexpr int kSchemaVersion = 1;
 inline constexpr const char* kVersion = "PRAGMA user_version";
+inline constexpr const char* kCountTables = "SELECT count(*) FROM sqlite_master";
 
 inline constexpr const char* kSettings =
     "PRAGMA journal_mode = WAL;"

@@ -2,10 +2,13 @@
 
 #include <sqlite3.h>
 
+#include "page/url_bytes.h"
+
 namespace quenlar {
 namespace {
 
 constexpr int kBusyMilliseconds = 5000;  // how long a reader or writer waits for the other one's lock
+constexpr const char* kProtected = "the file or its folder is write-protected";
 
 StatusKind KindOf(int code) {
   switch (code & 0xFF) {
@@ -20,9 +23,8 @@ StatusKind KindOf(int code) {
     case SQLITE_READONLY:
     case SQLITE_PERM:
     case SQLITE_AUTH:
-      return StatusKind::kDenied;
     case SQLITE_CANTOPEN:
-      return StatusKind::kNotFound;
+      return StatusKind::kDenied;
     default:
       return StatusKind::kFailed;
   }
@@ -34,7 +36,34 @@ std::string PathOf(sqlite3* connection) {
 }
 
 Status FailureOf(sqlite3* connection) {
-  return Status(KindOf(sqlite3_errcode(connection)), sqlite3_errmsg(connection)).WithContext(PathOf(connection));
+  const int code = sqlite3_errcode(connection);
+  const bool is_protected = (code & 0xFF) == SQLITE_READONLY;
+  const char* const message = is_protected ? kProtected : sqlite3_errmsg(connection);
+  return Status(KindOf(code), message).WithContext(PathOf(connection));
+}
+
+enum class Presence { kMissing, kThere, kUnknown };
+
+// An empty file counts as missing.
+Presence PresenceOf(const std::string& path) {
+  sqlite3_vfs* const system = sqlite3_vfs_find(nullptr);
+  int is_there = 0;
+  if (system->xAccess(system, path.c_str(), SQLITE_ACCESS_EXISTS, &is_there) != SQLITE_OK) return Presence::kUnknown;
+  return is_there != 0 ? Presence::kThere : Presence::kMissing;
+}
+
+// The path as a `file:` address that says that nobody changes the file (https://www.sqlite.org/uri.html).
+std::string UnchangingUri(const std::string& path) {
+  constexpr std::string_view kSpecial = "%?#";
+  std::string uri = path.starts_with('/') ? "file://" : "file:///";
+  for (const char c : path) {
+    if (kSpecial.find(c) != kSpecial.npos) {
+      AppendPercentEncoded(c, uri);
+    } else {
+      uri += c == '\\' ? '/' : c;
+    }
+  }
+  return uri + "?immutable=1";
 }
 
 }  // namespace
@@ -94,14 +123,46 @@ void Statement::BindOne(int index, Bytes value) {
 void Statement::BindOne(int index, std::nullopt_t) { sqlite3_bind_null(statement_.get(), index); }
 
 Result<std::unique_ptr<Database>> Database::Open(const std::string& path, Mode mode) {
-  const int flags = mode == Mode::kRead ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  if (mode == Mode::kRead) return OpenForReading(path);
+  auto database = Connect(path, path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  if (database.ok() && sqlite3_db_readonly(database.value()->connection_, "main") != 0) {
+    return database.value()->Refusal(StatusKind::kDenied, kProtected);
+  }
+  return database;
+}
+
+Result<std::unique_ptr<Database>> Database::Connect(const std::string& path, const std::string& name, int flags) {
   sqlite3* connection = nullptr;
-  const int code = sqlite3_open_v2(path.c_str(), &connection, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  const int code = sqlite3_open_v2(name.c_str(), &connection, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   std::unique_ptr<Database> database(new Database(connection));  // check: raw-new the constructor is private
   if (connection == nullptr) return Status(StatusKind::kFull, path + ": there is not enough memory");
   if (code != SQLITE_OK) return Status(KindOf(code), path + ": " + sqlite3_errmsg(connection));
   sqlite3_busy_timeout(connection, kBusyMilliseconds);
   sqlite3_extended_result_codes(connection, 0);
+  return database;
+}
+
+// Readers share memory with a writer through a file beside the database. In a folder that cannot be written they cannot
+// make that file. If no log lies there either, no writer is at work, and they do without. If one does, the database
+// alone is not the whole.
+Result<std::unique_ptr<Database>> Database::OpenForReading(const std::string& path) {
+  auto database = Connect(path, path, SQLITE_OPEN_READONLY);
+  if (!database.ok()) {
+    if (database.status().kind() != StatusKind::kDenied || PresenceOf(path) != Presence::kMissing) return database;
+    return Status(StatusKind::kNotFound, path + ": there is no such file");
+  }
+  if (database.value()->Execute("PRAGMA schema_version").kind() != StatusKind::kDenied) return database;
+  switch (PresenceOf(path + "-wal")) {
+    case Presence::kMissing:
+      return Connect(path, UnchangingUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    case Presence::kThere:
+      return database.value()->Refusal(
+          StatusKind::kDenied,
+          "its folder is write-protected and its last run was cut short: copy it, together "
+          "with the file of that name that ends in -wal, into another folder");
+    case Presence::kUnknown:
+      break;
+  }
   return database;
 }
 
@@ -138,6 +199,24 @@ std::int64_t Database::Changes() const { return sqlite3_changes64(connection_); 
 
 void Database::RollBack() noexcept {
   if (InTransaction()) sqlite3_exec(connection_, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+bool Database::HasMoved() const {
+  int moved = 0;
+  sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return moved != 0;
+}
+
+Result<bool> Database::IsCutShort() {
+  const Result<std::int64_t> page_size = Number("PRAGMA page_size");
+  if (!page_size.ok()) return page_size.status();
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(connection_, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  sqlite3_int64 size = 0;
+  if (file == nullptr || file->pMethods == nullptr || file->pMethods->xFileSize(file, &size) != SQLITE_OK) {
+    return Refusal(StatusKind::kFailed, "its size cannot be told");
+  }
+  return size % page_size.value() != 0 && PresenceOf(PathOf(connection_) + "-wal") == Presence::kMissing;
 }
 
 bool Database::InTransaction() const { return sqlite3_get_autocommit(connection_) == 0; }

@@ -77,7 +77,8 @@ class Database {
     kWrite,  // an existing file or a new one
   };
 
-  // `path` is UTF-8. kNotFound where there is no file to read, kFormat where the bytes are no database or are damaged.
+  // `path` is UTF-8. kNotFound where there is no file to read, kDenied where it cannot be opened, or not for writing.
+  // That the bytes are no database or are damaged, a statement says: kFormat.
   [[nodiscard]] static Result<std::unique_ptr<Database>> Open(const std::string& path, Mode mode);
   ~Database();
   Database(const Database&) = delete;
@@ -98,11 +99,20 @@ class Database {
   // Ends an open transaction without its changes. Takes no memory of this program's, for destructors; where SQLite has
   // none either, the closing of the connection does the same.
   void RollBack() noexcept;
+  // Whether the file has been deleted, moved or replaced since it was opened. Where the system does not allow that, it
+  // is false.
+  [[nodiscard]] bool HasMoved() const;
+  // Whether a part of the last page is missing, and no log has it. SQLite would take zeros for it.
+  [[nodiscard]] Result<bool> IsCutShort();
   // A failure for what only the caller can judge. Its message is `why` behind the name of the file.
   [[nodiscard]] Status Refusal(StatusKind kind, const std::string& why) const;
 
  private:
   explicit Database(sqlite3* connection) : connection_(connection) {}
+  // `name` is the path, or an address of it; `flags` are SQLite's.
+  [[nodiscard]] static Result<std::unique_ptr<Database>> Connect(const std::string& path, const std::string& name,
+                                                                 int flags);
+  [[nodiscard]] static Result<std::unique_ptr<Database>> OpenForReading(const std::string& path);
   [[nodiscard]] Status Failure() const;
 
   sqlite3* connection_;

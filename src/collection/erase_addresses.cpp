@@ -5,6 +5,7 @@
 #include "base/ascii.h"
 #include "collection/collection_sql.h"
 #include "collection/database.h"
+#include "collection/schema_version.h"
 
 namespace quenlar {
 namespace {
@@ -79,18 +80,11 @@ Status ClearTraces(Database& database) {
   return database.Execute(sql::kUnmarkTraces);
 }
 
-Status CheckVersion(Database& database) {
-  const Result<std::int64_t> version = database.Number(sql::kVersion);
-  if (!version.ok()) return version.status();
-  if (version.value() > sql::kSchemaVersion) {
-    return database.Refusal(StatusKind::kLimit, "a newer version of Quenlar has made this collection");
-  }
-  return version.value() == 0 ? database.Refusal(StatusKind::kFormat, "this is not a collection") : Status::Ok();
-}
-
 Status Erase(Database& database, const AddressTest& keeps, ErasedFromCollection& erased) {
   if (const Status set = database.Execute(sql::kEraseSettings); !set.ok()) return set;
-  if (const Status checked = CheckVersion(database); !checked.ok()) return checked;
+  const Status checked = CheckVersion(database);
+  if (checked.kind() == StatusKind::kNotFound) return Status::Ok();
+  if (!checked.ok()) return checked;
   const Result<std::int64_t> marked = database.Number(sql::kTracesAreLeft);
   if (!marked.ok()) return marked.status();
   if (const Status begun = database.Execute("BEGIN IMMEDIATE"); !begun.ok()) return begun;

@@ -44,7 +44,7 @@ Result<std::vector<std::string>> CollectionNames(const Files& files, const Insta
   if (!all.ok()) return all.status();
   std::vector<std::string> names;
   for (const std::string& name : all.value()) {
-    if (name.size() > kEnding.size() && name.ends_with(kEnding)) {
+    if (name.size() > kEnding.size() && name.ends_with(kEnding) && files.FileExists(installation.Data(name))) {
       names.push_back(name.substr(0, name.size() - kEnding.size()));
     }
   }

@@ -10,6 +10,7 @@ kills=${QUENLAR_KILLS:-$1}
 farm_server=$2
 shift 2
 program=("$@")
+here=$(dirname "${BASH_SOURCE[0]}")
 work=$(mktemp -d)
 farm_pid=
 cleanup() {
@@ -37,18 +38,8 @@ run=(collect http://www.h0.example/ --scope anywhere --delay 0 --proxy "http://1
 [ -s "$work/expected" ] || fail "the undisturbed run found nothing"
 : >"$log"
 
-# Lines of the log: addresses, "run" where another run begins, "visit" where everything is visited anew.
 check_log() {
-  awk '
-    $0 == "visit" { delete asked; delete last; delete may_come_again; next }
-    $0 == "run" { for (host in last) may_come_again[host] = last[host]; delete last; next }
-    {
-      split($0, parts, "/")
-      host = parts[3]
-      if ($0 in asked && may_come_again[host] != $0) { print $0; exit }
-      asked[$0] = 1
-      last[host] = $0
-    }' "$log" >"$work/twice"
+  awk -f "$here/asked_twice.awk" "$log" >"$work/twice"
   [ ! -s "$work/twice" ] || fail "$(cat "$work/twice") was finished, and was asked for again"
 }
 

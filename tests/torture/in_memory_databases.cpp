@@ -79,6 +79,7 @@ struct InMemoryDatabases::Calls {
     *memory = nullptr;
     if (const int failed = Counted(file, "share memory", SQLITE_IOERR_SHMMAP); failed != SQLITE_OK) return failed;
     return Guarded([&] {
+      if (!Of(file).owner->files_.CheckPlace(Of(file).path + "-shm").ok()) return SQLITE_CANTOPEN;
       auto& regions = Of(file).owner->shared_memory_[Of(file).path];
       const auto wanted = static_cast<std::size_t>(region) + 1;
       while (extend != 0 && regions.size() < wanted) {
@@ -108,9 +109,11 @@ struct InMemoryDatabases::Calls {
       std::string path = name == nullptr ? "/temporary" : name;
       if (const int failed = owner.Count("open", path, SQLITE_CANTOPEN); failed != SQLITE_OK) return failed;
       const bool is_there = owner.files_.FileExists(path);
-      if (!is_there && ((flags & SQLITE_OPEN_CREATE) == 0 || !owner.files_.CheckPlace(path).ok())) {
-        return SQLITE_CANTOPEN;
+      const Status place = owner.files_.CheckPlace(path);
+      if (!is_there && ((flags & SQLITE_OPEN_CREATE) == 0 || !place.ok())) {
+        return place.kind() == StatusKind::kDenied ? SQLITE_READONLY_DIRECTORY : SQLITE_CANTOPEN;
       }
+      if (is_there && !place.ok()) flags = (flags & ~SQLITE_OPEN_READWRITE) | SQLITE_OPEN_READONLY;
       owner.files_.files_[path];
       OpenFile* const opened = new (file) OpenFile{{}, &owner, std::move(path)};
       opened->base.pMethods = Methods();

@@ -15,7 +15,8 @@ namespace quenlar {
 
 // For as long as it lives, SQLite opens every database in `files`, which must outlive it. Each of SQLite's calls that
 // can fail counts as a call of InMemoryFiles; a failing one answers that the disk is full, or that it could not be read
-// or written. Only bytes by which a file grows take space. One connection at a time, in one thread.
+// or written. What is protected can be read. Only bytes by which a file grows take space. One connection at a time, in
+// one thread.
 class InMemoryDatabases {
  public:
   explicit InMemoryDatabases(InMemoryFiles& files);
