@@ -95,11 +95,7 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
     return Finish(given_.empty() && !start_problems_.empty() ? CrawlEnd::kFailed : CrawlEnd::kNothingToDo);
   }
   for (;;) {
-    // What has arrived is kept before anything more is asked for: no page that was finished is fetched again.
-    if (const auto end = BudgetReached()) return Finish(*end);
-    if (Failed(collection_.CommitSoon())) continue;
-    GiveRows();
-    Step();
+    GoOn();
     if (const auto end = EndReached()) return Finish(*end);
     CrawlDuration sleep = kLongestSleep;
     if (const auto next = schedule_.NextTime()) {
@@ -108,6 +104,14 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
     }
     world_.loop.Wait(sleep);
   }
+}
+
+// What has arrived is kept before anything more is asked for: no page that was finished is fetched again.
+void Crawler::GoOn() {
+  if (!begun_ || BudgetReached()) return;
+  if (Failed(collection_.CommitSoon())) return;
+  GiveRows();
+  Step();
 }
 
 // Pages of earlier runs that are to be visited anew.

@@ -60,6 +60,10 @@ class Crawler final : private WebListener {
   // up, or Stop was called. What was under way then is visited by the next run.
   [[nodiscard]] Outcome Run(const std::vector<std::string>& starts);
 
+  // Keeps what has arrived and asks for more. Run does so between its pumps. A caller does so inside one of them that
+  // lasts long, as behind a message box, so that the run goes on meanwhile. Does not pump.
+  void GoOn();
+
   // Ends the run soon; may be called at any time.
   void Stop() { stopped_ = true; }
 

@@ -280,8 +280,10 @@ void CollectionJob::OnNewAddress(const NewAddress& found) {
   front_end_.view.ShowAddressCount(found_.Count());
 }
 
+// The system's own loops, as behind a message box or an open menu, keep the crawl from coming back to its own.
 void CollectionJob::ShowMoment() {
   if (!crawler_) return;
+  crawler_->GoOn();
   CollectionMoment moment;
   moment.waiting_for = crawler_->waiting_for();
   if (auto slowest = crawler_->Slowest(1); !slowest.empty()) moment.asked = slowest.front();

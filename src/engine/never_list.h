@@ -24,7 +24,7 @@ namespace quenlar {
 class NeverList {
  public:
   // The engine must outlive the object. `run_goes_on` says whether what is stored is in use: then nothing can be taken
-  // out of it, and nothing is added. `erased` is called when something was added: what is open is to be loaded anew.
+  // out of it, and nothing is added. `erased` is called when something was added: it leaves what is open, too.
   struct Context {
     Engine& engine;
     std::function<bool()> run_goes_on;
@@ -34,15 +34,17 @@ class NeverList {
 
   [[nodiscard]] Result<std::vector<std::string>> Entries();
 
+  // kBusy, with a message, while a run goes on: the list cannot be changed then.
+  [[nodiscard]] Status CheckIdle() const;
+
   // These change the list and return what has been done, sentences without their ends. None of them pumps, but `erased`
-  // may. kBusy, with a message, while a run goes on.
+  // may. They fail as CheckIdle does.
   [[nodiscard]] Result<std::vector<std::string>> Add(std::string_view entry);
   [[nodiscard]] Result<std::vector<std::string>> Import(const std::string& path);
   [[nodiscard]] Result<std::vector<std::string>> AddDigests(const std::vector<std::string>& addresses);
   [[nodiscard]] Status Remove(const std::vector<std::string>& entries);
 
  private:
-  [[nodiscard]] Status CheckIdle() const;
   [[nodiscard]] Result<std::vector<std::string>> AddAll(const SuppressionList& given, const std::string& subject);
   [[nodiscard]] Result<std::vector<std::string>> Erase(const SuppressionList& given, const std::string& subject);
 

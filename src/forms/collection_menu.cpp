@@ -62,6 +62,7 @@ void CollectionMenu::NeverListAgain(const Rows& rows) {
     if (row < found.Count()) addresses.emplace_back(found.At(row).Address);
   }
   if (addresses.empty()) return;
+  if (const Status idle = context_.never.CheckIdle(); !idle.ok()) return Warn(idle);
   const bool one = addresses.size() == 1;
   const std::string what = one ? addresses.front() : "These " + std::to_string(addresses.size()) + " addresses";
   const BoxAnswer answer = Show(what + (one ? " is" : " are") +
