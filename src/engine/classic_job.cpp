@@ -1,5 +1,6 @@
 #include "engine/classic_job.h"
 
+#include "page/unwanted_addresses.h"
 #include "project/save_check.h"
 
 namespace quenlar {
@@ -11,6 +12,14 @@ std::int64_t ClassicJob::scanned() const {
   std::int64_t started = 0;
   for (std::size_t level = 0; level < kScannedLevels; ++level) started += engine_.project.queues[level].Next();
   return started;
+}
+
+bool ClassicJob::TakeOutSuppressed() {
+  if (engine_.suppression.empty()) return true;
+  engine_.projects.TakeOutSuppressed([this](std::string_view text) {
+    return WithoutUnwanted(text, [this](std::string_view address) { return engine_.suppression.Keeps(address); });
+  });
+  return true;
 }
 
 Status ClassicJob::CheckCanBeSaved() { return quenlar::CheckCanBeSaved(engine_.platform.files, engine_.project); }

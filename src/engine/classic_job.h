@@ -22,10 +22,7 @@ class ClassicJob final : public Job {
   void Open(std::string_view text) override { engine_.projects.OpenProject(text); }
   void FinishLoading() override { engine_.projects.FinishLoading(); }
   // Not from the files, which may know less of an address than the table does.
-  [[nodiscard]] bool TakeOutSuppressed() override {
-    engine_.projects.TakeOutSuppressed();
-    return true;
-  }
+  [[nodiscard]] bool TakeOutSuppressed() override;
   [[nodiscard]] bool HasFiles() const override { return !engine_.project.DataFile.empty(); }
   [[nodiscard]] const FoundAddresses& found() const override { return engine_.project.found; }
   [[nodiscard]] std::int64_t scanned() const override;

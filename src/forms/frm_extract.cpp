@@ -116,8 +116,10 @@ void frmExtract::FollowSetting() {
   }
 }
 
-void frmExtract::Reload() {
-  if (!cmbURL.text().empty()) cmbURL_Change();
+void frmExtract::TakeOutSuppressed() {
+  if (cmbURL.text().empty()) return;
+  const bool taken_out = opening_ == 0 && job_->HasFiles() && job_->TakeOutSuppressed();
+  if (!taken_out) cmbURL_Change();
 }
 
 // --- The run's beginning and its stop ---

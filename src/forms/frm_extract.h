@@ -68,8 +68,9 @@ class frmExtract final : public ui::Form, public RunView, public RunHost, public
   [[nodiscard]] Job& job() const { return *job_; }
   // Shows what the setting says, now or as soon as nothing is under way any more. Pumps.
   void FollowSetting();
-  // Loads what is open anew, because its files have changed. Pumps. Not while a run goes on.
-  void Reload();
+  // Takes what is suppressed by now out of what is open; its files have lost it already. Pumps. Not while a run goes
+  // on.
+  void TakeOutSuppressed();
   // Whether a run is under way, or will begin with the next tick of its timer.
   [[nodiscard]] bool RunGoesOn() const;
 

@@ -16,7 +16,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
       engine(platform, std::move(installation), {extract, extract, extract}, pace),
       classic(engine),
       collection(engine, desktop.web_client, web_settings, {extract, extract, extract}, pace),
-      never({engine, [this] { return extract.RunGoesOn(); }, [this] { extract.Reload(); }}),
+      never({engine, [this] { return extract.RunGoesOn(); }, [this] { extract.TakeOutSuppressed(); }}),
       option({engine.settings, engine.settings_store, engine.filter, platform.files, platform.code_page, platform.boxes,
               engine.installation, [this](const std::string& code) { extract.txtSearch.SetText(code); }}),
       web({platform.registry, web_settings, never, platform.boxes, desktop.dialogs, engine.installation,

@@ -122,6 +122,16 @@ std::optional<UnwantedPlace> NextUnwanted(std::string_view text, const AddressTe
   return std::nullopt;
 }
 
+std::string WithoutUnwanted(std::string_view text, const AddressTest& keeps) {
+  std::string left;
+  std::size_t taken = 0;
+  while (const auto place = NextUnwanted(text, keeps, taken)) {
+    left.append(text, taken, place->begin - taken);
+    taken = place->end;
+  }
+  return left.append(text, taken);
+}
+
 std::string RulesWithoutUnwanted(std::string_view rules, const AddressTest& keeps) {
   constexpr std::string_view kLineEnds = "\r\n";
   std::string left;

@@ -160,9 +160,13 @@ void ProjectStore::FinishLoading() {
   if (reader_ != nullptr) reader_->FinishNow(project_.found);
 }
 
-void ProjectStore::TakeOutSuppressed() {
+void ProjectStore::TakeOutSuppressed(const std::function<std::string(std::string_view)>& clean) {
   FinishSaves();
-  if (suppression_ == nullptr || project_.found.RemoveUnwanted(*suppression_) == 0) return;
+  if (suppression_ == nullptr) return;
+  const auto names_one = [&](std::string_view url) { return clean(url).size() < url.size(); };
+  for (LinkQueue& queue : project_.queues) queue.RemoveUnvisited(names_one);
+  const bool pages_changed = project_.found.CleanPages(clean);
+  if (project_.found.RemoveUnwanted(*suppression_) == 0 && !pages_changed) return;
   project_.report_holds_more = true;
   view_.ClearRows();
   for (std::uint32_t i = 0; i < project_.found.Count(); ++i) view_.AddRow(i, project_.found.At(i).TagOnly);

@@ -82,9 +82,10 @@ class ProjectStore final : public ProjectSaver {
   // must outlive the store.
   void SetSuppression(AddressFilter* suppression) { suppression_ = suppression; }
 
-  // Takes the addresses out of the loaded project that the suppression does not keep by now. The report that is on the
-  // disk is behind then. A save that is under way is finished first. Does not pump.
-  void TakeOutSuppressed();
+  // Takes the addresses out of the loaded project that the suppression does not keep by now, and the links that name
+  // one. `clean` returns a text without those that it names, for titles and pages. The report that is on the disk is
+  // behind then. A save that is under way is finished first. No run may go on. Does not pump.
+  void TakeOutSuppressed(const std::function<std::string(std::string_view text)>& clean);
 
   // Deletes the data file and the report of the open project, as far as they exist. A save that is under way is given
   // up. The message of a failure is a complete sentence.

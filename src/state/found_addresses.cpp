@@ -66,6 +66,19 @@ std::uint32_t FoundAddresses::RemoveUnwanted(AddressFilter& filter) {
   return before - count;
 }
 
+bool FoundAddresses::CleanPages(const std::function<std::string(std::string_view)>& clean) {
+  bool changed = false;
+  for (Page& page : pages_) {
+    for (std::string_view* text : {&page.url, &page.title}) {
+      const std::string left = clean(*text);
+      if (left.size() == text->size()) continue;
+      *text = texts_.Keep(left);
+      changed = true;
+    }
+  }
+  return changed;
+}
+
 void FoundAddresses::Clear() { *this = FoundAddresses(hash_, filling_ + 1); }
 
 std::size_t FoundAddresses::MemoryBytes() const {

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
+#include <string>
 #include <string_view>
 
 #include "base/prefetch.h"
@@ -82,6 +84,10 @@ class FoundAddresses {
   // Removes the records whose addresses `filter` does not keep, and returns how many these were. The others keep their
   // order and move up; views of them stay valid. May throw std::bad_alloc; the table is then as it was before.
   std::uint32_t RemoveUnwanted(AddressFilter& filter);
+
+  // Gives the URL and the title of each page to `clean`, which returns what is left of the text, and puts that in their
+  // place. Returns whether any of them has become shorter.
+  bool CleanPages(const std::function<std::string(std::string_view text)>& clean);
 
   // Removes all records and gives their memory back. All views become invalid.
   void Clear();

@@ -86,6 +86,16 @@ void LinkQueue::Reverse() {
   ForgetIndices();
 }
 
+void LinkQueue::RemoveUnvisited(const std::function<bool(std::string_view)>& unwanted) {
+  const auto is_unwanted = [&](const Record& record) { return unwanted(record.url()); };
+  const auto flies_unwanted = [&](std::uint32_t index) { return is_unwanted(records_[index]); };
+  if (std::any_of(in_flight_.begin(), in_flight_.end(), flies_unwanted)) RestartInFlight();
+  const auto kept_end = std::remove_if(records_.begin() + next_, records_.end(), is_unwanted);
+  if (kept_end == records_.end()) return;
+  records_.erase(kept_end, records_.end());
+  ForgetIndices();
+}
+
 void LinkQueue::Clear() { *this = LinkQueue(); }
 
 std::size_t LinkQueue::MemoryBytes() const {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -74,6 +75,10 @@ class LinkQueue {
 
   // Reverses the order of the records that wait. Started records keep their places.
   void Reverse();
+
+  // Removes the records that wait or are in flight and for which `unwanted` is true. No run may go on: where
+  // such a record is in flight, all that are go back among those that wait, as by RestartInFlight.
+  void RemoveUnvisited(const std::function<bool(std::string_view url)>& unwanted);
 
   // Removes all records and gives their memory back. All views become invalid.
   void Clear();

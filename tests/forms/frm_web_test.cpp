@@ -198,6 +198,28 @@ TEST_F(NeverListPage, AddTakesTheAddressOutOfWhatIsStored) {
   EXPECT_EQ(boxes.shown[0].text, "one@cars.test: 1 address taken out of 0 collections and 1 file of projects.");
 }
 
+TEST_F(NeverListPage, AddLeavesTheRestOfAClassicProjectAsItIs) {
+  const std::string site = "http://www.cars.test";
+  fetcher.Serve(site,
+                "<title>one@cars.test's cars</title><p>one@cars.test</p><p>two@cars.test</p>"
+                "<a href=\"/?to=one@cars.test\">a</a><a href=\"/next\">b</a>");
+  Start();
+  loop.Schedule(std::chrono::seconds(2), [this] { extract.cmdExtract.Click(); });  // the links are never answered
+  RunProject("www.cars.test");
+  const std::string data = "/home/data/cars_test.dat";
+  ASSERT_THAT(files.Contents(data).value_or(""), testing::HasSubstr("/?to=one@cars.test"));
+  web.Show();
+  web.txtNever.UserText("one@cars.test");
+  web.cmdAdd.Click();
+  ASSERT_EQ(extract.lstMail.rows(), 1u);
+  EXPECT_EQ(extract.lstMail.CellText(0, 1), "two@cars.test");
+  EXPECT_EQ(extract.lstMail.CellText(0, 2), site) << "the report of addresses alone has no pages";
+  EXPECT_EQ(extract.lstMail.CellText(0, 3), "'s cars");
+  ASSERT_TRUE(engine.projects.WriteData().ok());
+  EXPECT_THAT(files.Contents(data).value_or(""), testing::HasSubstr("/next"));
+  EXPECT_THAT(files.Contents(data).value_or(""), testing::Not(testing::HasSubstr("one@cars.test")));
+}
+
 TEST_F(NeverListPage, WhatIsNoEntryIsRefused) {
   web.Show();
   web.txtNever.UserText("anna");

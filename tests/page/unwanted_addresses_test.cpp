@@ -50,6 +50,13 @@ TEST(UnwantedAddresses, TextsOfSignsAndCodesAreReadInLinearTime) {
   EXPECT_EQ(Named(text), "");
 }
 
+TEST(UnwantedAddresses, LeaveATextWithoutTheirCharacters) {
+  EXPECT_EQ(WithoutUnwanted("anna@firma.de and bert@firma.de, anna%40firma.de !", KeepsAllButAnna),
+            " and bert@firma.de,  !");
+  EXPECT_EQ(WithoutUnwanted("joanna@firma.de", KeepsAllButAnna), "joanna@firma.de");
+  EXPECT_EQ(WithoutUnwanted("", KeepsAllButAnna), "");
+}
+
 TEST(UnwantedAddresses, RobotsRulesWithoutThemForbidAtLeastAsMuch) {
   EXPECT_EQ(RulesWithoutUnwanted("User-agent: *\r\n# anna@firma.de made this\r\nDisallow: /~anna@firma.de/x\r\n"
                                  "Allow: /~anna@firma.de/y\r\n<p>bert@firma.de anna@firma.de</p>\r\nDisallow: /z",

@@ -153,13 +153,20 @@ TEST_F(ProjectStoreTest, WhatIsSuppressedLeavesTheLoadedProjectAndItsNextReport)
   project.found.Add({"http://m", "red@cars.com", "M", true});
   ASSERT_TRUE(store.WriteReport().ok());
   window.log.clear();
-  store.TakeOutSuppressed();
+  const auto clean = [](std::string_view text) { return std::string(text.substr(0, text.find("0@cars.com"))); };
+  store.TakeOutSuppressed(clean);
   EXPECT_THAT(window.log, IsEmpty());
 
   suppression.unwanted = "0@cars.com";
-  store.TakeOutSuppressed();
-  EXPECT_THAT(Addresses(), ElementsAre("1@cars.com", "red@cars.com"));
-  EXPECT_THAT(window.log, ElementsAre("clear", "row 0", "row 1 red", "2 Address"));
+  project.queues[3].AddIfNew("http://www.cars.com/?to=0@cars.com");
+  project.queues[3].AddIfNew("http://www.cars.com/");
+  project.found.Add({"http://n", "new@cars.com", "Of 0@cars.com"});
+  store.TakeOutSuppressed(clean);
+  EXPECT_THAT(Addresses(), ElementsAre("1@cars.com", "red@cars.com", "new@cars.com"));
+  EXPECT_THAT(window.log, ElementsAre("clear", "row 0", "row 1 red", "row 2", "3 Address"));
+  EXPECT_EQ(project.found.At(2).Title, "Of ");
+  ASSERT_EQ(project.queues[3].Count(), 1u);
+  EXPECT_EQ(project.queues[3].At(0).URL, "http://www.cars.com/");
   EXPECT_EQ(project.found.At(1).Title, "M") << "the report of addresses alone does not know it";
   store.SaveProjectReport();
   EXPECT_EQ(Contents(kCarsReport).find("0@cars.com"), std::string::npos);

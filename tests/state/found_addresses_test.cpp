@@ -134,6 +134,19 @@ TEST(FoundAddresses, ShareTheTextsOfAPage) {
   EXPECT_LT(found.MemoryBytes() / 20000, 70u);
 }
 
+TEST(FoundAddresses, CleanTheTextsOfTheirPages) {
+  FoundAddresses found;
+  found.Add({"http://h/?bad", "a@x.de", "One", false});
+  found.Add({"http://h/", "b@x.de", "Two bad", true});
+  const auto clean = [](std::string_view text) { return std::string(text.substr(0, text.find("bad"))); };
+  EXPECT_TRUE(found.CleanPages(clean));
+  EXPECT_EQ(found.At(0).URL, "http://h/?");
+  EXPECT_EQ(found.At(0).Title, "One");
+  EXPECT_EQ(found.At(1).Title, "Two ");
+  EXPECT_EQ(found.At(1).Address, "b@x.de");
+  EXPECT_FALSE(found.CleanPages(clean));
+}
+
 TEST(FoundAddresses, KeepNothingOfAPageWithoutNewAddresses) {
   FoundAddresses found;
   found.Add({"http://h/", "a@x.de", "", false});

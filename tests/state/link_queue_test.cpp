@@ -144,6 +144,31 @@ TEST(LinkQueue, KeepsALinkLongerThanABlock) {
   EXPECT_EQ(queue.At(0).URL, "http://h/");
 }
 
+TEST(LinkQueue, RemovesUnwantedRecordsThatAreStillToBeVisited) {
+  const auto unwanted = [](std::string_view url) { return url.starts_with("bad"); };
+  LinkQueue queue;
+  for (const char* url : {"bad done", "a", "bad flying", "b", "bad waiting", "c"}) queue.AddIfNew(url);
+  for (int i = 0; i < 4; ++i) (void)queue.StartNext();
+  for (const std::uint32_t done : {0u, 1u}) queue.Finish(done);
+  queue.RemoveUnvisited(unwanted);
+  ASSERT_EQ(queue.Count(), 4u);
+  EXPECT_EQ(queue.Next(), 2u);
+  EXPECT_EQ(queue.At(0).URL, "bad done") << "it is not visited or saved any more, but not queued again either";
+  EXPECT_EQ(queue.At(2).URL, "b");
+  EXPECT_EQ(queue.At(3).URL, "c");
+  EXPECT_FALSE(queue.AddIfNew("c"));
+  EXPECT_TRUE(queue.AddIfNew("bad waiting"));
+}
+
+TEST(LinkQueue, KeepsWhatIsInFlightWhenNothingOfItIsUnwanted) {
+  LinkQueue queue;
+  for (const char* url : {"a", "bad"}) queue.AddIfNew(url);
+  (void)queue.StartNext();
+  queue.RemoveUnvisited([](std::string_view url) { return url == "bad"; });
+  EXPECT_EQ(queue.Count(), 1u);
+  EXPECT_EQ(queue.InFlight(), std::vector<std::uint32_t>{0});
+}
+
 TEST(LinkQueue, IsEmptyAfterClearAndGivesItsMemoryBack) {
   LinkQueue queue;
   for (int i = 0; i < 10000; ++i) queue.AddIfNew("http://h/" + std::to_string(i));
