@@ -26,7 +26,7 @@ std::string OnOneLine(std::string cell) {
 }  // namespace
 
 std::vector<ui::ListView::Column> AddressColumns() {
-  return {{"#", 44}, {"eMail address", 160}, {"URL", 150}, {"Title", 110}};
+  return {{"#", 44, true}, {"eMail address", 160}, {"URL", 150}, {"Title", 110}};
 }
 
 std::string AddressCell(const FoundAddresses& found, std::uint32_t row, int column) {

@@ -23,7 +23,11 @@ std::string ShortTime(std::int64_t seconds) {
 }  // namespace
 
 frmSightings::frmSightings(Shell& shell) : Form("frmSightings", "Where it was found"), shell_(shell) {
-  lstPages.columns = {{"Page", 250}, {"Place", 70}, {"First seen (UTC)", 116}, {"Last seen (UTC)", 116}, {"Title", 96}};
+  lstPages.columns = {{"Page", 229},
+                      {"Place", 64, true},
+                      {"First seen (UTC)", 114, true},
+                      {"Last seen (UTC)", 142, true},  // has room for ", gone"
+                      {"Title", 90}};
   lstPages.CellText = [this](std::uint32_t row, int column) { return Cell(row, column); };
   lstPages.DblClick = [this] {
     if (lstPages.selected()) OpenPage(*lstPages.selected());

@@ -252,7 +252,8 @@ class ListView : public Control {
   void Accept(ControlVisitor& visitor) override;
   struct Column {
     std::string caption;
-    int width;  // in pixels at 96 dots per inch; the binder may widen it to fill the window
+    int width;           // in pixels at 96 dots per inch; the binder may widen it to fill the window
+    bool fixed = false;  // it stays as wide as it is in a wider window
   };
   std::vector<Column> columns;
   // Rows and columns count from 0. Called whenever a cell is drawn, sorted or copied, so both must be fast.

@@ -7,7 +7,7 @@ namespace {
 
 constexpr ui::Dialog kDialogs[] = {
     {.form = "frmExtract", .first = {960, 600}}, {.form = "frmOption", .owned = true},
-    {.form = "frmWeb", .owned = true},           {.form = "frmSightings", .owned = true},
+    {.form = "frmWeb", .owned = true},           {.form = "frmSightings", .owned = true, .wider = 264},
     {.form = "frmWhy", .owned = true},           {.form = "frmEmailMergeTool", .owned = true},
 };
 

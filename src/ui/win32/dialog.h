@@ -17,6 +17,8 @@ struct Dialog {
   // smallest size of the window, with its frame too. Without a size here the window opens in its template's size, which
   // is that of the inside.
   SIZE first{};
+  // A window without such a size opens by so many pixels wider, at 96 dots per inch.
+  int wider = 0;
 };
 
 struct Resources {

@@ -23,6 +23,7 @@ SIZE FormWindow::MinimumSize() const {
 // long as the screen has room for the smallest size.
 void FormWindow::PlaceFirst(HWND owner) {
   SIZE size = MinimumSize();
+  size.cx += Scaled(dialog_.wider);
   if (dialog_.first.cx > 0) size = {Scaled(dialog_.first.cx), Scaled(dialog_.first.cy)};
   MONITORINFO monitor{};
   monitor.cbSize = sizeof monitor;

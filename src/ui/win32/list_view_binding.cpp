@@ -45,21 +45,26 @@ void ListViewBinding::AddColumns() {
   }
 }
 
-// What the window is wider than at its smallest goes to all columns but the first, in equal shares; what the user has
-// made of the widths by hand stays, and grows with the resolution. A width comes back with the window's.
+// What the window is wider than at its smallest goes to the columns that are not fixed, in equal shares; what the user
+// has made of the widths by hand stays, and grows with the resolution. A width comes back with the window's.
 void ListViewBinding::OnPlaced(int grown) {
-  const int columns = static_cast<int>(widths_.size());
-  for (int i = 0; i < columns; ++i) {
+  const auto& columns = model().columns;
+  const auto fixed = std::count_if(columns.begin(), columns.end(), [](const auto& column) { return column.fixed; });
+  const int sharing = static_cast<int>(columns.size()) - static_cast<int>(fixed);
+  int shares = 0;  // given so far
+  for (std::size_t i = 0; i < widths_.size(); ++i) {
+    const bool shares_in = !columns[i].fixed;
+    if (shares_in) ++shares;
     const auto share = [&](int pixels) {
-      return i == 0 ? 0 : pixels * i / (columns - 1) - pixels * (i - 1) / (columns - 1);
+      return shares_in ? pixels * shares / sharing - pixels * (shares - 1) / sharing : 0;
     };
-    ColumnWidth& width = widths_[static_cast<std::size_t>(i)];
-    const int now = static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
+    ColumnWidth& width = widths_[i];
+    const int now = static_cast<int>(Send(LVM_GETCOLUMNWIDTH, i));
     if (now != width.shown) width = {now - share(grown_), std::min(now, MulDiv(kLeastWidth, dpi_, 96)), now};
     width.own = MulDiv(width.own, host().dpi(), dpi_);
     width.least = MulDiv(width.least, host().dpi(), dpi_);
     width.shown = std::max(width.own + share(grown), width.least);
-    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(i), width.shown);
+    Send(LVM_SETCOLUMNWIDTH, i, width.shown);
   }
   grown_ = grown;
   dpi_ = host().dpi();

@@ -175,7 +175,7 @@ void ShowCollection(const Program& program) {
   end.Control(IDOK).Click();
   Expect(WaitUntil([&] { return !end && main.Control("cmdExtract").Enabled(); }), "not idle");
   const auto choose = [&](char key) {
-    list.MarkRow(1);
+    list.MouseClick(list.RowPlace(1));
     list.MouseRightClick(list.RowPlace(1));
     const Window menu = WaitForMenu();
     if (key == 0) {
