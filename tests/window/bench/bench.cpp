@@ -1,4 +1,4 @@
-// Measures the program with its window: start, idle time, memory. Run by bench/window.sh.
+// Measures the program with its window: start, idle time, memory, large tables. Run by bench/window.sh.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -6,25 +6,13 @@
 #include <vector>
 
 #include "project/data_file.h"
-#include "ui/win32/windows_api.h"
+#include "window/bench/collection_bench.h"
+#include "window/bench/stopwatch.h"
 #include "window/program.h"
 #include "window/usage.h"
 
 namespace quenlar::window_test {
 namespace {
-
-double MillisecondsSince(LONGLONG begun) {
-  LARGE_INTEGER now, frequency;
-  QueryPerformanceCounter(&now);
-  QueryPerformanceFrequency(&frequency);
-  return 1e3 * static_cast<double>(now.QuadPart - begun) / static_cast<double>(frequency.QuadPart);
-}
-
-LONGLONG Now() {
-  LARGE_INTEGER now;
-  QueryPerformanceCounter(&now);
-  return now.QuadPart;
-}
 
 // As bench.sh reads it.
 void PrintGoal(const char* name, double most, double measured) {
@@ -37,9 +25,9 @@ void MeasureStart() {
   Memory most;
   for (int i = 0; i < 9; ++i) {
     Program program;
-    const LONGLONG begun = Now();
+    const Stopwatch watch;
     program.Start();
-    shown.push_back(MillisecondsSince(begun));
+    shown.push_back(watch.Milliseconds());
     worked.push_back(ProcessorClock(program.process()).Read().program);
     const Memory memory = MemoryOf(program.process());
     if (memory.alone > most.alone) most = memory;
@@ -61,10 +49,10 @@ double MeasureIdle(const char* table) {
   program.Start();
   const ProcessorClock clock(program.process());
   const ProcessorTime before = clock.Read();
-  const LONGLONG begun = Now();
-  (void)WaitUntil([&] { return MillisecondsSince(begun) > 10000; });
+  const Stopwatch watch;
+  (void)WaitUntil([&] { return watch.Milliseconds() > 10000; });
   const ProcessorTime after = clock.Read();
-  const double percent = 100 * 1000 / MillisecondsSince(begun);
+  const double percent = 100 * 1000 / watch.Milliseconds();
   const double own = (after.program - before.program) * percent;
   const double services = (after.services - before.services) * percent;
   std::printf("| %s | %.1f | %.1f |\n", table, own, services);
@@ -104,11 +92,11 @@ Rows MeasureRows(int rows) {
   program.WriteFile("report/cars_example.rpt", report);
   program.Start();
   const double before = MemoryOf(program.process()).alone;
-  const LONGLONG begun = Now();
+  const Stopwatch watch;
   program.Main().Control("cmbURL").Type("www.cars.example");
   const Window list = program.Main().Control("lstMail");
   if (!WaitUntil([&] { return list.Rows() == rows; })) throw std::runtime_error("the rows do not come");
-  const double opened = MillisecondsSince(begun);
+  const double opened = watch.Milliseconds();
   return {opened, ((MemoryOf(program.process()).alone - before) * (1 << 20) - text) / rows};
 }
 
@@ -133,6 +121,7 @@ int main() {
     MeasureStart();
     MeasureIdleBothWays();
     MeasureTables();
+    MeasureCollection();
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "window_bench: %s\n", error.what());
