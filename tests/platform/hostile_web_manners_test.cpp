@@ -192,7 +192,7 @@ TEST_F(SecureWeb, ACertificateOfATrustedAuthorityIsAccepted) {
 }
 
 TEST_F(SecureWeb, AWrongCertificateIsAFailureOfItsOwn) {
-  for (const char* which : {"stranger", "expired", "not-yet", "wrong-name", "self-signed"}) {
+  for (const char* which : {"stranger", "expired", "not-yet", "wrong-name", "self-signed", "forged"}) {
     const WebFailure failure = Fetch(Secure(which)).failure;
     // Some look-alikes of Windows do not tell why TLS failed.
     EXPECT_TRUE(failure == WebFailure::kCertificate || (failure == WebFailure::kNoTls && !platform_->HttpIsStrict()))
@@ -202,6 +202,11 @@ TEST_F(SecureWeb, AWrongCertificateIsAFailureOfItsOwn) {
 
 TEST_F(SecureWeb, AServerThatDoesNotSpeakTlsIsNoMatterOfCertificates) {
   ExpectFailure("https://" + server_ + "/page", WebFailure::kNoTls);
+  for (const char* which : {"old", "garbage"}) {
+    const WebFailure failure = Fetch(Secure(which)).failure;
+    EXPECT_TRUE(failure == WebFailure::kNoTls || !platform_->HttpIsStrict()) << which;
+    EXPECT_NE(failure, WebFailure::kNone) << which;
+  }
 }
 
 TEST_F(SecureWeb, NothingIsSentWhereANameHasNotBeenJudgedToLead) {

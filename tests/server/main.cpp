@@ -102,6 +102,9 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
   endpoints["/tls/stranger"] = text(std::to_string(ports.stranger));
   endpoints["/tls/not-yet"] = text(std::to_string(ports.not_yet));
   endpoints["/tls/self-signed"] = text(std::to_string(ports.self_signed));
+  endpoints["/tls/forged"] = text(std::to_string(ports.forged));
+  endpoints["/tls/old"] = text(std::to_string(ports.old));
+  endpoints["/tls/garbage"] = text(std::to_string(ports.garbage));
   endpoints["/tls/downgrade"] = text(std::to_string(ports.downgrade));
   endpoints["/tls/site"] = text(std::to_string(ports.site));
   endpoints["/tls/counting"] = text(std::to_string(ports.counting));

@@ -92,12 +92,14 @@ void Answer(SSL_CTX* context, int socket, const Answers& answers, std::atomic<in
   close(socket);
 }
 
-// `asks`: for a certificate of the client's, of whatever kind, or none.
-int Serve(const Identity& identity, const Answers& answers, bool asks = false) {
+SSL_CTX* ContextOf(const Identity& identity) {
   SSL_CTX* context = SSL_CTX_new(TLS_server_method());
   SSL_CTX_use_certificate(context, identity.certificate);
   SSL_CTX_use_PrivateKey(context, identity.key);
-  if (asks) SSL_CTX_set_verify(context, SSL_VERIFY_PEER, [](int, X509_STORE_CTX*) { return 1; });
+  return context;
+}
+
+int Serve(SSL_CTX* context, const Answers& answers) {
   const Listener listener = Listen();
   std::thread([context, listener, answers] {
     std::atomic<int> clients = 0;  // the thread never ends
@@ -109,9 +111,37 @@ int Serve(const Identity& identity, const Answers& answers, bool asks = false) {
   return listener.port;
 }
 
-int Serve(const Identity& identity, const std::string& answer, bool asks = false) {
-  return Serve(
-      identity, [answer](const std::string&, int) { return answer; }, asks);
+int Serve(SSL_CTX* context, const std::string& answer) {
+  return Serve(context, [answer](const std::string&, int) { return answer; });
+}
+
+// A certificate of the client's is asked for, of any kind, or none.
+SSL_CTX* Asking(SSL_CTX* context) {
+  SSL_CTX_set_verify(context, SSL_VERIFY_PEER, [](int, X509_STORE_CTX*) { return 1; });
+  return context;
+}
+
+// Nothing newer than TLS 1.0 is spoken.
+SSL_CTX* Old(SSL_CTX* context) {
+  SSL_CTX_set_security_level(context, 0);
+  SSL_CTX_set_min_proto_version(context, TLS1_VERSION);
+  SSL_CTX_set_max_proto_version(context, TLS1_VERSION);
+  return context;
+}
+
+// The answer to the client's first message is noise.
+int ServeGarbage() {
+  const Listener listener = Listen();
+  std::thread([listener] {
+    while (true) {
+      const int socket = Accept(listener);
+      char hello[16 * 1024];
+      if (recv(socket, hello, sizeof hello, 0) > 0)
+        send(socket, "\x16\x03\x03noise and nothing else", 25, MSG_NOSIGNAL);
+      close(socket);
+    }
+  }).detach();
+  return listener.port;
 }
 
 // A club's site. "/late" is answered from the second time on.
@@ -143,25 +173,30 @@ TlsPorts ServeTls(int plain_port) {
   const std::string page = "HTTP/1.1 200 OK\r\nContent-Length: 11\r\nConnection: close\r\n\r\nsecure page";
   const std::string plain = "Location: http://127.0.0.1:" + std::to_string(plain_port) + "/page\r\n";
   const Identity authority = Certify("Test Authority", nullptr, nullptr, -kDay, 365 * kDay);
+  const auto right = [&] { return ContextOf(Certify("localhost", here, &authority, -kDay, 365 * kDay)); };
   TlsPorts ports;
   ports.authority = Pem(authority.certificate);
-  ports.right = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), page);
-  ports.asks = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), page, true);
-  ports.expired = Serve(Certify("localhost", here, &authority, -10 * kDay, -kDay), page);
-  ports.wrong_name = Serve(Certify("other.example", "DNS:other.example", &authority, -kDay, 365 * kDay), page);
+  ports.right = Serve(right(), page);
+  ports.asks = Serve(Asking(right()), page);
+  ports.expired = Serve(ContextOf(Certify("localhost", here, &authority, -10 * kDay, -kDay)), page);
+  ports.wrong_name =
+      Serve(ContextOf(Certify("other.example", "DNS:other.example", &authority, -kDay, 365 * kDay)), page);
   const Identity stranger = Certify("Unknown Authority", nullptr, nullptr, -kDay, 365 * kDay);
-  ports.stranger = Serve(Certify("localhost", here, &stranger, -kDay, 365 * kDay), page);
-  ports.not_yet = Serve(Certify("localhost", here, &authority, kDay, 365 * kDay), page);
-  ports.self_signed = Serve(Certify("localhost", here, nullptr, -kDay, 365 * kDay), page);
-  ports.downgrade = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay),
-                          "HTTP/1.1 302 Found\r\n" + plain + "Content-Length: 0\r\nConnection: close\r\n\r\n");
-  ports.counting =
-      Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), [](const std::string&, int clients) {
-        const std::string count = std::to_string(clients);
-        return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(count.size()) + "\r\nConnection: close\r\n\r\n" +
-               count;
-      });
-  ports.site = Serve(Certify("localhost", here, &authority, -kDay, 365 * kDay), PageOfTheClub);
+  ports.stranger = Serve(ContextOf(Certify("localhost", here, &stranger, -kDay, 365 * kDay)), page);
+  ports.not_yet = Serve(ContextOf(Certify("localhost", here, &authority, kDay, 365 * kDay)), page);
+  ports.self_signed = Serve(ContextOf(Certify("localhost", here, nullptr, -kDay, 365 * kDay)), page);
+  // The name of the authority that is known, and the signature of another one.
+  const Identity forger{stranger.key, authority.certificate};
+  ports.forged = Serve(ContextOf(Certify("localhost", here, &forger, -kDay, 365 * kDay)), page);
+  ports.old = Serve(Old(right()), page);
+  ports.garbage = ServeGarbage();
+  ports.downgrade = Serve(right(), "HTTP/1.1 302 Found\r\n" + plain + "Content-Length: 0\r\nConnection: close\r\n\r\n");
+  ports.counting = Serve(right(), [](const std::string&, int clients) {
+    const std::string count = std::to_string(clients);
+    return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(count.size()) + "\r\nConnection: close\r\n\r\n" +
+           count;
+  });
+  ports.site = Serve(right(), PageOfTheClub);
   return ports;
 }
 

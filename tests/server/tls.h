@@ -1,4 +1,5 @@
-// HTTPS with certificates that are right, expired, for somebody else, or by nobody known.
+// HTTPS with certificates that are right, expired, for somebody else, forged, or by nobody known; and ports that speak it
+// badly.
 #pragma once
 
 #include <string>
@@ -14,6 +15,9 @@ struct TlsPorts {
   int stranger = 0;       // a right one, but signed by an authority that nobody knows
   int not_yet = 0;        // a right one, from tomorrow on
   int self_signed = 0;    // a right one that nobody but itself has signed
+  int forged = 0;         // it names the known authority, but somebody else has signed it
+  int old = 0;            // a right one, but nothing newer than TLS 1.0 is spoken
+  int garbage = 0;        // whatever is said, the answer is noise
   int downgrade = 0;      // right, and each answer is a redirect to plain http
   int site = 0;           // right, and a small site, see PageOfTheClub
   int counting = 0;       // right, and its answer is how many clients have said anything to it, TLS included

@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include <openssl/err.h>
+#include <openssl/ssl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -29,6 +31,20 @@ CURLSH* MakeNames() {
   CURLSH* names = curl_share_init();
   if (names != nullptr) curl_share_setopt(names, CURLSHOPT_SHARE, CURL_LOCK_DATA_DNS);
   return names;
+}
+
+// A signature that does not hold leaves its own errors in OpenSSL's queue, in front of the one that says that the
+// certificate is bad. Curl looks at the first error alone, and would take a forged certificate for a host that does not
+// speak TLS.
+int OnVerified(int holds, X509_STORE_CTX*) {
+  if (holds == 0) ERR_clear_error();
+  return holds;
+}
+
+CURLcode OnTlsContext(CURL*, void* context, void*) {
+  auto* const tls = static_cast<SSL_CTX*>(context);
+  SSL_CTX_set_verify(tls, SSL_CTX_get_verify_mode(tls), &OnVerified);
+  return CURLE_OK;
 }
 
 [[nodiscard]] bool Append(curl_slist*& list, const std::string& line) {
@@ -121,6 +137,7 @@ void CurlWebExchange::SetConnectionOptions(const WebRequest& request, const std:
   curl_easy_setopt(handle_, CURLOPT_DNS_CACHE_TIMEOUT, 0L);
   curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYHOST, 2L);
+  curl_easy_setopt(handle_, CURLOPT_SSL_CTX_FUNCTION, &OnTlsContext);
   if (!authorities_.empty()) {
     curl_easy_setopt(handle_, CURLOPT_CAINFO, authorities_.c_str());
     // Curl keeps the certificates of a file in memory, those of a folder it reads again for each connection.
