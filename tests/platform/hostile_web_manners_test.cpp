@@ -202,11 +202,10 @@ TEST_F(SecureWeb, AWrongCertificateIsAFailureOfItsOwn) {
 
 TEST_F(SecureWeb, AServerThatDoesNotSpeakTlsIsNoMatterOfCertificates) {
   ExpectFailure("https://" + server_ + "/page", WebFailure::kNoTls);
-  for (const char* which : {"old", "garbage"}) {
-    const WebFailure failure = Fetch(Secure(which)).failure;
-    EXPECT_TRUE(failure == WebFailure::kNoTls || !platform_->HttpIsStrict()) << which;
-    EXPECT_NE(failure, WebFailure::kNone) << which;
-  }
+  const WebFailure noise = Fetch(Secure("garbage")).failure;
+  EXPECT_TRUE(noise == WebFailure::kNoTls || (noise != WebFailure::kNone && !platform_->HttpIsStrict()));
+  // Windows, and its look-alikes too, have a policy of their own.
+  if (platform_->HttpIsStrict()) ExpectFailure(Secure("old"), WebFailure::kNoTls);
 }
 
 TEST_F(SecureWeb, NothingIsSentWhereANameHasNotBeenJudgedToLead) {
