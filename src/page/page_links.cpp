@@ -31,6 +31,8 @@ std::string_view TrimTarget(std::string_view target) {
 
 // More of an <a> is not looked at. A text that leads somewhere is shorter.
 constexpr std::size_t kMostContent = 512;  // bytes
+// More texts of one target are not kept: the first is often a picture's or "more", a later one says where it leads.
+constexpr std::size_t kMostTexts = 4;
 
 // Goes through the texts of an <a>, from the end of its tag on.
 class ContentReader {
@@ -59,12 +61,16 @@ class ContentReader {
   std::string_view rest_;
 };
 
-bool HasText(std::string_view content) {
+// What stands in the <a>; empty where it shows no text.
+std::string_view ShownContent(std::string_view content) {
   ContentReader reader(content);
+  std::size_t end = 0;
+  bool shows = false;
   for (std::string_view text; reader.Next(text);) {
-    if (!TrimHtmlBlanks(text).empty()) return true;
+    shows = shows || !TrimHtmlBlanks(text).empty();
+    end = static_cast<std::size_t>(text.data() + text.size() - content.data());
   }
-  return false;
+  return shows ? content.substr(0, end) : std::string_view();
 }
 
 std::string ShownText(std::string_view content) {
@@ -116,12 +122,35 @@ void PageLinks::Add(std::string_view text, bool copy, LinkSource source, LinkFol
   if (known != IndexTable::kNone) {
     Target& target = targets_[known];
     target.follow = std::max(target.follow, follow);
-    if (target.content.empty() && HasText(content)) target.content = content;
-    return;
+    return AddContent(target, content);
   }
   index_.Insert(hash, static_cast<std::uint32_t>(targets_.size()));
-  targets_.push_back(
-      {copy ? decoded_.Keep(text) : text, source, follow, HasText(content) ? content : std::string_view()});
+  targets_.push_back({copy ? decoded_.Keep(text) : text, source, follow});
+  AddContent(targets_.back(), content);
+}
+
+void PageLinks::AddContent(Target& target, std::string_view content) {
+  const std::string_view markup = ShownContent(content);
+  if (markup.empty()) return;
+  std::uint32_t* last = &target.content;
+  for (std::size_t count = 1; *last != IndexTable::kNone; ++count) {
+    Content& known = contents_[*last];
+    if (count == kMostTexts || known.markup == markup) return;
+    last = &known.next;
+  }
+  *last = static_cast<std::uint32_t>(contents_.size());
+  contents_.push_back({markup});
+}
+
+void PageLinks::AddTexts(const Target& target, std::string& text) const {
+  for (std::uint32_t i = target.content; i != IndexTable::kNone; i = contents_[i].next) {
+    const std::string shown = ShownText(contents_[i].markup);
+    if (text.empty()) {
+      text = shown;
+    } else if (text.find(shown) == std::string::npos) {
+      text.append(1, '\n').append(shown);
+    }
+  }
 }
 
 std::vector<PageLink> PageLinks::Resolve(const Url* base, const Idna& idna, LinkFollow at_most) const {
@@ -138,11 +167,12 @@ std::vector<PageLink> PageLinks::Resolve(const Url* base, const Idna& idna, Link
         index.Find(hash, [&](std::uint32_t number) { return links[number].url == url->href(); });
     if (known != IndexTable::kNone) {
       links[known].follow = std::max(links[known].follow, follow);
-      if (links[known].text.empty()) links[known].text = ShownText(target.content);
+      AddTexts(target, links[known].text);
       continue;
     }
     index.Insert(hash, static_cast<std::uint32_t>(links.size()));
-    links.push_back({url->href(), target.source, follow, ShownText(target.content)});
+    links.push_back({url->href(), target.source, follow, {}});
+    AddTexts(target, links.back().text);
   }
   return links;
 }

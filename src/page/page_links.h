@@ -29,7 +29,9 @@ struct PageLink {
   std::string url;  // as Url::href()
   LinkSource from = LinkSource::kA;
   LinkFollow follow = LinkFollow::kFollowed;
-  std::string text;  // what a person reads at the first <a> that shows any: UTF-8, its beginning, blanks run together
+  // What a person reads at the first few <a> that show different texts, a line for each: UTF-8, their beginnings,
+  // blanks run together.
+  std::string text;
 };
 
 // Takes the targets of a page in order and makes URLs of them at its end, when it is known what they are relative to.
@@ -56,12 +58,22 @@ class PageLinks {
     std::string_view text;  // references decoded, without its fragment and the blanks around
     LinkSource source;
     LinkFollow follow;
-    std::string_view content;  // of the first <a> that shows a text
+    std::uint32_t content = IndexTable::kNone;  // the first of its contents, by number
   };
+  // What stands in an <a> that shows a text.
+  struct Content {
+    std::string_view markup;
+    std::uint32_t next = IndexTable::kNone;  // of the same target
+  };
+
+  void AddContent(Target& target, std::string_view content);
+  // Adds the texts of a target to those of its link.
+  void AddTexts(const Target& target, std::string& text) const;
 
   TextHash hash_;
   IndexTable index_;
   std::vector<Target> targets_;
+  std::vector<Content> contents_;
   TextArena decoded_;
   std::string scratch_;
 };

@@ -119,8 +119,12 @@ TEST(PageReader, ALinkHasTheTextThatAPersonReads) {
   EXPECT_EQ(LinkTexts("<a href=/1><!-- no -->One</a>Two<link rel=next href=/2>"), (List{"One", ""}));
 }
 
-TEST(PageReader, ALinksTextIsThatOfTheFirstAnchorThatShowsOne) {
-  EXPECT_EQ(LinkTexts("<a href=/1><img src=x></a><a href=/1>One</a><a href=/1>Two</a>"), (List{"One"}));
+TEST(PageReader, ALinkHasTheTextsOfAllItsAnchors) {
+  EXPECT_EQ(LinkTexts("<a href=/1><img src=x></a><a href=/1>One</a><a href=/1>Two</a>"), (List{"One\nTwo"}));
+  EXPECT_EQ(LinkTexts("<a href=/1>One</a><a href=/1>One</a><a href=./../1><i>One</i></a><a href=/2>Two</a>"),
+            (List{"One", "Two"}));
+  EXPECT_EQ(LinkTexts("<a href=/1>1</a><a href=/1>2</a><a href=/1>3</a><a href=/1>4</a><a href=/1>5</a>"),
+            (List{"1\n2\n3\n4"}));
   EXPECT_EQ(LinkTexts("<a href=/1> </a><a href='/1#top'>One</a><a href=/1?></a>"), (List{"One", ""}));
   EXPECT_EQ(LinkTexts("<a href=''>No target</a><a href=/1>One</a>"), (List{"One"}));
 }
