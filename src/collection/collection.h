@@ -48,7 +48,7 @@ struct PageOffer {
   const Url& url;
   std::string_view site;        // registrable domain of the host, or the host itself where it has none
   int depth = 0;                // clicks from a start
-  int rank = 1;                 // among pages of one depth of a host: 0 before 1
+  int rank = 2;                 // among pages of one depth of a host: 0 before 1 before 2
   int hops = 0;                 // redirects that led here
   PageId parent = 0;            // the page with the link
   bool may_be_private = false;  // a start that a person typed, or a link on a page of a private place

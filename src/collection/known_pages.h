@@ -13,15 +13,15 @@ namespace quenlar {
 // thousand collections.
 class KnownPages {
  public:
-  // Where a page stands in the order of visits: clicks from a start first, then its rank, 0 or 1.
-  [[nodiscard]] static int Order(int depth, int rank) { return depth < kMostDepth ? depth * 2 + rank : kMostOrder; }
+  // Where a page stands in the order of visits: clicks from a start first, then its rank, 0 to 2.
+  [[nodiscard]] static int Order(int depth, int rank) { return depth < kMostDepth ? depth * 3 + rank : kMostOrder; }
   // True when the page is known at this order or before it. Pages too deep to be told apart are never known.
   [[nodiscard]] bool Has(std::int64_t key, int order) const;
   void Add(std::int64_t key, int order);
   void Clear();
 
  private:
-  static constexpr int kMostOrder = 254, kMostDepth = kMostOrder / 2;
+  static constexpr int kMostOrder = 254, kMostDepth = kMostOrder / 3;
   static constexpr std::size_t kFirstSlots = std::size_t{1} << 12;
   static constexpr std::size_t kMostSlots = std::size_t{1} << 22;  // 32 MiB
 

@@ -170,7 +170,7 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   }
   PageOffer offer{*target, SiteOf(*target)};
   offer.depth = visit.page->depth;
-  offer.rank = 0;  // a page that was asked for comes before those that were only found
+  offer.rank = kPromisesContacts;  // a page that was asked for comes before those that were only found
   offer.hops = hops;
   offer.parent = page;
   offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
@@ -276,7 +276,7 @@ void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& li
     if (!url || url->path() == "/robots.txt" || NamesSuppressed(url->href())) continue;
     PageOffer offer{*url, SiteOf(*url)};
     offer.depth = depth;
-    offer.rank = PromisesContacts(url->path()) || PromisesContacts(link.text) ? 0 : 1;
+    offer.rank = std::min(ContactRankOfPath(url->path()), ContactRankOfText(link.text));
     offer.parent = visit.page->page;
     offer.may_be_private = private_place;
     if (RepeatsSegments(url->path())) {

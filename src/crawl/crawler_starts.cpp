@@ -79,7 +79,7 @@ void Crawler::AddSite(const std::string& text) {
 void Crawler::PlaceSite(const StartRow& start, const Url& url, bool typed) {
   const std::string authority(AuthorityOf(url)), site(SiteOf(url));
   PageOffer offer{url, site};
-  offer.rank = 0;
+  offer.rank = kPromisesContacts;
   offer.may_be_private = typed;
   offer.by_id = true;
   offer.is_start = true;
@@ -103,7 +103,7 @@ void Crawler::AddLink(const HandedLink& link) {
   if (NamesSuppressed(url->href())) return;
   PageOffer offer{*url, SiteOf(*url)};
   offer.depth = link.depth;
-  offer.rank = link.depth == 0 || PromisesContacts(url->path()) ? 0 : 1;
+  offer.rank = link.depth == 0 ? kPromisesContacts : ContactRankOfPath(url->path());
   offer.may_be_private = link.may_be_private;
   offer.by_id = true;
   if (link.depth > options_.depth) offer.refused = kRefusedDepth;

@@ -176,12 +176,26 @@ TEST_F(CrawlTest, TheTextOfALinkPromisesContactsToo) {
   EXPECT_THAT(Visited(), ElementsAre("https://www.firma.de/", "https://www.firma.de/p2", "https://www.firma.de/p1"));
 }
 
+TEST_F(CrawlTest, PagesThatMayHoldContactsComeNext) {
+  Page("https://www.firma.de/",
+       "<a href=/1>Products</a><a href=/2>Privacy</a><a href=/3>Imprint</a><a href=/4>Jobs</a>");
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Visited(), ElementsAre("https://www.firma.de/", "https://www.firma.de/3", "https://www.firma.de/2",
+                                     "https://www.firma.de/4", "https://www.firma.de/1"));
+}
+
+TEST_F(CrawlTest, ASecondLinkOfThePageMayPromiseContacts) {
+  Page("https://www.firma.de/", "<a href=/1>One</a><a href=/2>More</a><a href=/1>Products</a><a href=/2>Contact</a>");
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Visited(), ElementsAre("https://www.firma.de/", "https://www.firma.de/2", "https://www.firma.de/1"));
+}
+
 TEST_F(CrawlTest, ALaterLinkMayPromiseContactsToo) {
   Page("https://www.firma.de/", "<a href=/1>one</a><a href=/2>two</a><a href=/3>three</a>");
   Page("https://www.firma.de/1", "<a href=/3>Contact</a>");
   Crawl({"www.firma.de"});
   // /3 was found at one click by a link without a promise, and at two clicks by one with it: the depth comes first.
-  EXPECT_THAT(Query("SELECT rank FROM pages WHERE url LIKE '%/3'"), ElementsAre("1"));
+  EXPECT_THAT(Query("SELECT rank FROM pages WHERE url LIKE '%/3'"), ElementsAre("2"));
   Page("https://b.de/", "<a href=/x>x</a><a href=/1>one</a><a href=/2>two</a>");
   Page("https://c.de/", "<a href=//b.de/2>Contact</a>");
   options_.hosts = 1;

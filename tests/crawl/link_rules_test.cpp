@@ -81,22 +81,42 @@ TEST(ContactWords, PromiseContactsInSixLanguages) {
                                  "/aviso-legal",       "/equipo",
                                  "/otoiawase",         "/%E3%81%8A%E5%95%8F%E3%81%84%E5%90%88%E3%82%8F%E3%81%9B",
                                  "/x?y=1&page=contact"}) {
-    EXPECT_TRUE(PromisesContacts(path)) << path;
+    EXPECT_NE(ContactRankOfPath(path), kNoContacts) << path;
   }
 }
 
 TEST(ContactWords, OtherPathsPromiseNothing) {
   for (const char* const path : {"/", "", "/products/steam", "/subcontact", "/illegal", "/news/2026/11", "/%", "/%zz",
                                  "/roundabout", "/dashboard"}) {
-    EXPECT_FALSE(PromisesContacts(path)) << path;
+    EXPECT_EQ(ContactRankOfPath(path), kNoContacts) << path;
   }
 }
 
 TEST(ContactWords, TheTextOfALinkIsLookedAtInTheSameWay) {
-  EXPECT_TRUE(PromisesContacts("Contact us"));
-  EXPECT_TRUE(PromisesContacts("Über uns"));
-  EXPECT_TRUE(PromisesContacts("弊社へのお問い合わせはこちら"));
-  EXPECT_FALSE(PromisesContacts("Our products"));
+  EXPECT_EQ(ContactRankOfText("Contact us"), kPromisesContacts);
+  EXPECT_EQ(ContactRankOfText("Über uns"), kPromisesContacts);
+  EXPECT_EQ(ContactRankOfText("弊社へのお問い合わせはこちら"), kPromisesContacts);
+  EXPECT_EQ(ContactRankOfText("More\nContact"), kPromisesContacts);
+  EXPECT_EQ(ContactRankOfText("プライバシーポリシー"), kMayHoldContacts);
+  EXPECT_EQ(ContactRankOfText("Our products"), kNoContacts);
+}
+
+TEST(ContactWords, ALongTextPromisesLessThanAShortOne) {
+  EXPECT_EQ(ContactRankOfText("Two hundred people came to the summer party of the choir on Sunday"), kMayHoldContacts);
+  EXPECT_EQ(ContactRankOfText("What the new rules of data protection mean for owners of small shops"), kNoContacts);
+}
+
+TEST(ContactWords, TheLastNameOfAPathCountsMost) {
+  for (const char* const path :
+       {"/kontakt", "/de/kontakt/", "/kontakt/index.html", "/kontakt/default.aspx", "/staff.php"}) {
+    EXPECT_EQ(ContactRankOfPath(path), kPromisesContacts) << path;
+  }
+  for (const char* const path : {"/about/history", "/team/index/", "/de/datenschutz", "/jobs.html"}) {
+    EXPECT_EQ(ContactRankOfPath(path), kMayHoldContacts) << path;
+  }
+  for (const char* const path : {"/jobs/cook", "/index.html", "/privacy/a/b"}) {
+    EXPECT_EQ(ContactRankOfPath(path), kNoContacts) << path;
+  }
 }
 
 }  // namespace
