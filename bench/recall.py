@@ -1,9 +1,11 @@
 #!/usr/bin/python3 -B
-# How much of what a human reader finds on real sites a collection finds. The sites are the HTML documentation of Debian
-# packages, downloaded and unpacked but not installed. Each is a host of its own and served over https. What is there to
+# How much of what a human reader finds on sites a collection finds. The sites are of two kinds: the HTML documentation of
+# Debian packages, downloaded and unpacked but not installed, and made-up ones that are laid out like those of companies,
+# societies, towns and universities (recall_sites.py). Each is a host of its own and served over https. What is there to
 # find is read by other means than the program's: html5lib builds the trees, and links, visible text and mail links are
 # taken out of them here.
-# usage: recall.py QUENLAR [PACKAGE ...]     the sites lie below $QUENLAR_CORPUS, or build/bench/corpus
+# usage: recall.py QUENLAR [PACKAGE ...]     the manuals lie below $QUENLAR_CORPUS, or build/bench/corpus; "made" among the
+#                                            packages, or none: the made-up sites too
 import collections
 import functools
 import html
@@ -23,6 +25,9 @@ import urllib.parse
 
 import html5lib
 
+import recall_sites
+
+MADE = "made"
 PACKAGES = """apt-doc aptitude-doc-en bind9-doc debian-faq debian-policy developers-reference exim4-doc-html mailman3-doc
     ntpsec-doc postfix-doc privoxy slony1-2-doc""".split()
 CORPUS = os.environ.get("QUENLAR_CORPUS") or os.path.join(os.path.dirname(__file__), "..", "build", "bench", "corpus")
@@ -127,8 +132,8 @@ class Page:
 
 
 class Site:
-    def __init__(self, package, folder):
-        self.package, self.folder = package, folder
+    def __init__(self, package, folder, group):
+        self.package, self.folder, self.group = package, folder, group
         self.host = "www.%s.test" % re.sub("[^a-z0-9]", "-", package)
 
     # The file of a URL's path, its media type, or the path to which it redirects.
@@ -278,16 +283,35 @@ def goal(name, measured, at_least=None, at_most=None):
 
 
 def show(what, of_sites):
-    examples = ["%s: %s" % (site.package, thing) for site, things in of_sites for thing in sorted(things)]
+    examples = sorted("%s: %s" % (site.package, thing) for site, thing in of_sites)
     if examples:
         print("\n%s: %d\n\n    %s" % (what, len(examples), "\n    ".join(examples[:SHOWN])))
 
 
-def main():
-    quenlar, packages = os.path.abspath(sys.argv[1]), sys.argv[2:] or PACKAGES
-    sys.setrecursionlimit(20000)
-    folders = [(package, unpack(package)) for package in packages]
-    sites = [Site(package, folder) for package, folder in folders if folder]
+# The sites of a group, as the collections found them.
+class Finding:
+    def __init__(self, sites, listed, read, few):
+        self.sites = sites
+        self.every = [(site, address) for site in sites for address in site.visible]
+        self.found = [(site, address) for site, address in self.every if address in listed[site.host]]
+        self.listed = [(site, address) for site in sites for address in listed[site.host]]
+        self.none = [(s, address) for s, address in self.listed if not s.has(address, listed[s.host][address])]
+        self.strange = [(s, a) for s, a in sorted(set(self.listed) - set(self.none), key=lambda pair: (pair[0].host, pair[1]))
+                        if a not in s.visible and STRANGE.search(a)]
+        self.pages = [(site, path) for site in sites for path in site.pages]
+        self.visited = [(site, path) for site, path in self.pages if path in read[site.host]]
+        self.shares = [len(site.visible & set(few[site.host])) / len(site.visible) for site in sites
+                       if len(site.visible) >= FEWEST]
+
+    def row(self, name):
+        few = "%.1f %%" % (100 * statistics.median(self.shares)) if self.shares else "-"
+        print("| %s | %d | %d | %s | %d | %s | %d | %d | %d | %s |" % (
+            name, len(self.sites), len(self.pages), share(self.visited, self.pages), len(self.every),
+            share(self.found, self.every), len(self.listed), len(self.none), len(self.strange), few))
+
+
+# Both collections of some sites, next to what stands there.
+def measure(quenlar, what, sites):
     for site in sites:
         site.read()
     with tempfile.TemporaryDirectory(prefix="quenlar-recall-") as work:
@@ -295,43 +319,45 @@ def main():
         listed, read = collect(quenlar, web, sites, os.path.join(work, "all"), "--pages-per-host", "1000000")
         few, _ = collect(quenlar, web, sites, os.path.join(work, "few"), "--pages-per-host", str(FEW_PAGES))
         web.shutdown()
-    print("\n## Addresses of real sites\n\nDocumentation of Debian packages over https, next to what html5lib reads there "
-          "(`bench/recall.py`).\n\"None\" is no address by the HTML Standard's pattern, \"strange\" is one that a reader "
-          "would hardly write to.\n")
-    print("| site | pages | visited | addresses | found | listed | none | strange | found on %d pages |" % FEW_PAGES)
-    print("|---|---:|---:|---:|---:|---:|---:|---:|---:|")
-    missed, wrong, strange, unread, shares = [], [], [], [], []
+    print("| %s | sites | pages | visited | addresses | found | listed | none | strange | found on %d pages, median |" % (
+        what, FEW_PAGES))
+    print("|---|---:|---:|---:|---:|---:|---:|---:|---:|---:|")
+    groups = collections.defaultdict(list)
     for site in sites:
-        found, pages = set(listed[site.host]), set(site.pages)
-        missed.append((site, site.visible - found))
-        wrong.append((site, {address for address in found if not site.has(address, listed[site.host][address])}))
-        strange.append((site, {address for address in found - site.visible - wrong[-1][1] if STRANGE.search(address)}))
-        unread.append((site, pages - read[site.host]))
-        if len(site.visible) >= FEWEST:
-            shares.append(len(site.visible & set(few[site.host])) / len(site.visible))
-        print("| %s | %d | %s | %d | %s | %d | %d | %d | %s |" % (
-            site.package, len(pages), share(pages & read[site.host], pages), len(site.visible),
-            share(site.visible & found, site.visible), len(found), len(wrong[-1][1]), len(strange[-1][1]),
-            share(site.visible & set(few[site.host]), site.visible)))
-    every = {(site.host, address) for site in sites for address in site.visible}
-    right = {(host, address) for host, address in every if address in listed[host]}
-    all_listed = {(host, address) for host in listed for address in listed[host]}
-    none = {(site.host, address) for site, addresses in wrong for address in addresses}
-    pages = {(site.host, path) for site in sites for path in site.pages}
-    visited = {(host, path) for host, path in pages if path in read[host]}
-    goal("addresses of real sites that are found, percent", 100 * len(right) / len(every), at_least=98)
-    goal("listed of real sites that are none, percent", 100 * len(none) / len(all_listed), at_most=1)
-    goal("pages of real sites that are visited, percent", 100 * len(visited) / len(pages), at_least=100)
-    if shares:
-        goal("addresses found on %d pages of the median site, percent" % FEW_PAGES, 100 * statistics.median(shares), at_least=80)
-    print("\nAll sites: %d of %d pages, %d of %d addresses, %d of %d listed are none and %d strange. The median is that of "
-          "%d sites\nwith %d addresses or more." % (
-              len(visited), len(pages), len(right), len(every), len(none), len(all_listed),
-              sum(len(addresses) for _, addresses in strange), len(shares), FEWEST))
-    show("Missed", missed)
-    show("None", wrong)
-    show("Strange: by the pattern an address, and to a reader hardly one", strange)
-    show("Not visited", unread)
+        groups[site.group].append(site)
+    for group, members in groups.items():
+        Finding(members, listed, read, few).row(group)
+    all_sites = Finding(sites, listed, read, few)
+    all_sites.row("**all**")
+    goal("addresses of %s that are found, percent" % what, 100 * len(all_sites.found) / len(all_sites.every), at_least=98)
+    goal("listed of %s that are none, percent" % what, 100 * len(all_sites.none) / len(all_sites.listed), at_most=1)
+    goal("pages of %s that are visited, percent" % what, 100 * len(all_sites.visited) / len(all_sites.pages), at_least=100)
+    if all_sites.shares:
+        goal("addresses found on %d pages of the median of %s, percent" % (FEW_PAGES, what),
+             100 * statistics.median(all_sites.shares), at_least=80)
+    print("\nThe median is that of %d sites with %d addresses or more." % (len(all_sites.shares), FEWEST))
+    show("Missed", set(all_sites.every) - set(all_sites.found))
+    show("None", all_sites.none)
+    show("Strange: by the pattern an address, and to a reader hardly one", all_sites.strange)
+    show("Not visited", set(all_sites.pages) - set(all_sites.visited))
+
+
+def main():
+    quenlar, packages = os.path.abspath(sys.argv[1]), sys.argv[2:] or [*PACKAGES, MADE]
+    sys.setrecursionlimit(20000)
+    print("\n## Addresses of sites\n\nOver https, next to what html5lib reads there (`bench/recall.py`). \"None\" is no address by "
+          "the HTML Standard's\npattern, \"strange\" is one that a reader would hardly write to.")
+    folders = [(package, unpack(package)) for package in packages if package != MADE]
+    manuals = [Site(package, folder, package) for package, folder in folders if folder]
+    if manuals:
+        print("\n### Manuals: documentation of Debian packages\n")
+        measure(quenlar, "manuals", manuals)
+    if MADE in packages:
+        print("\n### Sites laid out like those of companies, societies, towns and universities\n\nMade up, the same at every run "
+              "(`bench/recall_sites.py`), in six languages.\n")
+        with tempfile.TemporaryDirectory(prefix="quenlar-recall-") as work:
+            made = [Site(name, folder, name.split("-")[0]) for name, folder in recall_sites.make(work)]
+            measure(quenlar, "made-up sites", made)
 
 
 if __name__ == "__main__":
