@@ -1,4 +1,4 @@
-// HTTPS with certificates that are right, expired, for somebody else, forged, or by nobody known; and ports that speak it
+// HTTPS with certificates that are right, expired, for somebody else, forged, or by nobody known, and ports that speak it
 // badly.
 #pragma once
 
