@@ -1,5 +1,4 @@
-// HTTPS with certificates that are right, expired, for somebody else, forged, or by nobody known, and ports that speak it
-// badly.
+// HTTPS with certificates that are right or wrong in some way, and ports that speak TLS badly.
 #pragma once
 
 #include <string>
