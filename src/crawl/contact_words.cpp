@@ -67,27 +67,28 @@ constexpr std::string_view kSecondWords[] = {
     "vacancies", "work-with-us", "media", "newsroom", "security", "locations", "branches", "departments", "town-hall",
     "council", "sections", "groups", "research-groups", "labs", "community", "mailing-list", "get-involved", "credits",
     "call-for-papers", "cfp", "submissions", "registration", "register", "sponsors", "partners", "admissions",
-    "membership", "members", "donate", "sales",
+    "membership", "members", "donate", "sales", "shipping", "delivery", "returns",
     // French
     "confidentialite", "confidentialité", "donnees-personnelles", "données-personnelles", "cgv", "entreprise",
     "presentation", "présentation", "recrutement", "carrieres", "carrières", "espace-presse", "aide", "service-client",
     "agences", "magasins", "nos-magasins", "implantations", "mairie", "services-municipaux", "conseil-municipal",
     "membres", "securite", "sécurité", "communaute", "communauté", "inscription", "partenaires", "adhesion", "adhésion",
-    "vie-scolaire", "appel",
+    "vie-scolaire", "appel", "livraison", "retours",
     // German
     "datenschutz", "agb", "unternehmen", "organisation", "karriere", "stellenangebote", "bewerbung", "presse", "medien",
     "hilfe", "kundenservice", "standorte", "filialen", "niederlassungen", "rathaus", "aemter", "ämter",
     "buergerservice", "bürgerservice", "abteilungen", "arbeitsgruppen", "gruppen", "sicherheit", "mailinglisten",
-    "mitmachen", "anmeldung", "sponsoren", "mitglied", "spenden", "widerruf", "einrichtungen",
+    "mitmachen", "anmeldung", "sponsoren", "mitglied", "spenden", "widerruf", "versand", "ausbildung", "einrichtungen",
     // Italian
     "informativa", "condizioni", "azienda", "societa", "società", "lavora-con-noi", "ufficio-stampa", "stampa",
     "assistenza", "servizio-clienti", "sedi", "punti-vendita", "amministrazione", "aree", "consiglio", "sezioni",
-    "gruppi", "sicurezza", "comunita", "comunità", "registrazione", "iscrizione", "sostienici",
+    "gruppi", "sicurezza", "comunita", "comunità", "registrazione", "iscrizione", "sostienici", "spedizioni", "resi",
     // Spanish
     "privacidad", "politica-de-privacidad", "política-de-privacidad", "proteccion-de-datos", "protección-de-datos",
     "condiciones", "empresa", "trabaja-con-nosotros", "empleo", "prensa", "sala-de-prensa", "ayuda", "atencion",
     "atención", "oficinas", "delegaciones", "tiendas", "ayuntamiento", "areas", "áreas", "secciones", "grupos",
-    "seguridad", "comunidad", "inscripcion", "inscripción", "patrocinadores", "socios",
+    "seguridad", "comunidad", "inscripcion", "inscripción", "patrocinadores", "socios", "envios", "envíos",
+    "devoluciones",
     // Japanese in Latin letters
     "saiyo", "kojin", "soshiki", "jimukyoku"};
 
@@ -101,7 +102,7 @@ constexpr Word kJapanese[] = {
     {"求人", 1},           {"プレス", 1},     {"報道", 1},         {"サポート", 1},     {"拠点一覧", 1},
     {"店舗案内", 1},       {"アクセス", 1},   {"各課", 1},         {"組織", 1},         {"担当課", 1},
     {"研究室", 1},         {"事務室", 1},     {"コミュニティ", 1}, {"セキュリティ", 1}, {"参加登録", 1},
-    {"論文募集", 1},       {"入会案内", 1},   {"利用規約", 1}};
+    {"論文募集", 1},       {"入会案内", 1},   {"利用規約", 1},     {"送料", 1},         {"返品", 1}};
 
 // All words in order, and where those begin that have a certain first byte.
 struct WordTable {

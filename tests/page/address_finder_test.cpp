@@ -189,7 +189,9 @@ TEST(AddressFinderTest, AnAddressThatStandsWholeBetweenTwoTagsEndsThere) {
          {"x|a@firma.de|", "a@firma.de"},
          {"|a@firma.de||b@firma.de|", "a@firma.de b@firma.de"},
          {"x@|firma.de|a@firma.de", "x@firma.de a@firma.de"},
-         {"a@firma.de|x|@firma.de", "a@firma.de x@firma.de"}});
+         {"a@firma.de|x|@firma.de", "a@firma.de x@firma.de"},
+         // What stands behind the tag is an address by itself, although a reader joins the two.
+         {"|12345|-done@firma.de ", "-done@firma.de"}});
 }
 
 TEST(AddressFinderTest, AHiddenElementInsideTheWordProtectsIt) {
