@@ -45,10 +45,11 @@ std::string_view WithoutAngles(std::string_view target) {
 
 void TakeField(std::string_view line, WarcHead& head, bool& has_length) {
   const std::size_t colon = FindByte(line, ':');
-  const std::string_view name = TrimHeaderBlanks(line.substr(0, colon));
-  const std::string_view value = TrimHeaderBlanks(line.substr(colon + 1));
+  std::string_view name = line.substr(0, colon);
+  if (name.back() == ' ' || name.back() == '\t') name = TrimHeaderBlanks(name);
+  const auto value = [&] { return TrimHeaderBlanks(line.substr(colon + 1)); };
   const auto first = [&](std::string_view wanted, std::string_view& field) {
-    if (field.empty() && EqualsIgnoreCase(name, wanted)) field = value;
+    if (name.size() == wanted.size() && field.empty() && EqualsIgnoreCase(name, wanted)) field = value();
   };
   first("WARC-Type", head.type);
   first("WARC-Target-URI", head.target);
@@ -56,7 +57,7 @@ void TakeField(std::string_view line, WarcHead& head, bool& has_length) {
   first("Content-Type", head.content_type);
   if (!has_length && EqualsIgnoreCase(name, "Content-Length")) {
     has_length = true;
-    head.length = ParseContentLength(value);
+    head.length = ParseContentLength(value());
   }
 }
 

@@ -250,6 +250,16 @@ Charset CharsetOfPage(std::string_view bytes, std::string_view content_type) {
   return Prescan(bytes.substr(0, kPrescanned)).value_or(Charset::kWindows1252);
 }
 
+bool MayNotBeAscii(std::string_view bytes, std::string_view content_type) {
+  // A <meta> can name one such charset alone, whose labels have this number in them.
+  constexpr std::string_view kNumber = "2022";
+  const bool may_be_named = bytes.substr(0, kPrescanned).find(kNumber) != std::string_view::npos;
+  const bool marked = bytes.starts_with('\xFE') || bytes.starts_with('\xFF');
+  if (!marked && !may_be_named && ParseContentType(content_type).charset.empty()) return false;
+  const Charset charset = CharsetOfPage(bytes, content_type);
+  return charset == Charset::kUtf16Be || charset == Charset::kUtf16Le || charset == Charset::kIso2022Jp;
+}
+
 std::string_view PageAsUtf8(std::string_view bytes, Charset charset, const TextDecoder& decoder, std::string& storage) {
   for (const ByteOrderMark& mark : kByteOrderMarks) {
     if (mark.charset == charset && bytes.starts_with(mark.bytes)) bytes.remove_prefix(mark.bytes.size());

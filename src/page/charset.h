@@ -23,6 +23,10 @@ struct ContentType {
 // first 1,024 bytes. Otherwise it is Windows-1252.
 [[nodiscard]] Charset CharsetOfPage(std::string_view bytes, std::string_view content_type);
 
+// Whether the bytes of a page below 128 may mean something else than those of ASCII, as in UTF-16. Told at a glance: at
+// times of a page whose charset is another one after all.
+[[nodiscard]] bool MayNotBeAscii(std::string_view bytes, std::string_view content_type);
+
 // `bytes` without their byte order mark, as UTF-8. A view of them where that is what they are already (in UTF-8 also
 // where they are malformed), otherwise of `storage`.
 [[nodiscard]] std::string_view PageAsUtf8(std::string_view bytes, Charset charset, const TextDecoder& decoder,

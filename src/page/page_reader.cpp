@@ -51,10 +51,9 @@ PageSignKind SignsOf(const ReadRequest& request) {
 }
 
 // Whether a page's bytes show that it has no addresses, so that they need not be converted.
-bool ShowsNone(const ReadRequest& request, Charset charset) {
-  if (request.links || SignsOf(request) != PageSignKind::kPlain) return false;
-  const bool as_ascii = charset != Charset::kUtf16Be && charset != Charset::kUtf16Le && charset != Charset::kIso2022Jp;
-  return as_ascii && !MayHoldPlainAddress(request.body);
+bool ShowsNone(const ReadRequest& request) {
+  if (request.links || SignsOf(request) != PageSignKind::kPlain || MayHoldPlainAddress(request.body)) return false;
+  return request.body_is_utf8 || !MayNotBeAscii(request.body, request.content_type);
 }
 
 class PageWalk {
@@ -256,14 +255,14 @@ class PageWalk {
 
 ReadResult ReadPage(const ReadRequest& request, const Idna& idna, const TextDecoder& decoder) {
   ReadResult result;
-  if (request.url != nullptr) result.base = request.url->href();
   for (const std::string& header : request.robots_headers) result.robots.AddHeader(header);
+  if (ShowsNone(request)) return result;
+  if (request.url != nullptr) result.base = request.url->href();
   const bool reserved_names = request.url != nullptr && MayHoldReservedNames(request.url->host());
   result.finder =
       std::make_unique<AddressFinder>(idna, AddressFinder::Settings{reserved_names, request.decode_protected});
 
   const Charset charset = request.body_is_utf8 ? Charset::kUtf8 : CharsetOfPage(request.body, request.content_type);
-  if (ShowsNone(request, charset)) return result;
   std::string converted;
   const std::string_view page = PageAsUtf8(request.body, charset, decoder, converted);
   if (EqualsIgnoreCase(ParseContentType(request.content_type).type, "text/plain")) {

@@ -38,7 +38,7 @@ struct ReadResult {
   std::optional<std::string> title;     // of the first <title>: blanks run together, at most 500 characters
   std::string base;                     // what relative links are relative to; empty where the page has no address
   std::vector<PageLink> links;          // in the order of the page
-  std::vector<PageAddress> addresses;   // in the order of the page; views into `finder`
+  std::vector<PageAddress> addresses;   // in the order of the page; views into `finder`, which may be null without any
   std::size_t protected_addresses = 0;  // 0 where they are not looked for
   RobotsWords robots;                   // of the headers, then of the page
   std::unique_ptr<AddressFinder> finder;
