@@ -89,7 +89,9 @@ void ScriptedWebClient::Deliver(Id id, const ScriptedWebAnswer& answer) {
     wanted = listener_->OnHead(key, out.head);
     if (alive.expired() || !requests_.contains(id)) return;
   }
-  const Request request = requests_.extract(id).mapped();
+  // Both go together: nothing may fail in between.
+  const auto node = requests_.extract(id);
+  const Request& request = node.mapped();
   by_key_.erase(key);
   if (wanted) {
     out.body = answer.body.substr(0, request.request.body_limit);

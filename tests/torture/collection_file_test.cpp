@@ -101,16 +101,17 @@ TEST_F(CollectionFile, ThatIsCutAnywhereIsKeptAsideByTheNextRun) {
   std::vector<std::size_t> sizes = {1, 15, 16, 99, 100, 101, 4095, 4096, 4097, whole_.size() - 1, whole_.size() - 4096};
   const std::uint64_t step = FaultStep(9973, 211);
   for (std::size_t size = 500; size < whole_.size(); size += step) sizes.push_back(size);
-  const std::string whole = whole_;
+  const std::string whole = whole_, addresses = world_.Addresses();
+  EXPECT_NE(addresses, "");
   for (const std::size_t size : sizes) {
     SCOPED_TRACE(size);
     Put(whole.substr(0, size));
     for (const auto& command : kReadingCommands) ExpectRefusal(command, "firma.sqlite: ");
     ExpectRefusal({"erase", "p1@firma.de", "--yes"}, "firma.sqlite: ");
-    EXPECT_EQ(world_.Run(kWritingCommands[1]), 0) << world_.errors();
+    EXPECT_EQ(world_.Collect(), 0) << world_.errors();
     EXPECT_NE(world_.errors().find("It lies in " + kAside + " now"), std::string::npos) << world_.errors();
     EXPECT_TRUE(world_.fake.files.Contents(kAside) == whole.substr(0, size));
-    EXPECT_EQ(world_.Addresses(), kOfTheArchives);
+    EXPECT_EQ(world_.Addresses(), addresses);
     ASSERT_TRUE(world_.fake.files.Delete(kAside).ok());
     if (testing::Test::HasFailure()) return;
   }
@@ -119,6 +120,7 @@ TEST_F(CollectionFile, ThatIsCutAnywhereIsKeptAsideByTheNextRun) {
 
 // A run that is killed in its first moments leaves one.
 TEST_F(CollectionFile, ThatIsEmptyIsACollectionWithoutAnything) {
+  const std::string addresses = world_.Addresses();
   for (const char* const name : {"firma", "other"}) {
     world_.fake.files.Put("/user/quenlar/data/" + std::string(name) + ".sqlite", "");
   }
@@ -129,10 +131,11 @@ TEST_F(CollectionFile, ThatIsEmptyIsACollectionWithoutAnything) {
   EXPECT_EQ(world_.Run({"erase", "p1@firma.de", "--yes"}), 0) << world_.errors();
   EXPECT_EQ(world_.Run({"suppress", "p1@firma.de"}), 0) << world_.errors();
   EXPECT_EQ(world_.Run({"suppress", "--remove", "p1@firma.de"}), 0) << world_.errors();
-  EXPECT_EQ(world_.Run(kWritingCommands[1]), 0) << world_.errors();
-  EXPECT_EQ(world_.Addresses(), kOfTheArchives);
+  EXPECT_EQ(world_.Collect(), 0) << world_.errors();
+  EXPECT_EQ(world_.Addresses(), addresses);
   EXPECT_EQ(world_.Run({"collections"}), 0) << world_.errors();
-  EXPECT_EQ(world_.output(), "firma\t10\t5\t0\n");
+  EXPECT_TRUE(world_.output().starts_with("firma\t")) << world_.output();
+  EXPECT_EQ(std::count(world_.output().begin(), world_.output().end(), '\n'), 1) << world_.output();
 }
 
 }  // namespace
