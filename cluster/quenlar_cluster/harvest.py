@@ -137,14 +137,29 @@ def _copy_rows(part: Path, suppression: Suppression, stream: BinaryIO) -> None:
             shutil.copyfileobj(rows, stream, 1 << 20)
             return
         for row in rows:
-            if suppression.keeps(_address_of(row, part.suffix)):
-                stream.write(row)
+            if (kept := _held_against(suppression, row, part.suffix)) is not None:
+                stream.write(kept)
 
 
-def _address_of(row: bytes, suffix: str) -> str:
+def _held_against(suppression: Suppression, row: bytes, suffix: str) -> bytes | None:
+    """The row as it may be listed. None where its address, or that of its page, may not."""
+    text = row.decode()
     if suffix == ".csv":
-        return next(csv.reader([row.decode()]))[0]
-    return json.loads(row)["address"]
+        names = ("address", "page", "title", "place")
+        fields = dict(zip(names, next(csv.reader([text]))))
+    else:
+        fields = json.loads(text)
+    page = fields["page"]
+    of_record = page.startswith(("http://", "https://"))
+    if not suppression.keeps(fields["address"]) or (of_record and suppression.is_named_in(page)):
+        return None
+    if not suppression.is_named_in(fields["title"]):
+        return row
+    fields["title"] = ""
+    if suffix == ".csv":
+        quoted = (field.replace('"', '""') for field in fields.values())
+        return ('"' + '","'.join(quoted) + '"\n').encode()
+    return json.dumps(fields, ensure_ascii=False, separators=(",", ":")).encode() + b"\n"
 
 
 def _write_addresses(parts: Iterable[Path], suppression: Suppression, stream: BinaryIO) -> None:
@@ -156,7 +171,7 @@ def _write_addresses(parts: Iterable[Path], suppression: Suppression, stream: Bi
                 "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA cache_size = -262144;"
                 "CREATE TABLE seen (address TEXT PRIMARY KEY COLLATE NOCASE) WITHOUT ROWID;"
             )
-            for address in filter(suppression.keeps, _addresses_of(parts)):
+            for address in _addresses_of(parts, suppression):
                 added = database.execute("INSERT OR IGNORE INTO seen VALUES (?)", (address,))
                 if added.rowcount == 1:
                     stream.write(address.encode() + b"\n")
@@ -164,8 +179,9 @@ def _write_addresses(parts: Iterable[Path], suppression: Suppression, stream: Bi
             database.close()
 
 
-def _addresses_of(parts: Iterable[Path]) -> Iterator[str]:
+def _addresses_of(parts: Iterable[Path], suppression: Suppression) -> Iterator[str]:
     for part in parts:
-        with open(part, encoding="utf-8") as rows:
+        with open(part, "rb") as rows:
             for row in rows:
-                yield json.loads(row)["address"]
+                if not suppression or _held_against(suppression, row, part.suffix) is not None:
+                    yield json.loads(row)["address"]

@@ -1,9 +1,16 @@
 """The suppression list, for what was listed before an entry was added."""
 
 import hashlib
+import re
 from pathlib import Path
+from urllib.parse import unquote
 
 from quenlar_cluster import program
+
+# What may be an address in a text: more than the program finds, so that nothing is overlooked.
+_ADDRESS = re.compile(
+    r"[^\s<>()\[\],;:\"\\/?&=#@]+@[^\s<>()\[\],;:\"\\/?&=#@]*[^\s<>()\[\],;:\"\\/?&=#@.]"
+)
 
 
 class Suppression:
@@ -28,3 +35,7 @@ class Suppression:
             b"sha256:" + hashlib.sha256(text).hexdigest().encode() if self._has_digests else b""
         )
         return digest not in self._entries
+
+    def is_named_in(self, text: str) -> bool:
+        """Whether a text, such as a title or a web address, names an address that is on the list."""
+        return any(not self.keeps(found) for found in _ADDRESS.findall(unquote(text)))
