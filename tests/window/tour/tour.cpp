@@ -81,6 +81,12 @@ void FillClub(Site& site) {
 }
 constexpr int kClubRows = 7;
 
+// As Shift+F10 does: below the row that has the focus, wherever the mouse is.
+Window OpenMenu(const Window& main, const Window& list) {
+  PostMessageW(main.handle(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list.handle()), -1);
+  return WaitForMenu();
+}
+
 void ShowRun(const Program& program) {
   const Window main = program.Main();
   Picture("main-empty", kCaption);
@@ -97,8 +103,7 @@ void ShowRun(const Program& program) {
   list.MarkRow(2);
   main.Send(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list.handle()), TRUE);
   Picture("main", kCaption);
-  list.MouseRightClick(list.RowPlace(2));
-  (void)WaitForMenu();
+  (void)OpenMenu(main, list);
   Picture("main-menu", main.Place());
   main.Press(VK_ESCAPE);
 }
@@ -176,8 +181,8 @@ void ShowCollection(const Program& program) {
   Expect(WaitUntil([&] { return !end && main.Control("cmdExtract").Enabled(); }), "not idle");
   const auto choose = [&](char key) {
     list.MouseClick(list.RowPlace(1));
-    list.MouseRightClick(list.RowPlace(1));
-    const Window menu = WaitForMenu();
+    Expect(WaitUntil([&] { return list.MarkedRows() == std::vector<int>{1}; }), "no mark");
+    const Window menu = OpenMenu(main, list);
     if (key == 0) {
       Picture("collecting-menu", main.Place());
       main.Press(VK_ESCAPE);
