@@ -104,11 +104,17 @@ void frmExtract::Unload() {
 void frmExtract::FollowSetting() {
   Job& wanted = context_.web_settings.collect != 0 ? context_.collection : context_.classic;
   if (job_ == &wanted || RunGoesOn() || opening_ > 0 || starting_ || exporting_ || deleting_) return;
-  job_ = &wanted;
+  const std::vector<std::string> before = std::exchange(job_, &wanted)->Texts();
   tmrText.SetEnabled(false);  // what was picked belongs to the list of before
   ClearRows();
   const std::vector<std::string> texts = job_->Texts();
+  const std::string text = cmbURL.text();
   cmbURL.SetItems(texts);
+  // A name out of the list of before may mean nothing here. A web address, which has a dot, and what was typed stay.
+  const bool name = text.find('.') == std::string::npos && std::ranges::count(before, text) > 0;
+  if (name && std::ranges::count(texts, text) == 0) {
+    cmbURL.SetText(texts.empty() ? "" : texts.front());
+  }
   if (texts.empty() || !cmbURL.text().empty()) {
     cmbURL_Change();    // an empty text closes what was open before
   } else if (ready_) {  // at first Load goes on with it

@@ -481,6 +481,20 @@ TEST_F(CollectingWindow, TheBoxOffersCollectionsOfTheCommandLineByTheirNames) {
   EXPECT_FALSE(Exists("data/members_en.sqlite"));
 }
 
+TEST_F(CollectingWindow, TheNameOfACollectionDoesNotBecomeAKeyword) {
+  ASSERT_TRUE(disk_->MakeFolder(home_ + "/data").ok());
+  ASSERT_TRUE(Collection::Open(*disk_, home_ + "/data/garden_example.sqlite").ok());
+  Start();
+  Main().cmbURL.UserText("garden_example");
+  SwitchTo(false);
+  EXPECT_EQ(Main().cmbURL.text(), "");
+  EXPECT_THAT(boxes.texts(), IsEmpty());
+  SwitchTo(true);
+  Main().cmbURL.UserText("www.cars.example");
+  SwitchTo(false);
+  EXPECT_EQ(Main().cmbURL.text(), "www.cars.example");
+}
+
 TEST_F(CollectingWindow, TheSettingWaitsForTheEndOfARun) {
   Start();
   WhenFound([&] {
