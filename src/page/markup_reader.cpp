@@ -176,7 +176,7 @@ void MarkupReader::ForeignStart(Markup& markup) {
   if (foreign_ && EndsForeign(markup)) LeaveForeign();
   const bool svg = markup.name == TagName::kSvg;
   if (!foreign_ && !svg && markup.name != TagName::kMath) {
-    if (!open_.empty() && !Has(markup.name, kNoContent)) ++open_.back().html_open;
+    if (!open_.empty() && !Has(markup.name, kNoContent | kOutOfPlace)) ++open_.back().html_open;
     return;
   }
   markup.foreign = true;
@@ -191,7 +191,7 @@ void MarkupReader::ForeignEnd(Markup& markup) {
   if (foreign_ && (markup.name == TagName::kP || markup.name == TagName::kBr)) return LeaveForeign();
   markup.foreign = foreign_;
   if (open_.back().html_open > 0) {
-    if (!Has(markup.name, kNoContent)) --open_.back().html_open;
+    if (!Has(markup.name, kNoContent | kOutOfPlace)) --open_.back().html_open;
     return;
   }
   const std::uint32_t id = TagId(markup.name, page_.substr(markup.begin + 2, markup.attributes - markup.begin - 2));

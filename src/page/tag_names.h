@@ -18,6 +18,7 @@ enum TagTrait : std::uint8_t {
   kEndsForeign = 4,  // its start tag ends svg and math around it
   kBlock = 8,        // its start tag ends an open <p>
   kRawText = 16,     // its content is text up to its end tag
+  kOutOfPlace = 32,  // its tags are passed over in a body outside of tables
 };
 
 // `tag_names::kList` has their spellings, in the same order.
@@ -106,6 +107,7 @@ enum class TagName : std::uint8_t {
   kHeader,
   kHgroup,
   kHr,
+  kHtml,
   kListing,
   kMain,
   kMenu,
@@ -206,7 +208,7 @@ inline constexpr std::array<Entry, static_cast<std::size_t>(TagName::kCount)> kL
     {"article", kBlock},
     {"aside", kBlock},
     {"blockquote", kBlock | kEndsForeign},
-    {"body", kEndsForeign},
+    {"body", kEndsForeign | kOutOfPlace},
     {"center", kBlock | kEndsForeign},
     {"details", kBlock},
     {"dialog", kBlock},
@@ -224,10 +226,11 @@ inline constexpr std::array<Entry, static_cast<std::size_t>(TagName::kCount)> kL
     {"h4", kBlock | kEndsForeign},
     {"h5", kBlock | kEndsForeign},
     {"h6", kBlock | kEndsForeign},
-    {"head", kEndsForeign},
+    {"head", kEndsForeign | kOutOfPlace},
     {"header", kBlock},
     {"hgroup", kBlock},
     {"hr", kBlock | kNoContent | kEndsForeign},
+    {"html", kOutOfPlace},
     {"listing", kBlock | kEndsForeign},
     {"main", kBlock},
     {"menu", kBlock | kEndsForeign},
@@ -255,9 +258,9 @@ inline constexpr std::array<Entry, static_cast<std::size_t>(TagName::kCount)> kL
     {"ruby", kEndsForeign},
     {"source", kNoContent},
     {"strike", kEndsForeign},
-    {"td", 0},
-    {"th", 0},
-    {"tr", 0},
+    {"td", kOutOfPlace},
+    {"th", kOutOfPlace},
+    {"tr", kOutOfPlace},
     {"track", kNoContent},
 }};
 

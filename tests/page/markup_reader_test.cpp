@@ -167,6 +167,14 @@ TEST(Markup, EndTagsCloseTheElementsOfForeignContentInThem) {
         "<svg><desc><svg><><p><style>[<a>]</style></p></desc><style><a>"}});
 }
 
+TEST(Markup, TagsThatABodyPassesOverDoNotKeepForeignContentOpen) {
+  Check(
+      {{"<svg><desc><head><tr></desc></svg><style><a></style>",
+        "<svg><desc><head><tr></desc></svg><style>[<a>]</style>"},
+       {"<svg><desc><html><body><td></desc><style><a>", "<svg><desc><html><body><td></desc><style><a>"},
+       {"<svg><desc><table><tr><td></table></desc><style><a>", "<svg><desc><table><tr><td></table></desc><style><a>"}});
+}
+
 TEST(Markup, EveryPageCanBreakOffAnywhere) {
   const std::string page =
       "<!doctype html><!--a--><title>b</title><script><!--<script></script>--></script><a href='x' b=c>d</a>"
