@@ -66,8 +66,8 @@ TEST_F(MergeToolTest, MergesSeveralBooksAndSavesThem) {
 
   Control("cmdSave").Click();
   ASSERT_TRUE(program.AnswerFileDialog("Save As", "merged.txt"));
-  ASSERT_TRUE(WaitUntil([&] { return program.HasFile("report/merged.txt"); }));
-  EXPECT_EQ(program.ReadFile("report/merged.txt"), "one@x.test \r\ntwo@x.test \r\nthree@x.test \r\n");
+  const std::string merged = "one@x.test \r\ntwo@x.test \r\nthree@x.test \r\n";
+  EXPECT_TRUE(WaitUntil([&] { return program.ReadFile("report/merged.txt") == merged; }));
 
   Control("cmdClear").Click();
   EXPECT_TRUE(WaitUntil([&] { return !Control("cmdSave").Enabled(); }));
