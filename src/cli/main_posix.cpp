@@ -25,6 +25,11 @@ namespace {
 
 class PosixSystem final : public System {
  public:
+  // A signal that comes while the process winds up must not turn a finished command into a killed one.
+  ~PosixSystem() override {
+    if (signals_) signals_->StayToTheEnd();
+  }
+
   Console& console() override { return console_; }
   std::optional<std::string> Environment(const char* name) const override {
     const char* const value = std::getenv(name);

@@ -75,6 +75,23 @@ TEST(SignalWatcher, ItsDeathGivesTheSignalsTheirOldMeaningBack) {
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
 }
 
+TEST(SignalWatcher, OneThatStaysLetsAFinishedProcessEndInPeace) {
+  const auto end_after = [](int signals) {
+    return EndOf([signals] {
+      const auto loop = PosixEventLoop::Make().take();
+      {
+        SignalWatcher watcher(*loop, [](int) {});
+        watcher.StayToTheEnd();
+      }
+      for (int i = 0; i < signals; ++i) raise(SIGTERM);
+    });
+  };
+  const int one = end_after(1);
+  EXPECT_TRUE(WIFEXITED(one) && WEXITSTATUS(one) == 0);
+  const int two = end_after(2);
+  EXPECT_TRUE(WIFSIGNALED(two) && WTERMSIG(two) == SIGTERM);
+}
+
 TEST(SignalWatcher, AHangUpThatWasIgnoredStaysIgnored) {
   const int status = EndOf([] {
     signal(SIGHUP, SIG_IGN);

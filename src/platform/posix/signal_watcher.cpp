@@ -54,8 +54,10 @@ SignalWatcher::SignalWatcher(PosixEventLoop& loop, std::function<void(int signal
 
 SignalWatcher::~SignalWatcher() {
   if (pipe_[0] < 0) return;
-  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &g_before[i], nullptr);
-  g_pipe = -1;
+  if (!stays_) {
+    for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &g_before[i], nullptr);
+  }
+  g_pipe = -1;  // a handler that stays writes to no one
   loop_.RemoveSource(*this);
   close(pipe_[0]);
   close(pipe_[1]);

@@ -16,7 +16,12 @@ class SignalWatcher : public IoSource {
   SignalWatcher(PosixEventLoop& loop, std::function<void(int signal)> on_signal);
   SignalWatcher(const SignalWatcher&) = delete;
   SignalWatcher& operator=(const SignalWatcher&) = delete;
+  // Gives the signals their old meaning back, unless StayToTheEnd was called.
   ~SignalWatcher() override;
+
+  // From now on, after the death of the watcher too, a first signal changes nothing: the work is done, its exit status
+  // is decided, and the process is on its way out. A second signal still ends the process at once.
+  void StayToTheEnd() { stays_ = true; }
 
   void OnReady(int fd, Readiness readiness) override;
 
@@ -24,6 +29,7 @@ class SignalWatcher : public IoSource {
   PosixEventLoop& loop_;
   const std::function<void(int)> on_signal_;
   int pipe_[2];
+  bool stays_ = false;
 };
 
 // From now on a reader that goes away makes the write fail and does not end the process.
