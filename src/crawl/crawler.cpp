@@ -12,7 +12,7 @@ namespace quenlar {
 namespace {
 
 // Hosts that have answered and asked to wait, or whose robots.txt cannot be had for now, are waited for this long when
-// nothing else is left to do.
+// nothing else is left to do, or for the pause that was asked for.
 constexpr CrawlDuration kLongestWait = std::chrono::minutes(5);
 // The budgets of time and the commit are looked at this often.
 constexpr CrawlDuration kLongestSleep{1000};
@@ -213,7 +213,7 @@ bool Crawler::WaitsForHosts(CrawlTime now) {
     if (!Failed(row)) add(row.value().origin, ready);
   }
   if (!search_.keywords.empty()) add("the search service", search_.pace.ready());
-  const CrawlTime last = *alone_since_ + kLongestWait;
+  const CrawlTime last = *alone_since_ + std::max(kLongestWait, options_.delay);
   if (!first || *first > last) return false;
   const auto seconds = std::chrono::ceil<std::chrono::seconds>(*first - now).count();
   waiting_for_ = "waiting " + std::to_string(std::max<long long>(seconds, 0)) + " s for " + names +

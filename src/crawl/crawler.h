@@ -166,6 +166,7 @@ class Crawler final : private WebListener {
   void Enter(HostId host);
   // The host is not active any more; with `depth` it is queued again. `visit` is gone afterwards.
   void Leave(HostVisit& visit, std::optional<int> depth);
+  std::optional<WaitingPage> NextPage(HostVisit& visit);
   void Ask(HostVisit& visit);
   void UseStoredRobots(HostVisit& visit);
   void SetRules(HostVisit& visit, std::string_view rules);

@@ -88,6 +88,18 @@ void Crawler::Leave(HostVisit& visit, std::optional<int> depth) {
   visits_.erase(host);
 }
 
+// The host's next page. The visit has ended where there is none.
+std::optional<WaitingPage> Crawler::NextPage(HostVisit& visit) {
+  auto next = collection_.Next(visit.row.id);
+  if (Failed(next)) return std::nullopt;
+  if (next.value() && static_cast<std::uint64_t>(visit.row.read) >= options_.pages_per_host) {
+    SetReason(visit, "its budget of " + Counted(options_.pages_per_host, "page") + " is used up");
+    next.value().reset();
+  }
+  if (!next.value()) Leave(visit, std::nullopt);
+  return next.take();
+}
+
 // Asks for the host's next page, or for its robots.txt before.
 void Crawler::Ask(HostVisit& visit) {
   if (visit.under_way != HostVisit::UnderWay::kNothing) return;
@@ -97,17 +109,11 @@ void Crawler::Ask(HostVisit& visit) {
   if (visit.memory.pace.ready() > world_.loop.Now() && !visit.robots_url) return Continue(visit);
   if (visit.rules_known && options_.obey_robots && RobotsAreOld(visit.row)) visit.rules_known = false;
   for (int refused = 0; refused < kMostRefusedInARow; ++refused) {
-    auto next = collection_.Next(visit.row.id);
-    if (Failed(next)) return;
-    if (!next.value()) return Leave(visit, std::nullopt);
-    if (static_cast<std::uint64_t>(visit.row.read) >= options_.pages_per_host) {
-      SetReason(visit, "its budget of " + Counted(options_.pages_per_host, "page") + " is used up");
-      return Leave(visit, std::nullopt);
-    }
-    const WaitingPage& page = *next.value();
-    if (!visit.robots_url && schedule_.IsNearerQueued(page.depth)) return Leave(visit, page.depth);
+    auto next = NextPage(visit);
+    if (!next) return;
+    if (!visit.robots_url && schedule_.IsNearerQueued(next->depth)) return Leave(visit, next->depth);
     if (options_.pages && figures_.pages + page_requests_ >= *options_.pages) return held_.push_back(visit.row.id);
-    visit.page = std::move(*next.value());
+    visit.page = std::move(next);
     visit.url = ParseUrl(visit.page->url, nullptr, world_.idna);
     // Nobody is asked for the rules of pages that are not to be visited anyway.
     if (JudgePage(visit)) return visit.rules_known ? AskForPage(visit) : AskForRobots(visit);
@@ -304,13 +310,14 @@ void Crawler::GiveUp(HostVisit& visit, const std::string& reason) {
   Leave(visit, std::nullopt);
 }
 
-// The host's next page is asked for when its time comes; a host that asked to wait makes room for others.
+// The host's next page is asked for when its time comes. A host without one, or one that asked to wait, makes room for
+// others at once.
 void Crawler::Continue(HostVisit& visit) {
   if (!failure_.ok()) return;
-  if (!visit.memory.pace.parked()) return schedule_.AskAt(visit.row.id, visit.memory.pace.ready());
-  auto next = collection_.Next(visit.row.id);
-  if (Failed(next)) return;
-  Leave(visit, next.value() ? std::optional<int>(next.value()->depth) : std::nullopt);
+  const auto next = NextPage(visit);
+  if (!next) return;
+  if (visit.memory.pace.parked()) return Leave(visit, next->depth);
+  schedule_.AskAt(visit.row.id, visit.memory.pace.ready());
 }
 
 std::optional<CrawlDuration> Crawler::RetryAfterOf(const WebAnswer& answer) const {

@@ -161,6 +161,28 @@ TEST_F(CrawlTest, NoMoreHostsAreVisitedAtATimeThanAskedFor) {
   EXPECT_EQ(client_.most_hosts_at_once(), 2u);
 }
 
+TEST_F(CrawlTest, AHostMakesRoomWithItsLastPageAndNotAPauseLater) {
+  options_.hosts = 1;
+  Page("https://a.de/", "a@a.de");
+  Page("https://b.de/", "b@b.de <a href=/1>1</a>");
+  Page("https://c.de/", "c@c.de");
+  options_.pages_per_host = 1;
+  Crawl({"a.de", "b.de", "c.de"});
+  EXPECT_EQ(At("https://b.de/robots.txt"), At("https://a.de/")) << "its only page";
+  EXPECT_EQ(At("https://c.de/robots.txt"), At("https://b.de/")) << "the last page of its budget";
+  EXPECT_EQ(loop_.now(), At("https://c.de/")) << "the run ends with the last page";
+}
+
+TEST_F(CrawlTest, AHostThatIsLinkedToLaterStillHasItsPause) {
+  options_.scope = CrawlScope::kAnywhere;
+  options_.delay = std::chrono::minutes(10);  // longer than a host that asks for it is waited for
+  Page("https://a.de/", "a@a.de");
+  Page("https://b.de/", {.body = "<a href=https://a.de/1>1</a>", .delay = seconds(30)});
+  Page("https://a.de/1", "b@a.de");
+  EXPECT_EQ(Crawl({"a.de", "b.de"}).end, CrawlEnd::kFinished);
+  EXPECT_EQ(At("https://a.de/1") - At("https://a.de/"), std::chrono::minutes(10));
+}
+
 TEST_F(CrawlTest, PagesAreVisitedBreadthFirstAndThoseThatPromiseContactsFirst) {
   Page("https://www.firma.de/", "<a href=/z>z</a><a href=/impressum>i</a><a href=/a>a</a>");
   Page("https://www.firma.de/z", "<a href=/deep/kontakt>k</a>");
