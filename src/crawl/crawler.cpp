@@ -123,8 +123,8 @@ Status Crawler::TakeUpPages() {
   pass_ = pass.value();
   if (pass_.goes_on) {
     world_.view.OnNotice(
-        "Not all pages have been visited since the last time; this goes on. When it is finished, "
-        "--again visits everything anew");
+        "Not all pages have been visited since the last time; this goes on. When it is finished, everything can be "
+        "visited anew (on the command line by --again)");
   }
   return QueueRefusedPages();
 }

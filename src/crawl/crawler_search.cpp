@@ -85,8 +85,7 @@ void Crawler::EndSearch(const std::string& problem, bool complete) {
 // The service asks to wait for longer than anybody would.
 void Crawler::LeaveSearches() {
   while (!search_.keywords.empty()) {
-    EndSearch("the search service at " + options_.search_service + " asks to wait; the same command goes on later",
-              false);
+    EndSearch("the search service at " + options_.search_service + " asks to wait; the next run asks it again", false);
   }
 }
 

@@ -52,13 +52,14 @@ std::vector<std::string> LeftOut(const CollectionEnd& end, const WebSettings& se
     if (std::string line = RefusalText(refused, settings); !line.empty()) lines.push_back(std::move(line));
   }
   const CrawlFigures& figures = end.figures;
-  if (end.end == CrawlEnd::kFinished && end.left > 0) {
+  if ((end.end == CrawlEnd::kFinished || end.end == CrawlEnd::kNothingToDo) && end.left > 0) {
     lines.push_back(Counted(static_cast<std::uint64_t>(end.left), "page") + " of hosts that have had their " +
                     Counted(static_cast<std::uint64_t>(settings.pages_per_host), "page") + " or do not answer for now");
   }
   if (figures.failed > 0) lines.push_back(Counted(figures.failed, "page") + " that could not be read");
   if (figures.protected_count > 0 && settings.list_protected == 0) {
-    lines.push_back(Counted(figures.protected_count, "address", "es") + " that their owners hide from programs");
+    const char* const hidden = figures.protected_count == 1 ? " that its owner hides" : " that their owners hide";
+    lines.push_back(Counted(figures.protected_count, "address", "es") + hidden + " from programs");
   }
   if (figures.suppressed > 0)
     lines.push_back(Counted(figures.suppressed, "address", "es") + " that the suppression list holds");

@@ -1,5 +1,6 @@
 #include "engine/collection_job.h"
 
+#include <algorithm>
 #include <chrono>
 #include <new>
 #include <utility>
@@ -12,12 +13,18 @@
 #include "platform/message_boxes.h"
 #include "project/project_name.h"
 #include "project/report_file.h"
+#include "run/end_reasons.h"
 
 namespace quenlar {
 namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{200};
 constexpr std::uint32_t kRowsBetweenPumps = 256;
+
+constexpr const char* kFinishedQuestion = "This collection is finished. Visit its pages again ?";
+constexpr const char* kLeftQuestion =
+    "Pages are left, but their hosts have had as many as the web settings allow. Visit the pages that were visited "
+    "again ?";
 
 // "<path> cannot be <done>: <reason> !"
 Status Sentence(const Status& status, const std::string& path, const char* done) {
@@ -94,9 +101,8 @@ void CollectionJob::OpenNamed(Pumping pumping) {
 
 // Another opening may take over inside a pump; the reader belongs to this one.
 Status CollectionJob::LoadAddresses(std::uint64_t opening, Pumping pumping) {
-  const auto reader = CollectionReader::Open(Path());
+  const auto reader = OpenReader();
   if (!reader.ok()) return reader.status();
-  reader.value()->LeaveOut([this](std::string_view address) { return engine_.suppression.Keeps(address); });
   const auto show = [this] {
     if (found_.Count() > 0) front_end_.view.AddRow(found_.Count() - 1, false);
   };
@@ -130,7 +136,16 @@ Result<std::unique_ptr<CollectionReader>> CollectionJob::Reader() {
   if (!HasFiles() || !engine_.platform.files.FileExists(Path())) {
     return Status(StatusKind::kNotFound, "Nothing has been collected yet");
   }
-  return CollectionReader::Open(Path());
+  return OpenReader();
+}
+
+// What is never listed may have been written into the file before.
+Result<std::unique_ptr<CollectionReader>> CollectionJob::OpenReader() {
+  auto reader = CollectionReader::Open(Path());
+  if (reader.ok()) {
+    reader.value()->LeaveOut([this](std::string_view address) { return engine_.suppression.Keeps(address); });
+  }
+  return reader;
 }
 
 Result<std::string> CollectionJob::WriteWebPage() {
@@ -190,10 +205,9 @@ void CollectionJob::Run() {
   const WebSettings settings = settings_;
   CollectionEnd end = RunOnce(settings, false);
   if (end.end == CrawlEnd::kNothingToDo && end.status.ok() &&
-      engine_.platform.boxes.Show("This collection is finished. Visit its pages again ?", kProductCaption,
+      engine_.platform.boxes.Show(end.left == 0 ? kFinishedQuestion : kLeftQuestion, kProductCaption,
                                   BoxIcon::kExclamation, BoxButtons::kYesNo) == BoxAnswer::kYes) {
     end = RunOnce(settings, true);
-    OpenNamed(Pumping::kNo);  // an address may be gone, or stand on another page now
     figures_ = end.figures;
     front_end_.view.ShowScanCount(scanned());
   }
@@ -205,10 +219,28 @@ void CollectionJob::Run() {
   front_end_.host.RunOver();
 }
 
+// What is committed stays when there is not enough memory, as after any other failure.
 CollectionEnd CollectionJob::RunOnce(const WebSettings& settings, bool again) {
   CollectionEnd end;
   notices_.clear();
   figures_ = {};
+  try {
+    VisitPages(settings, again, end);
+    if (again) OpenNamed(Pumping::kNo);  // an address may be gone, or stand on another page now
+  } catch (const std::bad_alloc&) {
+    loading_ = false;
+    crawler_.reset();
+    collection_.reset();
+    end.status = Status(StatusKind::kFull, kEndNoMemory);
+  }
+  if (settings.contact.empty()) {
+    notices_.emplace_back("Sites cannot tell who visits them: the web settings take a contact of yours");
+  }
+  end.notices.insert(end.notices.end(), notices_.begin(), notices_.end());
+  return end;
+}
+
+void CollectionJob::VisitPages(const WebSettings& settings, bool again, CollectionEnd& end) {
   end.status = OpenForRun();
   end.opened = end.status.ok();
   if (end.opened) {
@@ -222,11 +254,6 @@ CollectionEnd CollectionJob::RunOnce(const WebSettings& settings, bool again) {
       end.refusals = refusals.take();
     }
   }
-  if (settings.contact.empty()) {
-    notices_.emplace_back("Sites cannot tell who visits them: the web settings take a contact of yours");
-  }
-  end.notices.insert(end.notices.end(), notices_.begin(), notices_.end());
-  return end;
 }
 
 Status CollectionJob::OpenForRun() {
@@ -238,9 +265,20 @@ Status CollectionJob::OpenForRun() {
     notices_.push_back("The collection was damaged. It lies in " + aside + " now, and a new one has begun");
     front_end_.view.ClearRows();
     found_.Clear();
+    front_end_.view.ShowAddressCount(0);
   }
   collection_ = std::move(opened.value().collection);
   return Status::Ok();
+}
+
+// A text that is the collection's name brings no start into a collection that was made with others.
+std::vector<std::string> CollectionJob::StartsOfRun() {
+  if (!named_.may_be_name) return named_.starts;
+  const auto known = collection_->Starts();
+  if (!known.ok() || known.value().empty()) return named_.starts;
+  const bool is_start =
+      std::ranges::any_of(known.value(), [this](const StartRow& start) { return start.text == named_.starts.front(); });
+  return is_start ? named_.starts : std::vector<std::string>();
 }
 
 void CollectionJob::Crawl(const CrawlOptions& options, CollectionEnd& end) {
@@ -251,10 +289,11 @@ void CollectionJob::Crawl(const CrawlOptions& options, CollectionEnd& end) {
   if (stop_requested_) crawler_->Stop();
   const auto show = platform.loop.MakeTimer(kShowEvery, [this] { ShowMoment(); });
   show->SetEnabled(true);
-  const Crawler::Outcome outcome = crawler_->Run(named_.starts);
+  const Crawler::Outcome outcome = crawler_->Run(StartsOfRun());
   show->SetEnabled(false);
   figures_ = crawler_->figures();
   front_end_.view.ShowScanCount(scanned());
+  front_end_.view.ShowStage("The run has ended");
   end.end = outcome.end;
   end.status = outcome.status;
   end.figures = figures_;

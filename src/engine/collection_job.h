@@ -57,6 +57,7 @@ class CollectionJob final : public Job, private CrawlView {
   // Writes the collection as a web page into the folder of the reports, and returns its path; "" where another opening,
   // or a second call, has come between. Pumps.
   [[nodiscard]] Result<std::string> WriteWebPage();
+  [[nodiscard]] bool writing_page() const { return writing_page_; }
 
   void Run() override;
   void Stop() override;
@@ -71,11 +72,14 @@ class CollectionJob final : public Job, private CrawlView {
 
   [[nodiscard]] std::string Path() const;
   [[nodiscard]] std::string WebPagePath() const;
+  [[nodiscard]] Result<std::unique_ptr<CollectionReader>> OpenReader();
   // Opens what named_ says.
   void OpenNamed(Pumping pumping);
   [[nodiscard]] Status LoadAddresses(std::uint64_t opening, Pumping pumping);
   [[nodiscard]] CollectionEnd RunOnce(const WebSettings& settings, bool again);
+  void VisitPages(const WebSettings& settings, bool again, CollectionEnd& end);
   [[nodiscard]] Status OpenForRun();
+  [[nodiscard]] std::vector<std::string> StartsOfRun();
   void Crawl(const CrawlOptions& options, CollectionEnd& end);
   void ShowMoment();
 

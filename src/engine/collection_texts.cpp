@@ -5,6 +5,7 @@
 
 #include "base/ascii.h"
 #include "base/number.h"
+#include "crawl/crawler.h"
 #include "engine/collections.h"
 #include "project/project_name.h"
 #include "settings/web_settings.h"
@@ -49,7 +50,11 @@ NamedCollection CollectionOfText(std::string_view text, const Settings& settings
   named.starts = {start};
   const auto exists = [&](std::string_view name) { return files.FileExists(CollectionPath(installation, name)); };
   // The name that a text gives may be the text itself: "cars_jp" of a run that the command line has made.
-  if (start == text && exists(text) && (named.name == SafeFileName(text) || !exists(named.name))) {
+  const bool same_name = named.name == SafeFileName(text);
+  if (!exists(text)) return named;
+  if (start != text && same_name) {
+    named.may_be_name = true;
+  } else if (start != text || same_name || !exists(named.name)) {
     named.name = text;
     named.starts.clear();
   }
@@ -72,8 +77,9 @@ std::string CollectionTexts::NameOf(std::string_view text) const {
 
 std::vector<std::string> CollectionTexts::All() const {
   std::vector<std::string> all = run_;
-  std::unordered_set<std::string> texts(run_.begin(), run_.end()), names;
-  for (const std::string& text : run_) names.insert(NameOf(text));
+  if (!picked_.empty()) all.insert(all.begin(), picked_);
+  std::unordered_set<std::string> texts(all.begin(), all.end()), names;
+  for (const std::string& text : all) names.insert(NameOf(text));
   for (const std::string& text : projects_.entries()) names.insert(NameOf(text));
   const Result<std::vector<std::string>> found = CollectionNames(files_, installation_);
   for (const std::string& name : found.ok() ? found.value() : std::vector<std::string>()) {
@@ -87,10 +93,11 @@ std::vector<std::string> CollectionTexts::All() const {
 
 bool CollectionTexts::Add(std::string_view text) {
   const bool by_name = CollectionOfText(text, settings_, installation_, files_).starts.empty();
-  const bool is_keyword = IsKeywordText(text);
+  const bool is_keyword = IsKeywordText(text) && !IsSiteText(text);  // http://localhost has no dot
   const std::string listed = by_name ? std::string(text) : ListedName(text, is_keyword, settings_.SearchLanguage);
   if (std::find(run_.begin(), run_.end(), listed) != run_.end()) return false;
   const std::vector<std::string> before = All();
+  if (picked_ == listed) picked_.clear();
   run_.insert(run_.begin(), listed);
   Store();
   return All() != before;
@@ -100,14 +107,17 @@ void CollectionTexts::Pick(std::string_view text) {
   const auto picked = std::find(run_.begin(), run_.end(), text);
   if (picked != run_.end()) {
     std::rotate(run_.begin(), picked, picked + 1);
+    picked_.clear();
   } else {
-    run_.emplace(run_.begin(), text);
+    picked_ = text;
   }
 }
 
 void CollectionTexts::Remove(std::string_view text) {
   const std::string name = NameOf(text);
-  std::erase_if(run_, [&](const std::string& other) { return other == text || NameOf(other) == name; });
+  const auto names_it = [&](const std::string& other) { return other == text || NameOf(other) == name; };
+  std::erase_if(run_, names_it);
+  if (names_it(picked_)) picked_.clear();
 }
 
 // Values that are not needed any more are emptied, so that nothing of a deleted text stays.

@@ -17,6 +17,10 @@ struct NamedCollection {
   std::string name;                 // empty: the text names none
   std::vector<std::string> starts;  // of a run; empty for a collection that the text calls by its name: it goes on
   std::string language;             // of a keyword's search
+  // The text is the collection's own name, and reads as a keyword too: "firma_de" is the collection of www.firma.de,
+  // and that of the keyword "firma" in German. Where the start is none of the collection's starts, the text is the
+  // name.
+  bool may_be_name = false;
 };
 
 // A web address names the collection of its host, and a keyword the one of its words and language ("cars_de", or "cars"
@@ -57,6 +61,7 @@ class CollectionTexts {
   const Installation& installation_;
   const ProjectList& projects_;
   std::vector<std::string> run_;  // the one that was run or picked last on top
+  std::string picked_;            // last of all, where it is none of those that were run
 };
 
 }  // namespace quenlar

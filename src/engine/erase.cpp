@@ -100,12 +100,15 @@ class Eraser {
       const std::string left = WithoutAddresses(text.value(), keeps_, outcome_.addresses);
       if (left.size() == text.value().size()) return Status::Ok();
       ++outcome_.files;
+      // A collection's page is data in a program, which a missing line would break. It can be written anew at any time.
+      if (path.ends_with(kWebPageEnding)) return files_.Delete(path);
       return WriteWhole(files_, path, left);
     } catch (const std::bad_alloc&) {
       return {StatusKind::kFull, path + ": there is not enough memory"};
     }
   }
 
+  static constexpr std::string_view kWebPageEnding = ".web.html";
   static constexpr std::string_view kFilterFile = "ExtractFilter.dat";  // its words are what a person wants, not a find
 
   Files& files_;

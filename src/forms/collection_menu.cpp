@@ -75,7 +75,7 @@ void CollectionMenu::NeverListAgain(const Rows& rows) {
   if (!done.ok()) return Warn(done.status());
   std::string text;
   for (const std::string& sentence : done.value()) text += (text.empty() ? "" : "\r\n") + sentence + ".";
-  Show(text);
+  Show(text, BoxButtons::kOk, BoxIcon::kInformation);
 }
 
 void CollectionMenu::AskWhy(const Rows& rows) {
@@ -95,11 +95,11 @@ void CollectionMenu::AskWhy(const Rows& rows) {
 void CollectionMenu::OpenAsWebPage() {
   const Result<std::string> path = context_.job.WriteWebPage();
   if (!path.ok()) return Warn(path.status());
-  if (!path.value().empty()) OpenWebPage(context_.engine.platform.shell, path.value());
+  if (!path.value().empty()) OpenFileInBrowser(context_.engine.platform.shell, path.value());
 }
 
-BoxAnswer CollectionMenu::Show(const std::string& text, BoxButtons buttons) {
-  return context_.engine.platform.boxes.Show(text, kProductCaption, BoxIcon::kExclamation, buttons);
+BoxAnswer CollectionMenu::Show(const std::string& text, BoxButtons buttons, BoxIcon icon) {
+  return context_.engine.platform.boxes.Show(text, kProductCaption, icon, buttons);
 }
 
 }  // namespace quenlar

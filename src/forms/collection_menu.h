@@ -42,7 +42,7 @@ class CollectionMenu {
   void OpenAsWebPage();
   [[nodiscard]] Result<std::vector<SightingRow>> SightingsOf(const std::string& address) const;
   [[nodiscard]] std::string AddressAt(const Rows& rows) const;
-  BoxAnswer Show(const std::string& text, BoxButtons buttons = BoxButtons::kOk);
+  BoxAnswer Show(const std::string& text, BoxButtons buttons = BoxButtons::kOk, BoxIcon icon = BoxIcon::kExclamation);
   void Warn(const Status& status) { Show(SentenceOf(status)); }
 
   Context context_;

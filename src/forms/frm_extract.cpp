@@ -113,9 +113,8 @@ void frmExtract::FollowSetting() {
   // A name out of the list of before may mean nothing here. A web address, which has a dot, and what was typed stay.
   const bool name = text.find('.') == std::string::npos && std::ranges::count(before, text) > 0;
   if (name && std::ranges::count(texts, text) == 0) {
-    cmbURL.SetText(texts.empty() ? "" : texts.front());
-  }
-  if (texts.empty() || !cmbURL.text().empty()) {
+    OpenText(texts.empty() ? "" : texts.front());
+  } else if (texts.empty() || !cmbURL.text().empty()) {
     cmbURL_Change();    // an empty text closes what was open before
   } else if (ready_) {  // at first Load goes on with it
     FillProjectCombo();
@@ -132,9 +131,10 @@ void frmExtract::TakeOutSuppressed() {
 
 bool frmExtract::RunGoesOn() const { return job_->running() || context_.tmrExtract.enabled(); }
 
-// Not inside an opening or an export, whose pumps the whole run would be nested in.
+// Not inside an opening, an export or the writing of a web page, whose pumps the whole run would be nested in.
 bool frmExtract::MayStart() const {
-  return cmdExtract.enabled() && opening_ == 0 && !exporting_ && !starting_ && !RunGoesOn();
+  return cmdExtract.enabled() && opening_ == 0 && !exporting_ && !starting_ && !RunGoesOn() &&
+         !context_.collection.writing_page();
 }
 
 void frmExtract::cmdExtract_Click() {
@@ -253,8 +253,9 @@ void frmExtract::OpenText(const std::string& text) {
   }
 }
 
+// Not while a web page is written, whose collection is open.
 void frmExtract::DeleteProject() {
-  if (std::exchange(deleting_, true)) return;
+  if (context_.collection.writing_page() || std::exchange(deleting_, true)) return;
   OpenPicked();
   AskAndDelete();
   deleting_ = false;

@@ -41,7 +41,7 @@ std::optional<std::int32_t> ParsePause(std::string_view text) {
   const std::string_view whole = text.substr(0, point);
   std::string fraction(point < text.size() ? text.substr(point + 1) : std::string_view());
   constexpr std::size_t kDecimals = 3;
-  if (whole.empty() || whole.size() > kMostDigits || !AreDigits(whole)) return std::nullopt;
+  if (whole.size() > kMostDigits || !AreDigits(whole) || whole.size() + fraction.size() == 0) return std::nullopt;
   if (fraction.size() > kDecimals || !AreDigits(fraction)) return std::nullopt;
   fraction.append(kDecimals - fraction.size(), '0');
   return RoundToInt32(LeadingNumber(whole) * kSecond + LeadingNumber(fraction));

@@ -29,4 +29,16 @@ void OpenWebPage(Shell& shell, std::string_view address) {
   }
 }
 
+void OpenFileInBrowser(Shell& shell, std::string_view path) {
+  std::string address;
+  for (const char c : path) {
+    if (c == '%' || c == '#' || c == '?') {
+      address += PercentCode(c);
+    } else {
+      address += c;
+    }
+  }
+  OpenWebPage(shell, address);
+}
+
 }  // namespace quenlar

@@ -13,4 +13,8 @@ namespace quenlar {
 // while it starts the browser.
 void OpenWebPage(Shell& shell, std::string_view address);
 
+// Opens the file at `path` (UTF-8) in the user's browser, also where its name has a "#", a "?" or a "%", which mean
+// something else in an address.
+void OpenFileInBrowser(Shell& shell, std::string_view path);
+
 }  // namespace quenlar

@@ -16,7 +16,7 @@ Program::Program(const Platform& platform, const DesktopPlatform& desktop, Insta
       engine(platform, std::move(installation), {extract, extract, extract}, pace),
       classic(engine),
       collection(engine, desktop.web_client, web_settings, {extract, extract, extract}, pace),
-      never({engine, [this] { return extract.RunGoesOn(); }, [this] { extract.TakeOutSuppressed(); }}),
+      never({engine, [this] { return extract.RunGoesOn(); }, [this] { TakeOutErased(); }}),
       option({engine.settings, engine.settings_store, engine.filter, platform.files, platform.code_page, platform.boxes,
               engine.installation, [this](const std::string& code) { extract.txtSearch.SetText(code); }}),
       web({platform.registry, web_settings, never, platform.boxes, desktop.dialogs, engine.installation,
@@ -66,6 +66,14 @@ bool Program::Start() {
 
 std::vector<ui::Form*> Program::Windows() {
   return {&extract, &option, &web, &tool, &sightings, &why, &dialog, &about, &help};
+}
+
+// What still stands in a window that shows an answer is not known line by line, so it goes whole.
+void Program::TakeOutErased() {
+  for (ui::Form* form : {static_cast<ui::Form*>(&sightings), static_cast<ui::Form*>(&why)}) {
+    if (form->shown()) form->Close();
+  }
+  extract.TakeOutSuppressed();
 }
 
 void Program::SaveRun() {

@@ -55,6 +55,7 @@ class Program {
 
  private:
   void End();
+  void TakeOutErased();
 
  public:
   // In the order of construction: the forms and the engine know each other.

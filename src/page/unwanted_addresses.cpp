@@ -1,12 +1,15 @@
 #include "page/unwanted_addresses.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "base/ascii.h"
+#include "base/windows1252.h"
 #include "page/address_rules.h"
 #include "page/site.h"
 #include "page/url_bytes.h"
+#include "platform/punycode.h"
 
 namespace quenlar {
 namespace {
@@ -45,6 +48,19 @@ Character CharacterBefore(std::string_view text, std::size_t end) {
 bool IsNamePart(char c) { return IsWord(c) || c == '.' || c == '-' || c == '+'; }
 bool IsOddPart(char c) { return std::string_view("!#$%&'*/=?^`{|}~").find(c) != kNone; }
 bool IsDomainPart(char c) { return IsLetter(c) || IsDigit(c) || c == '-' || c == '.'; }
+bool IsBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+
+// The domain as addresses have it, all labels in ASCII. Empty where one is no UTF-8, or too long.
+std::string AsciiDomain(std::string_view domain) {
+  if (IsAscii(domain)) return std::string(domain);
+  std::string ascii;
+  for (const std::string_view label : Split(domain, ".")) {
+    const std::optional<std::string> code = IsAscii(label) ? std::string(label) : PunycodeLabel(label);
+    if (!code) return {};
+    ascii.append(ascii.empty() ? "" : ".").append(*code);
+  }
+  return ascii;
+}
 
 // Where a part of an address may begin or end, and the part.
 struct Part {
@@ -74,12 +90,14 @@ std::vector<Part> LocalParts(std::string_view text, std::size_t end) {
 }
 
 // The domains that may begin at `begin`, the longest first. One that ends in a top-level domain is the only one.
-std::vector<Part> Domains(std::string_view text, std::size_t begin) {
+// Letters beyond ASCII are a part of a domain ("info@müller.de") or stand behind one ("info@firma.de–Home"), as the
+// caller asks.
+std::vector<Part> Domains(std::string_view text, std::size_t begin, bool beyond_ascii) {
   std::string run;
   std::vector<std::size_t> ends;  // in the text, behind each character of the run
   for (std::size_t at = begin; run.size() < kLongestAddress;) {
     const Character c = CharacterAt(text, at);
-    if (c.bytes == 0 || !IsDomainPart(c.value)) break;
+    if (c.bytes == 0 || !(IsDomainPart(c.value) || (beyond_ascii && IsBeyondAscii(c.value)))) break;
     run += ToLower(c.value);
     ends.push_back(at += c.bytes);
   }
@@ -88,9 +106,9 @@ std::vector<Part> Domains(std::string_view text, std::size_t begin) {
   };
   std::vector<Part> domains;
   for (trim(); !run.empty(); trim()) {
-    domains.push_back({ends[run.size() - 1], run});
+    domains.push_back({ends[run.size() - 1], AsciiDomain(run)});
     const std::size_t dot = run.rfind('.');
-    if (dot == kNone || IsTopLevelDomain(std::string_view(run).substr(dot + 1))) break;
+    if (dot == kNone || IsTopLevelDomain(AsciiDomain(std::string_view(run).substr(dot + 1)))) break;
     run.resize(dot);
   }
   return domains;
@@ -100,8 +118,11 @@ std::optional<UnwantedPlace> UnwantedAt(std::string_view text, std::size_t sign,
                                         std::size_t floor) {
   const std::vector<Part> locals = LocalParts(text, sign);
   if (locals.empty()) return std::nullopt;
-  const std::vector<Part> domains = Domains(text, sign + CharacterAt(text, sign).bytes);
+  const std::size_t begin = sign + CharacterAt(text, sign).bytes;
+  std::vector<Part> domains = Domains(text, begin, false);
+  std::ranges::move(Domains(text, begin, true), std::back_inserter(domains));
   for (const Part& domain : domains) {
+    if (domain.text.empty()) continue;
     for (const Part& local : locals) {
       std::string address = local.text + "@" + domain.text;
       if (local.at >= floor && !keeps(address)) return UnwantedPlace{local.at, sign, domain.at, std::move(address)};

@@ -66,6 +66,37 @@ TEST_F(CollectionTextsTest, TheNameOfACollectionThatExistsGoesOnWithoutAStart) {
   EXPECT_EQ(Named("members").name, "members_en") << "what a run of the text has made comes first";
 }
 
+TEST_F(CollectionTextsTest, ANameThatReadsAsAKeywordWithItsLanguage) {
+  PutCollection("firma_de");  // of www.firma.de, or of "firma" in German
+  EXPECT_EQ(Named("firma_de").name, "firma_de");
+  EXPECT_TRUE(Named("firma_de").may_be_name);
+  EXPECT_EQ(Named("firma_de").language, "de");
+  EXPECT_FALSE(Named("firma").may_be_name);
+  EXPECT_FALSE(Named("garten_de").may_be_name) << "there is no such collection";
+  PutCollection("blog_de_example_org");
+  EXPECT_EQ(Named("blog_de_example_org").name, "blog_de_example_org");
+  EXPECT_THAT(Named("blog_de_example_org").starts, IsEmpty());
+  PutCollection("blog_de");
+  EXPECT_EQ(Named("blog_de_example_org").name, "blog_de_example_org") << "it is typed whole";
+}
+
+TEST_F(CollectionTextsTest, AnAddressWithoutADotGetsNoLanguage) {
+  CollectionTexts texts = Loaded();
+  texts.Add("http://localhost:8080/");
+  EXPECT_THAT(texts.All(), ElementsAre("http://localhost:8080/"));
+}
+
+TEST_F(CollectionTextsTest, WhatWasPickedAndNeverRunIsNotStoredByTheNextRun) {
+  projects.Load({"boats_en", "www.old.example"});
+  CollectionTexts texts = Loaded();
+  texts.Pick("www.old.example");
+  EXPECT_THAT(texts.All(), ElementsAre("www.old.example", "boats_en"));
+  texts.Add("www.one.example");
+  texts.Store();
+  projects.Load({});
+  EXPECT_THAT(Loaded().All(), ElementsAre("www.one.example"));
+}
+
 TEST_F(CollectionTextsTest, EachIsOfferedOnce) {
   PutCollection("example_org");
   PutCollection("cars_en");

@@ -129,7 +129,7 @@ TEST_F(CollectingWindow, TheMessageAtTheEndSaysWhatWasLeftOut) {
   EXPECT_THAT(text, HasSubstr("\r\n1 page that robots.txt keeps programs away from"));
   EXPECT_THAT(text, HasSubstr("\r\n1 page more than 1 click away from a start"));
   EXPECT_THAT(text, HasSubstr("\r\n1 page that could not be read"));
-  EXPECT_THAT(text, HasSubstr("\r\n1 address that their owners hide from programs"));
+  EXPECT_THAT(text, HasSubstr("\r\n1 address that its owner hides from programs"));
   EXPECT_THAT(text, HasSubstr("Sites cannot tell who visits them"));
 }
 
@@ -147,6 +147,19 @@ TEST_F(CollectingWindow, AFinishedCollectionIsVisitedAgainOnlyWhenAskedFor) {
   FinishRun();
   EXPECT_EQ(Visited().size(), 2 * visited);
   EXPECT_THAT(Rows(1), ElementsAre("second@cars.de", "third@cars.de", "new@cars.de")) << "what is gone is not listed";
+}
+
+TEST_F(CollectingWindow, WherePagesAreLeftTheQuestionSaysSo) {
+  settings_.pages_per_host = 1;
+  Store(settings_);
+  Start();
+  Collect("www.cars.example");
+  boxes.shown.clear();
+  boxes.answers = {BoxAnswer::kNo};
+  Main().cmdExtract.Click();
+  FinishRun();
+  EXPECT_THAT(boxes.texts(), ElementsAre(StartsWith("Pages are left, but their hosts have had as many"),
+                                         HasSubstr("1 page of hosts that have had their 1 page")));
 }
 
 TEST_F(CollectingWindow, TheReportIsWrittenAndOpened) {
@@ -367,6 +380,55 @@ TEST_F(CollectionMenuTest, TheWebPageIsWrittenAndOpenedAndDeletedWithTheRest) {
   EXPECT_FALSE(Exists("report/cars_example.web.html"));
 }
 
+TEST_F(CollectionMenuTest, TheWebPageOfAnAddressWithAPortIsFoundByTheBrowser) {
+  Page("https://www.cars.example:8080/", "first@cars.de");
+  Start();
+  Collect("www.cars.example:8080");
+  ASSERT_TRUE(Choose("we&b page", {}));
+  ASSERT_TRUE(Exists("report/cars_example%3A8080.web.html"));
+  ASSERT_EQ(shell.opened.size(), 1u);
+  EXPECT_THAT(shell.opened[0], testing::EndsWith("report/cars_example%253A8080.web.html"));
+}
+
+TEST_F(CollectionMenuTest, TheWebPageLeavesOutWhatIsNeverListed) {
+  Start();
+  Collect("www.cars.example");
+  Put("suppressed.txt", "second@cars.de\n");
+  MakeProgram();
+  Start();
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "third@cars.de"));
+  ASSERT_TRUE(Choose("we&b page", {}));
+  EXPECT_THAT(Contents("report/cars_example.web.html"), HasSubstr("third@cars.de"));
+  EXPECT_THAT(Contents("report/cars_example.web.html"), Not(HasSubstr("second@cars.de")));
+}
+
+TEST_F(CollectionMenuTest, WhileTheWebPageIsWrittenNothingIsStartedOrDeleted) {
+  Start();
+  Collect("www.cars.example");
+  boxes.shown.clear();
+  int pumps = 0;
+  loop.OnPump([&] {
+    if (++pumps > 1) return;
+    Main().cmdExtract.Click();
+    Main().cmdDelete.Click();
+  });
+  ASSERT_TRUE(Choose("we&b page", {}));
+  loop.OnPump({});
+  EXPECT_GT(pumps, 0);
+  EXPECT_FALSE(RunGoesOn());
+  EXPECT_THAT(boxes.texts(), IsEmpty());
+  EXPECT_TRUE(Exists(kDatabase));
+}
+
+TEST_F(CollectionMenuTest, NeverAgainTakesAWebPageAway) {
+  Start();
+  Collect("www.cars.example");
+  ASSERT_TRUE(Choose("we&b page", {}));
+  boxes.answers = {BoxAnswer::kYes};
+  ASSERT_TRUE(Choose("Never", {2}));
+  EXPECT_FALSE(Exists("report/cars_example.web.html")) << "without one of its lines its program cannot read it";
+}
+
 // --- Beside classic projects ---
 
 TEST_F(CollectingWindow, ACollectionTouchesNothingOfTheClassicProject) {
@@ -479,6 +541,28 @@ TEST_F(CollectingWindow, TheBoxOffersCollectionsOfTheCommandLineByTheirNames) {
   Collect("members");
   EXPECT_EQ(Main().cmbURL.text(), "members") << "a name gets no language";
   EXPECT_FALSE(Exists("data/members_en.sqlite"));
+}
+
+TEST_F(CollectingWindow, ANameThatEndsInALanguageBringsNoKeywordIntoItsCollection) {
+  Page("https://www.firma.de/", "anna@firma.de");
+  Start();
+  Collect("www.firma.de");
+  boxes.shown.clear();
+  boxes.answers = {BoxAnswer::kNo};
+  Collect("firma_de");
+  EXPECT_THAT(boxes.texts(), ElementsAre(HasSubstr("Visit its pages again ?"), StartsWith(kEndAllParsed)));
+  EXPECT_THAT(Rows(1), ElementsAre("anna@firma.de"));
+}
+
+TEST_F(CollectingWindow, ARunWithoutMemoryEndsInOrder) {
+  Start();
+  WhenFound([] { throw std::bad_alloc(); });
+  Collect("www.cars.example");
+  EXPECT_THAT(boxes.shown.back().text, StartsWith(kEndNoMemory));
+  EXPECT_TRUE(Main().cmdExtract.enabled());
+  loop.OnPump({});
+  Collect("www.cars.example");
+  EXPECT_EQ(Rows(1).size(), 3u);
 }
 
 TEST_F(CollectingWindow, TheNameOfACollectionDoesNotBecomeAKeyword) {

@@ -281,9 +281,9 @@ TEST(Pauses, AreSecondsWithAPointOrAComma) {
   const struct {
     const char* text;
     std::int32_t milliseconds;
-  } kCases[] = {{"1", 1000}, {"0", 0}, {"0.5", 500}, {"0,25", 250}, {"12.345", 12345}, {"2.", 2000}};
+  } kCases[] = {{"1", 1000}, {"0", 0}, {"0.5", 500}, {"0,25", 250}, {"12.345", 12345}, {"2.", 2000}, {".5", 500}};
   for (const auto& [text, milliseconds] : kCases) EXPECT_EQ(ParsePause(text), milliseconds) << text;
-  for (const char* wrong : {"", ".5", "1.2345", "a", "1.x", "99999999999"}) EXPECT_FALSE(ParsePause(wrong)) << wrong;
+  for (const char* wrong : {"", ".", "1.2345", "a", "1.x", "99999999999"}) EXPECT_FALSE(ParsePause(wrong)) << wrong;
   for (const std::int32_t shown : {0, 1, 20, 500, 1000, 1001, 1230, 60000}) {
     EXPECT_EQ(ParsePause(PauseText(shown)), shown) << PauseText(shown);
   }

@@ -29,6 +29,12 @@ TEST(OpenWebPage, LocalPathBecomesAFileAddress) {
   EXPECT_THAT(Opened("C:\\My Files\\help.htm"), ElementsAre("file:///C:/My%20Files/help.htm"));
 }
 
+TEST(OpenFileInBrowser, CharactersThatMeanSomethingInAnAddressArePercentEncoded) {
+  RecordingShell shell;
+  OpenFileInBrowser(shell, "C:\\C# ?\\localhost%3A8080.web.html");
+  EXPECT_THAT(shell.opened, ElementsAre("file:///C:/C%23%20%3F/localhost%253A8080.web.html"));
+}
+
 TEST(OpenWebPage, AddressStaysOneArgument) {
   EXPECT_THAT(Opened("http://x.de/a b\t\"c\"\r\n"), ElementsAre("http://x.de/a%20b%09%22c%22%0D%0A"));
   EXPECT_THAT(Opened("C:\\a\"b\tc"), ElementsAre("file:///C:/a%22b%09c"));

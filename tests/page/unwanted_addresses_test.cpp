@@ -25,6 +25,18 @@ TEST(UnwantedAddresses, AreFoundInEverySpelling) {
   }
 }
 
+TEST(UnwantedAddresses, DomainsBeyondAsciiAreThoseOfTheirLabelsInAscii) {
+  const auto keeps = [](std::string_view address) { return address != "info@xn--mller-kva.de"; };
+  for (const char* text : {"info@m\xC3\xBCller.de", "info@M\xC3\x9CLLER.DE", "info%40m%C3%BCller.de",
+                           "Kontakt info@m\xC3\xBCller.de, Tel. 1", "info@xn--mller-kva.de"}) {
+    EXPECT_TRUE(NextUnwanted(text, keeps)) << text;
+  }
+  for (const char* text : {"info@m\xFCller.de", "info@m\xC3\xBCller.dev", "info@muller.de"}) {
+    EXPECT_FALSE(NextUnwanted(text, keeps)) << text;
+  }
+  EXPECT_EQ(Named("anna@firma.de\xE2\x80\x93Home"), "anna@firma.de") << "a dash behind";
+}
+
 TEST(UnwantedAddresses, ALongerAddressIsAnotherOne) {
   for (const char* text :
        {"joanna@firma.de", "jo.anna@firma.de", "jo-anna@firma.de", "anna@firma.de.com", "anna@firma.dev",

@@ -101,7 +101,8 @@ TEST_F(WebSettingsTest, EachBoxFollowsItsLabel) {
        {std::pair{"txtContact", "&Contact"}, std::pair{"txtService", "&Search service"},
         std::pair{"cmbScope", "&Links may lead to"}, std::pair{"txtDepth", "Clicks from a s&tart"},
         std::pair{"txtPages", "&Pages of a host"}, std::pair{"txtPause", "&Pause"},
-        std::pair{"txtHosts", "&Hosts at a time"}, std::pair{"lstNever", "Never list&ed: addresses, or @ and a domain"},
+        std::pair{"txtHosts", "&Hosts at a time"},
+        std::pair{"lstNever", "Never list&ed: addresses, @ and a domain, digests of addresses"},
         std::pair{"txtNever", "Ne&w entry"}}) {
     EXPECT_EQ(Window(GetWindow(web.Control(box).handle(), GW_HWNDPREV)).Text(), label);
   }
@@ -217,6 +218,13 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
   EXPECT_FALSE(Control("cmbURL").Enabled());
   ASSERT_TRUE(WaitUntil([&] { return Control("stsExtract").Panel(1).starts_with("Reading localhost:"); }))
       << Control("stsExtract").Panel(1);
+  // Closed and brought back by the icon's menu, the window shows the run.
+  const Window before = program.Main();
+  before.Close();
+  ASSERT_TRUE(WaitUntil([&] { return !before; }));
+  ASSERT_TRUE(program.ChooseInTrayMenu(TrayItem::kWindow));
+  ASSERT_TRUE(WaitUntil([&] { return program.Main() && Control("lstMail").Rows() == 2; }));
+  ASSERT_TRUE(WaitUntil([&] { return Control("cmdExtract").Text() == "&Stop"; }));
   Control("cmdExtract").Click();
   AnswerEnd(kEndStopButton);
   EXPECT_THAT(last_message, HasSubstr("2 new addresses on 2 pages"));
@@ -245,6 +253,25 @@ TEST_F(CollectionRun, FromTheSwitchToTheWayBack) {
   EXPECT_THAT(sightings.Control("lstPages").Column(1), ElementsAre("text", "text"));
   sightings.Control(IDCANCEL).Click();
   ASSERT_TRUE(WaitUntil([&] { return !sightings && program.Main().Enabled(); }));
+
+  // Why.
+  ChooseForRow(0, 'y');
+  const Window why = program.WaitForWindow("Why ?");
+  ASSERT_TRUE(why);
+  EXPECT_TRUE(WaitUntil([&] {
+    return why.Control("txtAnswer").Text().find(site + "/board.html") != std::string::npos;
+  })) << why.Control("txtAnswer").Text();
+  why.Control(IDCANCEL).Click();
+  ASSERT_TRUE(WaitUntil([&] { return !why && program.Main().Enabled(); }));
+
+  // The report.
+  Control("cmdExport").Click();
+  HWND editor = nullptr;
+  ASSERT_TRUE(WaitUntil([&] { return (editor = FindWindowW(L"Notepad", nullptr)) != nullptr; }));
+  EXPECT_TRUE(WaitUntil([&] { return Window(editor).Text().find(".web.rpt") != std::string::npos; }))
+      << Window(editor).Text();
+  Window(editor).Close();
+  ASSERT_TRUE(WaitUntil([&] { return !IsWindow(editor); }));
 
   // Never again.
   ChooseForRow(1, 'n');
