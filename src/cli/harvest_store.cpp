@@ -14,7 +14,9 @@ namespace {
 // By the digest of the path: an address in the name of a file would stay in the collection after it was erased.
 std::string FactOf(const HarvestInput& input) { return "harvest " + Sha256Hex(input.path); }
 
-// The numbers of a fact: size and time of the file, offset, place in the text, damage, 1 for an end.
+// The numbers of a fact: size and time of the file, offset, place in the text, damage, 1 for an end. The time is
+// written as seconds and nanoseconds with a dot between them. Earlier versions wrote the seconds alone; such an input
+// counts as changed, and is read once more.
 constexpr std::size_t kNumbers = 6;
 
 std::uint64_t NumberOf(std::string_view text) {
@@ -33,7 +35,8 @@ bool HarvestStore::Failed(const Status& status) {
 std::optional<HarvestPlace> HarvestStore::PlaceOf(const HarvestInput& input, const ReadableFile* file) {
   if (file == nullptr || !failure_.ok()) return HarvestPlace{};
   Progress progress;
-  progress.file = std::to_string(file->size().value_or(0)) + " " + std::to_string(file->modified());
+  progress.file = std::to_string(file->size().value_or(0)) + " " + std::to_string(file->modified()) + "." +
+                  std::to_string(file->modified_nanoseconds());
   const Result<std::string> fact = collection_->Fact(FactOf(input));
   if (!fact.ok() && Failed(fact.status())) return HarvestPlace{};
   const std::vector<std::string_view> numbers = Split(fact.value(), " ");

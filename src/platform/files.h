@@ -51,6 +51,8 @@ class ReadableFile {
   [[nodiscard]] virtual std::optional<std::uint64_t> size() const = 0;
   // When it was last changed, in seconds since 1970 UTC.
   [[nodiscard]] virtual std::int64_t modified() const = 0;
+  // What that leaves of a second, in nanoseconds, as finely as the file system knows it.
+  [[nodiscard]] virtual std::int64_t modified_nanoseconds() const = 0;
   // Reads `size` bytes from `offset` on into `buffer` and returns their number, which is smaller only at the end. Of
   // what is not a plain file it gives the next bytes, whatever the offset. Several threads may read a plain file.
   [[nodiscard]] virtual Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const = 0;

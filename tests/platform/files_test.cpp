@@ -209,6 +209,8 @@ TEST_P(FilesContract, AnOpenFileIsReadAtAnyPlace) {
   ASSERT_TRUE(file.ok());
   EXPECT_EQ(file.value()->size(), 10u);
   EXPECT_GT(file.value()->modified(), 1'600'000'000);
+  EXPECT_GE(file.value()->modified_nanoseconds(), 0);
+  EXPECT_LT(file.value()->modified_nanoseconds(), 1'000'000'000);
   const auto read = [&](std::uint64_t offset, std::size_t size) {
     std::string text(size, '-');
     const auto got = file.value()->ReadAt(offset, text.data(), size);

@@ -91,15 +91,18 @@ namespace {
 
 class InMemoryFile final : public ReadableFile {
  public:
-  explicit InMemoryFile(std::string contents) : contents_(std::move(contents)) {}
+  InMemoryFile(std::string contents, std::int64_t nanoseconds)
+      : contents_(std::move(contents)), nanoseconds_(nanoseconds) {}
   [[nodiscard]] std::optional<std::uint64_t> size() const override { return contents_.size(); }
   [[nodiscard]] std::int64_t modified() const override { return InMemoryFiles::kModified; }
+  [[nodiscard]] std::int64_t modified_nanoseconds() const override { return nanoseconds_; }
   [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const override {
     return offset >= contents_.size() ? 0 : contents_.copy(buffer, size, offset);
   }
 
  private:
   const std::string contents_;
+  const std::int64_t nanoseconds_;
 };
 
 }  // namespace
@@ -156,7 +159,11 @@ Status InMemoryFiles::Read(const std::string& path, const std::function<bool(std
 Result<std::unique_ptr<ReadableFile>> InMemoryFiles::Open(const std::string& path) const {
   if (const Status call = CountCall("open", path); !call.ok()) return call;
   const auto file = files_.find(Plain(path));
-  if (file != files_.end()) return std::unique_ptr<ReadableFile>(std::make_unique<InMemoryFile>(file->second));
+  if (file != files_.end()) {
+    const auto nanoseconds = nanoseconds_.find(file->first);
+    return std::unique_ptr<ReadableFile>(
+        std::make_unique<InMemoryFile>(file->second, nanoseconds == nanoseconds_.end() ? 0 : nanoseconds->second));
+  }
   if (FolderExists(path)) return Status(StatusKind::kFailed, path + ": a folder");
   return Status(StatusKind::kNotFound, path + ": no such file");
 }
@@ -226,6 +233,10 @@ void InMemoryFiles::Put(const std::string& path, std::string contents) {
   const std::string plain = Plain(path);
   AddFolder(Parent(plain));
   files_[plain] = std::move(contents);
+}
+
+void InMemoryFiles::SetModifiedNanoseconds(const std::string& path, std::int64_t nanoseconds) {
+  nanoseconds_[Plain(path)] = nanoseconds;
 }
 
 std::optional<std::string> InMemoryFiles::Contents(const std::string& path) const {

@@ -46,6 +46,9 @@ class InMemoryFiles : public Files {
   void FailCall(int n, StatusKind kind = StatusKind::kFailed);
   [[nodiscard]] int calls() const { return calls_; }
 
+  // What a file's last change has beside kModified; 0 until it is set.
+  void SetModifiedNanoseconds(const std::string& path, std::int64_t nanoseconds);
+
   // No more than this many bytes can be written from now on (kFull); empty: as many as one likes.
   void SetFreeSpace(std::optional<std::uint64_t> bytes) { free_space_ = bytes; }
 
@@ -66,6 +69,7 @@ class InMemoryFiles : public Files {
   [[nodiscard]] Status CheckPlace(const std::string& path) const;
 
   std::map<std::string, std::string> files_;
+  std::map<std::string, std::int64_t> nanoseconds_;
   std::set<std::string> folders_;
   std::set<std::string> locks_;
   std::set<std::string> protected_;

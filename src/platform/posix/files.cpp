@@ -44,6 +44,7 @@ class DescriptorFile final : public ReadableFile {
     return Plain() ? std::optional(static_cast<std::uint64_t>(about_.st_size)) : std::nullopt;
   }
   [[nodiscard]] std::int64_t modified() const override { return about_.st_mtim.tv_sec; }
+  [[nodiscard]] std::int64_t modified_nanoseconds() const override { return about_.st_mtim.tv_nsec; }
   [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const override {
     std::size_t done = 0;
     while (done < size) {

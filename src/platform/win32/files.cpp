@@ -177,10 +177,11 @@ class HandleFile final : public ReadableFile {
     return static_cast<std::uint64_t>(about_.nFileSizeHigh) << 32 | about_.nFileSizeLow;
   }
   [[nodiscard]] std::int64_t modified() const override {
-    constexpr std::int64_t kTicksASecond = 10'000'000, kSecondsTo1970 = 11'644'473'600;  // the system counts from 1601
-    const auto ticks = static_cast<std::int64_t>(
-        static_cast<std::uint64_t>(about_.ftLastWriteTime.dwHighDateTime) << 32 | about_.ftLastWriteTime.dwLowDateTime);
-    return plain_ ? ticks / kTicksASecond - kSecondsTo1970 : 0;
+    constexpr std::int64_t kSecondsTo1970 = 11'644'473'600;  // the system counts from 1601
+    return plain_ ? Ticks() / kTicksASecond - kSecondsTo1970 : 0;
+  }
+  [[nodiscard]] std::int64_t modified_nanoseconds() const override {
+    return plain_ ? Ticks() % kTicksASecond * (1'000'000'000 / kTicksASecond) : 0;
   }
   [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, char* buffer, std::size_t size) const override {
     std::size_t done = 0;
@@ -202,6 +203,12 @@ class HandleFile final : public ReadableFile {
   }
 
  private:
+  static constexpr std::int64_t kTicksASecond = 10'000'000;
+  [[nodiscard]] std::int64_t Ticks() const {
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(about_.ftLastWriteTime.dwHighDateTime) << 32 |
+                                     about_.ftLastWriteTime.dwLowDateTime);
+  }
+
   const Handle file_;
   const BY_HANDLE_FILE_INFORMATION about_;
   const bool plain_;
