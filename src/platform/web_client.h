@@ -50,7 +50,7 @@ enum class WebFailure {
   kPrivateAddress,  // all its addresses are ones that the request may not go to; nothing was sent
   kNoConnection,    // refused, unreachable, or not made in time; a proxy may say so too
   kNoTls,           // connected, but TLS failed for another reason than the certificate
-  kCertificate,     // expired, for another name, or of an authority that is not trusted
+  kCertificate,     // expired, for another name, of an authority that is not trusted, or of a server without its key
   kTimeout,         // connected, then too slow
   kBroken,          // cut short, malformed, or in an encoding that was not asked for
   kProxy,           // the proxy cannot be reached, wants a password or refuses the host

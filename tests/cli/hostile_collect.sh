@@ -128,7 +128,7 @@ ask /tls/authority >"$work/authority.pem"
 export SSL_CERT_FILE=$work/authority.pem
 collect certified "https://localhost:$(ask /tls/right)/page"
 expect certified 0 finished pages 1 failed 0
-for which in stranger expired not-yet wrong-name self-signed forged; do
+for which in stranger expired not-yet wrong-name self-signed forged keyless keyless-tls12; do
   collect "$which" "https://localhost:$(ask "/tls/$which")/page" "localhost.:$(ask "/tls/$which")"
   expect "$which" 1 failed pages 0
   expect_message "$which" certificate

@@ -192,7 +192,8 @@ TEST_F(SecureWeb, ACertificateOfATrustedAuthorityIsAccepted) {
 }
 
 TEST_F(SecureWeb, AWrongCertificateIsAFailureOfItsOwn) {
-  for (const char* which : {"stranger", "expired", "not-yet", "wrong-name", "self-signed", "forged"}) {
+  for (const char* which :
+       {"stranger", "expired", "not-yet", "wrong-name", "self-signed", "forged", "keyless", "keyless-tls12"}) {
     const WebFailure failure = Fetch(Secure(which)).failure;
     // Some look-alikes of Windows do not tell why TLS failed.
     EXPECT_TRUE(failure == WebFailure::kCertificate || (failure == WebFailure::kNoTls && !platform_->HttpIsStrict()))

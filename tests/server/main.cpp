@@ -103,6 +103,8 @@ void AddTls(const TlsPorts& ports, Endpoints& endpoints) {
   endpoints["/tls/not-yet"] = text(std::to_string(ports.not_yet));
   endpoints["/tls/self-signed"] = text(std::to_string(ports.self_signed));
   endpoints["/tls/forged"] = text(std::to_string(ports.forged));
+  endpoints["/tls/keyless"] = text(std::to_string(ports.keyless));
+  endpoints["/tls/keyless-tls12"] = text(std::to_string(ports.keyless_tls12));
   endpoints["/tls/old"] = text(std::to_string(ports.old));
   endpoints["/tls/garbage"] = text(std::to_string(ports.garbage));
   endpoints["/tls/downgrade"] = text(std::to_string(ports.downgrade));

@@ -7,7 +7,9 @@
 #include <thread>
 #include <utility>
 
+#include <openssl/core_names.h>
 #include <openssl/evp.h>
+#include <openssl/param_build.h>
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
@@ -53,6 +55,29 @@ Identity Certify(const char* subject, const char* names, const Identity* issuer,
   if (names != nullptr) AddExtension(certificate, signer, NID_subject_alt_name, names);
   X509_sign(certificate, issuer != nullptr ? issuer->key : identity.key, EVP_sha256());
   return identity;
+}
+
+// The public half of one key and the private half of another: what it signs does not hold under its own public half.
+EVP_PKEY* Mismatched(EVP_PKEY* shown, EVP_PKEY* held) {
+  unsigned char point[256];
+  std::size_t size = 0;
+  BIGNUM* secret = nullptr;
+  EVP_PKEY_get_octet_string_param(shown, OSSL_PKEY_PARAM_PUB_KEY, point, sizeof point, &size);
+  EVP_PKEY_get_bn_param(held, OSSL_PKEY_PARAM_PRIV_KEY, &secret);
+  OSSL_PARAM_BLD* parts = OSSL_PARAM_BLD_new();
+  OSSL_PARAM_BLD_push_utf8_string(parts, OSSL_PKEY_PARAM_GROUP_NAME, "P-256", 0);
+  OSSL_PARAM_BLD_push_octet_string(parts, OSSL_PKEY_PARAM_PUB_KEY, point, size);
+  OSSL_PARAM_BLD_push_BN(parts, OSSL_PKEY_PARAM_PRIV_KEY, secret);
+  OSSL_PARAM* all = OSSL_PARAM_BLD_to_param(parts);
+  EVP_PKEY_CTX* maker = EVP_PKEY_CTX_new_from_name(nullptr, "EC", nullptr);
+  EVP_PKEY* key = nullptr;
+  EVP_PKEY_fromdata_init(maker);
+  EVP_PKEY_fromdata(maker, &key, EVP_PKEY_KEYPAIR, all);
+  EVP_PKEY_CTX_free(maker);
+  OSSL_PARAM_free(all);
+  OSSL_PARAM_BLD_free(parts);
+  BN_free(secret);
+  return key;
 }
 
 std::string Pem(X509* certificate) {
@@ -121,12 +146,16 @@ SSL_CTX* Asking(SSL_CTX* context) {
   return context;
 }
 
+SSL_CTX* AtMost(int version, SSL_CTX* context) {
+  SSL_CTX_set_max_proto_version(context, version);
+  return context;
+}
+
 // Nothing newer than TLS 1.0 is spoken.
 SSL_CTX* Old(SSL_CTX* context) {
   SSL_CTX_set_security_level(context, 0);
   SSL_CTX_set_min_proto_version(context, TLS1_VERSION);
-  SSL_CTX_set_max_proto_version(context, TLS1_VERSION);
-  return context;
+  return AtMost(TLS1_VERSION, context);
 }
 
 // The answer to the client's first message is noise.
@@ -188,6 +217,10 @@ TlsPorts ServeTls(int plain_port) {
   // The name of the authority that is known, and the signature of another one.
   const Identity forger{stranger.key, authority.certificate};
   ports.forged = Serve(ContextOf(Certify("localhost", here, &forger, -kDay, 365 * kDay)), page);
+  Identity keyless = Certify("localhost", here, &authority, -kDay, 365 * kDay);
+  keyless.key = Mismatched(keyless.key, EVP_EC_gen("P-256"));
+  ports.keyless = Serve(ContextOf(keyless), page);
+  ports.keyless_tls12 = Serve(AtMost(TLS1_2_VERSION, ContextOf(keyless)), page);
   ports.old = Serve(Old(right()), page);
   ports.garbage = ServeGarbage();
   ports.downgrade = Serve(right(), "HTTP/1.1 302 Found\r\n" + plain + "Content-Length: 0\r\nConnection: close\r\n\r\n");

@@ -15,6 +15,8 @@ struct TlsPorts {
   int not_yet = 0;        // a right one, from tomorrow on
   int self_signed = 0;    // a right one that nobody but itself has signed
   int forged = 0;         // it names the known authority, but somebody else has signed it
+  int keyless = 0;        // a right one, but its server has another key than the one in it
+  int keyless_tls12 = 0;  // the same, and nothing newer than TLS 1.2 is spoken
   int old = 0;            // a right one, but nothing newer than TLS 1.0 is spoken
   int garbage = 0;        // whatever is said, the answer is noise
   int downgrade = 0;      // right, and each answer is a redirect to plain http

@@ -41,9 +41,19 @@ int OnVerified(int holds, X509_STORE_CTX*) {
   return holds;
 }
 
+// A server whose certificate holds may not have the key to it: what it signs in the handshake does not hold then, and
+// OpenSSL tells it so by the alert "decrypt_error" (RFC 8446, section 6.2), whatever the version of TLS. That is as bad
+// as a bad certificate, and it is reported to curl as one; curl would take it for a host that does not speak TLS.
+void OnTlsState(const SSL*, int where, int alert) {
+  if (where != SSL_CB_WRITE_ALERT || (alert & 0xFF) != SSL_AD_DECRYPT_ERROR) return;
+  ERR_clear_error();
+  ERR_raise(ERR_LIB_SSL, SSL_R_CERTIFICATE_VERIFY_FAILED);
+}
+
 CURLcode OnTlsContext(CURL*, void* context, void*) {
   auto* const tls = static_cast<SSL_CTX*>(context);
   SSL_CTX_set_verify(tls, SSL_CTX_get_verify_mode(tls), &OnVerified);
+  SSL_CTX_set_info_callback(tls, &OnTlsState);
   return CURLE_OK;
 }
 
