@@ -2,9 +2,13 @@
 
 import gzip
 import hashlib
+import json
 import os
+import re
 import signal
 import subprocess
+import urllib.parse
+import urllib.request
 from collections.abc import Sequence
 from pathlib import Path
 
@@ -129,6 +133,24 @@ def test_workers_and_schedulers_may_be_killed(inputs: Path) -> None:
     assert cluster(*run, "--workers", "3", folder=folder).wait(120) == 0
     assert (folder / "run" / "addresses.txt").read_bytes() == harvested_by_one(inputs)
     assert parts == {part: part.stat().st_mtime_ns for part in parts}
+
+
+def test_the_cluster_can_be_looked_at_where_it_is_said_to(inputs: Path) -> None:
+    """The address that is printed answers with figures for as long as the run goes on."""
+    folder = inputs.parent
+    said = folder / "said"
+    run = harvest_arguments(inputs, "--program", str(slow_program(folder)), "--workers", "1")
+    with open(said, "wb") as output:
+        coordinator = cluster(*run, folder=folder, output=output)
+    wait_until(lambda: len(held(folder)) == 1)
+    printed = re.search(r"The cluster: (http://\S+) \(", said.read_text(encoding="utf-8"))
+    assert printed is not None
+    with urllib.request.urlopen(
+        urllib.parse.urljoin(printed[1], "/json/counts.json"), timeout=60
+    ) as answer:
+        assert json.load(answer)["workers"] == 1
+    (folder / "go").touch()
+    assert coordinator.wait(120) == 0
 
 
 def test_what_cannot_be_read_is_named(inputs: Path) -> None:

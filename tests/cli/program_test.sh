@@ -133,6 +133,7 @@ start_farm() { # ADDRESSES-PER-PAGE; sets proxy
 # The lines of a whole run over the rich web are more than a pipe holds: while nobody reads them, no run comes to its end.
 start_farm 400
 rich_run=(extract www.h0.example --proxy "$proxy" --assume-online)
+rich_crawl=(collect http://www.h0.example/ --scope anywhere --delay 0 --proxy "$proxy" --assume-online)
 start_farm 3
 run=(extract www.h0.example --proxy "$proxy" --assume-online)
 
@@ -356,6 +357,20 @@ if [ -z "$windows" ]; then  # Windows knows no signals
   done
 fi
 
+if [ -z "$windows" ]; then
+  begin "a collection that is stopped says so and goes on where it stopped"
+  for signal in INT TERM HUP; do
+    rm -rf "$work/stop"
+    stopped_run 5 "$signal" "${rich_crawl[@]}" >"$work/out"
+    expect "exit status of $signal" 130 $?
+    expect_in "message of $signal" "Stopped. The same command goes on." "$(messages)"
+    at "$work/stop" "${rich_crawl[@]}" >/dev/null 2>"$work/err"
+    expect "exit status of the second run" 0 $?
+    at "$work/stop" addresses h0_example | sorted_lines | cmp -s - "$work/expected_rich" ||
+      fail "$signal: $(at "$work/stop" addresses h0_example | wc -l) addresses"
+  done
+fi
+
 begin "a reader that goes away ends the run quietly, with everything saved"
 rm -rf "$work/stop"
 at "$work/stop" "${rich_run[@]}" 2>"$work/err" | head -2 >/dev/null
@@ -388,6 +403,16 @@ expect "exit status" 1 $?
 expect "message" "Another Quenlar is at work in $(folder "$work/held") !" "$(messages)"
 at "$work/held" options Search 1 2>/dev/null 7>&- 8<&-
 expect "exit status of options" 1 $?
+echo "someone@firma.de" >"$work/page.txt"
+refused() { # COMMAND ...
+  at "$work/held" "$@" >"$work/out" 2>"$work/err" 7>&- 8<&-
+  expect "exit status of $1" 1 $?
+  expect "results of $1" "" "$(cat "$work/out")"
+  expect "message of $1" "Another Quenlar is at work in $(folder "$work/held") !" "$(messages)"
+  [ ! -e "$work/held/data/h0_example.sqlite" ] || fail "$1 has made a collection"
+}
+refused "${crawl[@]}"
+refused harvest --name h0_example "$(folder "$work/page.txt")"
 exec 7>&- 8<&-
 wait "$pid"
 expect "exit status of the first" 0 $?

@@ -136,6 +136,22 @@ TEST_F(SuppressCommandTest, EraseAndSuppressKeepsTheDigestAlone) {
   EXPECT_EQ(List(), "@firma.com\n" + DigestEntry("anna@firma.de") + "\n");
 }
 
+TEST_F(SuppressCommandTest, EntriesSurviveEveryDeletion) {
+  const std::string entries = "bert@firma.fr\n@firma.com\n" + DigestEntry("carl@firma.de") + "\n";
+  PutList(entries);
+  PutReport();
+  system.fake.files.Put("/user/quenlar/data/firma_de.dat",
+                        "Brenvy Quenlar Pro, http://www.quenlar.example\r\n"
+                        "[A]\r\n[B]\r\n[C]\r\n[D]\r\n[E]\r\n[M]\r\n[F]\r\n[G]\r\n[H]\r\n[I]\r\n[J]\r\n");
+  for (const char* const address : {"bert@firma.fr", "carl@firma.de", "dora@firma.com"}) {
+    EXPECT_EQ(system.Run({"erase", address, "--yes"}), kExitDone) << system.errors();
+    EXPECT_EQ(List(), entries);
+  }
+  EXPECT_EQ(system.Run({"delete", "firma.de", "--yes"}), kExitDone) << system.errors();
+  EXPECT_EQ(Report(), "(no file)");
+  EXPECT_EQ(List(), entries);
+}
+
 TEST_F(SuppressCommandTest, EraseTakesAddressesAlone) {
   for (const char* text : {"@firma.de", "firma.de", "anna", "a b@firma.de"}) {
     EXPECT_EQ(system.Run({"erase", text, "--yes"}), kExitUsage) << text;
