@@ -4,7 +4,8 @@
 
 namespace quenlar::sql {
 
-// PRAGMA user_version of a file with this schema. A change of the schema raises it and adds a step to kUpgrades.
+// PRAGMA user_version of a file with this schema. The first one. A change of the schema raises it, and
+// comes with a step that brings files of the version before up to date.
 inline constexpr int kSchemaVersion = 1;
 inline constexpr const char* kVersion = "PRAGMA user_version";
 inline constexpr const char* kCountTables = "SELECT count(*) FROM sqlite_master";

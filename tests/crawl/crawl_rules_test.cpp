@@ -91,6 +91,37 @@ TEST_F(CrawlRulesTest, WordsForRobotsHoldForWhomTheyName) {
               UnorderedElementsAre("https://www.firma.de/1a", "https://www.firma.de/2a", "https://www.firma.de/3a"));
 }
 
+TEST_F(CrawlRulesTest, ARobotsTxtThatIsNotGivenAllowsEverything) {
+  for (const int status : {400, 401, 403, 404, 410, 429, 451}) {
+    SCOPED_TRACE(status);
+    const std::string origin = "https://www.site" + std::to_string(status) + ".de";
+    Page(origin + "/robots.txt", {.status = status, .body = "User-agent: *\nDisallow: /\n"});
+    Page(origin + "/", "a" + std::to_string(status) + "@firma.de");
+    view_.addresses.clear();
+    Crawl({origin + "/"});
+    EXPECT_THAT(view_.addresses, ElementsAre("a" + std::to_string(status) + "@firma.de"));
+  }
+}
+
+TEST_F(CrawlRulesTest, AHostIsGivenUpForOneRunAlone) {
+  const auto serve = [this](int status) {
+    for (int i = 0; i < 8; ++i) {
+      const std::string number = std::to_string(i);
+      Page("https://www.firma.de/" + number, {.status = status, .body = "a" + number + "@firma.de"});
+    }
+  };
+  std::string links;
+  for (int i = 0; i < 8; ++i) links += "<a href=/" + std::to_string(i) + ">x</a>";
+  Page("https://www.firma.de/", links);
+  serve(500);
+  Crawl({"www.firma.de"});
+  EXPECT_EQ(left_, 3);
+  serve(200);
+  Crawl({"www.firma.de"});
+  EXPECT_EQ(left_, 0);
+  EXPECT_THAT(view_.addresses, ElementsAre("a5@firma.de", "a6@firma.de", "a7@firma.de"));
+}
+
 TEST_F(CrawlRulesTest, IgnoreTurnsTheWordsForRobotsOff) {
   Page("https://www.firma.de/", "<meta name=robots content=none>a@firma.de <a href=/1>1</a>");
   Page("https://www.firma.de/1", "b@firma.de");

@@ -94,6 +94,12 @@ TEST(PageReader, OtherElementsAndAttributesHaveNoLinks) {
             List{});
 }
 
+TEST(PageReader, WhatStandsForBrowsersWithoutScriptsIsMarkup) {
+  const std::string page = "<noscript><a href=1>a@firma.de</a> <a href=mailto:b@firma.de>b</a></noscript>";
+  EXPECT_EQ(Links(page), List{"a https://www.firma.de/a/1"});
+  EXPECT_EQ(Addresses(page), (List{"text a@firma.de", "mailto b@firma.de"}));
+}
+
 TEST(PageReader, AlternatesAreHtml) {
   EXPECT_EQ(Links("<link rel=alternate type='text/html; charset=utf-8' hreflang=en href=1>"
                   "<link rel=alternate type=TEXT/HTML href=2><link rel=alternate type=application/pdf href=3>"),

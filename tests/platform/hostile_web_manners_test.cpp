@@ -13,7 +13,9 @@ TEST_F(HostileWeb, ARequestSaysWhatItIsGivenAndNothingMore) {
   request.user_agent = "Quenlar/3.0 (+mailto:me@firma.example)";
   request.if_none_match = "\"tag\"";
   request.if_modified_since = "Sun, 06 Nov 1994 08:49:37 GMT";
-  Fetch("/redirect/to?/page");  // no later request is to speak of it
+  // No later request is to speak of them.
+  Fetch("/redirect/to?/page");
+  ExpectPage("/cookie", "page");
   const std::string head = Fetch(request).body;
   EXPECT_NE(head.find("GET /echo HTTP/1.1\r\n"), std::string::npos) << head;
   EXPECT_NE(head.find("User-Agent: Quenlar/3.0 (+mailto:me@firma.example)\r\n"), std::string::npos) << head;

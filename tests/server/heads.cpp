@@ -78,6 +78,7 @@ void AddHeads(Endpoints& endpoints) {
   endpoints["/header/folded"] = WithHeaders("X-Header: first\r\n and second\r\n\tand third\r\n");
   endpoints["/header/nul"] = WithHeaders(std::string("X-Header: a\0b\r\n", 15));
 
+  endpoints["/cookie"] = WithHeaders("Set-Cookie: visit=1; Path=/; Max-Age=3600\r\n");
   endpoints["/401"] = [](Connection& connection, const Request&) {
     return connection.SendPage("<p>who are you?</p>", "WWW-Authenticate: Basic realm=\"x\"\r\nWWW-Authenticate: NTLM",
                                "401 Unauthorized");
