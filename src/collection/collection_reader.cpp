@@ -28,21 +28,6 @@ std::optional<std::string_view> OrNull(const std::string& text) {
   return text.empty() ? std::optional<std::string_view>() : std::string_view(text);
 }
 
-// `row` may be stepped through by `each`'s caller alone. With `once`, of each address what stands first and is not
-// gone.
-Status GiveRows(Statement& row, bool once, const CollectionReader::Each& each) {
-  std::int64_t last = 0;
-  for (;;) {
-    const Result<bool> found = row.Step();
-    if (!found.ok()) return found.status();
-    if (!found.value()) return Status::Ok();
-    const Sighting sighting = ReadSighting(row);
-    if (once && (sighting.gone || row.Int(0) == last)) continue;
-    last = row.Int(0);
-    if (!each(sighting)) return Status::Ok();
-  }
-}
-
 Result<std::string> OneText(Database& database, const char* sql, std::string_view value) {
   Result<Statement> row = database.Prepare(sql);
   if (!row.ok()) return row.status();
@@ -89,12 +74,38 @@ Result<CollectionFigures> CollectionReader::Figures() {
   return figures;
 }
 
+// `room` holds the text where it is another one. A file's own name is no URL and is shown as it is.
+std::string_view CollectionReader::ShownUrl(std::string_view url, std::string& room) const {
+  const std::size_t slashes = url.find("://");
+  if (slashes == std::string_view::npos || !NamesLeftOut(url)) return url;
+  room = std::string(url.substr(0, url.find('/', slashes + 3))) + "/(erased)";
+  return room;
+}
+
+// `row` may be stepped through by `each`'s caller alone. With `once`, of each address what stands first and is not
+// gone.
+Status CollectionReader::GiveRows(Statement& row, bool once, const Each& each) {
+  std::int64_t last = 0;
+  std::string room;
+  for (;;) {
+    const Result<bool> found = row.Step();
+    if (!found.ok()) return found.status();
+    if (!found.value()) return Status::Ok();
+    Sighting sighting = ReadSighting(row);
+    if (once && (sighting.gone || row.Int(0) == last)) continue;
+    last = row.Int(0);
+    if (IsLeftOut(sighting.address)) continue;
+    if (NamesLeftOut(sighting.title)) sighting.title = {};
+    sighting.page = ShownUrl(sighting.page, room);
+    if (!each(sighting)) return Status::Ok();
+  }
+}
+
 Status CollectionReader::GiveSightings(const SightingChoice& choice, bool once, const Each& each) {
   Result<Statement> row = database_->Prepare(sql::kSightings);
   if (!row.ok()) return row.status();
   row.value().Bind(OrNull(choice.place), OrNull(choice.site), choice.since);
-  return GiveRows(row.value(), once,
-                  [&](const Sighting& sighting) { return IsLeftOut(sighting.address) || each(sighting); });
+  return GiveRows(row.value(), once, each);
 }
 
 Status CollectionReader::Addresses(const SightingChoice& choice, const Each& each) {
@@ -108,6 +119,7 @@ Status CollectionReader::Listed(const std::function<bool(const ListedAddress&)>&
   Result<Statement> prepared = database_->Prepare(sql::kListedAddresses);
   if (!prepared.ok()) return prepared.status();
   Statement& row = prepared.value();
+  std::string room;
   for (std::int64_t from = 0; from < last.value(); from += kAtOnce) {
     row.Reset();
     row.Bind(from, from + kAtOnce);
@@ -115,7 +127,9 @@ Status CollectionReader::Listed(const std::function<bool(const ListedAddress&)>&
       const Result<bool> found = row.Step();
       if (!found.ok()) return found.status();
       if (!found.value()) break;
-      if (!IsLeftOut(row.Text(0)) && !each({row.Text(0), row.Text(1), row.Text(2)})) return Status::Ok();
+      if (IsLeftOut(row.Text(0))) continue;
+      const std::string_view title = NamesLeftOut(row.Text(2)) ? std::string_view() : row.Text(2);
+      if (!each({row.Text(0), ShownUrl(row.Text(1), room), title})) return Status::Ok();
     }
   }
   return Status::Ok();

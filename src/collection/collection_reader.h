@@ -68,7 +68,8 @@ class CollectionReader {
   // where it is damaged.
   [[nodiscard]] static Result<std::unique_ptr<CollectionReader>> Open(const std::string& path);
 
-  // From now on addresses for which `keeps` is false are left out of Addresses, Listed and Sightings.
+  // From now on addresses for which `keeps` is false are left out of Addresses, Listed and Sightings, and what names
+  // one of them is shown as after an erasure: no title, and "(erased)" behind the host.
   void LeaveOut(AddressTest keeps) { keeps_ = std::move(keeps); }
 
   [[nodiscard]] Result<CollectionFigures> Figures();
@@ -94,6 +95,9 @@ class CollectionReader {
   explicit CollectionReader(std::unique_ptr<Database> database) : database_(std::move(database)) {}
   Status Check();
   [[nodiscard]] bool IsLeftOut(std::string_view address) const { return keeps_ && !keeps_(address); }
+  [[nodiscard]] bool NamesLeftOut(std::string_view text) const { return keeps_ && NextUnwanted(text, keeps_); }
+  [[nodiscard]] std::string_view ShownUrl(std::string_view url, std::string& room) const;
+  Status GiveRows(Statement& row, bool once, const Each& each);
   Status GiveSightings(const SightingChoice& choice, bool once, const Each& each);
 
   std::unique_ptr<Database> database_;

@@ -64,6 +64,26 @@ TEST_F(CollectionReaderTest, EverySightingIsARow) {
                           "bert@example.net https://example.net/"));
 }
 
+TEST_F(CollectionReaderTest, WhatIsLeftOutIsNamedByNoTitleAndNoPage) {
+  PageEnd end;
+  end.state = PageState::kRead;
+  end.title = "Page of bert@example.net";
+  End(Offer("https://www.example.org/people/bert@example.net"), end,
+      {{"carl@example.org", "carl@example.org", AddressPlace::kText}}, 400);
+  ASSERT_TRUE(collection_->Commit().ok());
+  reader_->LeaveOut([](std::string_view address) { return address != "bert@example.net"; });
+  std::vector<std::string> rows;
+  const Status listed = reader_->Listed([&](const ListedAddress& row) {
+    rows.push_back(std::string(row.address) + " " + std::string(row.page) + " " + std::string(row.title));
+    return true;
+  });
+  ASSERT_TRUE(listed.ok()) << listed.message();
+  EXPECT_THAT(rows, ElementsAre("Anna@example.org https://www.example.org/ Home",
+                                "carl@example.org https://www.example.org/(erased) "));
+  EXPECT_THAT(Rows(&CollectionReader::Addresses), ElementsAre("Anna@example.org https://www.example.org/",
+                                                              "carl@example.org https://www.example.org/(erased)"));
+}
+
 TEST_F(CollectionReaderTest, SightingsAreChosenByPlaceSiteAndTime) {
   SightingChoice choice;
   choice.place = "mailto";
