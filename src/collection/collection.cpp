@@ -133,7 +133,9 @@ Status Collection::Begin() {
     syncs_ = syncs;
   }
   if (syncs) synced_ = now;
-  if (syncs && database_->HasMoved()) return Gone();
+  if (syncs) {
+    if (const Status there = CheckFiles(); !there.ok()) return there;
+  }
   return database_->Execute("BEGIN IMMEDIATE");
 }
 
@@ -157,15 +159,19 @@ void Collection::Forget() {
 
 Status Collection::Commit() {
   if (const Status committed = CommitSoon(); !committed.ok()) return committed;
-  if (database_->HasMoved()) return Gone();
+  if (const Status there = CheckFiles(); !there.ok()) return there;
   return unsynced_ ? Sync() : Status::Ok();
 }
 
-// What is written from now on would be found by nobody. What is committed goes into the file, wherever that is now: the
-// log keeps the old name, and SQLite leaves it behind.
-Status Collection::Gone() {
+// Fails where the files are not where they were: what is written from now on would be found by nobody. What is
+// committed goes into the file, wherever that is now: the log keeps the old name, and SQLite leaves it behind.
+Status Collection::CheckFiles() {
+  const bool file_moved = database_->HasMoved();
+  if (!file_moved && !database_->LogHasMoved()) return Status::Ok();
   database_->Execute(sql::kEmptyLog).Ignore("the run ends by a failure anyhow");
-  return database_->Refusal(StatusKind::kFailed, "the file was deleted, moved or replaced during the run");
+  return database_->Refusal(StatusKind::kFailed,
+                            file_moved ? "the file was deleted, moved or replaced during the run"
+                                       : "the file beside it that ends in -wal was deleted or moved during the run");
 }
 
 // A checkpoint begins with giving the log to the disk. Readers do not hinder it.

@@ -316,7 +316,7 @@ class Collection {
   Status BringNearer(const KnownPage& page, PageId parent, int depth, int deepest, const EachHost& queued);
   Status QueueVisited();
   Status Sync();
-  [[nodiscard]] Status Gone();
+  [[nodiscard]] Status CheckFiles();
 
   std::unique_ptr<Database> database_;
   std::unique_ptr<Statements> statements_;

@@ -207,6 +207,16 @@ bool Database::HasMoved() const {
   return moved != 0;
 }
 
+bool Database::LogHasMoved() const {
+  int moved = 0;
+  if (sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) != SQLITE_OK) return false;
+  sqlite3_file* log = nullptr;
+  sqlite3_int64 size = 0;
+  sqlite3_file_control(connection_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  if (log == nullptr || log->pMethods == nullptr || log->pMethods->xFileSize(log, &size) != SQLITE_OK) return false;
+  return size > 0 && PresenceOf(PathOf(connection_) + "-wal") == Presence::kMissing;
+}
+
 Result<bool> Database::IsCutShort() {
   const Result<std::int64_t> page_size = Number("PRAGMA page_size");
   if (!page_size.ok()) return page_size.status();

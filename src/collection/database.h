@@ -102,6 +102,9 @@ class Database {
   // Whether the file has been deleted, moved or replaced since it was opened. Where the system does not allow that, it
   // is false.
   [[nodiscard]] bool HasMoved() const;
+  // The same of the log alone, the file that ends in -wal, as long as something stands in it. A log under whose name
+  // another file with bytes in it lies is not noticed.
+  [[nodiscard]] bool LogHasMoved() const;
   // Whether a part of the last page is missing, and no log has it. SQLite would take zeros for it.
   [[nodiscard]] Result<bool> IsCutShort();
   // A failure for what only the caller can judge. Its message is `why` behind the name of the file.
