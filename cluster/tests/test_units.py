@@ -9,12 +9,15 @@ from pathlib import Path
 
 import pytest
 
-from quenlar_cluster import files, program
+from quenlar_cluster import collect_task, files, program
 from quenlar_cluster.collect import _shares_for, read_starts, resolve_starts
+from quenlar_cluster.collect_task import CollectJob, collect_share
 from quenlar_cluster.command import main
-from quenlar_cluster.errors import ClusterError
+from quenlar_cluster.errors import ClusterError, TaskFailed
 from quenlar_cluster.folder import Folder
 from quenlar_cluster.frontier import Frontier, Link, links_of, share_of
+from quenlar_cluster.harvest_task import HarvestJob, harvest_input
+from quenlar_cluster.lease import Lease
 from running import PROGRAM, parent_of, wait_until
 
 
@@ -153,6 +156,40 @@ def test_files_that_are_being_written_are_no_parts(tmp_path: Path) -> None:
         (folder.parts / name).touch()
     _part(folder, 3, 4)
     assert folder.finished() == {4: [3]}
+
+
+def test_a_part_that_is_there_is_not_made_again(tmp_path: Path) -> None:
+    """A scheduler that loses a worker's answer has the task done once more."""
+    folder = Folder(tmp_path)
+    folder.make()
+    nobody = "/there/is/no/such/program"
+    harvest = HarvestJob(folder, nobody, (), "jsonl", tmp_path, 1, "a.warc", True)
+    share = CollectJob(folder, nobody, (), False, 1, 0)
+    for part in (harvest.part, share.part):
+        part.write_bytes(b"made\n")
+    assert harvest_input(harvest) == str(harvest.part)
+    assert collect_share(share) == str(share.part)
+    for part in (harvest.part, share.part):
+        assert part.read_bytes() == b"made\n"
+
+
+def test_a_worker_that_has_lost_its_lease_leaves_no_part(
+    tmp_path: Path, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    """Another one is at work on the share by then, and the part will be that one's."""
+    folder = Folder(tmp_path)
+    folder.make()
+    folder.seed.touch()
+
+    def collect(_job: CollectJob, _home: Path, _rows: object, lease: Lease) -> None:
+        monkeypatch.setattr(lease, "held", lambda: False)
+
+    monkeypatch.setattr(collect_task, "_collect", collect)
+    monkeypatch.setattr(collect_task, "_links", lambda *_: [])
+    job = CollectJob(folder, "quenlar", (), False, 1, 0)
+    with pytest.raises(TaskFailed, match="the lease was lost"):
+        collect_share(job)
+    assert not job.part.exists()
 
 
 def test_a_folder_belongs_to_one_run(tmp_path: Path) -> None:

@@ -1,5 +1,6 @@
 #include "collection/collection.h"
 
+#include <filesystem>
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -303,13 +304,19 @@ TEST_F(CollectionTest, ADamagedPageOfTheFileIsNoticed) {
   for (int i = 0; i < 2000; ++i) Offer("https://www.example.org/page-with-a-long-name-" + std::to_string(i));
   ASSERT_TRUE(collection_->Commit().ok());
   collection_.reset();
-  {
-    std::fstream file(path_, std::ios::binary | std::ios::in | std::ios::out);
-    file.seekp(3 * 4096);
-    file << std::string(8 * 4096, '\x5A');
+  constexpr std::size_t kPage = 4096, kPlaces = 8;
+  const std::string whole = ReadWhole(*files_, path_).take();
+  ASSERT_GT(whole.size(), 4 * kPlaces * kPage);
+  for (std::size_t i = 1; i < kPlaces; ++i) {
+    SCOPED_TRACE(i);
+    std::string damaged = whole;
+    damaged.replace(whole.size() / kPage * i / kPlaces * kPage, kPage, kPage, '\x5A');
+    ASSERT_TRUE(WriteWhole(*files_, path_, damaged).ok());
+    Reopen();
+    EXPECT_EQ(kept_aside_, path_ + ".bak");
+    collection_.reset();
+    std::filesystem::remove(path_ + ".bak");
   }
-  Reopen();
-  EXPECT_EQ(kept_aside_, path_ + ".bak");
 }
 
 TEST_F(CollectionTest, ACollectionOfANewerProgramIsLeftAlone) {

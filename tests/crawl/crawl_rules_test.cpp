@@ -48,6 +48,14 @@ TEST_F(CrawlRulesTest, AtMostEightMebibytesOfAPageAreRead) {
   EXPECT_EQ(client_.sent().back().request.body_limit, std::size_t{8} << 20);
 }
 
+// One byte more, which shows that the last line may have been cut.
+TEST_F(CrawlRulesTest, AtMostHalfAMebibyteOfARobotsTxtIsRead) {
+  Page("https://www.firma.de/", "a@firma.de");
+  Crawl({"www.firma.de"});
+  ASSERT_EQ(client_.sent().front().request.url, "https://www.firma.de/robots.txt");
+  EXPECT_EQ(client_.sent().front().request.body_limit, (std::size_t{512} << 10) + 1);
+}
+
 TEST_F(CrawlRulesTest, EveryHopOfARedirectObeysRobotsAndKeepsThePause) {
   Robots("https://www.firma.de", "User-agent: *\nDisallow: /closed\n");
   Page("https://www.firma.de/", "<a href=/1>1</a><a href=/2>2</a>");

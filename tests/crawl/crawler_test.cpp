@@ -434,12 +434,13 @@ TEST_F(CrawlTest, AnotherErrorEndsTheRowOfFailures) {
 }
 
 TEST_F(CrawlTest, ASameBodyIsListedButItsLinksAreNotFollowed) {
-  Page("https://www.firma.de/", "<a href=/a>a</a><a href=/b>b</a>");
+  Page("https://www.firma.de/", "<a href=/a>a</a><a href=/d/b>b</a>");
   Page("https://www.firma.de/a", "x@firma.de <a href=c>c</a>");
-  Page("https://www.firma.de/b", "x@firma.de <a href=c>c</a>");
+  Page("https://www.firma.de/d/b", "x@firma.de <a href=c>c</a>");
   Page("https://www.firma.de/c", "x@firma.de <a href=c/c>c</a>");
   Crawl({"www.firma.de"});
   EXPECT_THAT(Query("SELECT count(*) FROM sightings"), ElementsAre("3"));
+  EXPECT_THAT(Visited(), Not(Contains("https://www.firma.de/d/c")));
 }
 
 TEST_F(CrawlTest, APathThatRepeatsItselfIsATrap) {
@@ -543,6 +544,16 @@ TEST_F(CrawlTest, APublicPageNeverLeadsToAPrivatePlace) {
     const bool start = exchange.request.url.starts_with("https://www.firma.de/robots") ||
                        exchange.request.url == "https://www.firma.de/";
     EXPECT_EQ(exchange.request.private_addresses, start) << exchange.request.url;
+  }
+}
+
+TEST_F(CrawlTest, ARedirectOfAPublicStartNeverLeadsToAPrivatePlace) {
+  Page("https://www.firma.de/", WebRedirect("http://127.0.0.1/admin"));
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(Visited(), Contains("http://127.0.0.1/admin"));
+  for (const auto& exchange : client_.sent()) {
+    EXPECT_EQ(exchange.request.private_addresses, exchange.request.url.starts_with("https://www.firma.de/"))
+        << exchange.request.url;
   }
 }
 

@@ -86,6 +86,23 @@ TEST_F(CollectingWindow, StopKeepsWhatIsLeftAndTheNextProgramGoesOn) {
   EXPECT_THAT(Visited(), Contains("https://www.cars.example/").Times(1));
 }
 
+TEST_F(CollectingWindow, AHandWrittenSuppressionListHoldsForTheListAndFromTheNextRunOnForTheFile) {
+  Start();
+  Collect("www.cars.example");
+  Put("suppressed.txt", "Second@cars.de\n");
+  const auto stored = [this] {
+    return CollectionReader::Open(home_ + "/" + kDatabase).take()->Figures().take().addresses;
+  };
+  MakeProgram();
+  Start();
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "third@cars.de"));
+  EXPECT_EQ(stored(), 3);
+  Main().cmdExtract.Click();
+  FinishRun();
+  EXPECT_THAT(Rows(1), ElementsAre("first@cars.de", "third@cars.de"));
+  EXPECT_EQ(stored(), 2);
+}
+
 TEST_F(CollectingWindow, ClosedAndReopenedInARunItShowsTheRun) {
   web_client.Serve("https://www.cars.example/two",
                    ScriptedWebAnswer{.body = "late", .ip = kPublicPlace, .delay = std::chrono::seconds(20)});
