@@ -122,6 +122,11 @@ Result<CollectResult> RunIn(Invocation& invocation, const CollectArguments& argu
 }  // namespace
 
 int Collect(Invocation& invocation, const CollectArguments& arguments) {
+  if (arguments.options.starts.empty() && arguments.from.empty() && arguments.links.empty()) {
+    invocation.Say("quenlar: START, --from or --links is required");
+    invocation.Say("Try: quenlar collect --help");
+    return kExitUsage;
+  }
   Result<CollectResult> run = RunIn(invocation, arguments);
   CollectResult result;
   if (run.ok()) {

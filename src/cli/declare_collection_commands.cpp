@@ -1,4 +1,6 @@
 // The commands of collections as the command line knows them: names, options and help.
+#include <cstdint>
+#include <functional>
 #include <limits>
 
 #include "cli/commands.h"
@@ -16,13 +18,11 @@ std::vector<std::string> LanguageCodes() {
   return codes;
 }
 
-// A check of a number whose bounds do not stand behind the type in the help.
-template <typename Number>
-CLI::Validator Between(Number lowest, Number highest) {
-  return CLI::Validator(CLI::Range(lowest, highest)).description("");
+std::function<std::string(const std::string&)> Between(std::uint64_t lowest, std::uint64_t highest) {
+  return [=](const std::string& given) { return CheckNumber(given, lowest, highest); };
 }
 
-CLI::Validator AtLeastOne() { return Between(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()); }
+auto AtLeastOne() { return Between(1, std::numeric_limits<std::uint64_t>::max()); }
 
 void DeclareBudgets(CLI::App& command, CrawlOptions& crawl) {
   command.add_option("--pages", crawl.pages, "End the run after so many pages")->type_name("N")->check(AtLeastOne());
@@ -39,16 +39,16 @@ void DeclareBudgets(CLI::App& command, CrawlOptions& crawl) {
 
 void DeclareManners(CLI::App& command, CollectArguments& arguments) {
   CrawlOptions& crawl = arguments.options.crawl;
-  constexpr std::size_t kMostHosts = 100'000;
-  constexpr double kLongestDelay = 3600;
+  constexpr std::uint64_t kMostHosts = 100'000;
+  constexpr int kLongestDelay = 3600;
   command.add_option("--hosts", crawl.hosts, "Hosts that are visited at the same time (64)")
       ->type_name("N")
-      ->check(Between(std::size_t{1}, kMostHosts));
+      ->check(Between(1, kMostHosts));
   command
       .add_option("--delay", arguments.delay,
                   "Pause between two pages of a host in seconds (1); fractions are allowed, 0 is for your own server")
       ->type_name("SECONDS")
-      ->check(Between(0.0, kLongestDelay));
+      ->check([](const std::string& given) { return CheckSeconds(given, kLongestDelay); });
   DeclareChoice(command, "--robots", arguments.robots, {"obey", "ignore"},
                 "Whether the wishes of robots.txt and of pages are obeyed (obey)");
   command.add_option("--contact", crawl.contact, "A web or mail address of yours, sent to the sites; kept once given")
@@ -125,7 +125,7 @@ Examples:
 }
 
 void DeclareHarvest(CLI::App& root, Command& chosen) {
-  constexpr std::size_t kMostJobs = 256;
+  constexpr std::uint64_t kMostJobs = 256;
   const auto arguments = std::make_shared<HarvestArguments>();
   HarvestOptions& options = arguments->options;
   CLI::App* command = root.add_subcommand("harvest", "List the addresses in web archives, files and folders");
@@ -143,7 +143,7 @@ void DeclareHarvest(CLI::App& root, Command& chosen) {
       ->check(CheckNotEmpty);
   command->add_option("--jobs", options.jobs, "Processor cores to use (all)")
       ->type_name("N")
-      ->check(Between(std::size_t{1}, kMostJobs));
+      ->check(Between(1, kMostJobs));
   command->add_flag("--decode-protected", options.decode_protected,
                     "Also list addresses that their owners chose to hide from programs");
   DeclareChoice(*command, "--robots", arguments->robots, {"obey", "ignore"},

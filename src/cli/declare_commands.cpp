@@ -55,7 +55,9 @@ void DeclareOverride(CLI::App& command, const SettingRow& row, std::vector<Setti
     const auto take = [&](std::int32_t number) { overrides.push_back({&row, std::to_string(number)}); };
     command.add_option_function<std::int32_t>(name, take, help)
         ->type_name("N")
-        ->check([&row](const std::string& given) { return CheckNumber(given, row.lowest, row.highest); });
+        ->check([&row](const std::string& given) {
+          return CheckNumber(given, static_cast<std::uint64_t>(row.lowest), static_cast<std::uint64_t>(row.highest));
+        });
     return;
   }
   const auto take = [&](const std::string& given) {

@@ -1,7 +1,9 @@
 #include "cli/option_checks.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
+#include <system_error>
 
 #include "base/ascii.h"
 #include "base/number.h"
@@ -53,11 +55,21 @@ std::string CheckOneLine(const std::string& value) {
   return value.find_first_of("\r\n") == std::string::npos ? "" : "must be one line";
 }
 
-std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int32_t highest) {
-  const double number = LeadingNumber(value);
-  const bool digits = value.find_first_not_of("0123456789") == std::string::npos;
-  if (digits && number >= lowest && number <= highest) return "";
+std::string CheckNumber(const std::string& value, std::uint64_t lowest, std::uint64_t highest) {
+  std::uint64_t number = 0;
+  const char* const text_end = value.data() + value.size();
+  const auto [end, error] = std::from_chars(value.data(), text_end, number);
+  if (error == std::errc() && end == text_end && number >= lowest && number <= highest) return "";
   return "must be a number from " + std::to_string(lowest) + " to " + std::to_string(highest);
+}
+
+std::string CheckSeconds(const std::string& value, int highest) {
+  double number = 0;
+  const char* const text_end = value.data() + value.size();
+  const auto [end, error] = std::from_chars(value.data(), text_end, number);
+  // Nothing compares to "nan", so both bounds refuse it.
+  if (error == std::errc() && end == text_end && number >= 0 && number <= highest) return "";
+  return "must be a number from 0 to " + std::to_string(highest);
 }
 
 std::string CheckPositive(const std::string& value) {

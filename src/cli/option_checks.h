@@ -24,7 +24,9 @@ namespace quenlar {
 [[nodiscard]] std::string CheckOneLine(const std::string& value);
 
 // Digits alone, and a number within the bounds.
-[[nodiscard]] std::string CheckNumber(const std::string& value, std::int32_t lowest, std::int32_t highest);
+[[nodiscard]] std::string CheckNumber(const std::string& value, std::uint64_t lowest, std::uint64_t highest);
+// A number of seconds from 0 to `highest`, with or without a fraction.
+[[nodiscard]] std::string CheckSeconds(const std::string& value, int highest);
 
 // Returns filter words as the options dialog tidies its boxes: trimmed, without empty and repeated ones. An empty word
 // would match every address.

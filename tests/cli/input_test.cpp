@@ -181,5 +181,21 @@ TEST(OptionChecks, TakeAnHttpUrlForTheProxy) {
   EXPECT_NE(CheckProxyUrl("127.0.0.1:8080"), "");
 }
 
+TEST(CheckNumber, TakesDigitsWithinTheBounds) {
+  EXPECT_EQ(CheckNumber("1", 1, UINT64_MAX), "");
+  EXPECT_EQ(CheckNumber("18446744073709551615", 1, UINT64_MAX), "");
+  EXPECT_EQ(CheckNumber("0", 0, 5), "");
+  for (const char* const wrong : {"", "0", "6", "-1", "+1", " 1", "1 ", "1.0", "0x1", "18446744073709551617"}) {
+    EXPECT_EQ(CheckNumber(wrong, 1, 5), "must be a number from 1 to 5") << wrong;
+  }
+}
+
+TEST(CheckSeconds, TakesFractionsWithinTheBounds) {
+  for (const char* const right : {"0", "0.25", ".5", "1", "3600", "1e-3"}) EXPECT_EQ(CheckSeconds(right, 3600), "");
+  for (const char* const wrong : {"", "nan", "-nan", "inf", "-1", "3600.1", "1e400", "1s", "x"}) {
+    EXPECT_EQ(CheckSeconds(wrong, 3600), "must be a number from 0 to 3600") << wrong;
+  }
+}
+
 }  // namespace
 }  // namespace quenlar
