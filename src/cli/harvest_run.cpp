@@ -75,6 +75,9 @@ class HarvestRun final : public HarvestView {
   // cannot be put into the collection.
   [[nodiscard]] bool Flush(bool now);
   void SaveRun();
+  // Whether it has ended before all of its inputs, and not because somebody stopped it.
+  [[nodiscard]] bool IsCutOff() const { return nobody_reads_ || (store_ && !store_->failure().ok()); }
+  [[nodiscard]] const char* Reason() const { return stopped_ ? "stopped" : IsCutOff() ? "failed" : "finished"; }
   [[nodiscard]] HarvestResult Outcome() const;
   void Tell(const std::string& text);
   // Tells a failure.
@@ -132,7 +135,9 @@ Status HarvestRun::OpenStore() {
   if (!opened.value().kept_aside.empty()) {
     Tell("The collection was damaged. It lies in " + opened.value().kept_aside + " now, and a new one begins.");
   }
-  store_ = std::make_unique<HarvestStore>(std::move(opened.value().collection), platform_.idna);
+  store_ = std::make_unique<HarvestStore>(std::move(opened.value().collection), platform_.idna,
+                                          std::string(options_.decode_protected ? "protected " : "") +
+                                              (options_.obey_robots ? "obey " : "ignore ") + filter_.Text());
   return store_->BeginRun(now_);
 }
 
@@ -148,19 +153,20 @@ HarvestResult HarvestRun::Run() {
   Harvest(platform_.files, standard_input, settings, *this).Run(walk);
   SaveRun();
   (void)Flush(true);
+  if (nobody_reads_ && store_) {  // that may have shown at the last rows, behind the commit
+    SaveRun();
+    (void)store_->Commit(true);
+  }
   ClearProgress();
   if (!nobody_reads_) TellEnd();
   return Outcome();
 }
 
 HarvestResult HarvestRun::Outcome() const {
-  const bool cut_off = nobody_reads_ || (store_ && !store_->failure().ok());
   return {stopped_  ? kExitStopped
           : failed_ ? kExitFailed
                     : kExitDone,
-          stopped_  ? "stopped"
-          : cut_off ? "failed"
-                    : "finished",
+          Reason(),
           addresses_,
           pages_,
           filtered_,
@@ -263,7 +269,7 @@ void HarvestRun::SaveRun() {
   RunRecord run;
   run.started = now_;
   run.ended = platform_.clock.UtcSeconds();
-  run.reason = stopped_ ? "stopped" : "finished";
+  run.reason = Reason();
   run.pages = pages_;
   run.fresh = new_;
   run.filtered = filtered_;

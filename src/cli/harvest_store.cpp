@@ -14,10 +14,10 @@ namespace {
 // By the digest of the path: an address in the name of a file would stay in the collection after it was erased.
 std::string FactOf(const HarvestInput& input) { return "harvest " + Sha256Hex(input.path); }
 
-// The numbers of a fact: size and time of the file, offset, place in the text, damage, 1 for an end. The time is
-// written as seconds and nanoseconds with a dot between them. Earlier versions wrote the seconds alone; such an input
-// counts as changed, and is read once more.
-constexpr std::size_t kNumbers = 6;
+// The parts of a fact: size and time of the file, digest of the reading, offset, place in the text, damage, 1 for an
+// end. The time is written as seconds and nanoseconds with a dot between them. Earlier versions wrote the seconds
+// alone, and no reading; such an input is read once more.
+constexpr std::size_t kParts = 7;
 
 std::uint64_t NumberOf(std::string_view text) {
   std::uint64_t number = 0;
@@ -26,6 +26,9 @@ std::uint64_t NumberOf(std::string_view text) {
 }
 
 }  // namespace
+
+HarvestStore::HarvestStore(std::unique_ptr<Collection> collection, const Idna& idna, std::string_view reading)
+    : collection_(std::move(collection)), idna_(idna), reading_(Sha256Hex(reading)) {}
 
 bool HarvestStore::Failed(const Status& status) {
   if (failure_.ok()) failure_ = status;
@@ -36,14 +39,14 @@ std::optional<HarvestPlace> HarvestStore::PlaceOf(const HarvestInput& input, con
   if (file == nullptr || !failure_.ok()) return HarvestPlace{};
   Progress progress;
   progress.file = std::to_string(file->size().value_or(0)) + " " + std::to_string(file->modified()) + "." +
-                  std::to_string(file->modified_nanoseconds());
+                  std::to_string(file->modified_nanoseconds()) + " " + reading_;
   const Result<std::string> fact = collection_->Fact(FactOf(input));
   if (!fact.ok() && Failed(fact.status())) return HarvestPlace{};
-  const std::vector<std::string_view> numbers = Split(fact.value(), " ");
-  if (numbers.size() == kNumbers && fact.value().starts_with(progress.file + " ")) {
-    progress.place = {NumberOf(numbers[2]), NumberOf(numbers[3])};
-    progress.damaged = progress.damaged_before = static_cast<std::size_t>(NumberOf(numbers[4]));
-    if (numbers[5] == "1") {
+  const std::vector<std::string_view> parts = Split(fact.value(), " ");
+  if (parts.size() == kParts && fact.value().starts_with(progress.file + " ")) {
+    progress.place = {NumberOf(parts[3]), NumberOf(parts[4])};
+    progress.damaged = progress.damaged_before = static_cast<std::size_t>(NumberOf(parts[5]));
+    if (parts[6] == "1") {
       ++finished_before_;
       under_way_.insert_or_assign(input.path, std::move(progress));
       return std::nullopt;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "archive/harvest.h"
@@ -23,12 +24,13 @@ enum class InputEnd {
   kNotRead,  // a later run begins anew
 };
 
-// An input is known by its path, its size and the time of its last change. How far it has been read is written in the
-// same transaction as what was read. After a failure nothing more is put in.
+// An input is known by its path, its size, the time of its last change, and what it was read for. How far it has been
+// read is written in the same transaction as what was read. After a failure nothing more is put in.
 class HarvestStore {
  public:
-  HarvestStore(std::unique_ptr<Collection> collection, const Idna& idna)
-      : collection_(std::move(collection)), idna_(idna) {}
+  // `reading` is what decides which addresses of an input are listed: another text where it may decide otherwise. Its
+  // digest is stored, since filters may name addresses.
+  HarvestStore(std::unique_ptr<Collection> collection, const Idna& idna, std::string_view reading);
 
   // Where the reading of an input goes on; empty when it has been read to its end. NoteEnd is to be called then too.
   [[nodiscard]] std::optional<HarvestPlace> PlaceOf(const HarvestInput& input, const ReadableFile* file);
@@ -59,6 +61,7 @@ class HarvestStore {
 
   const std::unique_ptr<Collection> collection_;
   const Idna& idna_;
+  const std::string reading_;                  // its digest
   std::map<std::string, Progress> under_way_;  // by path
   std::size_t finished_before_ = 0;
   std::chrono::steady_clock::time_point committed_ = std::chrono::steady_clock::now();

@@ -23,6 +23,25 @@ class HarvestCollectionTest : public testing::Test {
     return system.Run(std::move(arguments));
   }
 
+  // What a harvest of a page that asks not to be indexed prints.
+  std::string Found(std::vector<std::string> more) {
+    if (!system.fake.files.Contents(page)) {
+      system.fake.files.Put(page, "<meta name=robots content=noindex>anna@x.de bert@x.de <p>carl [at] x [dot] de");
+    }
+    EXPECT_EQ(Harvest(std::move(more)), kExitDone) << system.errors();
+    return system.output();
+  }
+  static void Change(const char* sql) {
+    const auto database = Database::Open(kCollection, Database::Mode::kWrite);
+    ASSERT_TRUE(database.ok()) << database.status().message();
+    ASSERT_TRUE(database.value()->Execute(sql).ok());
+  }
+  static std::int64_t Number(const char* sql) {
+    const auto database = Database::Open(kCollection, Database::Mode::kRead);
+    return database.ok() ? database.value()->Number(sql).value() : -1;
+  }
+
+  static constexpr const char* kCollection = "/user/quenlar/data/all.sqlite";
   const std::string page = AbsolutePath("/page.html");
   CommandSystem system;
   InMemoryDatabases databases{system.fake.files};
@@ -46,13 +65,7 @@ TEST_F(HarvestCollectionTest, AnInputThatChangesWithinASecondIsReadAgain) {
 TEST_F(HarvestCollectionTest, AnInputThatWasNotedBySecondsIsReadOnceMore) {
   PutPage('a');
   EXPECT_EQ(Harvest(), kExitDone);
-  {
-    const auto database = Database::Open("/user/quenlar/data/all.sqlite", Database::Mode::kWrite);
-    ASSERT_TRUE(database.ok()) << database.status().message();
-    ASSERT_TRUE(database.value()
-                    ->Execute("UPDATE facts SET value = replace(value, '.0 ', ' ') WHERE name LIKE 'harvest %'")
-                    .ok());
-  }
+  Change("UPDATE facts SET value = replace(value, '.0 ', ' ') WHERE name LIKE 'harvest %'");
   EXPECT_EQ(Harvest({"--format", "csv"}), kExitDone);
   EXPECT_EQ(system.output(), "\"a@x.de\",\"/page.html\",\"\",\"text\"\n");
   EXPECT_EQ(Harvest({"--format", "csv"}), kExitDone);
@@ -76,6 +89,45 @@ TEST_F(HarvestCollectionTest, ASecondProgramInTheFolderIsRefusedBeforeAnythingIs
   }
   EXPECT_EQ(Harvest(), kExitDone);
   EXPECT_EQ(system.output(), "a@x.de\n");
+}
+
+TEST_F(HarvestCollectionTest, AnInputIsReadAgainWhereOtherAddressesAreAskedFor) {
+  const std::vector<std::string> one_word = {"--robots", "ignore", "--extract", "anna"};
+  const std::vector<std::string> protected_too = {"--robots", "ignore", "--decode-protected"};
+  EXPECT_EQ(Found({}), "");
+  EXPECT_EQ(Found(one_word), "anna@x.de\n");
+  EXPECT_EQ(Found(one_word), "");
+  EXPECT_THAT(system.errors(), HasSubstr("This harvest is finished"));
+  EXPECT_EQ(Found({"--robots", "ignore", "--remove", "anna"}), "bert@x.de\n");
+  EXPECT_EQ(Found({"--robots", "ignore"}), "");
+  EXPECT_EQ(system.errors(), "0 addresses on 1 of 1 page.\n");
+  EXPECT_EQ(Found(protected_too), "carl@x.de\n");
+  EXPECT_EQ(Found(protected_too), "");
+  EXPECT_THAT(system.errors(), HasSubstr("This harvest is finished"));
+}
+
+TEST_F(HarvestCollectionTest, AnInputIsReadAgainWhereTheStoredFilterIsAnotherOne) {
+  ASSERT_EQ(system.Run({"filter", "--remove", "bert"}), kExitDone);
+  ASSERT_EQ(system.Run({"options", "RemoveFilter", "1"}), kExitDone);
+  EXPECT_EQ(Found({"--robots", "ignore"}), "anna@x.de\n");
+  ASSERT_EQ(system.Run({"options", "RemoveFilter", "0"}), kExitDone);
+  EXPECT_EQ(Found({"--robots", "ignore"}), "bert@x.de\n");
+}
+
+TEST_F(HarvestCollectionTest, OfTheFiltersADigestIsStoredAlone) {
+  Found({"--robots", "ignore", "--extract", "anna@x.de"});
+  EXPECT_EQ(Number("SELECT count(*) FROM facts WHERE name LIKE 'harvest %'"), 1);
+  EXPECT_EQ(Number("SELECT count(*) FROM facts WHERE name || value LIKE '%anna%'"), 0);
+}
+
+TEST_F(HarvestCollectionTest, ARunWhoseReaderGoesAwayIsNotCalledFinished) {
+  system.streams.readers_patience = 0;
+  Found({"--robots", "ignore", "--summary", "/s"});
+  EXPECT_THAT(system.fake.files.Contents(AbsolutePath("/s")).value_or(""), HasSubstr(R"("reason":"failed")"));
+  EXPECT_EQ(Number("SELECT count(*) FROM runs WHERE reason = 'failed' AND ended > 0"), 1);
+  system.streams = FakeConsole();
+  Found({"--robots", "ignore"});
+  EXPECT_EQ(Number("SELECT count(*) FROM runs WHERE reason = 'finished' AND ended > 0"), 1);
 }
 
 }  // namespace
