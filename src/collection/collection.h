@@ -223,6 +223,8 @@ class Collection {
   Status SaveHostState(HostId host, std::string_view state, std::string_view reason);
   // The host's robots.txt was asked for at `now`: the answer's status (0: none), and its body where it has rules.
   Status SaveRobots(HostId host, std::int64_t now, int status, std::string_view rules);
+  // What was saved of its robots.txt is not known any more.
+  Status ForgetRobots(HostId host);
   // The host asked not to be asked before `until`.
   Status SaveWait(HostId host, std::int64_t until);
   // Calls `each` for every host that is not to be asked before a time after `now`.

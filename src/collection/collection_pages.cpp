@@ -103,6 +103,11 @@ Status Collection::SaveRobots(HostId host, std::int64_t now, int status, std::st
   return statements_->save_robots.Bind(rules, status, now, host).Run();
 }
 
+Status Collection::ForgetRobots(HostId host) {
+  if (const Status begun = Begin(); !begun.ok()) return begun;
+  return statements_->forget_robots.Bind(host).Run();
+}
+
 Status Collection::SaveWait(HostId host, std::int64_t until) {
   if (const Status begun = Begin(); !begun.ok()) return begun;
   return statements_->save_wait.Bind(host, until).Run();

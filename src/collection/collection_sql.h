@@ -145,6 +145,8 @@ inline constexpr const char* kHost =
 inline constexpr const char* kSaveHostState = "UPDATE hosts SET state = ?, reason = ? WHERE id = ?";
 inline constexpr const char* kSaveRobots =
     "UPDATE hosts SET robots = ?, robots_status = ?, robots_time = ? WHERE id = ?";
+inline constexpr const char* kForgetRobots =
+    "UPDATE hosts SET robots = NULL, robots_status = NULL, robots_time = NULL WHERE id = ?";
 inline constexpr const char* kSaveWait = "INSERT OR REPLACE INTO waits (host, until) VALUES (?, ?)";
 inline constexpr const char* kWaits = "SELECT host, until FROM waits";
 inline constexpr const char* kHostHasRead = "UPDATE hosts SET read = read + 1 WHERE id = ?";
@@ -288,8 +290,6 @@ inline constexpr const char* kHostReasonsWithSigns =
 inline constexpr const char* kEraseHostReason = "UPDATE hosts SET reason = NULL WHERE id = ?";
 inline constexpr const char* kRobotsWithSigns =
     "SELECT id, robots FROM hosts WHERE instr(robots, '@') OR instr(robots, '%40')";
-inline constexpr const char* kEraseRobots =
-    "UPDATE hosts SET robots = NULL, robots_status = NULL, robots_time = NULL WHERE id = ?";
 inline constexpr const char* kStartsWithSigns =
     "SELECT id, text FROM starts WHERE instr(text, '@') OR instr(text, '%40')";
 inline constexpr const char* kEraseStart = "UPDATE starts SET text = 'erased ' || id WHERE id = ?";

@@ -53,7 +53,7 @@ Status ClearTexts(Database& database, const AddressTest& keeps, ErasedFromCollec
               {sql::kRulesWithSigns, sql::kEraseRule},
               {sql::kReasonsWithSigns, sql::kEraseReason},
               {sql::kHostReasonsWithSigns, sql::kEraseHostReason},
-              {sql::kRobotsWithSigns, sql::kEraseRobots},
+              {sql::kRobotsWithSigns, sql::kForgetRobots},
               {sql::kStartsWithSigns, sql::kEraseStart}};
   for (const auto& [texts, clear] : kAll) {
     std::vector<std::int64_t> ids;

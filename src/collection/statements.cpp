@@ -24,6 +24,7 @@ Status Collection::Statements::Prepare(Database& database) {
       {hosts_of_site, sql::kHostsOfSite},
       {save_host_state, sql::kSaveHostState},
       {save_robots, sql::kSaveRobots},
+      {forget_robots, sql::kForgetRobots},
       {save_wait, sql::kSaveWait},
       {waits, sql::kWaits},
       {host_has_read, sql::kHostHasRead},

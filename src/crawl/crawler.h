@@ -19,6 +19,7 @@
 #include "crawl/host_visit.h"
 #include "crawl/link_rules.h"
 #include "page/page_reader.h"
+#include "page/unwanted_addresses.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/idna.h"
@@ -96,6 +97,11 @@ class Crawler final : private WebListener {
     AddressPlace place;
     std::int64_t seen = 0;
   };
+  // The rules of a robots.txt that names a suppressed address: they are known to this run alone.
+  struct UnstoredRules {
+    std::string rules;
+    std::int64_t time = 0;  // when they were fetched
+  };
   // Keywords that the search service is still asked for; the first one is under way.
   struct Search {
     std::deque<StartRow> keywords;
@@ -169,7 +175,8 @@ class Crawler final : private WebListener {
   std::optional<WaitingPage> NextPage(HostVisit& visit);
   void Ask(HostVisit& visit);
   void UseStoredRobots(HostVisit& visit);
-  void SetRules(HostVisit& visit, std::string_view rules);
+  void SetRules(HostVisit& visit);
+  [[nodiscard]] Status StoreRobots(const HostRow& host);
   void AskForRobots(HostVisit& visit);
   void FollowRobots(HostVisit& visit, const WebAnswer& answer, const Url& from, const Url& to);
   void OnRobotsAnswer(HostVisit& visit, const WebAnswer& answer);
@@ -202,6 +209,7 @@ class Crawler final : private WebListener {
   [[nodiscard]] std::vector<SeenAddress> KeptAddresses(const ReadResult& page, PageEnd& end);
   // Titles and links that name a suppressed address are not stored.
   [[nodiscard]] bool NamesSuppressed(std::string_view text);
+  [[nodiscard]] AddressTest NotSuppressed();
   void OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place);
   void EndPage(HostVisit& visit, const PageEnd& end, const std::vector<SeenAddress>& addresses = {});
 
@@ -213,6 +221,7 @@ class Crawler final : private WebListener {
   ScopeRule scope_;
   Visits visits_;
   std::unordered_map<HostId, HostMemory> memories_;
+  std::unordered_map<HostId, UnstoredRules> unstored_rules_;
   std::vector<HostId> held_;  // active hosts that wait because requests under way may use up the budget of pages
   Search search_;
   std::unordered_map<StartId, StartPlace> places_;

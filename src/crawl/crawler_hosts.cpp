@@ -6,7 +6,6 @@
 
 #include "base/number.h"
 #include "crawl/crawler.h"
-#include "page/unwanted_addresses.h"
 
 namespace quenlar {
 namespace {
@@ -72,12 +71,16 @@ bool Crawler::RobotsAreOld(const HostRow& host) const {
 // robots.txt is kept in the collection, over runs.
 void Crawler::UseStoredRobots(HostVisit& visit) {
   visit.rules_known = !options_.obey_robots;
-  if (!visit.rules_known && !RobotsAreOld(visit.row)) SetRules(visit, visit.row.robots);
+  if (const auto kept = unstored_rules_.find(visit.row.id); kept != unstored_rules_.end()) {
+    visit.row.robots = kept->second.rules;
+    visit.row.robots_time = kept->second.time;
+  }
+  if (!visit.rules_known && !RobotsAreOld(visit.row)) SetRules(visit);
 }
 
-void Crawler::SetRules(HostVisit& visit, std::string_view rules) {
+void Crawler::SetRules(HostVisit& visit) {
   visit.rules_known = true;
-  visit.rules = RobotsRules(rules, kCrawlAgent);
+  visit.rules = RobotsRules(visit.row.robots, kCrawlAgent);
   visit.memory.pace.SetCrawlDelay(Seconds(visit.rules.delay().value_or(0)));
 }
 
@@ -137,7 +140,7 @@ bool Crawler::JudgePage(HostVisit& visit) {
     if (verdict.allowed) return true;
     end.reason = kRefusedRobots;
     end.line = static_cast<int>(verdict.line.value_or(0));
-    end.rule = RobotsLine(visit.row.robots, end.line);
+    end.rule = WithoutUnwanted(RobotsLine(visit.row.robots, end.line), NotSuppressed());
     ++figures_.refused;
     TellOfRefusedStart(visit, end);
   } else {
@@ -204,7 +207,8 @@ void Crawler::OnRobotsAnswer(HostVisit& visit, const WebAnswer& answer) {
   if (answer.failure == WebFailure::kPrivateAddress) return UseRobots(visit, answer, "");
   if (answer.failure != WebFailure::kNone && visit.robots_hops == 0) return OnSilence(visit, answer);
   if (answer.failure != WebFailure::kNone) {
-    return OnNoRobots(visit, answer, "its robots.txt leads to " + asked.href() + ": " + answer.message);
+    const std::string place = NamesSuppressed(asked.href()) ? "another place" : asked.href();
+    return OnNoRobots(visit, answer, "its robots.txt leads to " + place + ": " + answer.message);
   }
   if (IsRedirect(status)) {
     const std::string* const location = answer.head.Find("Location");
@@ -230,18 +234,17 @@ void Crawler::FollowRobots(HostVisit& visit, const WebAnswer& answer, const Url&
 void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_view rules) {
   HostMemory& memory = visit.memory;
   const bool redirected = visit.robots_host != visit.row.id;
-  const auto keeps = [this](std::string_view address) { return world_.suppression.Keeps(address); };
-  const std::string stored = RulesWithoutUnwanted(rules, keeps);
-  const bool other_rules = visit.row.robots != stored;
+  const bool other_rules = visit.row.robots != rules;
   visit.robots_url.reset();
-  visit.row.robots = stored;
+  visit.row.robots = rules;
+  visit.row.robots_status = answer.head.status;
   visit.row.robots_time = world_.clock.UtcSeconds();
-  SetRules(visit, rules);
+  SetRules(visit);
   memory.refusals = 0;
   SetReason(visit, "");
   NoteProgress();
   if (answer.failure == WebFailure::kNone || visit.robots_hops > 0) {
-    if (Failed(collection_.SaveRobots(visit.row.id, *visit.row.robots_time, answer.head.status, stored))) return;
+    if (Failed(StoreRobots(visit.row))) return;
     if (other_rules) QueueRefusedOf(visit.row.id, kRefusedRobots);
   }
   HostPace& pace = visit.asked_of->pace;
@@ -255,13 +258,28 @@ void Crawler::UseRobots(HostVisit& visit, const WebAnswer& answer, std::string_v
   Continue(visit);
 }
 
+// Rules that lack an address would be other rules. So those that name a suppressed one are fetched again by the next
+// run.
+Status Crawler::StoreRobots(const HostRow& host) {
+  unstored_rules_.erase(host.id);
+  if (!NamesSuppressed(host.robots)) {
+    return collection_.SaveRobots(host.id, *host.robots_time, host.robots_status, host.robots);
+  }
+  unstored_rules_[host.id] = {host.robots, *host.robots_time};
+  return collection_.ForgetRobots(host.id);
+}
+
 // The rules cannot be had: nothing may be asked for until they can.
 void Crawler::OnNoRobots(HostVisit& visit, const WebAnswer& answer, const std::string& reason) {
   visit.asked_of->pace.OnFailure(world_.loop.Now(), answer.duration);
-  if (visit.memory.refusals >= static_cast<int>(std::size(kWaits))) return GiveUp(visit, reason);
-  const CrawlDuration wait = kWaits[visit.memory.refusals++];
+  const bool gives_up = visit.memory.refusals >= static_cast<int>(std::size(kWaits));
+  const std::optional<CrawlDuration> asked_for = RetryAfterOf(answer);
+  CrawlDuration wait = asked_for.value_or(CrawlDuration{0});
+  if (!gives_up) wait = std::max(wait, kWaits[visit.memory.refusals++]);
+  if (wait.count() > 0) visit.memory.pace.Park(world_.loop.Now(), wait);
+  if (asked_for) SaveWait(visit.row.id, visit.memory.pace);
+  if (gives_up) return GiveUp(visit, reason);
   SetReason(visit, reason);
-  visit.memory.pace.Park(world_.loop.Now(), std::max(wait, RetryAfterOf(answer).value_or(CrawlDuration{0})));
   Leave(visit, visit.page->depth);
 }
 

@@ -6,7 +6,6 @@
 #include "crawl/contact_words.h"
 #include "crawl/crawler.h"
 #include "page/page_reader.h"
-#include "page/unwanted_addresses.h"
 #include "platform/ip_address.h"
 
 namespace quenlar {
@@ -261,9 +260,11 @@ std::vector<SeenAddress> Crawler::KeptAddresses(const ReadResult& page, PageEnd&
   return kept;
 }
 
-bool Crawler::NamesSuppressed(std::string_view text) {
-  return NextUnwanted(text, [this](std::string_view address) { return world_.suppression.Keeps(address); }).has_value();
+AddressTest Crawler::NotSuppressed() {
+  return [this](std::string_view address) { return world_.suppression.Keeps(address); };
 }
+
+bool Crawler::NamesSuppressed(std::string_view text) { return NextUnwanted(text, NotSuppressed()).has_value(); }
 
 // Takes up the links of a page, and remembers them: should it turn out to be nearer to a start, so are they.
 void Crawler::OfferLinks(const HostVisit& visit, const std::vector<PageLink>& links, bool private_place) {

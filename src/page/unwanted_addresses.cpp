@@ -153,19 +153,4 @@ std::string WithoutUnwanted(std::string_view text, const AddressTest& keeps) {
   return left.append(text, taken);
 }
 
-std::string RulesWithoutUnwanted(std::string_view rules, const AddressTest& keeps) {
-  constexpr std::string_view kLineEnds = "\r\n";
-  std::string left;
-  std::size_t taken = 0;
-  while (const auto place = NextUnwanted(rules, keeps, taken)) {
-    const std::size_t end_before = rules.find_last_of(kLineEnds, place->begin);
-    const std::size_t begin = end_before == kNone ? 0 : end_before + 1;
-    const std::string_view line = rules.substr(begin, place->begin - begin);
-    const bool allows = ContainsIgnoreCase(line, "allow") && !ContainsIgnoreCase(line, "disallow");
-    left.append(rules, taken, (allows ? begin : place->begin) - taken);
-    taken = std::min(rules.find_first_of(kLineEnds, place->end), rules.size());
-  }
-  return left.append(rules, taken);
-}
-
 }  // namespace quenlar

@@ -25,11 +25,7 @@ struct UnwantedPlace {
 [[nodiscard]] std::optional<UnwantedPlace> NextUnwanted(std::string_view text, const AddressTest& keeps,
                                                         std::size_t from = 0);
 
-// A title or a link without the characters of such addresses.
+// A title, a link or a rule without the characters of such addresses.
 [[nodiscard]] std::string WithoutUnwanted(std::string_view text, const AddressTest& keeps);
-
-// The text of a robots.txt without such addresses, as it may be stored; its lines keep their numbers. It is at least as
-// strict: a rule that forbids is cut before the address, one that allows is left out.
-[[nodiscard]] std::string RulesWithoutUnwanted(std::string_view rules, const AddressTest& keeps);
 
 }  // namespace quenlar

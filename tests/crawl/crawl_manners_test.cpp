@@ -235,5 +235,84 @@ TEST_F(CrawlMannersTest, NobodyIsAskedAtPortZero) {
   EXPECT_THAT(outcome.messages, ElementsAre(HasSubstr("not a web address")));
 }
 
+TEST_F(CrawlMannersTest, AWaitThatRobotsTxtAsksForIsKeptByTheNextRunToo) {
+  Page("https://www.firma.de/robots.txt", {.status = 503, .fields = {{"Retry-After", "3600"}}});
+  Crawl({"www.firma.de"});
+  Robots("https://www.firma.de", "");
+  Page("https://www.firma.de/", "a@firma.de");
+  clock_.utc_seconds += 600;
+  EXPECT_EQ(Crawl({"www.firma.de"}).end, CrawlEnd::kNothingToDo);
+  EXPECT_EQ(Count("https://www.firma.de/robots.txt"), 1);
+  clock_.utc_seconds += 3000;
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(view_.addresses, ElementsAre("a@firma.de"));
+}
+
+TEST_F(CrawlMannersTest, ABudgetOfPagesThatEndsBeforeASearchHasNotFinished) {
+  options_.search_service = kService;
+  options_.pages = 1;
+  Page("https://www.firma.de/", "nothing");
+  Page(SearchPage(1), {.body = R"({"results": [{"url": "https://b.de/"}]})", .delay = seconds(60)});
+  Page("https://b.de/", "b@b.de");
+  EXPECT_EQ(Crawl({"www.firma.de", "cars"}).end, CrawlEnd::kPages);
+  options_.pages.reset();
+  EXPECT_EQ(Crawl({"www.firma.de", "cars"}).end, CrawlEnd::kFinished);
+  EXPECT_THAT(view_.addresses, ElementsAre("b@b.de"));
+}
+
+TEST_F(CrawlMannersTest, ASearchThatEndsWithAProblemIsToldAndMadeAgain) {
+  options_.search_service = kService;
+  Page(SearchPage(1), R"({"results": [{"url": "https://a.de/"}]})");
+  Page(SearchPage(2), R"({"results": [], "unresponsive_engines": [["local", "timeout"]]})");
+  Page("https://a.de/", "a@a.de");
+  EXPECT_THAT(Crawl({"cars"}).messages, ElementsAre("cars: local: timeout"));
+  Page(SearchPage(2), R"({"results": [{"url": "https://b.de/"}]})");
+  Page(SearchPage(3), R"({"results": []})");
+  Page("https://b.de/", "b@b.de");
+  EXPECT_THAT(Crawl({"cars"}).messages, IsEmpty());
+  EXPECT_THAT(view_.addresses, ElementsAre("a@a.de", "b@b.de"));
+  Crawl({"cars"});
+  EXPECT_EQ(Count(SearchPage(1)), 2);
+}
+
+TEST_F(CrawlMannersTest, ARuleThatNamesASuppressedAddressForbidsNothingElse) {
+  suppression_.dropped = {"anna@firma.de"};
+  Robots("https://www.firma.de", "User-agent: *\nDisallow: /anna@firma.de\n");
+  Page("https://www.firma.de/", "<a href=/1>1</a><a href=/anna%40firma.de>a</a>");
+  Page("https://www.firma.de/1", "one@firma.de");
+  options_.pages = 1;
+  Crawl({"www.firma.de"});
+  options_.pages.reset();
+  Crawl({"www.firma.de", "https://www.firma.de/2"});
+  EXPECT_THAT(view_.addresses, ElementsAre("one@firma.de"));
+  EXPECT_EQ(Count("https://www.firma.de/robots.txt"), 2) << "once a run";
+  EXPECT_THAT(Query("SELECT count(*) FROM hosts WHERE robots IS NOT NULL"), ElementsAre("0"));
+  EXPECT_THAT(Query("SELECT count(*) FROM pages WHERE state = 'refused'"), ElementsAre("0"));
+}
+
+TEST_F(CrawlMannersTest, RulesThatAreNotStoredAreFetchedOnceByARun) {
+  suppression_.dropped = {"anna@b.de"};
+  options_.hosts = 1;
+  options_.scope = CrawlScope::kAnywhere;
+  Robots("https://b.de", "User-agent: *\nDisallow: /anna@b.de\nDisallow: /*/anna@b.de\n");
+  Page("https://a.de/", "<a href=https://b.de/1>1</a>");
+  Page("https://b.de/1", "<a href=https://a.de/1>1</a>");
+  Page("https://a.de/1", "<a href=https://b.de/2>2</a>");
+  Page("https://b.de/2", "<a href=https://b.de/x/anna@b.de?>a</a>two@b.de");
+  Crawl({"https://a.de/"});
+  EXPECT_THAT(view_.addresses, ElementsAre("two@b.de"));
+  EXPECT_EQ(Count("https://b.de/robots.txt"), 1);
+}
+
+TEST_F(CrawlMannersTest, ARobotsTxtThatLeadsToASuppressedAddressDoesNotNameIt) {
+  suppression_.dropped = {"anna@dead.de"};
+  Page("https://www.firma.de/robots.txt", WebRedirect("https://dead.de/anna@dead.de"));
+  Page("https://dead.de/anna@dead.de", WebFails(WebFailure::kNoName, "there is no such host"));
+  const auto outcome = Crawl({"www.firma.de"});
+  const std::string reason = "its robots.txt leads to another place: there is no such host";
+  EXPECT_THAT(Query("SELECT reason FROM hosts WHERE reason <> ''"), ElementsAre(reason));
+  EXPECT_THAT(outcome.messages, Contains(HasSubstr(reason)));
+}
+
 }  // namespace
 }  // namespace quenlar

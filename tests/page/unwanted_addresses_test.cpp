@@ -69,14 +69,5 @@ TEST(UnwantedAddresses, LeaveATextWithoutTheirCharacters) {
   EXPECT_EQ(WithoutUnwanted("", KeepsAllButAnna), "");
 }
 
-TEST(UnwantedAddresses, RobotsRulesWithoutThemForbidAtLeastAsMuch) {
-  EXPECT_EQ(RulesWithoutUnwanted("User-agent: *\r\n# anna@firma.de made this\r\nDisallow: /~anna@firma.de/x\r\n"
-                                 "Allow: /~anna@firma.de/y\r\n<p>bert@firma.de anna@firma.de</p>\r\nDisallow: /z",
-                                 KeepsAllButAnna),
-            "User-agent: *\r\n# \r\nDisallow: /~\r\n\r\n<p>bert@firma.de \r\nDisallow: /z");
-  EXPECT_EQ(RulesWithoutUnwanted("Disallow: /~joanna@firma.de", KeepsAllButAnna), "Disallow: /~joanna@firma.de");
-  EXPECT_EQ(RulesWithoutUnwanted("", KeepsAllButAnna), "");
-}
-
 }  // namespace
 }  // namespace quenlar
