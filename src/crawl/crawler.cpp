@@ -178,7 +178,7 @@ std::optional<CrawlEnd> Crawler::BudgetReached() const {
     return CrawlEnd::kAddresses;
   }
   if (options_.pages && figures_.pages >= *options_.pages) {
-    return collection_.waiting() == 0 ? CrawlEnd::kFinished : CrawlEnd::kPages;
+    return collection_.waiting() == 0 && search_.keywords.empty() ? CrawlEnd::kFinished : CrawlEnd::kPages;
   }
   return std::nullopt;
 }

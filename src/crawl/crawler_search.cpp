@@ -62,21 +62,18 @@ void Crawler::OnSearchAnswer(WebAnswer answer) {
     if (Failed(start)) return;
     if (start.value().page == 0) PlaceSite(start.value(), *url, false);
   }
-  if (!brought_new || ++search_.page > kMostSearchPages) EndSearch(reply.problem, true);
+  if (!brought_new || ++search_.page > kMostSearchPages) EndSearch(reply.problem, reply.problem.empty());
 }
 
-// The first keyword has brought what it can. A search that broke off, or that found nothing because the service has
-// problems, is made again by the next run.
+// The first keyword has brought what it can. A search that broke off, or that ended because the service has problems,
+// is made again by the next run.
 void Crawler::EndSearch(const std::string& problem, bool complete) {
   const StartRow keyword = std::move(search_.keywords.front());
   search_.keywords.pop_front();
-  const bool found = !search_.seen.empty();
-  if (!found || !complete) {
+  if (search_.seen.empty() || !complete) {
     start_problems_.push_back(keyword.text + ": " + (problem.empty() ? "the search finds nothing" : problem));
   }
-  if (complete && (found || problem.empty())) {
-    Failed(collection_.MarkAsked(keyword.id, world_.clock.UtcSeconds()));
-  }
+  if (complete) Failed(collection_.MarkAsked(keyword.id, world_.clock.UtcSeconds()));
   search_.page = 1;
   search_.busy = 0;
   search_.seen.clear();
