@@ -45,8 +45,8 @@ struct CrawlOptions {
   bool keep_wire = false;           // WebRequest::keep_wire of pages and robots.txt; not of searches
   // The filters as a text: where it changes, a page that has not changed is read anew all the same.
   std::string filters = {};
-  // The run visits these and what they lead to on their own sites, and nothing else: a redirect to another site is not
-  // followed either. Its target is kept as refused for its scope, as links to other sites are.
+  // The run visits these and what they lead to on their own sites, and nothing else: what waits on other sites goes on
+  // waiting.
   std::optional<std::vector<HandedLink>> links = {};
 };
 

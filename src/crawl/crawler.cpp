@@ -88,8 +88,7 @@ Crawler::Outcome Crawler::Run(const std::vector<std::string>& starts) {
     for (const HandedLink& link : *options_.links) AddLink(link);
   }
   if (Failed(KeepWaits(now))) return Finish(CrawlEnd::kFailed);
-  const Status queued = collection_.HostsWaiting([this](HostId host, int depth) { QueueHost(host, depth); });
-  if (Failed(queued)) return Finish(CrawlEnd::kFailed);
+  if (Failed(QueueHostsWaiting())) return Finish(CrawlEnd::kFailed);
   if (Failed(collection_.Commit())) return Finish(CrawlEnd::kFailed);
   if (search_.keywords.empty() && !schedule_.HasQueued() && schedule_.Parked().empty()) {
     return Finish(given_.empty() && !start_problems_.empty() ? CrawlEnd::kFailed : CrawlEnd::kNothingToDo);
@@ -127,6 +126,17 @@ Status Crawler::TakeUpPages() {
         "visited anew (on the command line by --again)");
   }
   return QueueRefusedPages();
+}
+
+// Links that were handed over leave what waits on other sites to a later run.
+Status Crawler::QueueHostsWaiting() {
+  return collection_.HostsWaiting([this](HostId host, int depth) {
+    if (!options_.links) return QueueHost(host, depth);
+    const Result<HostRow> row = collection_.Host(host);
+    if (Failed(row)) return;
+    const auto url = ParseUrl(row.value().origin, nullptr, world_.idna);
+    if (url && scope_.Contains(*url)) QueueHost(host, depth);
+  });
 }
 
 // Hosts that asked an earlier run to wait. They have answered, so this run may wait for them too.

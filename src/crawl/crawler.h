@@ -118,6 +118,7 @@ class Crawler final : private WebListener {
   void Step();
   [[nodiscard]] Status TakeUpPages();
   [[nodiscard]] Status QueueRefusedPages();
+  [[nodiscard]] Status QueueHostsWaiting();
   [[nodiscard]] Status KeepWaits(std::int64_t now);
   // Gives the view the new addresses of what has been committed.
   void GiveRows();

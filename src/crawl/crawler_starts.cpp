@@ -53,7 +53,7 @@ void Crawler::AddStarts(const std::vector<std::string>& texts) {
     IsSiteText(text) ? AddSite(text) : AddKeyword(text);
     if (!failure_.ok()) return;
   }
-  LoadStarts();
+  if (!options_.links) LoadStarts();
 }
 
 void Crawler::AddSite(const std::string& text) {

@@ -87,5 +87,29 @@ TEST_F(HandedLinksTest, SitesThatDoNotAnswerAreNoFailureOfTheRun) {
 
 TEST_F(HandedLinksTest, WithoutLinksThereIsNothingToDo) { EXPECT_EQ(CrawlLinks({}).end, CrawlEnd::kNothingToDo); }
 
+TEST_F(HandedLinksTest, WhatWaitsOnOtherSitesGoesOnWaiting) {
+  Page("https://www.laden.de/robots.txt", WebFails(WebFailure::kNoConnection));
+  Page("https://www.firma.de/", "a@firma.de");
+  CrawlLinks({{"https://www.laden.de/"}});
+  client_.ServeOthers([](const WebRequest&) { return ScriptedWebAnswer{.status = 404}; });
+  Robots("https://www.laden.de", "");
+  Page("https://www.laden.de/", "b@laden.de");
+  CrawlLinks({{"https://www.firma.de/"}});
+  EXPECT_EQ(Count("https://www.laden.de/"), 0);
+  EXPECT_THAT(Query("SELECT url FROM pages WHERE state = 'waiting'"), ElementsAre("https://www.laden.de/"));
+  CrawlLinks({{"https://www.laden.de/other"}});
+  EXPECT_THAT(view_.addresses, ElementsAre("a@firma.de", "b@laden.de"));
+}
+
+TEST_F(HandedLinksTest, WithoutLinksTheStartsOfEarlierRunsAreNotVisited) {
+  options_.pages = 1;
+  Page("https://www.firma.de/", "<a href=/1>1</a>");
+  Crawl({"www.firma.de"});
+  options_.pages.reset();
+  EXPECT_EQ(CrawlLinks({}).end, CrawlEnd::kNothingToDo);
+  EXPECT_EQ(Count("https://www.firma.de/1"), 0);
+  EXPECT_EQ(left_, 1);
+}
+
 }  // namespace
 }  // namespace quenlar
