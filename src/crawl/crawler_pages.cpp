@@ -14,11 +14,17 @@ namespace {
 constexpr int kMostHops = 5;
 constexpr std::string_view kNoPageType = "type";  // an answer that is not a page has not failed
 
+// The first field that says something.
+std::string_view ContentType(const WebHead& head) {
+  for (const auto& [name, value] : head.fields) {
+    if (!value.empty() && EqualsIgnoreCase(name, "Content-Type")) return value;
+  }
+  return {};
+}
+
 // The media type without parameters, in lower case; empty where the answer names none.
 std::string MediaType(const WebHead& head) {
-  const std::string* const field = head.Find("Content-Type");
-  if (field == nullptr) return {};
-  std::string_view type(*field);
+  std::string_view type = ContentType(head);
   type = type.substr(0, type.find(';'));
   while (!type.empty() && (type.back() == ' ' || type.back() == '\t')) type.remove_suffix(1);
   return Lower(type);
@@ -206,7 +212,7 @@ void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
     return EndPage(visit, end);
   }
   if (IsStart(visit.page->page)) MoveStarts(visit.page->page, visit.page->page, *visit.url);
-  const std::string content_type = FieldOf(answer.head, "Content-Type");
+  const std::string content_type(ContentType(answer.head));
   const std::vector<std::string> robots_headers = RobotsHeaders(answer.head);
   ReadRequest request;
   request.body = answer.body;
@@ -245,18 +251,22 @@ void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   EndPage(visit, end, addresses);
 }
 
+// What is dropped counts once, in however many places of the page it stands.
 std::vector<SeenAddress> Crawler::KeptAddresses(const ReadResult& page, PageEnd& end) {
   std::vector<SeenAddress> kept;
+  std::unordered_set<std::string> filtered, suppressed;
   for (const PageAddress& found : page.addresses) {
     if (!world_.filter.Keeps(found.address)) {
-      ++end.filtered_count;
-      ++figures_.filtered;
+      filtered.insert(Lower(found.address));
     } else if (!world_.suppression.Keeps(found.address)) {
-      ++figures_.suppressed;
+      suppressed.insert(Lower(found.address));
     } else {
       kept.push_back({found.address, found.written, found.place});
     }
   }
+  end.filtered_count = filtered.size();
+  figures_.filtered += filtered.size();
+  figures_.suppressed += suppressed.size();
   return kept;
 }
 

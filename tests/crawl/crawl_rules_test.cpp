@@ -199,5 +199,44 @@ TEST_F(CrawlRulesTest, WhatOnlyLooksLikeAnAddressIsNotListed) {
   EXPECT_THAT(view_.addresses, IsEmpty());
 }
 
+TEST_F(CrawlRulesTest, TheFirstContentTypeThatSaysSomethingCounts) {
+  Page("https://www.firma.de/", "<a href=/1>1</a><a href=/2>2</a>");
+  Page("https://www.firma.de/1",
+       {.fields = {{"Content-Type", ""}, {"content-type", "image/png"}}, .body = "one@firma.de"});
+  Page("https://www.firma.de/2",
+       {.fields = {{"Content-Type", ""}, {"Content-Type", "text/plain"}, {"Content-Type", "image/png"}},
+        .body = "<b>two@firma.de</b>"});
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(view_.addresses, ElementsAre("two@firma.de"));
+  EXPECT_THAT(Query("SELECT type FROM pages ORDER BY id"), ElementsAre("text/html", "image/png", "text/plain"));
+}
+
+TEST_F(CrawlRulesTest, WhatIsDroppedCountsOnceAPage) {
+  Page("https://www.firma.de/",
+       "<a href=mailto:f@firma.de>f@firma.de</a> F@firma.de <a href=mailto:s@firma.de>s@firma.de</a> <!-- S@firma.de "
+       "-->");
+  filter_.dropped = {"f@firma.de", "F@firma.de"};
+  suppression_.dropped = {"s@firma.de", "S@firma.de"};
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(view_.addresses, IsEmpty());
+  EXPECT_EQ(figures_.filtered, 1u);
+  EXPECT_EQ(figures_.suppressed, 1u);
+  EXPECT_THAT(Query("SELECT filtered FROM pages"), ElementsAre("1"));
+}
+
+TEST_F(CrawlRulesTest, WhatPagesWithheldIsTakenWhenRobotsAreIgnoredLater) {
+  options_.obey_robots = true;
+  Page("https://www.firma.de/", "<a href=/list>l</a><a href=/follow>f</a>");
+  Page("https://www.firma.de/list", "<meta name=robots content=noindex>list@firma.de");
+  Page("https://www.firma.de/follow", "<meta name=robots content=nofollow><a href=/deep>d</a>");
+  Page("https://www.firma.de/deep", "deep@firma.de");
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(view_.addresses, IsEmpty());
+  options_.obey_robots = false;
+  Crawl({"www.firma.de"});
+  EXPECT_THAT(view_.addresses, testing::UnorderedElementsAre("list@firma.de", "deep@firma.de"));
+  EXPECT_EQ(Count("https://www.firma.de/"), 1);
+}
+
 }  // namespace
 }  // namespace quenlar
