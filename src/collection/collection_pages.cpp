@@ -343,7 +343,10 @@ Result<std::vector<std::size_t>> Collection::AddSightings(PageId page, const std
       const Result<bool> row = statements_->find_address.Bind(seen.address).Step();
       if (!row.ok()) return row.status();
       id = statements_->find_address.Int(0);
+      const bool earlier = now < statements_->find_address.Int(1);
       statements_->find_address.Reset();
+      const Status seen_earlier = earlier ? statements_->seen_earlier.Bind(now, id).Run() : Status::Ok();
+      if (!seen_earlier.ok()) return seen_earlier;
     }
     const Status sighted = add.Bind(id, page, PlaceName(seen.place), seen.written, now, now).Run();
     if (!sighted.ok()) return sighted;

@@ -243,7 +243,8 @@ inline constexpr const char* kSightingsOf =
     " FROM addresses a JOIN sightings s ON s.address = a.id JOIN pages p ON p.id = s.page JOIN hosts h ON h.id = p.host"
     " WHERE a.address = ? ORDER BY s.first_seen, s.page, s.place";
 
-inline constexpr const char* kFindAddress = "SELECT id FROM addresses WHERE address = ?";
+inline constexpr const char* kFindAddress = "SELECT id, first_seen FROM addresses WHERE address = ?";
+inline constexpr const char* kSeenEarlier = "UPDATE addresses SET first_seen = ? WHERE id = ?";
 inline constexpr const char* kAddAddress = "INSERT OR IGNORE INTO addresses (address, first_seen) VALUES (?, ?)";
 inline constexpr const char* kAddSighting =
     "INSERT INTO sightings (address, page, place, written, first_seen, last_seen) VALUES (?, ?, ?, ?, ?, ?)"

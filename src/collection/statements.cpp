@@ -54,6 +54,7 @@ Status Collection::Statements::Prepare(Database& database) {
       {add_archived_sighting, sql::kAddArchivedSighting},
       {find_address, sql::kFindAddress},
       {add_address, sql::kAddAddress},
+      {seen_earlier, sql::kSeenEarlier},
       {add_sighting, sql::kAddSighting},
       {sightings_seen, sql::kSightingsSeen},
       {sightings_gone, sql::kSightingsGone},

@@ -14,7 +14,7 @@ struct Collection::Statements {
       readdress_page, end_page, end_unread, forget_body, page_unchanged, body_seen, queue_refused, queue_refused_of;
   Statement save_links, links;
   Statement add_archived_page, add_archived_sighting;
-  Statement find_address, add_address, add_sighting, sightings_seen, sightings_gone;
+  Statement find_address, add_address, seen_earlier, add_sighting, sightings_seen, sightings_gone;
 
   // Prepares all of them.
   [[nodiscard]] Status Prepare(Database& database);

@@ -47,6 +47,7 @@ TEST_F(ArchivedPagesTest, SightingsOfOnePageAreOneWhoseTimesGrow) {
   for (const std::int64_t seen : {500, 700, 300, 600}) Add("https://www.example.org/a", seen, {kAnna});
   Add("http://www.example.org/a", 400, {kAnna});
   EXPECT_THAT(Query("SELECT first_seen || ' ' || last_seen FROM sightings"), ElementsAre("300 700"));
+  EXPECT_THAT(Query("SELECT first_seen FROM addresses"), ElementsAre("300"));
   EXPECT_THAT(Query("SELECT count(*) FROM pages"), ElementsAre("1"));
 }
 
