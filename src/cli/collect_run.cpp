@@ -181,7 +181,7 @@ void CollectRun::RunCrawler() {
   const CrawlWorld world{platform.loop,         client,  platform.interfaces, platform.clock, platform.idna,
                          platform.text_decoder, filter_, suppression_,        *this};
   CrawlOptions crawl = options_.crawl;
-  crawl.filters = filter_.Text();
+  crawl.filters = filter_.Text() + suppression_.Digest();
   crawler_ = std::make_unique<Crawler>(world, *collection_, crawl);
   if (stopped_) crawler_->Stop();
   const auto redraw = platform.loop.MakeTimer(kRedrawEvery, [this] { Redraw(); });

@@ -269,12 +269,15 @@ inline constexpr const char* kEraseSettings =
     "PRAGMA synchronous = FULL;"
     "PRAGMA secure_delete = ON;";
 inline constexpr const char* kAllAddresses = "SELECT id, address FROM addresses";
+// What was taken out comes back when a later visit finds it, so the page has to be fetched whole.
+inline constexpr const char* kForgetValidators =
+    "UPDATE pages SET etag = NULL, modified = NULL WHERE id IN (SELECT page FROM sightings WHERE address = ?)";
 inline constexpr const char* kEraseSightings = "DELETE FROM sightings WHERE address = ?";
 inline constexpr const char* kEraseAddress = "DELETE FROM addresses WHERE id = ?";
 // Texts that may name an address, with the rows that hold them; then what such a row becomes.
 inline constexpr const char* kTitlesWithSigns =
     "SELECT id, title FROM pages WHERE instr(title, '@') OR instr(title, '%40')";
-inline constexpr const char* kEraseTitle = "UPDATE pages SET title = NULL WHERE id = ?";
+inline constexpr const char* kEraseTitle = "UPDATE pages SET title = NULL, etag = NULL, modified = NULL WHERE id = ?";
 inline constexpr const char* kUrlsWithSigns = "SELECT id, url FROM pages WHERE instr(url, '@') OR instr(url, '%40')";
 inline constexpr const char* kEraseUrl =
     "UPDATE pages SET url = (SELECT origin FROM hosts WHERE hosts.id = pages.host) || '/(erased)', key = 0,"

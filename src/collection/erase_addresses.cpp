@@ -41,6 +41,7 @@ Status EraseRows(Database& database, const AddressTest& keeps, ErasedFromCollect
     erased.addresses.push_back(Lower(address));
   });
   if (!read.ok()) return read;
+  if (const Status whole = RunForEach(database, sql::kForgetValidators, ids); !whole.ok()) return whole;
   if (const Status gone = RunForEach(database, sql::kEraseSightings, ids); !gone.ok()) return gone;
   return RunForEach(database, sql::kEraseAddress, ids);
 }

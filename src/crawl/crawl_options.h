@@ -43,7 +43,8 @@ struct CrawlOptions {
   bool assume_online = false;       // do not ask the system whether there is a network
   bool again = false;               // visit everything again
   bool keep_wire = false;           // WebRequest::keep_wire of pages and robots.txt; not of searches
-  // The filters as a text: where it changes, a page that has not changed is read anew all the same.
+  // The filters, and a digest of the suppression list: where this text changes, a page that has not changed is read
+  // anew all the same.
   std::string filters = {};
   // The run visits these and what they lead to on their own sites, and nothing else: what waits on other sites goes on
   // waiting.

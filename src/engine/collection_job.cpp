@@ -246,7 +246,7 @@ void CollectionJob::VisitPages(const WebSettings& settings, bool again, Collecti
   if (end.opened) {
     CrawlOptions options = CrawlOptionsOf(settings, named_.language);
     options.again = again;
-    options.filters = engine_.filter.Text();
+    options.filters = engine_.filter.Text() + engine_.suppression.Digest();
     Crawl(options, end);
     collection_.reset();
     const auto reader = CollectionReader::Open(Path());

@@ -68,6 +68,13 @@ bool SuppressionList::Has(std::string_view entry) const {
                          [&](std::uint32_t number) { return EqualsIgnoreCase(entries_[number], entry); });
 }
 
+std::string SuppressionList::Digest() const {
+  if (entries_.empty()) return {};
+  std::string lines;
+  for (const std::string_view entry : entries_) lines.append(entry) += '\n';
+  return Sha256Hex(lines);
+}
+
 std::optional<std::string> SuppressionList::EntryFor(std::string_view address) const {
   if (entries_.empty()) return std::nullopt;
   if (Has(address)) return Lower(address);

@@ -33,6 +33,8 @@ class SuppressionList final : public AddressFilter {
   // The entry that holds for the address.
   [[nodiscard]] std::optional<std::string> EntryFor(std::string_view address) const;
   [[nodiscard]] bool Has(std::string_view entry) const;
+  // Names no address. Another one where the entries or their order are others; empty where the list is empty.
+  [[nodiscard]] std::string Digest() const;
 
   [[nodiscard]] bool empty() const { return entries_.empty(); }
   // In the order in which they were added. The views stay valid as long as the list lives.

@@ -81,6 +81,14 @@ TEST_F(SuppressionTest, ADigestHoldsForItsAddressInAnyLetterCase) {
   EXPECT_TRUE(list.Keeps("bert@firma.de"));
 }
 
+TEST_F(SuppressionTest, TheDigestOfAListTellsOtherEntriesAndNamesNone) {
+  EXPECT_EQ(Loaded("").Digest(), "");
+  const std::string digest = Loaded("anna@firma.de\n@garden.de\n").Digest();
+  EXPECT_EQ(Loaded("# who asked\nAnna@Firma.de\n@garden.de\n").Digest(), digest);
+  EXPECT_NE(Loaded("anna@firma.de\n").Digest(), digest);
+  EXPECT_EQ(digest.find("anna"), std::string::npos);
+}
+
 TEST_F(SuppressionTest, WithoutAFileNothingIsSuppressed) {
   Result<SuppressionList> list = Load();
   ASSERT_TRUE(list.ok());
