@@ -74,6 +74,7 @@ struct KnownPage {
   std::string state, reason;
   bool may_be_private = false;
   bool read_before = false;
+  bool erased = false;  // `url` is not its address any more
   PageId moved_to = 0;
 
   [[nodiscard]] bool Is(PageState wanted) const { return state == NameOf(wanted); }
@@ -107,6 +108,7 @@ struct PageEnd {
   std::uint64_t bytes = 0;                  // received
   std::optional<std::int64_t> body_hash{};  // of the decoded body, see Collection::HashOf
   PageId moved_to = 0;
+  bool gone = false;  // its address shows something else now: so do not the addresses that it showed
   std::size_t protected_count = 0, filtered_count = 0;
   std::string etag{}, modified{};
 };
@@ -278,7 +280,8 @@ class Collection {
   [[nodiscard]] std::int64_t HashOf(std::string_view text) const { return keys_.Of(text); }
 
   // Queues the pages anew that were refused for `reason`, unless `option`, by which that was decided, is the same as in
-  // the run before. They are judged again when it is their turn.
+  // the run before. They are judged again when it is their turn. With kRefusedRobots also those that were read, but
+  // asked that their addresses are not listed or their links are not followed.
   Status QueueRefused(std::string_view reason, std::string_view option);
   // Queues those of one host anew. Gives the least depth of its pages that wait; empty where none was queued.
   [[nodiscard]] Result<std::optional<int>> QueueRefusedOf(HostId host, std::string_view reason);

@@ -18,7 +18,8 @@ std::string_view KeyOfUrl(std::string_view url) { return url.substr(std::min(url
 
 // A page that is not there any more takes its addresses with it; one that only failed for now does not.
 bool LosesAddresses(const PageEnd& end) {
-  return end.state == PageState::kRead || end.state == PageState::kMoved || end.status == 404 || end.status == 410;
+  return end.gone || end.state == PageState::kRead || end.state == PageState::kMoved || end.status == 404 ||
+         end.status == 410;
 }
 
 }  // namespace
@@ -161,6 +162,7 @@ KnownPage Collection::ReadKnown(const Statement& row) {
   known.may_be_private = row.Int(6) != 0;
   known.moved_to = row.Int(7);
   known.read_before = !row.IsNull(8);
+  known.erased = row.Int(10) == 0;
   return known;
 }
 

@@ -152,11 +152,11 @@ inline constexpr const char* kWaits = "SELECT host, until FROM waits";
 inline constexpr const char* kHostHasRead = "UPDATE hosts SET read = read + 1 WHERE id = ?";
 inline constexpr const char* kHostsWaiting = "SELECT host, min(depth) FROM pages WHERE state = 'waiting' GROUP BY host";
 
-// Both give what ReadKnown reads.
+// Both give what ReadKnown reads. A page whose address was erased has the key 0.
 inline constexpr const char* kFindPage =
-    "SELECT id, host, url, depth, state, reason, private, moved_to, body, rank FROM pages WHERE key = ?";
+    "SELECT id, host, url, depth, state, reason, private, moved_to, body, rank, key FROM pages WHERE key = ?";
 inline constexpr const char* kPage =
-    "SELECT id, host, url, depth, state, reason, private, moved_to, body, rank FROM pages WHERE id = ?";
+    "SELECT id, host, url, depth, state, reason, private, moved_to, body, rank, key FROM pages WHERE id = ?";
 inline constexpr const char* kAddPage =
     "INSERT INTO pages (key, host, url, parent, depth, rank, hops, private, state, reason)"
     " VALUES (?, ?, ?, nullif(?, 0), ?, ?, ?, ?, ?, ?)";
@@ -191,19 +191,21 @@ inline constexpr const char* kCountWaiting = "SELECT count(*) FROM pages WHERE s
 inline constexpr const char* kCountRead =
     "SELECT count(*) FROM pages WHERE state = 'read' OR (state = 'waiting' AND body IS NOT NULL)";
 inline constexpr const char* kCountAddresses = "SELECT count(*) FROM addresses";
+// Here and below: what stands at the address of a page that was erased is another page, and is not asked for.
 inline constexpr const char* kQueueRefused =
-    "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE state = 'refused' AND reason = "
-    "?";
+    "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE key <> 0 AND"
+    " ((state = 'refused' AND reason = ?1)"
+    " OR (?1 = 'robots' AND state = 'read' AND reason IN ('noindex', 'nofollow')))";
 inline constexpr const char* kQueueRefusedOf =
     "UPDATE pages SET state = 'waiting', reason = NULL, rule = NULL, line = NULL WHERE state = 'refused' AND host = ?"
-    " AND reason = ?";
+    " AND reason = ? AND key <> 0";
 inline constexpr const char* kNearestOf = "SELECT min(depth) FROM pages WHERE host = ? AND state = 'waiting'";
 inline constexpr const char* kHostsOfSite = "SELECT id FROM hosts WHERE site = ?";
 // What was said of a page that was read still holds when it turns out to be unchanged.
 inline constexpr const char* kQueueAgain =
     "UPDATE pages SET state = 'waiting', hops = 0, reason = iif(state = 'read', reason, NULL), rule = NULL, line = NULL"
-    " WHERE (state IN ('read', 'failed', 'moved') AND reason IS NOT 'archive')"
-    " OR (state = 'refused' AND reason IN ('robots', 'private'))";
+    " WHERE ((state IN ('read', 'failed', 'moved') AND reason IS NOT 'archive')"
+    " OR (state = 'refused' AND reason IN ('robots', 'private', 'suppressed', 'address'))) AND key <> 0";
 inline constexpr const char* kForgetReads = "UPDATE hosts SET read = 0";
 inline constexpr const char* kForgetSearches = "UPDATE starts SET asked = NULL";
 

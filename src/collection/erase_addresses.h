@@ -16,8 +16,8 @@ struct ErasedFromCollection {
 };
 
 // Deletes every address for which `keeps` is false, with its sightings, and clears the texts that name such an address:
-// titles, addresses of pages, rules of robots.txt (they are fetched again), starts. A page that waited under a cleared
-// address is not visited. Where something was deleted the file is written anew and its log is emptied, which takes as
+// titles, addresses of pages, rules of robots.txt (they are fetched again), starts. A page with a cleared address
+// is not visited any more. Where something was deleted the file is written anew and its log is emptied, which takes as
 // much time and space as the file is large; otherwise nothing changes.
 //
 // `path` names an existing file. kBusy where another program has it open, a run above all, kLimit where a newer program

@@ -141,6 +141,7 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   const auto parsed = location.empty() ? std::nullopt : ParseUrl(location, &*visit.url, world_.idna);
   const auto target = AsPage(parsed, world_.idna);
   const int hops = visit.page->hops + 1;
+  end.gone = true;
   if (parsed && !target) {
     end.state = PageState::kRefused;
     end.reason = "address";
@@ -160,12 +161,6 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
 
   const PageId page = visit.page->page;
   const bool start_moves = IsStart(page);
-  const bool leaves_scope = !start_moves && !scope_.Contains(*target);
-  if (leaves_scope && !options_.links) {
-    end.state = PageState::kRefused;
-    end.reason = kRefusedScope;
-    return EndPage(visit, end);
-  }
   if (target->PageKey() == visit.url->PageKey()) {
     const auto host = collection_.Readdress(page, *target, SiteOf(*target), hops);
     if (Failed(host)) return;
@@ -180,7 +175,7 @@ void Crawler::OnRedirect(HostVisit& visit, const WebAnswer& answer, PageEnd end)
   offer.parent = page;
   offer.may_be_private = visit.page->may_be_private && CameFromPrivatePlace(*visit.url, answer);
   offer.by_id = true;
-  if (leaves_scope) offer.refused = kRefusedScope;
+  if (!start_moves && !scope_.Contains(*target)) offer.refused = kRefusedScope;
   if (!start_moves && RepeatsSegments(target->path())) offer.refused = "trap";
   const auto offered = Offer(offer);
   if (!offered) return;
@@ -209,6 +204,7 @@ void Crawler::OnPage(HostVisit& visit, const WebAnswer& answer, PageEnd end) {
   end.type = MediaType(answer.head);
   if (!IsPageType(answer.head)) {
     end.reason = kNoPageType;
+    end.gone = true;
     return EndPage(visit, end);
   }
   if (IsStart(visit.page->page)) MoveStarts(visit.page->page, visit.page->page, *visit.url);

@@ -72,6 +72,10 @@ void Crawler::AddSite(const std::string& text) {
   // Where it lies by now. What refused it in an earlier run is judged anew, and told anew.
   const auto page = collection_.Page(start.value().page);
   if (Failed(page)) return;
+  if (page.value().erased) {
+    LoadStart(start.value());
+    return OpenScope(start.value().host, start.value().site);
+  }
   const auto known = ParseUrl(page.value().url, nullptr, world_.idna);
   PlaceSite(start.value(), known ? *known : *url, true);
 }
