@@ -181,9 +181,9 @@ without looping-search src/crawl/crawler_search.cpp crawl_test 'CrawlFaultsTest.
 without no-fall-back src/crawl/crawler_starts.cpp crawl_test 'CrawlTest.ABadCertificate*' \
   's/const bool nothing_answers = /const bool nothing_answers = answer.failure == WebFailure::kCertificate || /'
 without suppressed-texts src/crawl/crawler_pages.cpp crawl_test 'CrawlTest.*NamesASuppressedAddress*' \
-  's/(bool Crawler::NamesSuppressed\(std::string_view text\) \{\n  return )/$1text.empty() \&\& /'
+  's/(bool Crawler::NamesSuppressed\(std::string_view text\) \{ return )/$1text.empty() \&\& /'
 without suppressed-rules src/crawl/crawler_hosts.cpp crawl_test 'CrawlTest.WhatNamesASuppressedAddress*' \
-  's/const std::string stored = RulesWithoutUnwanted\(rules, keeps\);/(void)keeps;\n  const std::string stored(rules);/'
+  's/if \(!NamesSuppressed\(host.robots\)\) \{/if (!NamesSuppressed(host.robots) || true) {/'
 without suppression-of-harvests src/cli/harvest_run.cpp cli_test 'HarvestCommandTest.SuppressedAddresses*' \
   's/\} else if \(!suppression_.Keeps\(text\)\) \{/} else if (!suppression_.Keeps(text) \&\& text.empty()) {/'
 without suppressed-texts-of-harvests src/cli/harvest_run.cpp cli_test 'HarvestCommandTest.TitlesAndPages*' \
