@@ -39,6 +39,13 @@ std::size_t NextSign(std::string_view text, std::size_t from) {
   return sign;
 }
 
+// Where text[at] of a run stands in the page; `place` is where the run begins.
+std::size_t PlaceOf(std::size_t at, std::span<const Joint> joints, std::size_t place) {
+  const auto behind = std::upper_bound(joints.begin(), joints.end(), at,
+                                       [](std::size_t byte, const Joint& joint) { return byte < joint.at; });
+  return behind == joints.begin() ? place : behind[-1].page;
+}
+
 bool EndsPiece(char c) { return c == '"' || c == '\n'; }
 
 }  // namespace
@@ -131,7 +138,8 @@ void AddressFinder::Scan(std::string_view text, std::span<const Joint> joints, A
     }
     if (!match) continue;
     const std::string_view written = text.substr(match->begin, match->end - match->begin);
-    list_.Add({match->address, written, is_protected ? AddressPlace::kProtected : place});
+    list_.Add({match->address, written, is_protected ? AddressPlace::kProtected : place},
+              PlaceOf(match->begin, joints, place_));
     floor = match->end;
   }
 }

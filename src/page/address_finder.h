@@ -31,6 +31,9 @@ class AddressFinder {
   // `idna` turns domains beyond ASCII into A-labels; it must outlive the finder.
   AddressFinder(const Idna& idna, const Settings& settings);
 
+  // What is handed over from now on begins at this byte of the page. Text may come later than what stands within it;
+  // addresses are listed by their places all the same.
+  void SetPlace(std::size_t place) { place_ = place; }
   void Text(const TextRun& run);
   // The target of a link, references decoded, with its "mailto:". Other targets are attributes.
   void Mailto(std::string_view target);
@@ -58,6 +61,7 @@ class AddressFinder {
   const Settings settings_;
   const DomainRules rules_;
   PageAddressList list_;
+  std::size_t place_ = 0;
   std::string decoded_;  // the piece at hand without its escapes
 };
 

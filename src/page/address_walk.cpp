@@ -33,14 +33,17 @@ AddressWalk::AddressWalk(std::string_view page, PageSignKind signs, AddressFinde
 
 void AddressWalk::Comment(const Markup& comment) {
   const bool sign = signs_.PassBefore(comment.end);
-  if (sign) runs_.EndAtBlank(elements_.reversed());
   runs_.Joint(false);
-  if (sign) finder_.Comment(Inside(comment));
+  if (!sign) return;
+  finder_.SetPlace(comment.begin);
+  finder_.Comment(Inside(comment));
 }
 
 void AddressWalk::RawText(const Markup& raw) {
   if (raw.name == TagName::kScript) {
-    if (signs_.PassBefore(raw.end)) finder_.Script(Inside(raw));
+    if (!signs_.PassBefore(raw.end)) return;
+    finder_.SetPlace(raw.begin);
+    finder_.Script(Inside(raw));
   } else if (raw.name == TagName::kStyle) {
     signs_.PassBefore(raw.end);
   } else {
@@ -79,6 +82,7 @@ void AddressWalk::FollowElements(std::size_t end) {
 
 void AddressWalk::Attributes(const Markup& tag) {
   NamesBefore names;
+  finder_.SetPlace(tag.begin);
   AttributeReader attributes(page_, tag.attributes);
   for (TagAttribute attribute; attributes.Next(attribute);) {
     if (names.Repeats(attribute.name) || attribute.value.empty()) continue;

@@ -44,7 +44,6 @@ class AddressWalk {
     ElementLook look;
     if (looks_ != Looks::kNone && hints_.Next(tag.attributes, tag.end) < tag.end) look = LookOf(tag);
     const bool sign = signs_.PassBefore(tag.end);
-    if (sign) runs_.EndAtBlank(reversed);
     if (Has(tag.name, kInline))
       runs_.Joint(look.hidden);
     else

@@ -22,36 +22,37 @@ struct PageAddress {
 class PageAddressList {
  public:
   [[nodiscard]] bool empty() const { return entries_.empty(); }
-  // The texts are copied.
-  void Add(const PageAddress& found);
+  // `at` is where it stands in the page. The texts are copied.
+  void Add(const PageAddress& found, std::size_t at);
 
-  // In the order they were added. Protected addresses that were also added plainly are left out, and all protected
-  // ones unless `with_protected`. Views into the list.
+  // In the order of the page, those of one place as they were added. Protected addresses that were also added plainly
+  // are left out, and all protected ones unless `with_protected`. Views into the list.
   [[nodiscard]] std::vector<PageAddress> Listed(bool with_protected) const;
   [[nodiscard]] std::size_t ProtectedCount() const;
 
  private:
   // An address, whatever its letter case.
   struct Address {
-    std::string_view first;    // as it came first
-    std::string_view plain;    // as first written plainly; empty: only protected so far
-    std::string_view decoded;  // as first decoded; empty: never protected
-    std::uint8_t places = 0;   // a bit a place
+    std::string_view first;   // as it was added first
+    std::uint8_t places = 0;  // a bit a place
   };
   struct Entry {
     std::uint32_t address;
     AddressPlace place;
-    std::string_view written;
+    std::string_view spelled, written;
+    std::size_t at;
   };
 
   // The number of the address in `addresses_`.
   std::uint32_t NumberOf(std::string_view address);
+  [[nodiscard]] std::vector<Entry> InOrder() const;
 
   TextArena texts_;
   TextHash hash_;
   IndexTable index_;
   std::vector<Address> addresses_;
   std::vector<Entry> entries_;
+  bool in_order_ = true;
 };
 
 }  // namespace quenlar

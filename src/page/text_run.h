@@ -1,6 +1,7 @@
 // Text of a page as a browser shows it, and where tags stood in it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -11,6 +12,7 @@ namespace quenlar {
 struct Joint {
   std::uint32_t at = 0;  // before this byte of the text
   bool hidden = false;   // an element stood here that a browser does not show
+  std::size_t page = 0;  // where the text behind it begins in the page
 };
 
 // Text that a browser shows in one go: words do not go on beyond it. Views into memory of the caller.

@@ -13,12 +13,13 @@ void TextRuns::HandOn(bool reversed) {
   const std::string_view whole = page_.substr(pieces_.front().begin, pieces_.front().end - pieces_.front().begin);
   const bool plain =
       FindByte(whole, '\0') == kNone && (!pieces_.front().has_references || FindByte(whole, '&') == kNone);
+  finder_.SetPlace(pieces_.front().begin);
   if (pieces_.size() == 1 && plain) return finder_.Text({whole, {}, reversed, false});
 
   text_.clear();
   joints_.clear();
   for (const Piece& piece : pieces_) {
-    if (piece.joint) joints_.push_back({static_cast<std::uint32_t>(text_.size()), piece.hidden_joint});
+    if (piece.joint) joints_.push_back({static_cast<std::uint32_t>(text_.size()), piece.hidden_joint, piece.begin});
     const std::string_view raw = page_.substr(piece.begin, piece.end - piece.begin);
     const std::size_t begin = text_.size();
     if (piece.has_references)

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "page/address_finder.h"
-#include "page/html_blanks.h"
 
 namespace quenlar {
 
@@ -30,11 +29,6 @@ class TextRuns {
     if (pieces_.empty()) return;
     joint_ = true;
     hidden_joint_ = hidden_joint_ || hidden;
-  }
-  // Something else in which an address may stand comes here, within the run. So that addresses are found in the order
-  // of the page, the run ends here if that is certain to part no word.
-  void EndAtBlank(bool reversed) {
-    if (has_sign_ && IsHtmlBlank(page_[pieces_.back().end - 1])) End(reversed);
   }
   // The words of the run end here. `reversed`: it is shown from its last character to the first.
   void End(bool reversed) {

@@ -225,6 +225,19 @@ TEST(PageReader, AddressesComeInTheOrderOfThePage) {
             (List{"text a@firma.de", "mailto b@firma.de", "text c@firma.de", "comment d@firma.de", "text e@firma.de"}));
 }
 
+TEST(PageReader, TextComesBeforeWhatStandsWithinItsRun) {
+  EXPECT_EQ(
+      Addresses("<a href=1>a@firma.de</a><a href=mailto:b@firma.de>c@firma.de</a>d<i title=e@firma.de>@firma.de</i>"
+                "<!-- f@firma.de --> <b>g@firma.de</b>"),
+      (List{"text a@firma.de", "mailto b@firma.de", "text c@firma.de", "text d@firma.de", "attribute e@firma.de",
+            "comment f@firma.de", "text g@firma.de"}));
+  // The local part is that of the first place on the page, wherever it is found first.
+  EXPECT_EQ(Addresses("<b>Info@firma.de</b><a href=mailto:info@firma.de>x</a>"),
+            (List{"text Info@firma.de", "mailto Info@firma.de"}));
+  EXPECT_EQ(Addresses("<b>A [at] firma.de</b><i data-cfemail=5a3b1a3c3328373b743e3f></i>", {.decode = true}),
+            List{"protected A@firma.de"});
+}
+
 TEST(PageReader, AWordIsWhatABrowserShowsAsOne) {
   EXPECT_EQ(Addresses("name<span>&#64;</span>fir<!-- -->ma.<b>de</b>"), List{"text name@firma.de"});
   EXPECT_EQ(Addresses("name<br>@firma.de"), List{});
