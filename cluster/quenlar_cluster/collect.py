@@ -1,9 +1,11 @@
 """The coordinator of a crawl: rounds of tasks, and in the end one collection and one list."""
 
 import json
+import os
+import re
 import sys
 import tempfile
-from collections.abc import Callable, Iterable
+from collections.abc import Callable, Iterable, Iterator
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -16,12 +18,16 @@ from quenlar_cluster.frontier import Frontier, Link
 from quenlar_cluster.lease import Lease
 from quenlar_cluster.lists import read_lines
 from quenlar_cluster.merge import merge_collections
+from quenlar_cluster.suppression import Suppression
+from quenlar_cluster.told import Figures, counted, figures_of, kept_notices, notices
 
 # A share is one program that visits many hosts at the same time. How many workers come, and how many sites links lead
 # to, is not known when it is fixed. Shares without a site cost nothing.
 _SITES_A_SHARE = 1000
 _LEAST_SHARES = 64
 _LEAST_SHARES_A_WORKER = 16
+
+_SCHEME = re.compile("([A-Za-z0-9+.-]+)://")
 
 
 @dataclass(frozen=True)
@@ -45,21 +51,28 @@ def collect(order: CollectOrder, say: Callable[[str], None]) -> int:
     """Runs the crawl, or goes on with it. Returns the exit status."""
     links = list(resolve_starts(order.program, read_starts(order.starts)))
     with tempfile.TemporaryDirectory(prefix="quenlar-cluster-") as scratch:
-        seed = _make_seed(order, Path(scratch))
+        seed, told = _make_seed(order, Path(scratch))
+        for notice in told:
+            say(notice)
         with Engine(order.scheduler, order.workers, say) as engine:
             say(f"The cluster: {engine.dashboard} (plain figures: /json/counts.json there).")
             engine.wait_for_workers()
-            set_aside = _run(order, engine, links, seed, say)
+            set_aside, figures = _run(order, engine, links, seed, say)
+    for notice in [*kept_notices(order.folder, told), *figures.refused_starts]:
+        say(notice)
     for share in sorted(set_aside):
         say(f"Set aside: share {share}: {set_aside[share]}")
     if set_aside:
         say("The same command tries again what was set aside.")
-    return 1 if set_aside else 0
+    elif not figures.a_start_answers:
+        say("None of the starts could be visited.")
+    say(figures.line("--decode-protected" in order.options))
+    return 0 if figures.a_start_answers and not set_aside else 1
 
 
 def _run(
     order: CollectOrder, engine: Engine, links: list[Link], seed: Path, say: Callable[[str], None]
-) -> dict[int, str]:
+) -> tuple[dict[int, str], Figures]:
     folder = order.folder
     folder.root.mkdir(parents=True, exist_ok=True)
     shares = order.shares or _known_shares(folder) or _shares_for(links, engine.workers)
@@ -76,32 +89,52 @@ def _run(
             files.copy_whole(seed, folder.seed)
         frontier = Frontier(folder.frontier, shares)
         try:
-            frontier.add_starts(links)
+            frontier.add_starts(_not_suppressed(order, links, say))
             set_aside = _run_rounds(order, engine, frontier, say)
-            _finish(order, frontier, say)
+            figures = _finish(order, frontier, say)
             if not set_aside:
                 folder.remove_leftovers()
         finally:
             frontier.close()
-    return set_aside
+    return set_aside, figures
+
+
+def _not_suppressed(
+    order: CollectOrder, links: Iterable[Link], say: Callable[[str], None]
+) -> Iterator[Link]:
+    """The starts that do not name an address of the suppression list; the others are told."""
+    suppression = Suppression(order.program, order.folder.handed)
+    for link in links:
+        if suppression and suppression.is_named_in(f"{link.start} {link.url}"):
+            say(f"{link.start}: it names an address of the suppression list, and is not visited.")
+        else:
+            yield link
 
 
 def read_starts(path: Path) -> list[str]:
-    """The starts of a file, each once. Keywords are refused."""
+    """The starts of a file, each once. Keywords, and schemes that cannot be visited, are refused."""
     starts = list(dict.fromkeys(read_lines(path)))
     for start in starts:
-        typed = start.startswith(("http://", "https://"))
-        if not typed and ("." not in start or " " in start or "\t" in start):
+        scheme = _scheme_of(start)
+        if scheme not in ("", "http", "https"):
+            raise ClusterError(f"{start}: only http and https can be visited")
+        if not scheme and ("." not in start or " " in start or "\t" in start):
             raise ClusterError(
                 f"{start}: a keyword cannot be divided; `quenlar collect` asks a search service for it"
             )
     return starts
 
 
+def _scheme_of(start: str) -> str:
+    """The scheme that is typed, in lower case. Empty without one."""
+    found = _SCHEME.match(start)
+    return found[1].lower() if found else ""
+
+
 def resolve_starts(quenlar: str, starts: Iterable[str]) -> Iterable[Link]:
     """The pages of starts and their sites, as the program sees them. Without a scheme https is tried first."""
     starts = list(starts)
-    typed = [start.startswith(("http://", "https://")) for start in starts]
+    typed = [_scheme_of(start) != "" for start in starts]
     requests = [
         {"url": start if known else f"https://{start}"} for start, known in zip(starts, typed)
     ]
@@ -140,13 +173,19 @@ def _shares_for(links: list[Link], workers: int) -> int:
     return max(_LEAST_SHARES, _LEAST_SHARES_A_WORKER * workers, -(-sites // _SITES_A_SHARE))
 
 
-def _make_seed(order: CollectOrder, home: Path) -> Path:
+def _make_seed(order: CollectOrder, home: Path) -> tuple[Path, list[str]]:
     """An empty collection: shares that begin with it number equal pages and bodies equally, and can be merged.
 
-    It is made each time, if only to hear what the program has to say of the options.
+    It is made each time, if only to hear what the program has to say of the options and settings: the other result.
     """
-    program.check([*_idle_run(order, home), "--name", "seed"])
-    return home / "data" / "seed.sqlite"
+    settings.hand_out(order.home, home)
+    with open(os.devnull, "wb") as nobody:
+        status, said = program.run(
+            [*_idle_run(order, home), "--name", "seed"], nobody, lambda: True
+        )
+    if status != 0:
+        raise ClusterError(said)
+    return home / "data" / "seed.sqlite", notices(said)
 
 
 def _idle_run(order: CollectOrder, home: Path) -> list[str]:
@@ -172,7 +211,7 @@ def _run_rounds(
         if not shares or round_number == done:
             return {share: set_aside.get(share, "its part is not there") for share in shares}
         done = round_number
-        say(f"Round {round_number}: {len(shares)} tasks.")
+        say(f"Round {round_number}: {counted(len(shares), 'task')}.")
         jobs = [_make_task(order, frontier, round_number, share, finished) for share in shares]
         for outcome in engine.run(collect_share, jobs):
             if outcome.failure is None:
@@ -182,7 +221,8 @@ def _run_rounds(
                 say(f"{outcome.job.name} has failed: {outcome.failure}")
         found = _merge_finished(order, frontier)
         folder.drop_old_shares()
-        say(f"Round {round_number} is done: {found} new or nearer links to other sites.")
+        links = counted(found, "new or nearer link")
+        say(f"Round {round_number} is done: {links} to other sites.")
 
 
 def _make_task(
@@ -216,7 +256,7 @@ def _merge_finished(order: CollectOrder, frontier: Frontier) -> int:
     )
 
 
-def _finish(order: CollectOrder, frontier: Frontier, say: Callable[[str], None]) -> None:
+def _finish(order: CollectOrder, frontier: Frontier, say: Callable[[str], None]) -> Figures:
     """One collection, and one list out of it."""
     folder = order.folder
     shares = {
@@ -238,11 +278,13 @@ def _finish(order: CollectOrder, frontier: Frontier, say: Callable[[str], None])
             )
         if status != 0:
             raise ClusterError(said)
+        figures = figures_of(collection)
         files.copy_whole(collection, folder.collection)
         files.copy_whole(addresses, target)
         with open(addresses, "rb") as rows:
             count = sum(1 for _ in rows)
-    say(f"{count} addresses in {target}, everything in {folder.collection}.")
+    say(f"{counted(count, 'address', 'es')} in {target}, everything in {folder.collection}.")
+    return figures
 
 
 def _erase_suppressed(order: CollectOrder, home: Path, name: str) -> None:

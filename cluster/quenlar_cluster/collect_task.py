@@ -12,6 +12,7 @@ from quenlar_cluster import files, program, settings
 from quenlar_cluster.errors import TaskFailed
 from quenlar_cluster.folder import Folder
 from quenlar_cluster.lease import Lease
+from quenlar_cluster.told import keep_notices
 
 _NAME = "share"
 _MOST_TOLD = 2000  # characters of a failed program's messages
@@ -90,7 +91,7 @@ def _visit(job: CollectJob, part: Path, lease: Lease) -> None:
         files.copy_whole(base, collection)
         rows = home / "rows.jsonl"
         with open(rows, "wb") as stream:
-            _collect(job, home, stream, lease)
+            said = _collect(job, home, stream, lease)
             for link in _links(collection, base, job.folder.task(job.round_number, job.share)):
                 stream.write(
                     json.dumps(link, ensure_ascii=False, separators=(",", ":")).encode() + b"\n"
@@ -98,11 +99,12 @@ def _visit(job: CollectJob, part: Path, lease: Lease) -> None:
         files.copy_whole(collection, job.folder.share(job.round_number, job.share))
         if not lease.held():
             raise TaskFailed("the lease was lost")
+        keep_notices(job.folder, job.round_number, job.share, said)
         files.copy_whole(rows, part)
 
 
-def _collect(job: CollectJob, home: Path, rows: BinaryIO, lease: Lease) -> None:
-    """Runs the program; its output, a row a new address, goes to `rows`."""
+def _collect(job: CollectJob, home: Path, rows: BinaryIO, lease: Lease) -> str:
+    """Runs the program; its output, a row a new address, goes to `rows`. Gives what it had to say."""
     command = [job.program, "--home", str(home), "collect", "--name", _NAME, "--format", "jsonl"]
     command += ["--links", str(job.folder.task(job.round_number, job.share)), *job.options]
     if job.archives:
@@ -112,6 +114,7 @@ def _collect(job: CollectJob, home: Path, rows: BinaryIO, lease: Lease) -> None:
         raise TaskFailed("the lease was lost")
     if status != 0:
         raise TaskFailed(f"quenlar collect ends with status {status}: {said[-_MOST_TOLD:]}")
+    return said
 
 
 def _links(collection: Path, base: Path, task: Path) -> Iterator[dict]:

@@ -52,8 +52,8 @@ visited in the next round. The same command goes on where it was stopped or kill
 aside. FOLDER/addresses.jsonl (.txt, .csv) is the list, FOLDER/data/collection.sqlite the collection:
 quenlar --home FOLDER addresses collection.
 
-Exit status: 0 everything is visited, 1 a task was set aside or the run could not be made (the message says why),
-2 wrong usage, 130 stopped.
+Exit status: 0 everything is visited, 1 a task was set aside, no start answers, or the run could not be made (the
+message says why), 2 wrong usage, 130 stopped.
 """
 
 _HARVEST_EPILOG = """\

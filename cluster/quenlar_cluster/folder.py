@@ -66,6 +66,10 @@ class Folder:
         """The links that a share visits in a round."""
         return self.root / "tasks" / f"{_name(round_number, share)}.jsonl"
 
+    def task_message(self, round_number: int, share: int) -> Path:
+        """What the program had to say of a task."""
+        return self.root / "tasks" / f"{_name(round_number, share)}.said.json"
+
     def part(self, round_number: int, share: int) -> Path:
         """What came of a task: addresses, and links to other sites."""
         return self.parts / f"{_name(round_number, share)}.jsonl"

@@ -3,6 +3,7 @@
 import csv
 import hashlib
 import json
+import re
 import shutil
 import sqlite3
 import tempfile
@@ -20,6 +21,10 @@ from quenlar_cluster.inputs import keep_inputs
 from quenlar_cluster.lease import Lease
 from quenlar_cluster.lists import read_lines
 from quenlar_cluster.suppression import Suppression
+from quenlar_cluster.told import counted
+
+# What the program puts before a field of CSV that a spreadsheet would take for a formula.
+_GUARD = re.compile(r"^'(?=[=+\-@\t ])")
 
 
 @dataclass(frozen=True)
@@ -87,7 +92,7 @@ def _run(order: HarvestOrder, engine: Engine, names: list[str], say: Callable[[s
             for number, given in enumerate(inputs, 1)
         ]
         left = [job for job in jobs if not job.part.exists()]
-        say(f"{len(jobs)} inputs, {len(left)} of them to read.")
+        say(f"{counted(len(jobs), 'input')}, {len(left)} of them to read.")
         failures = {
             outcome.job.number: outcome.failure for outcome in engine.run(harvest_input, left)
         }
@@ -147,11 +152,13 @@ def _held_against(suppression: Suppression, row: bytes, suffix: str) -> bytes | 
     if suffix == ".csv":
         names = ("address", "page", "title", "place")
         fields = dict(zip(names, next(csv.reader([text]))))
+        address = _GUARD.sub("", fields["address"])
     else:
         fields = json.loads(text)
+        address = fields["address"]
     page = fields["page"]
     of_record = page.startswith(("http://", "https://"))
-    if not suppression.keeps(fields["address"]) or (of_record and suppression.is_named_in(page)):
+    if not suppression.keeps(address) or (of_record and suppression.is_named_in(page)):
         return None
     if not suppression.is_named_in(fields["title"]):
         return row

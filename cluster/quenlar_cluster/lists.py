@@ -9,10 +9,11 @@ from quenlar_cluster.errors import ClusterError
 def read_lines(path: Path) -> list[str]:
     """The entries of a file, or of standard input for "-", in their order.
 
-    Blanks around an entry, empty lines and lines that begin with "#" do not count.
+    Blanks around an entry, empty lines, lines that begin with "#" and a byte order mark do not count.
     """
     try:
-        text = sys.stdin.read() if str(path) == "-" else path.read_text(encoding="utf-8")
+        content = sys.stdin.buffer.read() if str(path) == "-" else path.read_bytes()
+        text = content.decode("utf-8-sig")
     except OSError as error:
         raise ClusterError(f"{path}: {error.strerror}") from error
     except UnicodeDecodeError as error:

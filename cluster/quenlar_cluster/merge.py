@@ -20,6 +20,7 @@ _COPIED_OF_P = ", ".join(f"p.{column.strip()}" for column in _COPIED.split(","))
 _MAKE_TEMPORARY = f"""
 CREATE TEMP TABLE offsets (pages INTEGER, runs INTEGER);
 CREATE TEMP TABLE start_pages (page INTEGER PRIMARY KEY);
+CREATE TEMP TABLE host_waits (origin TEXT PRIMARY KEY, until INTEGER NOT NULL);
 CREATE TEMP TABLE foreign_pages AS
 SELECT id, key, url, '' AS origin, '' AS site, parent, 0 AS known, {_COPIED} FROM main.pages WHERE 0;
 """
@@ -46,7 +47,8 @@ SELECT p.id + o.pages, p.key, p.url, h.origin, h.site, p.parent + o.pages, {_COP
 FROM temp.offsets o, share.pages p JOIN share.hosts h ON h.id = p.host
 WHERE NOT owned(h.site) ORDER BY p.id;
 
-INSERT OR IGNORE INTO main.addresses (address, first_seen) SELECT address, first_seen FROM share.addresses ORDER BY id;
+INSERT INTO main.addresses (address, first_seen) SELECT address, first_seen FROM share.addresses WHERE true ORDER BY id
+ON CONFLICT (address) DO UPDATE SET first_seen = min(first_seen, excluded.first_seen);
 
 INSERT INTO main.sightings (address, page, place, written, first_seen, last_seen, gone)
 SELECT m.id, s.page + o.pages, s.place, s.written, s.first_seen, s.last_seen, s.gone FROM temp.offsets o,
@@ -55,6 +57,9 @@ SELECT m.id, s.page + o.pages, s.place, s.written, s.first_seen, s.last_seen, s.
 INSERT INTO main.runs (id, started, ended, reason, pages, failed, refused, new, protected, filtered, bytes, seconds)
 SELECT r.id + o.runs, started, ended, reason, r.pages, failed, refused, new, protected, filtered, bytes, seconds
 FROM temp.offsets o, share.runs r ORDER BY r.id;
+
+INSERT INTO temp.host_waits SELECT h.origin, w.until FROM share.waits w JOIN share.hosts h ON h.id = w.host WHERE true
+ON CONFLICT (origin) DO UPDATE SET until = max(until, excluded.until);
 
 DELETE FROM temp.offsets;
 """
@@ -76,6 +81,8 @@ INSERT OR IGNORE INTO main.hosts (origin, site) SELECT origin, site FROM temp.fo
 INSERT INTO main.pages (id, key, url, host, parent, {_COPIED})
 SELECT p.id, p.key, p.url, m.id, p.parent, {_COPIED_OF_P}
 FROM temp.foreign_pages p JOIN main.hosts m ON m.origin = p.origin WHERE p.known = p.id ORDER BY p.id;
+
+INSERT INTO main.waits (host, until) SELECT m.id, w.until FROM temp.host_waits w JOIN main.hosts m ON m.origin = w.origin;
 
 UPDATE main.pages SET moved_to = (SELECT known FROM temp.foreign_pages f WHERE f.id = main.pages.moved_to)
 WHERE moved_to IN (SELECT id FROM temp.foreign_pages);

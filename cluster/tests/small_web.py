@@ -13,6 +13,9 @@ class SmallWeb:
         self._lock = threading.Lock()
         self._pages: dict[tuple[int, str], str] = {}
         self._redirects: dict[tuple[int, str], str] = {}
+        self._texts: dict[tuple[int, str], str] = {}
+        self._busy: set[tuple[int, str]] = set()
+        self._broken: set[tuple[int, str]] = set()
         self._under_way: Counter[int] = Counter()
         self._gates: dict[tuple[int, str], threading.Event] = {}
         self.reached = threading.Condition(self._lock)
@@ -26,6 +29,18 @@ class SmallWeb:
     def page(self, host: int, path: str, body: str) -> None:
         """Puts a page in."""
         self._pages[host, path] = f"<title>{host}{path}</title>{body}"
+
+    def text(self, host: int, path: str, body: str) -> None:
+        """Puts a text in, such as a robots.txt."""
+        self._texts[host, path] = body
+
+    def keep_waiting(self, host: int, path: str) -> None:
+        """From now on the page asks to come again in 3000 seconds."""
+        self._busy.add((host, path))
+
+    def break_off(self, host: int, path: str) -> None:
+        """From now on the page is never answered: the connection is closed."""
+        self._broken.add((host, path))
 
     def redirect(self, host: int, path: str, target: str) -> None:
         """Puts a redirect in."""
@@ -84,6 +99,9 @@ class SmallWeb:
         try:
             if gate is not None and not self._wait_or_hang_up(gate, request):
                 return
+            if key in self._broken:
+                request.close_connection = True
+                return
             self._send(request, key)
         except (BrokenPipeError, ConnectionResetError):
             request.close_connection = True
@@ -110,11 +128,16 @@ class SmallWeb:
 
     def _send(self, request: BaseHTTPRequestHandler, key: tuple[int, str]) -> None:
         target = self._redirects.get(key)
-        body = self._pages.get(key, "").encode()
-        request.send_response(301 if target else 200 if key in self._pages else 404)
+        body = (self._pages.get(key) or self._texts.get(key, "")).encode()
+        found = key in self._pages or key in self._texts
+        busy = key in self._busy
+        request.send_response(301 if target else 429 if busy else 200 if found else 404)
         if target:
             request.send_header("Location", target)
-        request.send_header("Content-Type", "text/html; charset=utf-8")
+        if busy:
+            request.send_header("Retry-After", "3000")
+        kind = "plain" if key in self._texts else "html"
+        request.send_header("Content-Type", f"text/{kind}; charset=utf-8")
         request.send_header("Content-Length", str(len(body)))
         request.end_headers()
         request.wfile.write(body)

@@ -14,6 +14,7 @@ from pathlib import Path
 
 import pytest
 
+from quenlar_cluster.suppression import Suppression
 from running import PROGRAM, Machines, cluster, free_port, parent_of, quenlar, wait_until
 
 ARCHIVES = 12
@@ -223,7 +224,7 @@ def test_what_is_told_of_an_input_is_that_of_the_last_attempt(inputs: Path) -> N
 def test_who_is_suppressed_later_is_left_out(inputs: Path, list_format: str) -> None:
     """Though the parts that were made before have the address."""
     folder, home = inputs.parent, inputs.parent / "one"
-    named = record(1, b"<title>To Own1.2@firma.de</title>t@firma.de")
+    named = record(1, b"<title>Own1.2@firma.de|Home</title>t@firma.de +hotline@firma.de")
     visited = record(2, b"v@firma.de").replace(b".net/", b".net/own1.2@firma.de")
     (folder / "in" / "11.warc.gz").write_bytes(named + visited)
     quenlar(home, "filter", "--remove", "^own3")
@@ -236,14 +237,83 @@ def test_who_is_suppressed_later_is_left_out(inputs: Path, list_format: str) -> 
     assert (folder / "run" / name).read_bytes() == before
     assert b"own3." not in before
     digest = hashlib.sha256(b"own5.6@firma.de").hexdigest()
-    quenlar(home, "suppress", "Own1.2@FIRMA.de", "@folder.de", f"sha256:{digest}")
+    quenlar(
+        home, "suppress", "Own1.2@FIRMA.de", "@folder.de", "+hotline@firma.de", f"sha256:{digest}"
+    )
     assert cluster(*run, folder=folder).wait(120) == 0
     after = harvested_by_one(inputs, *options)
     assert (folder / "run" / name).read_bytes() == after
-    for gone in (b"own1.2@", b"own5.6@", b"@folder.de", b"v@firma.de"):
+    for gone in (b"own1.2@", b"own5.6@", b"@folder.de", b"hotline@", b"v@firma.de"):
         assert gone in before.lower()
         assert gone not in after.lower()
     assert b"t@firma.de" in after
+
+
+def test_a_text_names_an_address_where_the_program_says_so(tmp_path: Path) -> None:
+    """Whatever stands around it; a longer address does not name a shorter one."""
+    texts = [
+        around.replace("A", address)
+        for address in ("anna@garden.de", "Anna%40GARDEN.de", "%61nna@garden.d%65")
+        for around in (
+            "A",
+            "A|Home",
+            "Write to A!",
+            "*A*",
+            "'A'",
+            "{A}",
+            "A\u2013Home",
+            "\u201eA\u201c",
+            "?mail=A&x=1",
+            "A.html",
+            "A.html.",
+            "A.com",
+            "A-b",
+            "Ab",
+            "joA",
+            "j.A",
+            "+A",
+            "_A",
+            "\u00e4A",
+            "%A",
+            "A%41",
+            "A%2Fx",
+            "x%2FA",
+            "A@x.de",
+            "x@A",
+        )
+    ]
+    digest = "sha256:" + hashlib.sha256(b"bert@garden.de").hexdigest()
+    texts += [
+        "x@berry.fr|y",
+        "x@berry.fr.html",
+        "x@b.berry.fr",
+        "bert@garden.de!",
+        "no one",
+        "@",
+        "%40",
+    ]
+    texts += ["a" * 64 + "@berry.fr", "a" * 65 + "@berry.fr", "a" * 65 + "*b@berry.fr"]
+    home = tmp_path / "home"
+    archive = tmp_path / "a.warc"
+    archive.write_bytes(
+        b"".join(
+            record(number, f"<title>{text}</title>row{number}@rows.de".encode())
+            for number, text in enumerate(texts)
+        )
+    )
+
+    def harvested_titles() -> list[str]:
+        rows = quenlar(home, "harvest", "--format", "jsonl", str(archive)).splitlines()
+        return [row["title"] for row in map(json.loads, rows) if "@rows.de" in row["address"]]
+
+    titles = harvested_titles()
+    assert len(titles) == len(texts)
+    quenlar(home, "suppress", "anna@garden.de", "@berry.fr", digest)
+    kept = harvested_titles()
+    suppression = Suppression(PROGRAM, home)
+    named = [title for title, now in zip(titles, kept, strict=True) if not now]
+    assert [title for title in titles if suppression.is_named_in(title)] == named
+    assert 40 < len(named) < len(texts) - 15
 
 
 def test_options_of_the_program_hold(inputs: Path) -> None:

@@ -2,9 +2,12 @@
 
 import json
 import os
+import shutil
 import signal
+import sqlite3
 import subprocess
 import sys
+from contextlib import closing
 from pathlib import Path
 
 import pytest
@@ -18,7 +21,8 @@ from quenlar_cluster.folder import Folder
 from quenlar_cluster.frontier import Frontier, Link, links_of, share_of
 from quenlar_cluster.harvest_task import HarvestJob, harvest_input
 from quenlar_cluster.lease import Lease
-from running import PROGRAM, parent_of, wait_until
+from quenlar_cluster.merge import merge_collections
+from running import PROGRAM, parent_of, quenlar, wait_until
 
 
 def test_a_file_is_replaced_whole_or_not_at_all(tmp_path: Path) -> None:
@@ -181,8 +185,9 @@ def test_a_worker_that_has_lost_its_lease_leaves_no_part(
     folder.make()
     folder.seed.touch()
 
-    def collect(_job: CollectJob, _home: Path, _rows: object, lease: Lease) -> None:
+    def collect(_job: CollectJob, _home: Path, _rows: object, lease: Lease) -> str:
         monkeypatch.setattr(lease, "held", lambda: False)
+        return ""
 
     monkeypatch.setattr(collect_task, "_collect", collect)
     monkeypatch.setattr(collect_task, "_links", lambda *_: [])
@@ -233,6 +238,13 @@ def test_starts_are_read_as_the_program_reads_them(tmp_path: Path) -> None:
         "# sites\n\n  www.example.org \r\nhttp://b.example/x\nwww.example.org\n", encoding="utf-8"
     )
     assert read_starts(path) == ["www.example.org", "http://b.example/x"]
+    path.write_text("HTTP://www.example.org\n", encoding="utf-8-sig")
+    assert read_starts(path) == ["HTTP://www.example.org"]
+    path.write_text("ftp://www.example.org/\n", encoding="utf-8")
+    with pytest.raises(
+        ClusterError, match="ftp://www.example.org/: only http and https can be visited"
+    ):
+        read_starts(path)
     path.write_text("picture search\n", encoding="utf-8")
     with pytest.raises(ClusterError, match="keyword"):
         read_starts(path)
@@ -250,6 +262,7 @@ def test_starts_are_resolved_by_the_program(tmp_path: Path) -> None:
         "http://a.b.co.uk:8080/x#y",
         "http://[::1]:8080/",
         "127.0.0.1:9",
+        "HTTP://WWW.example.org",
     ]
     links = list(resolve_starts(PROGRAM, starts))
     assert [(link.url, link.site, link.https_first) for link in links] == [
@@ -257,9 +270,44 @@ def test_starts_are_resolved_by_the_program(tmp_path: Path) -> None:
         ("http://a.b.co.uk:8080/x", "b.co.uk", False),
         ("http://[::1]:8080/", "[::1]", False),
         ("https://127.0.0.1:9/", "127.0.0.1", True),
+        ("http://www.example.org/", "example.org", False),
     ]
     assert [link.start for link in links] == starts
     assert all(link.private for link in links)
+
+
+def test_of_what_shares_know_the_first_sighting_and_the_longest_wait_count(tmp_path: Path) -> None:
+    """Whatever the order of the shares."""
+    (tmp_path / "nothing").touch()
+    arguments = ("--links", str(tmp_path / "nothing"), "--name", "seed", "--assume-online")
+    quenlar(tmp_path, "collect", *arguments)
+    seed = tmp_path / "data" / "seed.sqlite"
+    sites = [f"site{number}.example" for number in range(20)]
+    by_share = {share_of(site, 2): site for site in sites}
+    shares = {}
+    for share, seen, until in ((0, 300, 5000), (1, 200, 4000)):
+        shares[share] = tmp_path / f"{share}.sqlite"
+        shutil.copyfile(seed, shares[share])
+        with closing(sqlite3.connect(shares[share])) as database, database:
+            # Each knows both hosts; one of them is its own.
+            for site in by_share.values():
+                database.execute(
+                    "INSERT INTO hosts (origin, site) VALUES (?, ?)", (f"http://{site}", site)
+                )
+                database.execute("INSERT INTO waits VALUES (last_insert_rowid(), ?)", (until,))
+            database.execute(
+                "INSERT INTO addresses (address, first_seen) VALUES ('a@x.de', ?)", (seen,)
+            )
+    merged = tmp_path / "merged.sqlite"
+    merge_collections(seed, shares, 2, [], merged)
+    with closing(sqlite3.connect(merged)) as database:
+        assert database.execute("SELECT address, first_seen FROM addresses").fetchall() == [
+            ("a@x.de", 200)
+        ]
+        waits = "SELECT h.site, w.until FROM waits w JOIN hosts h ON h.id = w.host ORDER BY 1"
+        assert database.execute(waits).fetchall() == [
+            (site, 5000) for site in sorted(by_share.values())
+        ]
 
 
 def test_a_program_dies_with_who_started_it(tmp_path: Path) -> None:
