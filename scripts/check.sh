@@ -98,10 +98,11 @@ for source in $(printf '%s\n' "$portable" | grep '\.cpp$'); do
     report own-header-first "$source"
   fi
 done
-for header in $(printf '%s\n' "$portable" | grep '\.h$'); do
-  [ -f "${header%.h}.cpp" ] || g++ -std=c++20 -fsyntax-only -Isrc -x c++ - <<<"#include \"${header#src/}\"" ||
-    report header-alone "$header"
-done
+alone() {  # HEADER: named where it does not compile by itself
+  [ -f "${1%.h}.cpp" ] || g++ -std=c++20 -fsyntax-only -Isrc -x c++ - <<<"#include \"${1#src/}\"" || echo "$1"
+}
+export -f alone
+report header-alone "$(printf '%s\n' "$portable" | grep '\.h$' | xargs -P "$(nproc)" -n 1 bash -c 'alone "$1"' alone)"
 
 # 7. Every header opens with its purpose, and nothing unfinished is left.
 for file in $(printf '%s\n' "$product" | grep '\.h$'); do
