@@ -62,15 +62,17 @@ void Crawler::OnSearchAnswer(WebAnswer answer) {
     if (Failed(start)) return;
     if (start.value().page == 0) PlaceSite(start.value(), *url, false);
   }
-  if (!brought_new || ++search_.page > kMostSearchPages) EndSearch(reply.problem, reply.problem.empty());
+  if (brought_new && ++search_.page <= kMostSearchPages) return;
+  EndSearch(reply.problem, reply.problem.empty() || !search_.seen.empty());
 }
 
-// The first keyword has brought what it can. A search that broke off, or that ended because the service has problems,
-// is made again by the next run.
+// The first keyword has brought what it can. A search that broke off, or that found nothing because the service has
+// problems, is made again by the next run. One that found something is not: an engine of the service that never answers
+// would have it made again for ever.
 void Crawler::EndSearch(const std::string& problem, bool complete) {
   const StartRow keyword = std::move(search_.keywords.front());
   search_.keywords.pop_front();
-  if (search_.seen.empty() || !complete) {
+  if (search_.seen.empty() || !problem.empty()) {
     start_problems_.push_back(keyword.text + ": " + (problem.empty() ? "the search finds nothing" : problem));
   }
   if (complete) Failed(collection_.MarkAsked(keyword.id, world_.clock.UtcSeconds()));
