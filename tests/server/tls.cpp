@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <openssl/core_names.h>
+#include <openssl/ec.h>
 #include <openssl/evp.h>
 #include <openssl/param_build.h>
 #include <openssl/pem.h>
@@ -37,6 +38,17 @@ void AddExtension(X509* certificate, X509* issuer, int id, const char* value) {
   X509_EXTENSION_free(extension);
 }
 
+// Whether both numbers of the signature have the 32 bytes of the curve. One in 128 signatures has a shorter one.
+bool IsFullLength(const X509* certificate) {
+  const ASN1_BIT_STRING* signature = nullptr;
+  X509_get0_signature(&signature, nullptr, certificate);
+  const unsigned char* bytes = signature->data;
+  ECDSA_SIG* numbers = d2i_ECDSA_SIG(nullptr, &bytes, signature->length);
+  const bool full = BN_num_bytes(ECDSA_SIG_get0_r(numbers)) == 32 && BN_num_bytes(ECDSA_SIG_get0_s(numbers)) == 32;
+  ECDSA_SIG_free(numbers);
+  return full;
+}
+
 // Signed by `issuer`, or by itself when there is none. `names` as in "IP:127.0.0.1,DNS:localhost".
 Identity Certify(const char* subject, const char* names, const Identity* issuer, long from, long until) {
   static long serial = 1;
@@ -53,7 +65,11 @@ Identity Certify(const char* subject, const char* names, const Identity* issuer,
   X509_set_issuer_name(certificate, X509_get_subject_name(signer));
   AddExtension(certificate, signer, NID_basic_constraints, issuer == nullptr ? "critical,CA:TRUE" : "CA:FALSE");
   if (names != nullptr) AddExtension(certificate, signer, NID_subject_alt_name, names);
-  X509_sign(certificate, issuer != nullptr ? issuer->key : identity.key, EVP_sha256());
+  // Wine puts the two numbers of a signature together without the leading zeros that a short one needs, and takes the
+  // certificate for a wrong one. Each signature is another one, so one of full length comes soon.
+  do {
+    X509_sign(certificate, issuer != nullptr ? issuer->key : identity.key, EVP_sha256());
+  } while (!IsFullLength(certificate));
   return identity;
 }
 
